@@ -1,0 +1,83 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <vector>
+
+#include "runtime/error.h"
+#include "runtime/form.h"
+
+namespace zev {
+
+/// What the run-time needs of a toolkit to put forms on a screen and to hear of the person. A
+/// binding implements it; all calls come on the one user-interface thread.
+class FormEngine : public FormObserver {
+ public:
+  /// The form was loaded; its controls can be created. Called once a load.
+  virtual void loaded(Form& form) = 0;
+  virtual void shown(Form& form) = 0;
+  virtual void hidden(Form& form) = 0;
+  /// The form is gone; its window can be destroyed.
+  virtual void unloaded(Form& form) = 0;
+
+  /// One pass of the message loop begins.
+  virtual void beginPass() = 0;
+  /// Dispatches what waits and queues the events that come of it (Application::post), without
+  /// running any handler. False if nothing waited.
+  virtual bool pump() = 0;
+  /// Waits for the next message and does as pump(). False if none will ever come.
+  virtual bool wait() = 0;
+
+  /// The handle of the form's window; 0 before it is loaded.
+  virtual std::uintptr_t windowHandle(const Form& form) = 0;
+  /// Width of a text in the form's font, in the form's scale (twips).
+  virtual double TextWidth(const Form& form, TextView text) = 0;
+  /// Width of one pixel of the screen in twips.
+  virtual double TwipsPerPixelX() = 0;
+};
+
+/// The program as the run-time runs it: its loaded forms, its queue of events and its message loop.
+///
+/// Handlers run from the top of the loop, never inside a dispatch: a binding posts what happened, and
+/// run() and DoEvents() run it. A run-time error that leaves a handler ends the program.
+class Application {
+ public:
+  /// Borrows the engine, which outlives the application.
+  explicit Application(FormEngine& engine) : engine_(engine) {}
+
+  /// Runs the program: the entry procedure, then the message loop until the last form is gone.
+  /// Leaves by ProgramEnd or UnhandledError for every end but one: it returns when the engine has no
+  /// more messages, with forms still open.
+  void run(const EventProcedure& entry);
+
+  /// Loads the form if need be (its Load event runs before it is visible) and shows it. A form that
+  /// its own Load unloaded is not shown.
+  void Show(Form& form);
+  void Hide(Form& form);
+  /// Unloads a loaded form: the query, the unload event, then it is gone. True if it is gone.
+  bool Unload(Form& form, UnloadMode mode = UnloadMode::Code);
+
+  /// One pass of the message loop. If the program is over behind it, the unwinding starts here:
+  /// ProgramEnd.
+  void DoEvents();
+
+  /// The language's statement that ends the program on the spot.
+  [[noreturn]] static void End() { throw ProgramEnd{EndKind::Exit}; }
+
+  /// Queues an event procedure to be run from the top of the message loop.
+  void post(EventProcedure event) { queue_.push_back(std::move(event)); }
+
+  const std::vector<Form*>& forms() const { return forms_; }
+  FormEngine& engine() const { return engine_; }
+
+ private:
+  void load(Form& form);
+  void runQueue();
+  void leaveIfOver() const;
+
+  FormEngine& engine_;
+  std::vector<Form*> forms_;  ///< loaded, oldest first
+  std::deque<EventProcedure> queue_;
+};
+
+}  // namespace zev

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "runtime/controls.h"
+
+namespace zev {
+
+/// Who asks for an unload: the query of a form may tell them apart.
+enum class UnloadMode {
+  ControlMenu = 0,  ///< the person, by the title bar
+  Code = 1,         ///< the program
+};
+
+/// A form as it stands at design time.
+struct FormDesign {
+  TextView name;
+  TextView caption;
+  std::int32_t width = 0;   ///< of the client area, twips
+  std::int32_t height = 0;  ///< of the client area, twips
+  bool toolWindow = false;
+  std::span<const ControlDesign> controls;
+};
+
+/// A form: its properties, its controls in the order of the design, and its event procedures. Forms
+/// are plain objects; the application loads, shows, hides and unloads them.
+class Form : public Component {
+ public:
+  explicit Form(const FormDesign& design);
+
+  const FormDesign& design() const { return design_; }
+
+  Property<Text> Caption{*this, "Caption"};
+  Property<bool> Enabled{*this, "Enabled", true};
+  Property<bool> Visible{*this, "Visible", false};
+  /// The scale of positions within the form; 1 is twips.
+  Property<std::int32_t> ScaleMode{*this, "ScaleMode", 1};
+
+  /// All controls, in the order of the design.
+  const std::vector<Control*>& Controls() const { return controls_; }
+  /// The control of that name, letter case aside, "Frame1(2)" for one of an array; null if none.
+  Control* findControl(TextView name) const;
+
+  /// The control of that name as its own type. A design without it is an error of the program and
+  /// throws std::logic_error.
+  template <typename T>
+  T& control(TextView name) const {
+    return dynamic_cast<T&>(designed(name));
+  }
+
+  /// Event procedures. `Cancel` set to -1 keeps the form open.
+  EventProcedure Load;
+  std::function<void(std::int16_t& Cancel, UnloadMode mode)> QueryUnload;
+  std::function<void(std::int16_t& Cancel)> Unload;
+
+  /// Lets an observer learn of the form and of all its controls.
+  void observeAll(FormObserver* observer);
+
+  /// Takes the form and all its controls back to their state at design time.
+  void restoreDesign();
+
+  bool loaded() const { return loaded_; }
+
+ private:
+  friend class Application;
+  Control& designed(TextView name) const;
+
+  FormDesign design_;
+  std::vector<std::unique_ptr<Control>> owned_;
+  std::vector<Control*> controls_;
+  bool loaded_ = false;
+};
+
+}  // namespace zev

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zev {
+
+/// Text of the program: UTF-16, its lengths and positions count 16-bit units.
+using Text = std::u16string;
+using TextView = std::u16string_view;
+
+/// One line end of a message or a text file.
+inline constexpr TextView lineEnd = u"\r\n";
+
+/// Takes blanks (U+0020) off the left, the right, or both ends. No other character counts: a tab, a
+/// NUL or a no-break space stays.
+TextView ltrim(TextView text);
+TextView rtrim(TextView text);
+TextView trim(TextView text);
+
+/// The first or last `count` units; the whole text if it is shorter. A negative count is error 5.
+TextView left(TextView text, std::int32_t count);
+TextView right(TextView text, std::int32_t count);
+
+/// Units from the 1-based position on; empty behind the end. A position below 1 is error 5.
+TextView mid(TextView text, std::int32_t position);
+
+/// Length in 16-bit units.
+std::int32_t len(TextView text);
+
+/// 1-based position of the first `wanted` in `text`, or 0. An empty `wanted` is found at 1 in a text
+/// that is not empty.
+std::int32_t inStr(TextView text, TextView wanted);
+
+/// The same without regard to case.
+std::int32_t inStrText(TextView text, TextView wanted);
+
+/// What stands before the first NUL; the whole text if there is none.
+TextView beforeNul(TextView text);
+
+/// The text without one such character at its end, if it ends in one.
+TextView withoutTrailing(TextView text, char16_t character);
+
+/// A text of `count` blanks, as a call's buffer.
+Text blanks(std::size_t count);
+
+/// Folds case of the Latin, Greek and Cyrillic letters; everything else stays. The dotted and the
+/// dotless i of Turkish fold to themselves, as they do outside a Turkish system.
+Text lowerCase(TextView text);
+Text upperCase(TextView text);
+
+/// Equality without regard to case.
+bool equalText(TextView first, TextView second);
+
+/// The decimal text of a whole number, with a leading "-" below zero and no leading blank.
+Text decimal(std::int64_t number);
+
+/// Upper-case hexadecimal text without leading zeros.
+Text hexadecimal(std::uint32_t number);
+
+/// Conversions at the edge of the program: tools, tests and diagnostics speak UTF-8. What is no
+/// valid sequence becomes U+FFFD.
+std::string toUtf8(TextView text);
+Text fromUtf8(std::string_view text);
+
+/// Joins pieces to one text.
+template <typename... Pieces>
+Text join(const Pieces&... pieces) {
+  Text whole;
+  whole.reserve((TextView(pieces).size() + ... + 0));
+  (whole.append(TextView(pieces)), ...);
+  return whole;
+}
+
+}  // namespace zev
