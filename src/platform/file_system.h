@@ -1,0 +1,125 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "runtime/text.h"
+
+namespace zev {
+
+/// The system's own error numbers, as far as the program tells them apart. 0 is success.
+using SystemError = std::uint32_t;
+
+namespace system_error {
+inline constexpr SystemError success = 0;
+inline constexpr SystemError fileNotFound = 2;
+inline constexpr SystemError pathNotFound = 3;
+inline constexpr SystemError tooManyOpenFiles = 4;
+inline constexpr SystemError accessDenied = 5;
+inline constexpr SystemError invalidHandle = 6;
+inline constexpr SystemError notEnoughMemory = 8;
+inline constexpr SystemError invalidDrive = 15;
+inline constexpr SystemError noMoreFiles = 18;
+inline constexpr SystemError writeProtect = 19;
+inline constexpr SystemError notReady = 21;
+inline constexpr SystemError sharingViolation = 32;
+inline constexpr SystemError lockViolation = 33;
+inline constexpr SystemError handleDiskFull = 39;
+inline constexpr SystemError badNetworkPath = 53;
+inline constexpr SystemError fileExists = 80;
+inline constexpr SystemError invalidParameter = 87;
+inline constexpr SystemError diskFull = 112;
+inline constexpr SystemError invalidName = 123;
+inline constexpr SystemError directoryNotEmpty = 145;
+inline constexpr SystemError alreadyExists = 183;
+inline constexpr SystemError fileNameTooLong = 206;
+inline constexpr SystemError directoryInvalid = 267;
+}  // namespace system_error
+
+/// File attributes, as the system and the run-time number them.
+namespace file_attribute {
+inline constexpr std::uint32_t normal = 0;
+inline constexpr std::uint32_t readOnly = 1;
+inline constexpr std::uint32_t hidden = 2;
+inline constexpr std::uint32_t system = 4;
+inline constexpr std::uint32_t volume = 8;
+inline constexpr std::uint32_t directory = 16;
+inline constexpr std::uint32_t archive = 32;
+}  // namespace file_attribute
+
+/// One entry of a directory.
+struct DirectoryEntry {
+  Text name;                     ///< in the case in which it was made
+  std::uint32_t attributes = 0;  ///< of `file_attribute`, those six only
+  std::uint64_t size = 0;        ///< bytes; 0 for a directory
+};
+
+/// A handle of an open file or of a running search; 0 is none.
+using FileHandle = std::uintptr_t;
+
+enum class FileAccess { Read, Write, ReadWrite };
+
+/// What others may do with the file while it is open.
+enum class FileShare { All, Nothing };
+
+enum class FileDisposition {
+  OpenExisting,  ///< fails with fileNotFound if there is none
+  OpenAlways,    ///< creates an empty file if there is none
+  CreateAlways,  ///< creates a file or empties the one that is there
+};
+
+/// The file calls of the system, one call an operation, failing with the system's numbers.
+///
+/// Paths are the system's: a drive letter, a colon, backslashes (a slash stands for a backslash), or
+/// two backslashes, a machine and a share. They match without regard to case and keep the case in
+/// which they were made. Texts pass through the code page of the system, so that a character which
+/// it cannot represent becomes its default character. A name that the system does not allow fails
+/// with invalidName, a missing parent with pathNotFound, a drive that is not there with pathNotFound.
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  /// Begins a search for the entries that a pattern's last component matches ("*" and "?", the
+  /// pattern "*.*" matching every name). Entries of a directory that is not a root begin with "."
+  /// and "..". A drive's root cannot be asked for by its own name: "C:" and "C:\" fail with
+  /// fileNotFound. `search` is to be closed by FindClose if and only if the call succeeds.
+  virtual SystemError FindFirstFileA(TextView pattern, DirectoryEntry& entry,
+                                     FileHandle& search) = 0;
+  /// The next entry, or noMoreFiles.
+  virtual SystemError FindNextFileA(FileHandle search, DirectoryEntry& entry) = 0;
+  virtual void FindClose(FileHandle search) = 0;
+
+  /// Opens a file. A directory fails with accessDenied; a read-only file that is to be written, too;
+  /// a file that somebody has open without sharing, or that runs as a program and is to be written,
+  /// with sharingViolation. A new file has the archive attribute.
+  virtual SystemError CreateFileA(TextView path, FileAccess access, FileShare share,
+                                  FileDisposition disposition, FileHandle& file) = 0;
+  /// Reads up to the length of `into` at a byte offset; `read` is less at the end of the file.
+  virtual SystemError ReadFile(FileHandle file, std::uint64_t offset, std::span<std::uint8_t> into,
+                               std::size_t& read) = 0;
+  /// Writes all of `from` at a byte offset, filling a gap behind the end with zeros, or fails; with
+  /// diskFull what fitted is written and counted in `written`.
+  virtual SystemError WriteFile(FileHandle file, std::uint64_t offset,
+                                std::span<const std::uint8_t> from, std::size_t& written) = 0;
+  virtual SystemError GetFileSize(FileHandle file, std::uint64_t& size) = 0;
+  virtual void CloseHandle(FileHandle file) = 0;
+
+  /// A read-only file fails with accessDenied, one in use with sharingViolation, a directory with
+  /// accessDenied.
+  virtual SystemError DeleteFileA(TextView path) = 0;
+  /// An existing entry of that name fails with alreadyExists.
+  virtual SystemError CreateDirectoryA(TextView path) = 0;
+  /// A directory that holds something fails with directoryNotEmpty, a file with directoryInvalid.
+  virtual SystemError RemoveDirectoryA(TextView path) = 0;
+  virtual SystemError GetFileAttributesA(TextView path, std::uint32_t& attributes) = 0;
+  /// Sets read-only, hidden, system and archive; a directory stays one.
+  virtual SystemError SetFileAttributesA(TextView path, std::uint32_t attributes) = 0;
+  /// True if the drive of a root such as "C:\" is there and ready.
+  virtual bool rootExists(TextView root) = 0;
+
+  /// Bytes of a text in the system's code page and back: what a text file holds.
+  virtual std::string toAnsi(TextView text) = 0;
+  virtual Text fromAnsi(std::string_view bytes) = 0;
+};
+
+}  // namespace zev

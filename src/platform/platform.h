@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/dde.h"
+#include "platform/dialogs.h"
+#include "platform/drives.h"
+#include "platform/files.h"
+#include "platform/lz_services.h"
+#include "platform/processes.h"
+#include "platform/registry_api.h"
+#include "platform/shell_folders.h"
+#include "platform/shortcuts.h"
+#include "platform/system_information.h"
+#include "platform/windows.h"
+#include "runtime/application.h"
+
+namespace zev {
+
+/// All services of one machine, borrowed from the binding that made them and outliving every use.
+struct Platform {
+  Application& application;  ///< forms, events and the message loop
+  Dialogs& dialogs;
+  Files& files;
+  RegistryApi& registry;
+  LzServices& lz;
+  SystemInformation& system;
+  Drives& drives;
+  Windows& windows;
+  Processes& processes;
+  ShellFolders& shellFolders;
+  Shortcuts& shortcuts;
+  Dde& dde;
+};
+
+}  // namespace zev

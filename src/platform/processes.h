@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/windows.h"
+#include "runtime/text.h"
+
+namespace zev {
+
+inline constexpr std::uint32_t SYNCHRONIZE = 1048576;
+inline constexpr std::uint32_t INFINITE = 0xFFFFFFFF;
+
+/// A handle of a process; 0 is none.
+using ProcessHandle = std::uintptr_t;
+
+/// Starting programs and waiting.
+class Processes {
+ public:
+  virtual ~Processes() = default;
+
+  /// The run-time's statement: starts a command line with a window of that style (1: normal, with
+  /// focus), does not wait, and returns the identifier of the process. A program that is not there is
+  /// error 53, one that cannot be started error 5.
+  virtual std::int32_t Shell(TextView commandLine, std::int32_t style) = 0;
+  /// 0 on failure.
+  virtual ProcessHandle OpenProcess(std::uint32_t access, bool inherit, std::int32_t process) = 0;
+  virtual std::uint32_t WaitForSingleObject(ProcessHandle process, std::uint32_t milliseconds) = 0;
+  virtual void CloseHandle(ProcessHandle process) = 0;
+  virtual void Sleep(std::uint32_t milliseconds) = 0;
+  /// Opens a file or folder with the program of its type. Above 32 for success.
+  virtual std::intptr_t ShellExecuteA(WindowHandle window, TextView verb, TextView file,
+                                      TextView parameters, TextView directory,
+                                      std::int32_t show) = 0;
+  /// Folder of the program's own file, without a trailing backslash but for a root, and the name of
+  /// that file without its extension.
+  virtual Text ownFolder() = 0;
+  virtual Text ownName() = 0;
+};
+
+}  // namespace zev
