@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/platform.h"
+#include "state/form1.h"
+#include "state/globals.h"
+
+namespace zev {
+
+/// Procedures of the wizard's form that modules below it call back.
+class Form1Procedures {
+ public:
+  virtual ~Form1Procedures() = default;
+  virtual void Command1_Click() = 0;   ///< as if the person had pressed Back
+  virtual void Command4_Click() = 0;   ///< opens the folder browser
+  virtual void DizinGuncelle() = 0;    ///< normalises the install directory
+  virtual void RemoveTempFiles() = 0;  ///< empties the working folder of the install
+};
+
+/// What all modules of one running program share: the machine, the globals and the wizard's form.
+struct Program {
+  Platform& platform;
+  Globals globals{};
+  Form1 form1{};
+
+  /// One pass of the message loop: pending events run.
+  void DoEvents() const { platform.application.DoEvents(); }
+};
+
+}  // namespace zev
