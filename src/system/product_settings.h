@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+
+#include "runtime/text.h"
+#include "system/registry.h"
+
+namespace zev {
+
+/// Key of the product's settings under HKEY_LOCAL_MACHINE; in the value files it counts for nothing.
+inline constexpr TextView settingsKey = u"Software\\Tavorns\\ZEV5";
+
+/// Names of the settings that others read, too.
+namespace setting {
+inline constexpr TextView Dizin = u"Dizin";
+inline constexpr TextView Language = u"Language";
+inline constexpr TextView Version = u"Version";
+}  // namespace setting
+
+/// The generation that the run stores as `Version`.
+inline constexpr std::int16_t productVersion = 21;
+
+/// Writes the product's settings through the normal choice of store: what the run does for its own
+/// user, and for every other profile. All calls in this order make one whole set.
+class ProductSettings {
+ public:
+  /// Borrows the registry.
+  explicit ProductSettings(Registry& registry) : registry_(registry) {}
+
+  void writeDirectory(TextView directory);
+  /// Brings the settings of an earlier version along, by the version on record.
+  void upgrade();
+  /// The version and what every install sets.
+  void write(std::int16_t version);
+  /// The place in the list of languages; none if nothing is selected (-1).
+  void writeLanguage(std::int32_t listIndex);
+
+ private:
+  std::int32_t read(TextView name, std::int32_t defaultNumber);
+  void set(TextView name, std::int32_t number);
+
+  Registry& registry_;
+};
+
+}  // namespace zev

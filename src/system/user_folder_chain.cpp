@@ -1,0 +1,208 @@
+#include "system/user_folder_chain.h"
+
+#include <utility>
+
+#include "runtime/error.h"
+#include "system/attributes.h"
+#include "system/special_folders.h"
+
+namespace zev {
+namespace {
+
+constexpr TextView makerFolder = u"\\Tavorns";
+constexpr TextView productFolder = u"\\Tavorns\\ZEV5";
+constexpr TextView profiles = u":\\Users\\";
+constexpr TextView localFolder = u"\\AppData\\Local";
+constexpr TextView boxTitle = u"ZEV Screen Recorder";
+constexpr std::uint32_t accountSize = 256;
+
+constexpr TextView ownFolder = u"\\Program Files\\ZEVConf";
+constexpr TextView ownFolderLevels[] = {
+    u"\\Program Files",
+    u"\\Program Files\\ZEVConf",
+    u"\\Program Files\\ZEVConf\\Tavorns",
+    u"\\Program Files\\ZEVConf\\Tavorns\\ZEV5",
+};
+
+}  // namespace
+
+UserFolderChain::UserFolderChain(Program& program, Phrases& phrases,
+                                 std::function<void(std::int32_t)> setStage)
+    : program_(program),
+      globals_(program.globals),
+      phrases_(phrases),
+      setStage_(std::move(setStage)) {}
+
+void UserFolderChain::run() {
+  setStage_(4);
+  driveLetter_ = left(systemDirectoryBuffer(program_, 256), 1);
+  setStage_(5);
+  globals_.gUserDir = GetKnownFolder(program_, known_folder::localAppData);
+  if (acceptKnownFolder()) return;
+  const std::optional<Text> name = userName(program_);
+  if (!name) {
+    setStage_(12);
+    globals_.gUserDir.clear();
+    makeOwnFolder();
+    return;
+  }
+  setStage_(13);
+  takeProfile(profileFolder(*name));
+  takeSecondProfile(*name);
+  takeStartMenuProfile();
+  lastResort();
+}
+
+bool UserFolderChain::exists(TextView folder) {
+  const TextView trimmed = trim(folder);
+  return !trimmed.empty() && zev::exists(program_.platform.files, trimmed, dir_mask::anyEntry);
+}
+
+// ---- the known folder
+
+bool UserFolderChain::acceptKnownFolder() {
+  if (!exists(globals_.gUserDir)) return false;
+  globals_.gUserDir = withoutTrailing(trim(globals_.gUserDir), u'\\');
+  clearAttributes(globals_.gUserDir, 6);
+  clearAttributes(join(globals_.gUserDir, makerFolder), 8);
+  globals_.gUserData = join(globals_.gUserDir, productFolder);
+  clearAttributes(globals_.gUserData, 10);
+  return true;
+}
+
+void UserFolderChain::clearAttributes(TextView folder, std::int32_t hiddenStage) {
+  setStage_(hiddenStage);
+  if (ClearHiddenAttribute(program_.platform.files, folder) == -1) {
+    messageAbout(
+        u"The following folder is hidden and couldn't change its attribute to visible. You should do "
+        u"it manually.",
+        folder);
+  }
+  setStage_(hiddenStage + 1);
+  if (ClearReadOnlyAttribute(program_.platform.files, folder) == -1) {
+    messageAbout(
+        u"The following folder is readonly and couldn't change its attribute. You should do it "
+        u"manually.",
+        folder);
+  }
+}
+
+// ---- the profiles by name
+
+Text UserFolderChain::profileFolder(TextView name) const {
+  return join(driveLetter_, profiles, name, localFolder);
+}
+
+void UserFolderChain::takeProfile(TextView folder) {
+  globals_.gUserDir = folder;
+  globals_.gUserData = join(globals_.gUserDir, productFolder);
+}
+
+void UserFolderChain::takeSecondProfile(TextView name) {
+  setStage_(14);
+  Text domain(accountSize, u'\0');
+  std::uint32_t size = accountSize;
+  domain_.clear();
+  globals_.gUserDirAlt.clear();
+  globals_.gUserDataAlt.clear();
+  if (!program_.platform.system.LookupAccountNameA(trim(name), accountSize, domain, size)) return;
+  domain_ = inStr(domain, TextView(u"\0", 1)) > 0 ? beforeNul(domain) : trim(domain);
+  setStage_(15);
+  const Text folder = profileFolder(join(name, u".", domain_));
+  if (!exists(folder)) return;
+  globals_.gUserDirAlt = folder;
+  globals_.gUserDataAlt = join(folder, productFolder);
+}
+
+/// A profile that bears another name than its user shows in the path of the Start Menu.
+void UserFolderChain::takeStartMenuProfile() {
+  setStage_(16);
+  if (exists(globals_.gUserDir)) return;
+  constexpr TextView mark = u"\\Users\\";
+  const Text programs = GetSpecialFolder(program_, CSIDL_PROGRAMS);
+  const std::int32_t place = inStrText(programs, mark);
+  if (trim(programs).empty() || place == 0) return;
+  const TextView behind = mid(programs, place + len(mark));
+  takeProfile(profileFolder(behind.substr(0, behind.find(u'\\'))));
+}
+
+void UserFolderChain::lastResort() {
+  setStage_(17);
+  if (exists(globals_.gUserDir)) return;
+  globals_.gUserDir.clear();
+  globals_.gUserData.clear();
+  if (domain_.empty() || !exists(globals_.gUserDirAlt)) makeOwnFolder();
+}
+
+// ---- the folder of the product's own
+
+void UserFolderChain::makeOwnFolder() {
+  std::int16_t result = 0;
+  CreateConfFolder(program_, result);
+  if (result != -1) return;
+  message(
+      u"Error: Couldn 't find the user folder and couldn't create one! Quiting installation.");
+  Application::End();
+}
+
+void CreateConfFolder(Program& program, std::int16_t& result) {
+  const Text drive = systemDrive(program);
+  Files& files = program.platform.files;
+  try {
+    for (const TextView level : ownFolderLevels) {
+      const Text folder = join(drive, level);
+      if (exists(files, folder, dir_mask::directories)) continue;
+      files.MkDir(folder);
+      program.DoEvents();
+    }
+    result = exists(files, join(drive, std::end(ownFolderLevels)[-1]), dir_mask::directories) ? 0 : -1;
+  } catch (const RuntimeError&) {
+    result = -1;
+  }
+  if (result != 0) return;
+  program.globals.gUserDir = join(drive, ownFolder);
+  program.globals.gUserData = join(program.globals.gUserDir, productFolder);
+}
+
+// ---- messages
+
+void UserFolderChain::message(TextView phrase) {
+  program_.platform.dialogs.MsgBox(phrases_.Translate(phrase), box_style::exclamation, boxTitle);
+}
+
+void UserFolderChain::messageAbout(TextView phrase, TextView folder) {
+  program_.platform.dialogs.MsgBox(
+      join(phrases_.Translate(phrase), lineEnd, lineEnd, trim(folder)), box_style::exclamation,
+      boxTitle);
+}
+
+// ---- the probe
+
+bool WriteProbeFile(Files& files, TextView folder, TextView file, TextView content) {
+  if (folder.empty() || file.empty()) return false;
+  std::int32_t number = 0;
+  try {
+    const std::int32_t free = files.FreeFile();
+    files.OpenOutput(free, join(folder, u"\\", file));
+    number = free;
+    files.Print(number, content);
+    files.Close(number);
+    return true;
+  } catch (const RuntimeError&) {
+    ignoringErrors([&] { files.Close(number); });
+    return false;
+  }
+}
+
+bool DeleteProbeFile(Files& files, TextView folder, TextView file) {
+  if (folder.empty() || file.empty()) return true;
+  try {
+    const Text path = join(folder, u"\\", file);
+    if (exists(files, path, dir_mask::anyEntry)) files.Kill(path);
+    return true;
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+}  // namespace zev

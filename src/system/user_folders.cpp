@@ -1,0 +1,101 @@
+#include "system/user_folders.h"
+
+#include "runtime/error.h"
+#include "system/attributes.h"
+#include "system/user_folder_chain.h"
+
+namespace zev {
+namespace {
+
+constexpr TextView probe = u"deneme_sil";
+
+enum class Outcome {
+  Ready,
+  NotWritable,  ///< the probe could not be written
+  NotMade,      ///< one of the folders could not be made
+};
+
+/// Makes a folder unless it is there, and tells whether it is there then.
+bool makeFolder(Files& files, TextView folder) {
+  if (exists(files, folder, dir_mask::directories)) return true;
+  ignoringErrors([&] { files.MkDir(folder); });
+  return exists(files, folder, dir_mask::directories);
+}
+
+/// Steps of one root. The second root has one number for all of its work.
+struct RootSteps {
+  std::int32_t probe, maker, product;
+};
+
+Outcome readyRoot(Files& files, TextView root, const RootSteps& steps,
+                  const std::function<void(std::int32_t)>& setRunStep) {
+  setRunStep(steps.probe);
+  if (!WriteProbeFile(files, root, probe, probe)) return Outcome::NotWritable;
+  setRunStep(steps.maker);
+  DeleteProbeFile(files, root, probe);
+  if (!makeFolder(files, join(root, u"\\Tavorns"))) return Outcome::NotMade;
+  setRunStep(steps.product);
+  return makeFolder(files, join(root, u"\\Tavorns\\ZEV5")) ? Outcome::Ready : Outcome::NotMade;
+}
+
+bool present(Files& files, const Text& root) {
+  return !root.empty() && exists(files, root, dir_mask::directories);
+}
+
+void tellNotMade(Program& program, Phrases& phrases) {
+  program.platform.dialogs.MsgBox(
+      join(phrases.Translate(u"The following folder couldn't be created : "), lineEnd, lineEnd,
+           trim(program.globals.gUserDir), u"\\Tavorns\\ZEV5", lineEnd, lineEnd,
+           phrases.Translate(u"Please create manually.")),
+      box_style::exclamation, u"ZEV");
+}
+
+void readyFirstRoot(Program& program, Phrases& phrases,
+                    const std::function<void(std::int32_t)>& setRunStep) {
+  Globals& globals = program.globals;
+  Files& files = program.platform.files;
+  if (!present(files, globals.gUserDir)) return;
+  const Outcome outcome = readyRoot(files, globals.gUserDir, {127, 128, 129}, setRunStep);
+  if (outcome != Outcome::Ready) tellNotMade(program, phrases);
+  if (outcome != Outcome::NotWritable) return;
+  globals.gUserDir.clear();
+  globals.gUserData.clear();
+}
+
+void readySecondRoot(Program& program, const std::function<void(std::int32_t)>& setRunStep) {
+  Globals& globals = program.globals;
+  Files& files = program.platform.files;
+  setRunStep(130);
+  if (!present(files, globals.gUserDirAlt)) return;
+  const Outcome outcome = readyRoot(files, globals.gUserDirAlt, {130, 130, 130}, setRunStep);
+  if (outcome != Outcome::NotWritable) return;
+  globals.gUserDirAlt.clear();
+  globals.gUserDataAlt.clear();
+}
+
+void writeUserFile(Program& program) {
+  Files& files = program.platform.files;
+  const std::int32_t number = files.FreeFile();
+  files.OpenOutput(number, join(program.globals.gInstallDir.trimmed(), u"\\UserF.dat"));
+  files.Print(number, trim(program.globals.gUserDir));
+  files.Close(number);
+}
+
+}  // namespace
+
+void readyUserFolders(Program& program, Phrases& phrases,
+                      const std::function<void(std::int32_t)>& setRunStep) {
+  const Globals& globals = program.globals;
+  setRunStep(127);
+  readyFirstRoot(program, phrases, setRunStep);
+  readySecondRoot(program, setRunStep);
+  if (trim(globals.gUserData).empty() && trim(globals.gUserDataAlt).empty()) {
+    program.platform.dialogs.MsgBox(
+        phrases.Translate(u"Error: Couldn 't write to the user directory."),
+        box_style::exclamation, phrases.Translate(u"Screen Recorder"));
+  }
+  setRunStep(131);
+  writeUserFile(program);
+}
+
+}  // namespace zev
