@@ -1,0 +1,384 @@
+#include "package/install_run.h"
+
+#include "localisation/addresses.h"
+#include "package/expand_file.h"
+#include "package/extract_file.h"
+#include "package/projects.h"
+#include "package/shorten_path.h"
+#include "runtime/number.h"
+#include "system/attributes.h"
+#include "system/special_folders.h"
+#include "system/user_folders.h"
+
+namespace zev {
+namespace {
+
+constexpr std::int32_t lastTick = 60;
+constexpr std::size_t systemDirectorySize = 255;
+constexpr std::int32_t normalChoice = 0;
+constexpr std::int32_t normalWindow = 1;
+
+/// Diagnostic steps, printed by the trap. Members have theirs in the manifest, the user's folders in
+/// their own module.
+namespace step {
+constexpr std::int32_t packageFile = 1;
+constexpr std::int32_t temporaryFolder = 2;
+constexpr std::int32_t sizes = 3;
+constexpr std::int32_t counters = 4;
+constexpr std::int32_t projectsFolder = 63;
+constexpr std::int32_t makeProjectsFolder = 64;
+constexpr std::int32_t patchProject = 67;
+constexpr std::int32_t startRedistributable = 72;
+constexpr std::int32_t waitForRedistributable = 73;
+constexpr std::int32_t deleteRedistributable = 74;
+constexpr std::int32_t productKey = 126;
+constexpr std::int32_t directory = 132;
+constexpr std::int32_t upgrades = 133;
+constexpr std::int32_t settings = 134;
+constexpr std::int32_t uninstallEntry = 155;
+constexpr std::int32_t fileType = 156;
+constexpr std::int32_t videoCodecs = 159;
+constexpr std::int32_t language = 160;
+constexpr std::int32_t temporaryFiles = 161;
+constexpr std::int32_t otherUsers = 174;
+constexpr std::int32_t registerUsers = 175;
+constexpr std::int32_t finish = 176;
+}  // namespace step
+
+/// Ticks behind those of the members.
+namespace tick {
+constexpr std::int32_t status = 57;
+constexpr std::int32_t behindVideoCodecs = 58;
+constexpr std::int32_t otherUsers = 59;
+constexpr std::int32_t finish = 60;
+}  // namespace tick
+
+/// Rows of the manifest in front of which something is worked out.
+constexpr std::int32_t firstSystemRow = 27;
+constexpr std::int32_t rowBehindProject = 30;
+
+}  // namespace
+
+InstallRun::InstallRun(Program& program, Phrases& phrases, Registry& registry,
+                       Form1Procedures& form)
+    : program_(program),
+      form1_(program.form1),
+      platform_(program.platform),
+      phrases_(phrases),
+      registry_(registry),
+      form_(form),
+      settings_(registry) {}
+
+void InstallRun::RunInstall() {
+  try {
+    if (!openPackage()) return;
+    startCounters();
+    layMembers();
+    changeStatus();
+    readySettingsStore();
+    writeSettings();
+    writeUninstallEntry();
+    writeFileType();
+    repairVideoCodecs();
+    writeLanguage();
+    removeTemporaryFiles();
+    makeShortcuts();
+    registerUsers();
+    finish();
+  } catch (const RuntimeError& error) {
+    trap(error);
+  }
+}
+
+void InstallRun::trap(const RuntimeError& error) {
+  platform_.dialogs.MsgBox(
+      join(u"Error occured during installing. Error No.", decimal(RunStep_), u"-",
+           decimal(error.number()), u": ", error.description()),
+      box_style::exclamation, u"ZEV Screen Recorder");
+  platform_.application.Show(form1_);
+  form1_.Command2.Enabled = false;
+}
+
+// ---- 1 and 2: the package and the counters
+
+bool InstallRun::openPackage() {
+  RunStep_ = step::packageFile;
+  form1_.Command1.Enabled = false;
+  form1_.Command2.Enabled = false;
+  showStatus(phrases_.Translate(
+      u"Copying files into temporary folder and expanding into install directory..."));
+  const Text folder(withoutTrailing(trim(platform_.processes.ownFolder()), u'\\'));
+  PackagePath_ = join(folder, u"\\", platform_.processes.ownName(), u".exe");
+  if (platform_.files.FileLen(PackagePath_) < smallestPackage) {
+    tellIncomplete();
+    form_.Command1_Click();
+    return false;
+  }
+  RunStep_ = step::temporaryFolder;
+  TempFolder_ = join(program_.globals.gTempDir.trimmed(), u"\\ZEVTMP");
+  if (!exists(platform_.files, TempFolder_, dir_mask::directories)) {
+    platform_.files.MkDir(TempFolder_);
+  }
+  program_.DoEvents();
+  return true;
+}
+
+void InstallRun::tellIncomplete() {
+  platform_.dialogs.MsgBox(phrases_.Translate(downloadRequestPhrase), box_style::exclamation,
+                           phrases_.Translate(u"ZEV Screen Recorder"));
+}
+
+void InstallRun::startCounters() {
+  RunStep_ = step::sizes;
+  RunStep_ = step::counters;
+  showTick(0);
+  TailOffset_ = 0;
+}
+
+// ---- 3: the members
+
+void InstallRun::layMembers() {
+  for (const ManifestRow& row : manifest()) {
+    showTick(row.tick);
+    prepare(row);
+    if (wanted(row)) layMember(row);
+    TailOffset_ = add(TailOffset_, row.size);
+  }
+}
+
+void InstallRun::prepare(const ManifestRow& row) {
+  if (row.row == firstSystemRow) findSystemDirectory();
+  if (row.row == rowBehindProject) {
+    RunStep_ = step::patchProject;
+    patchSampleProject(program_, ProjectsFolder_);
+  }
+}
+
+void InstallRun::findSystemDirectory() {
+  Text buffer = blanks(systemDirectorySize);
+  const std::uint32_t length = platform_.system.GetSystemDirectoryA(
+      buffer, static_cast<std::uint32_t>(systemDirectorySize));
+  const TextView cut = trim(left(buffer, static_cast<std::int32_t>(length)));
+  systemDirectory_ = withoutTrailing(withoutTrailing(cut, u'\0'), u'\\');
+}
+
+bool InstallRun::wanted(const ManifestRow& row) {
+  switch (row.condition) {
+    case Condition::OtherClasses:
+      return program_.globals.gOSClass != profileClass;
+    case Condition::ProfileClass:
+      return program_.globals.gOSClass == profileClass;
+    case Condition::ProjectsFolder:
+      return readyProjectsFolder();
+    case Condition::Redistributable:
+      return redistributableWanted();
+    default:
+      return row.target != Target::None;
+  }
+}
+
+/// Finds the folder of the projects and makes it; any error leaves the project out without a word.
+bool InstallRun::readyProjectsFolder() {
+  return ignoringErrors([&] {
+    RunStep_ = step::projectsFolder;
+    ProjectsFolder_ = projectsFolder(program_);
+    RunStep_ = step::makeProjectsFolder;
+    if (!exists(platform_.files, ProjectsFolder_, dir_mask::directories)) {
+      platform_.files.MkDir(ProjectsFolder_);
+    }
+  });
+}
+
+bool InstallRun::redistributableWanted() const {
+  const Globals& globals = program_.globals;
+  if (trim(form1_.Image1.Tag.get()) == u"1") return false;
+  return globals.gVersionNT62 == 0 || (globals.gVersionNT62 == 1 && globals.gOptRedist == 1);
+}
+
+void InstallRun::layMember(const ManifestRow& row) {
+  const Text workFile = join(TempFolder_, u"\\", row.packedName);
+  showFile(row.packedName);
+  RunStep_ = row.extractStep;
+  extract(row, workFile);
+  const Text shownFolder =
+      row.target == Target::Projects ? ProjectsFolder_ : installDirectory();
+  showFile(ShortenPathForLabel(platform_.application.engine(),
+                               join(shownFolder, u"\\", row.installedName), form1_,
+                               form1_.Label12));
+  program_.DoEvents();
+  RunStep_ = row.expandStep;
+  const bool expanded = expand(row, workFile);
+  if (expanded && row.condition == Condition::Redistributable) runRedistributable();
+}
+
+void InstallRun::extract(const ManifestRow& row, TextView workFile) {
+  if (ExtractFile(program_, phrases_, PackagePath_, workFile, row.size, TailOffset_)) return;
+  if (row.condition == Condition::Mandatory) giveUp();
+  const Text text = extractionFailure(row);
+  showMemberBox(row.plain == Plain::InText ? text : phrases_.Translate(text),
+                row.plain == Plain::InTitle ? Text(u"Screen Recorder")
+                                          : phrases_.Translate(u"Screen Recorder"));
+}
+
+bool InstallRun::expand(const ManifestRow& row, TextView workFile) {
+  const Text target = join(targetFolder(row.target), u"\\", row.installedName);
+  const std::int32_t result =
+      ExpandFile(platform_.lz, platform_.dialogs, phrases_, workFile, target, true);
+  if (result >= 0) return true;
+  if (row.condition == Condition::Mandatory) giveUp();
+  showMemberBox(phrases_.Translate(expansionFailure(row)), phrases_.Translate(u"Screen Recorder"));
+  return false;
+}
+
+Text InstallRun::targetFolder(Target target) const {
+  switch (target) {
+    case Target::System:
+      return systemDirectory_;
+    case Target::Projects:
+      return ProjectsFolder_;
+    default:
+      return installDirectory();
+  }
+}
+
+/// Without its main program there is nothing to install: the program ends on the spot.
+void InstallRun::giveUp() {
+  form_.RemoveTempFiles();
+  Application::End();
+}
+
+void InstallRun::runRedistributable() {
+  const Text path = join(installDirectory(), u"\\vcredist_x86.exe");
+  std::int32_t process = 0;
+  if (exists(platform_.files, path, dir_mask::hiddenFiles)) {
+    RunStep_ = step::startRedistributable;
+    process = platform_.processes.Shell(join(u"\"", path, u"\""), normalWindow);
+  }
+  if (process != 0) {
+    RunStep_ = step::waitForRedistributable;
+    waitFor(process);
+  }
+  program_.DoEvents();
+  RunStep_ = step::deleteRedistributable;
+  DeleteFileIfPresent(path);
+}
+
+void InstallRun::waitFor(std::int32_t process) {
+  const ProcessHandle handle = platform_.processes.OpenProcess(SYNCHRONIZE, false, process);
+  if (handle == 0) return;
+  platform_.processes.WaitForSingleObject(handle, INFINITE);
+  platform_.processes.CloseHandle(handle);
+}
+
+bool InstallRun::DeleteFileIfPresent(TextView path) {
+  return ignoringErrors([&] {
+    if (exists(platform_.files, path, dir_mask::hiddenFiles)) platform_.files.Kill(path);
+  });
+}
+
+// ---- 4 to 14
+
+void InstallRun::changeStatus() {
+  showTick(tick::status);
+  showFile(u"");
+  showStatus(phrases_.Translate(u"Registry settings are being done..."));
+}
+
+void InstallRun::readySettingsStore() {
+  if (program_.globals.gOSClass == profileClass) {
+    readyUserFolders(program_, phrases_, [this](std::int32_t number) { RunStep_ = number; });
+    return;
+  }
+  RunStep_ = step::productKey;
+  registry_.CreateRegKey(HKEY_LOCAL_MACHINE, settingsKey, normalChoice);
+}
+
+void InstallRun::writeSettings() {
+  RunStep_ = step::directory;
+  settings_.writeDirectory(installDirectory());
+  RunStep_ = step::upgrades;
+  settings_.upgrade();
+  program_.globals.gProductVersion = productVersion;
+  RunStep_ = step::settings;
+  settings_.write(program_.globals.gProductVersion);
+}
+
+/// Stand-in: makes no uninstall entry.
+void InstallRun::writeUninstallEntry() { RunStep_ = step::uninstallEntry; }
+
+/// Stand-in: registers no file type.
+void InstallRun::writeFileType() { RunStep_ = step::fileType; }
+
+/// Stand-in: leaves the keys of the video services as they are.
+void InstallRun::repairVideoCodecs() {
+  RunStep_ = step::videoCodecs;
+  showTick(tick::behindVideoCodecs);
+}
+
+void InstallRun::writeLanguage() {
+  RunStep_ = step::language;
+  settings_.writeLanguage(form1_.Combo1.ListIndex());
+}
+
+void InstallRun::removeTemporaryFiles() {
+  RunStep_ = step::temporaryFiles;
+  form_.RemoveTempFiles();
+}
+
+/// Stand-in: makes no shortcuts.
+void InstallRun::makeShortcuts() {}
+
+/// Stand-in: serves no other user.
+void InstallRun::registerUsers() {
+  RunStep_ = step::otherUsers;
+  showTick(tick::otherUsers);
+  if (program_.globals.gOSClass == profileClass) RunStep_ = step::registerUsers;
+}
+
+void InstallRun::finish() {
+  showTick(tick::finish);
+  form1_.Refresh();
+  program_.DoEvents();
+  form1_.Refresh();
+  showStatus(
+      phrases_.Translate(u"Installation of ZEV Screen Recorder has been successfully completed! You "
+                         u"can launch ZEV from the Start Menu."));
+  form1_.Picture2.Visible = false;
+  RunStep_ = step::finish;
+  form1_.Command1.Enabled = false;
+  form1_.Command3.Enabled = false;
+  form1_.Command2.Enabled = true;
+  form1_.Command2.Caption = phrases_.Translate(u"Finish");
+  const WindowHandle window = platform_.application.engine().windowHandle(form1_);
+  platform_.windows.SetForegroundWindow(window);
+  form1_.Refresh();
+  platform_.windows.BringWindowToTop(window);
+}
+
+// ---- the screen
+
+void InstallRun::showTick(std::int32_t tick) { ShowProgress(toLong(static_cast<double>(tick) / lastTick * 100)); }
+
+void InstallRun::ShowProgress(std::int32_t percent) {
+  form1_.Label7.Width =
+      static_cast<std::int32_t>(form1_.Picture2.Width.get() * static_cast<double>(percent) / 100);
+  form1_.Label8.Caption = join(decimal(percent), u"%");
+  form1_.Label7.Refresh();
+  form1_.Label8.Refresh();
+}
+
+void InstallRun::showStatus(TextView text) {
+  form1_.Label11.Caption = Text(text);
+  form1_.Label11.Refresh();
+}
+
+void InstallRun::showFile(TextView text) {
+  form1_.Label12.Caption = Text(text);
+  form1_.Label12.Refresh();
+}
+
+void InstallRun::showMemberBox(TextView text, TextView title) {
+  platform_.dialogs.MsgBox(text, box_style::systemExclamation, title);
+}
+
+}  // namespace zev
