@@ -1,0 +1,135 @@
+#include "runtime/error.h"
+#include "system/get_os.h"
+#include "system/user_folder_chain.h"
+#include "wizard/first_language.h"
+#include "wizard/install_directory.h"
+#include "wizard/running_product.h"
+#include "wizard/wizard.h"
+
+namespace zev {
+namespace {
+
+constexpr std::size_t pathSize = 145;
+constexpr TextView mainExecutable = u"Screen Recorder 6";
+constexpr std::int32_t noLanguage = -1;
+constexpr std::int32_t normalChoice = 0;
+
+/// Place in the language list for a language number; the numbers of the list are not those of the
+/// languages, and a machine keeps the former and reads them as the latter.
+struct LanguagePlace {
+  std::int32_t language;
+  std::int32_t listIndex;
+};
+
+constexpr LanguagePlace languagePlaces[] = {
+    {language::English, 0}, {language::Turkish, 1}, {language::German, 1},
+    {language::French, 2},  {language::Spanish, 3},
+};
+
+}  // namespace
+
+void Wizard::Form_Load() {
+  std::int32_t stage = 0;
+  try {
+    loadForm(stage);
+  } catch (const RuntimeError& error) {
+    tellLoadFailure(stage, error);
+  }
+}
+
+/// The stage numbers are printed by the trap.
+void Wizard::loadForm(std::int32_t& stage) {
+  stage = 1;
+  findTemporaryFolder();
+  stage = 2;
+  findWindowsFolder();
+  globals_.gProductExe = mainExecutable;
+  stage = 3;
+  classifyMachine();
+  if (globals_.gOSClass == profileClass) {
+    UserFolderChain(program_, phrases_, [&](std::int32_t number) { stage = number; }).run();
+  }
+  stage = 20;
+  const bool firstRun = !readLanguage();
+  phrases_.dimension(0);
+  stage = 21;
+  phrases_.LoadPhrases();
+  stage = 22;
+  form1_.Text1.Text_ = phrases_.PhraseKeys().at(9);
+  stage = 23;
+  proposeInstallDirectory(program_, registry_);
+  stage = 25;
+  if (!RunningProduct(program_, phrases_).waitUntilClosed()) {
+    form1_.Command2.Caption = Translate(u"Finish");
+    platform_.application.Unload(form1_);
+    return;
+  }
+  stage = 28;
+  if (firstRun) globals_.gLanguage = firstLanguage(platform_.system);
+  stage = 29;
+  selectLanguage();
+  stage = 30;
+  globals_.gCurrentPage = 1;
+  form1_.Image1.Picture = form1_.name();
+  showInstallDirectory();
+}
+
+void Wizard::findTemporaryFolder() {
+  Text buffer = blanks(pathSize);
+  const std::uint32_t length =
+      platform_.system.GetTempPathA(static_cast<std::uint32_t>(pathSize), buffer);
+  globals_.gTempDir = left(buffer, static_cast<std::int32_t>(length));
+  globals_.gTempDir = withoutTrailing(globals_.gTempDir.trimmed(), u'\\');
+}
+
+void Wizard::findWindowsFolder() {
+  Text buffer = blanks(pathSize);
+  const std::uint32_t length =
+      platform_.system.GetWindowsDirectoryA(buffer, static_cast<std::uint32_t>(pathSize));
+  globals_.gWinDir =
+      withoutTrailing(trim(left(buffer, static_cast<std::int32_t>(length))), u'\\');
+}
+
+void Wizard::classifyMachine() {
+  globals_.gOSClass = GetOSClass(platform_.system, globals_.gVersionNT62);
+  if (globals_.gVersionNT62 != 1) return;
+  globals_.gOptRedist = 0;
+  globals_.gOptStartMenu = 1;
+  globals_.gOptDesktop = 1;
+  form1_.Command6.Visible = true;
+}
+
+/// False on a first run, when the machine has no language on record.
+bool Wizard::readLanguage() {
+  globals_.gLanguage = registry_.GetRegDword(HKEY_LOCAL_MACHINE, settingsKey, setting::Language,
+                                             noLanguage, normalChoice);
+  if (globals_.gLanguage != noLanguage) return true;
+  globals_.gLanguage = language::English;
+  return false;
+}
+
+/// Choosing a place fires the list's click, which localises the form. A number without a place leaves
+/// the form as it is.
+void Wizard::selectLanguage() {
+  for (const LanguagePlace& each : languagePlaces) {
+    if (each.language != globals_.gLanguage) continue;
+    form1_.Combo1.setListIndex(each.listIndex);
+    return;
+  }
+}
+
+void Wizard::showInstallDirectory() {
+  form1_.Text2.Text_ = installDirectory();
+  form1_.Text2.SelStart = len(trim(form1_.Text2.Text_.get()));
+}
+
+void Wizard::tellLoadFailure(std::int32_t stage, const RuntimeError& error) {
+  platform_.dialogs.MsgBox(
+      join(u"Error occured during loading the installer. Error No.", decimal(stage), u"-",
+           decimal(error.number()), u": ", error.description()),
+      box_style::exclamation, u"ZEV Screen Recorder");
+  platform_.application.Show(form1_);
+  form1_.Command2.Enabled = false;
+}
+
+}  // namespace zev

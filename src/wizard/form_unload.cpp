@@ -1,0 +1,57 @@
+#include "runtime/error.h"
+#include "wizard/wizard.h"
+
+namespace zev {
+namespace {
+
+constexpr std::int16_t keepOpen = -1;
+constexpr std::int32_t checked = 1;
+constexpr std::int32_t normalWindow = 1;
+
+}  // namespace
+
+/// Every way out passes here. The button's caption tells the orderly end from a cancel.
+void Wizard::Form_Unload(std::int16_t& Cancel) {
+  if (readsFinish()) {
+    closeOrderly();
+    return;
+  }
+  if (!cancelConfirmed()) {
+    Cancel = keepOpen;
+    return;
+  }
+  showStatus(u"Deleting temporary files...");
+  RemoveTempFiles();
+}
+
+void Wizard::closeOrderly() {
+  if (form1_.Check1.Value == checked) ignoringErrors([&] { launchProduct(); });
+  ignoringErrors([&] { program_.DoEvents(); });
+  ignoringErrors([&] { program_.DoEvents(); });
+}
+
+void Wizard::launchProduct() {
+  platform_.processes.Shell(
+      join(u"\"", installDirectory(), u"\\", trim(globals_.gProductExe), u".exe\""), normalWindow);
+}
+
+bool Wizard::cancelConfirmed() {
+  return platform_.dialogs.MsgBox(Translate(u"Do you want to cancel the installation?"),
+                                  box_style::systemYesNoDefaultNo,
+                                  Translate(u"Screen Recorder")) != BoxAnswer::No;
+}
+
+/// A folder that still holds something stays behind without a word.
+void Wizard::RemoveTempFiles() {
+  ignoringErrors([&] { showStatus(u"Temporary files are being deleted..."); });
+  const Text folder = join(globals_.gTempDir.trimmed(), u"\\ZEVTMP");
+  ignoringErrors([&] { platform_.files.Kill(join(folder, u"\\*.*")); });
+  ignoringErrors([&] { platform_.files.RmDir(folder); });
+}
+
+void Wizard::showStatus(TextView phrase) {
+  form1_.Label11.Caption = Translate(phrase);
+  form1_.Label11.Refresh();
+}
+
+}  // namespace zev

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "localisation/phrases.h"
+#include "state/program.h"
+
+namespace zev {
+
+/// Looks for a running product: it counts as running when a title of its main window and one of its
+/// settings window are seen in one pass over the top-level windows.
+class RunningProduct {
+ public:
+  /// Borrows both.
+  RunningProduct(Program& program, Phrases& phrases) : program_(program), phrases_(phrases) {}
+
+  /// Asks the person to close a running product, as often as it is found. False if the person gives
+  /// up. Run-time errors count for nothing meanwhile.
+  bool waitUntilClosed();
+
+ private:
+  bool bothWindowsSeen();
+  void look(WindowHandle window);
+  Text titleOf(WindowHandle window, std::int32_t length);
+  void letEventsRun();
+  bool personGivesUp();
+
+  Program& program_;
+  Phrases& phrases_;
+  bool mainSeen_ = false;
+  bool settingsSeen_ = false;
+};
+
+}  // namespace zev
