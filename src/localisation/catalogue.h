@@ -28,7 +28,7 @@ inline constexpr std::size_t count = 191;
 Text phraseKey(std::size_t row);
 
 /// The translation that row 1 to 191 has for a language number: empty for English and for numbers
-/// without a language, but for 5, 6 and 7, where every row has the Turkish word of the language row.
+/// without a language, but for 5, 6 and 7, where every row has the Turkish of the language row.
 Text phraseTranslation(std::size_t row, std::int32_t languageNumber);
 
 }  // namespace zev

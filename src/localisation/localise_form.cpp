@@ -69,13 +69,24 @@ struct EnglishText {
   std::size_t row;
 };
 
+// clang-format off
 constexpr EnglishText englishTexts[] = {
-    {u"Label1", "Caption", 1},   {u"Label2", "Caption", 2},   {u"Label4", "Caption", 3},
-    {u"Command3", "Caption", 5}, {u"Command1", "Caption", 6}, {u"Command2", "Caption", 7},
-    {u"", "Caption", 4},         {u"Label3", "Caption", 8},   {u"Text1", "Text", 9},
-    {u"Option1", "Caption", 10}, {u"Option2", "Caption", 11}, {u"Check1", "Caption", 12},
-    {u"Label9", "Caption", 13},  {u"Command4", "Caption", 14},
+    {u"Label1",   "Caption",  1},
+    {u"Label2",   "Caption",  2},
+    {u"Label4",   "Caption",  3},
+    {u"Command3", "Caption",  5},
+    {u"Command1", "Caption",  6},
+    {u"Command2", "Caption",  7},
+    {u"",         "Caption",  4},
+    {u"Label3",   "Caption",  8},
+    {u"Text1",    "Text",     9},
+    {u"Option1",  "Caption", 10},
+    {u"Option2",  "Caption", 11},
+    {u"Check1",   "Caption", 12},
+    {u"Label9",   "Caption", 13},
+    {u"Command4", "Caption", 14},
 };
+// clang-format on
 
 }  // namespace
 

@@ -47,8 +47,8 @@ Text Phrases::Translate(TextView phrase) {
   }
 }
 
-/// Sees to it that the table is built, and tells whether it may answer. A table that has rows but no
-/// translations is built and answers. One that has no rows yet is built and leaves this phrase
+/// Sees to it that the table is built, and tells whether it may answer. A table that has rows but
+/// no translations is built and answers. One that has no rows yet is built and leaves this phrase
 /// untranslated: only a table whose two arrays differ would answer then, and they never do.
 bool Phrases::tableAnswers() {
   const auto keys = [this] { return upperBound(PhraseKeys_); };
@@ -67,7 +67,7 @@ Text Phrases::lookUp(TextView phrase) {
   const Text wanted = lowerCase(phrase);
   for (std::size_t row = 1; row < PhraseKeys_.size(); ++row) {
     if (lowerCase(PhraseKeys_[row]) != wanted) continue;
-    const Text& translation = PhraseValues_.at(row);
+    const Text& translation = PhraseValues_[row];
     return remember(phrase, isBlank(translation) ? Text(phrase) : translation);
   }
   return Text(phrase);

@@ -8,8 +8,8 @@
 
 namespace zev {
 
-/// The phrases of the program in the language in force. All text that the program shows is English in
-/// the code and passes through `Translate` at the moment of showing: the English sentence is the key.
+/// The phrases of the program in the language in force. All text that the program shows is English
+/// in the code and passes through `Translate` when it is shown: the English sentence is the key.
 class Phrases {
  public:
   /// Reads the language in force through the reference, at every use.
@@ -37,7 +37,7 @@ class Phrases {
     Text asked;
     Text answer;
   };
-  /// The last ten known phrases that were asked for, newest first; both texts empty in a free entry.
+  /// The last ten known phrases that were asked for, newest first; a free entry has no texts.
   const std::array<Recent, 10>& RecentPhrases() const { return RecentPhrases_; }
 
  private:

@@ -60,10 +60,9 @@ TextView copyDetail(std::int32_t result) {
 }
 
 void showCopyError(Dialogs& dialogs, Phrases& phrases, std::int32_t result, TextView source) {
-  const Text text =
-      join(phrases.Translate(u"Error in ExpandFile: Couldn't decompress the file! "),
-           trim(copyDetail(result)), lineEnd, lineEnd, source, lineEnd, lineEnd,
-           phrases.Translate(mailRequestPhrase));
+  const Text text = join(phrases.Translate(u"Error in ExpandFile: Couldn't decompress the file! "),
+                         trim(copyDetail(result)), lineEnd, lineEnd, source, lineEnd, lineEnd,
+                         phrases.Translate(mailRequestPhrase));
   dialogs.MsgBox(trim(text), box_style::systemExclamation, boxTitle);
 }
 

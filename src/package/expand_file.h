@@ -9,9 +9,10 @@
 
 namespace zev {
 
-/// Expands a compressed file into a new one. Both paths are trimmed. The number of bytes written; 0,
-/// which callers take for success, from an empty source; -1 to -16 if a file could not be opened; -100
-/// and its multiples if the expansion failed. With `showErrors`, at most one box tells of a failure.
+/// Expands a compressed file into a new one. Both paths are trimmed. The number of bytes written;
+/// 0, which callers take for success, from an empty source; -1 to -16 if a file could not be
+/// opened; -100 and its multiples if the expansion failed. With `showErrors`, at most one box tells
+/// of a failure.
 std::int32_t ExpandFile(LzServices& lz, Dialogs& dialogs, Phrases& phrases, TextView source,
                         TextView destination, bool showErrors);
 

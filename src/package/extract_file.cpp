@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "runtime/buffer.h"
 #include "runtime/error.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
@@ -15,8 +16,8 @@ bool oldFileThere(Files& files, TextView path) {
   return there;
 }
 
-/// A longer old file would keep its tail under the new one, so it goes first. Whatever happens here,
-/// the copy is tried.
+/// A longer old file would keep its tail under the new one, so it goes first. Whatever happens
+/// here, the copy is tried.
 void deleteOldFile(Program& program, Phrases& phrases, TextView path) {
   Files& files = program.platform.files;
   if (oldFileThere(files, path)) {
@@ -37,7 +38,7 @@ struct Copy {
 void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,
                 TextView destination, std::int32_t size, std::int32_t tailOffset) {
   Files& files = program.platform.files;
-  std::vector<std::uint8_t> buffer(static_cast<std::size_t>(size));
+  std::vector<std::uint8_t> buffer = byteArray(size);
   copy.source = files.FreeFile();
   files.OpenBinary(copy.source, source, false);
   copy.destination = files.FreeFile();

@@ -18,8 +18,8 @@ constexpr std::size_t systemDirectorySize = 255;
 constexpr std::int32_t normalChoice = 0;
 constexpr std::int32_t normalWindow = 1;
 
-/// Diagnostic steps, printed by the trap. Members have theirs in the manifest, the user's folders in
-/// their own module.
+/// Diagnostic steps, printed by the trap. Members have theirs in the manifest, the user's folders
+/// in their own module.
 namespace step {
 constexpr std::int32_t packageFile = 1;
 constexpr std::int32_t temporaryFolder = 2;
@@ -91,10 +91,9 @@ void InstallRun::RunInstall() {
 }
 
 void InstallRun::trap(const RuntimeError& error) {
-  platform_.dialogs.MsgBox(
-      join(u"Error occured during installing. Error No.", decimal(RunStep_), u"-",
-           decimal(error.number()), u": ", error.description()),
-      box_style::exclamation, u"ZEV Screen Recorder");
+  platform_.dialogs.MsgBox(join(u"Error occured during installing. Error No.", decimal(RunStep_),
+                                u"-", decimal(error.number()), u": ", error.description()),
+                           box_style::exclamation, u"ZEV Screen Recorder");
   platform_.application.Show(form1_);
   form1_.Command2.Enabled = false;
 }
@@ -156,8 +155,8 @@ void InstallRun::prepare(const ManifestRow& row) {
 
 void InstallRun::findSystemDirectory() {
   Text buffer = blanks(systemDirectorySize);
-  const std::uint32_t length = platform_.system.GetSystemDirectoryA(
-      buffer, static_cast<std::uint32_t>(systemDirectorySize));
+  const std::uint32_t length =
+      platform_.system.GetSystemDirectoryA(buffer, static_cast<std::uint32_t>(systemDirectorySize));
   const TextView cut = trim(left(buffer, static_cast<std::int32_t>(length)));
   systemDirectory_ = withoutTrailing(withoutTrailing(cut, u'\0'), u'\\');
 }
@@ -200,8 +199,7 @@ void InstallRun::layMember(const ManifestRow& row) {
   showFile(row.packedName);
   RunStep_ = row.extractStep;
   extract(row, workFile);
-  const Text shownFolder =
-      row.target == Target::Projects ? ProjectsFolder_ : installDirectory();
+  const Text shownFolder = row.target == Target::Projects ? ProjectsFolder_ : installDirectory();
   showFile(ShortenPathForLabel(platform_.application.engine(),
                                join(shownFolder, u"\\", row.installedName), form1_,
                                form1_.Label12));
@@ -217,7 +215,7 @@ void InstallRun::extract(const ManifestRow& row, TextView workFile) {
   const Text text = extractionFailure(row);
   showMemberBox(row.plain == Plain::InText ? text : phrases_.Translate(text),
                 row.plain == Plain::InTitle ? Text(u"Screen Recorder")
-                                          : phrases_.Translate(u"Screen Recorder"));
+                                            : phrases_.Translate(u"Screen Recorder"));
 }
 
 bool InstallRun::expand(const ManifestRow& row, TextView workFile) {
@@ -340,9 +338,9 @@ void InstallRun::finish() {
   form1_.Refresh();
   program_.DoEvents();
   form1_.Refresh();
-  showStatus(
-      phrases_.Translate(u"Installation of ZEV Screen Recorder has been successfully completed! You "
-                         u"can launch ZEV from the Start Menu."));
+  showStatus(phrases_.Translate(
+      u"Installation of ZEV Screen Recorder has been successfully completed! You "
+      u"can launch ZEV from the Start Menu."));
   form1_.Picture2.Visible = false;
   RunStep_ = step::finish;
   form1_.Command1.Enabled = false;
@@ -357,7 +355,9 @@ void InstallRun::finish() {
 
 // ---- the screen
 
-void InstallRun::showTick(std::int32_t tick) { ShowProgress(toLong(static_cast<double>(tick) / lastTick * 100)); }
+void InstallRun::showTick(std::int32_t tick) {
+  ShowProgress(toLong(static_cast<double>(tick) / lastTick * 100));
+}
 
 void InstallRun::ShowProgress(std::int32_t percent) {
   form1_.Label7.Width =

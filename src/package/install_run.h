@@ -13,9 +13,9 @@ namespace zev {
 /// A package file shorter than this is not complete.
 inline constexpr std::int32_t smallestPackage = 9'000'000;
 
-/// The one long procedure that does the whole job, from the package to the button "Finish": a single
-/// forward pass that reports what fails and goes on. Only the main program's file and an unexpected
-/// run-time error stop it.
+/// The one long procedure that does the whole job, from the package to the button "Finish": a
+/// single forward pass that reports what fails and goes on. Only the main program's file and an
+/// unexpected run-time error stop it.
 ///
 /// A run is good for one pass; its state is that of the pass.
 class InstallRun {

@@ -19,11 +19,11 @@ enum class Target {
 /// Whether a member is laid on a machine, and what its failure means.
 enum class Condition {
   Always,
-  Mandatory,          ///< always; its failure ends the program
-  OtherClasses,       ///< not on machines of `profileClass`
-  ProfileClass,       ///< only on machines of `profileClass`
-  ProjectsFolder,     ///< if the folder of the projects could be had
-  Redistributable,    ///< unless it is switched off; it is run, waited for and deleted
+  Mandatory,        ///< always; its failure ends the program
+  OtherClasses,     ///< not on machines of `profileClass`
+  ProfileClass,     ///< only on machines of `profileClass`
+  ProjectsFolder,   ///< if the folder of the projects could be had
+  Redistributable,  ///< unless it is switched off; it is run, waited for and deleted
 };
 
 /// What a failed extraction's box leaves in English.
@@ -32,8 +32,8 @@ enum class Plain { Nowhere, InTitle, InText };
 /// One slot of the package, in the order of the run. A package has no directory: this table is the
 /// only description of it, and a size that is wrong by one byte shifts every member behind it.
 struct ManifestRow {
-  std::int32_t row = 0;     ///< 1 to 56; 0 for the empty slot
-  TextView packedName = {}; ///< file name of the compressed member
+  std::int32_t row = 0;      ///< 1 to 56; 0 for the empty slot
+  TextView packedName = {};  ///< file name of the compressed member
   TextView installedName = {};
   Target target = Target::None;
   std::int32_t size = 0;         ///< bytes in the package
@@ -46,11 +46,11 @@ struct ManifestRow {
   Plain plain = Plain::Nowhere;
 };
 
-inline constexpr std::size_t manifestSlots = 57;   ///< 56 members and one empty slot
+inline constexpr std::size_t manifestSlots = 57;         ///< 56 members and one empty slot
 inline constexpr std::int32_t packageSize = 15'246'584;  ///< bytes of all members together
 
-/// The slots in the order of the run. In the package file they lie the other way round: the first one
-/// ends at the file's last byte.
+/// The slots in the order of the run. In the package file they lie the other way round: the first
+/// one ends at the file's last byte.
 std::span<const ManifestRow, manifestSlots> manifest();
 
 /// The text of the box for a member that could not be copied out, or not be expanded.

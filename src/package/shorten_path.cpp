@@ -20,7 +20,9 @@ class Ruler {
   std::int32_t toScale(double width) const {
     return toLong(form_.ScaleMode == scaleTwips ? width / engine_.TwipsPerPixelX() : width);
   }
-  std::int32_t widthOf(TextView text) const { return toScale(engine_.TextWidth(form_, text)); }
+  std::int32_t widthOf(TextView text) const {
+    return toScale(toLong(engine_.TextWidth(form_, text)));
+  }
 
   FormEngine& engine_;
   const Form& form_;
@@ -39,7 +41,9 @@ Text ShortenPathForLabel(FormEngine& engine, TextView path, const Form& form, co
   if (ruler.fillsUp(lastPart)) return Text(lastPart);
   const Text name = join(u"...\\", trim(lastPart));
   folder = left(folder, len(folder) - 3);
-  while (ruler.fillsUp(join(trim(folder), trim(name))) && folder.size() > 1) folder.remove_suffix(1);
+  while (ruler.fillsUp(join(trim(folder), trim(name))) && folder.size() > 1) {
+    folder.remove_suffix(1);
+  }
   return join(trim(folder), trim(name));
 }
 

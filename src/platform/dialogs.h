@@ -8,14 +8,16 @@ namespace zev {
 
 /// Styles of the message boxes: buttons, icon, default button and modality in one number.
 namespace box_style {
-inline constexpr std::int32_t plain = 0;                      ///< OK
-inline constexpr std::int32_t yesNoQuestion = 36;             ///< Yes and No, question mark
-inline constexpr std::int32_t exclamation = 48;               ///< OK, exclamation
-inline constexpr std::int32_t information = 64;               ///< OK, information
-inline constexpr std::int32_t yesNoDefaultNo = 292;           ///< Yes and No, question mark, No default
-inline constexpr std::int32_t okCancelDefaultCancel = 305;    ///< OK and Cancel, exclamation, Cancel default
-inline constexpr std::int32_t systemExclamation = 4144;       ///< OK, exclamation, system modal
-inline constexpr std::int32_t systemYesNoDefaultNo = 4388;    ///< Yes and No, question mark, No default, system modal
+inline constexpr std::int32_t plain = 0;             ///< OK
+inline constexpr std::int32_t yesNoQuestion = 36;    ///< Yes and No, question mark
+inline constexpr std::int32_t exclamation = 48;      ///< OK, exclamation
+inline constexpr std::int32_t information = 64;      ///< OK, information
+inline constexpr std::int32_t yesNoDefaultNo = 292;  ///< Yes and No, question mark, No default
+/// OK and Cancel, exclamation, Cancel default
+inline constexpr std::int32_t okCancelDefaultCancel = 305;
+inline constexpr std::int32_t systemExclamation = 4144;  ///< OK, exclamation, system modal
+/// Yes and No, question mark, No default, system modal
+inline constexpr std::int32_t systemYesNoDefaultNo = 4388;
 }  // namespace box_style
 
 /// What a message box returns.
@@ -33,8 +35,8 @@ enum class BoxAnswer : std::int32_t {
 class Dialogs {
  public:
   virtual ~Dialogs() = default;
-  /// A box with buttons, icon and default as the style's number says. It returns when the person has
-  /// answered; meanwhile the forms take no input.
+  /// A box with buttons, icon and default as the style's number says. It returns when the person
+  /// has answered; meanwhile the forms take no input.
   virtual BoxAnswer MsgBox(TextView text, std::int32_t style, TextView title) = 0;
   /// A box with a prompt and one text field. The text, empty if the person cancels.
   virtual Text InputBox(TextView prompt, TextView title, TextView initial) = 0;

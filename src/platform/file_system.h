@@ -70,11 +70,12 @@ enum class FileDisposition {
 
 /// The file calls of the system, one call an operation, failing with the system's numbers.
 ///
-/// Paths are the system's: a drive letter, a colon, backslashes (a slash stands for a backslash), or
-/// two backslashes, a machine and a share. They match without regard to case and keep the case in
-/// which they were made. Texts pass through the code page of the system, so that a character which
-/// it cannot represent becomes its default character. A name that the system does not allow fails
-/// with invalidName, a missing parent with pathNotFound, a drive that is not there with pathNotFound.
+/// Paths are the system's: a drive letter, a colon, backslashes (a slash stands for a backslash),
+/// or two backslashes, a machine and a share. They match without regard to case and keep the case
+/// in which they were made. Texts pass through the code page of the system, so that a character
+/// which it cannot represent becomes its default character. A name that the system does not allow
+/// fails with invalidName, a missing parent with pathNotFound, a drive that is not there with
+/// pathNotFound.
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
@@ -89,9 +90,9 @@ class FileSystem {
   virtual SystemError FindNextFileA(FileHandle search, DirectoryEntry& entry) = 0;
   virtual void FindClose(FileHandle search) = 0;
 
-  /// Opens a file. A directory fails with accessDenied; a read-only file that is to be written, too;
-  /// a file that somebody has open without sharing, or that runs as a program and is to be written,
-  /// with sharingViolation. A new file has the archive attribute.
+  /// Opens a file. A directory fails with accessDenied; a read-only file that is to be written,
+  /// too; a file that somebody has open without sharing, or that runs as a program and is to be
+  /// written, with sharingViolation. A new file has the archive attribute.
   virtual SystemError CreateFileA(TextView path, FileAccess access, FileShare share,
                                   FileDisposition disposition, FileHandle& file) = 0;
   /// Reads up to the length of `into` at a byte offset; `read` is less at the end of the file.

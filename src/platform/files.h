@@ -46,8 +46,8 @@ class Files {
 
   /// The lowest number that no open file has; 67 if all are taken.
   virtual std::int32_t FreeFile() = 0;
-  /// Opens for binary access, reading and writing as far as the file allows, creating it if there is
-  /// none. With `locked` nobody else can read or write it meanwhile.
+  /// Opens for binary access, reading and writing as far as the file allows, creating it if there
+  /// is none. With `locked` nobody else can read or write it meanwhile.
   virtual void OpenBinary(std::int32_t number, TextView path, bool locked) = 0;
   /// The same for writing only.
   virtual void OpenBinaryWrite(std::int32_t number, TextView path) = 0;
@@ -60,13 +60,14 @@ class Files {
 
   /// Length of an open file in bytes.
   virtual std::int32_t LOF(std::int32_t number) = 0;
-  /// Reads at a 1-based position; what lies behind the end of the file becomes 0. A position below 1
-  /// is error 63.
+  /// Reads at a 1-based position; what lies behind the end of the file becomes 0. A position below
+  /// 1 is error 63.
   virtual void Get(std::int32_t number, std::int32_t position, std::span<std::uint8_t> into) = 0;
   /// Writes at a 1-based position. A position below 1 is error 63, a full disk 61.
   virtual void Put(std::int32_t number, std::int32_t position,
                    std::span<const std::uint8_t> from) = 0;
-  /// Writes a text, in the system's code page, at a 1-based position of a binary file.
+  /// Writes a text, in the system's code page, at a 1-based position of a binary file: as many
+  /// bytes as the text has characters, cut where the code page needs more.
   virtual void PutText(std::int32_t number, std::int32_t position, TextView text) = 0;
   /// Writes a text, in the system's code page, and a line end.
   virtual void Print(std::int32_t number, TextView text) = 0;

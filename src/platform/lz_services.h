@@ -31,8 +31,8 @@ class LzServices {
  public:
   virtual ~LzServices() = default;
 
-  /// Opens a file for reading (OF_READ) or creates or empties it (OF_CREATE). A handle, not negative,
-  /// or a negative number with the reason in `record.nErrCode`.
+  /// Opens a file for reading (OF_READ) or creates or empties it (OF_CREATE). A handle, not
+  /// negative, or a negative number with the reason in `record.nErrCode`.
   virtual std::int32_t LZOpenFileA(TextView path, OFSTRUCT& record, std::int32_t style) = 0;
   /// Expands the whole source into the destination; a source that is not compressed is copied. The
   /// number of bytes written, or one of `lz_error`.

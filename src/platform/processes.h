@@ -19,8 +19,8 @@ class Processes {
   virtual ~Processes() = default;
 
   /// The run-time's statement: starts a command line with a window of that style (1: normal, with
-  /// focus), does not wait, and returns the identifier of the process. A program that is not there is
-  /// error 53, one that cannot be started error 5.
+  /// focus), does not wait, and returns the identifier of the process. A program that is not there
+  /// is error 53, one that cannot be started error 5.
   virtual std::int32_t Shell(TextView commandLine, std::int32_t style) = 0;
   /// 0 on failure.
   virtual ProcessHandle OpenProcess(std::uint32_t access, bool inherit, std::int32_t process) = 0;

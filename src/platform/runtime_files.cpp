@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/buffer.h"
 #include "runtime/error.h"
 
 namespace zev {
@@ -103,7 +104,9 @@ Text RuntimeFiles::Dir(TextView pattern, std::int32_t attributes) {
   endQuery();
   if (namesRoot(pattern)) return system_.rootExists(pattern) ? u"." : u"";
   Text searched(pattern);
-  if (!searched.empty() && (searched.back() == u'\\' || searched.back() == u'/')) searched += u"*.*";
+  if (!searched.empty() && (searched.back() == u'\\' || searched.back() == u'/')) {
+    searched += u"*.*";
+  }
   DirectoryEntry entry;
   FileHandle search = 0;
   if (system_.FindFirstFileA(searched, entry, search) != system_error::success) return {};
@@ -186,13 +189,14 @@ void RuntimeFiles::OpenBinary(std::int32_t number, TextView path, bool locked) {
   requireFree(number);
   const FileShare share = locked ? FileShare::Nothing : FileShare::All;
   FileHandle handle = 0;
-  SystemError error = system_.CreateFileA(path, FileAccess::ReadWrite, share,
-                                          FileDisposition::OpenAlways, handle);
+  SystemError error =
+      system_.CreateFileA(path, FileAccess::ReadWrite, share, FileDisposition::OpenAlways, handle);
   const bool mayBeReadable = error == system_error::accessDenied ||
                              error == system_error::sharingViolation ||
                              error == system_error::writeProtect;
   if (mayBeReadable && !locked) {
-    error = system_.CreateFileA(path, FileAccess::Read, share, FileDisposition::OpenExisting, handle);
+    error =
+        system_.CreateFileA(path, FileAccess::Read, share, FileDisposition::OpenExisting, handle);
   }
   require(error);
   add(number, Mode::Binary, handle);
@@ -209,24 +213,35 @@ void RuntimeFiles::OpenBinaryWrite(std::int32_t number, TextView path) {
 void RuntimeFiles::OpenInput(std::int32_t number, TextView path) {
   requireFree(number);
   FileHandle handle = 0;
-  require(system_.CreateFileA(path, FileAccess::Read, FileShare::All, FileDisposition::OpenExisting,
-                              handle));
+  require(system_.CreateFileA(path, FileAccess::Read, FileShare::All,
+                              FileDisposition::OpenExisting, handle));
   add(number, Mode::Input, handle);
-  OpenFile& file = files_[number];
+  try {
+    files_[number].text = readText(handle);
+  } catch (const RuntimeError&) {
+    Close(number);
+    throw;
+  }
+}
+
+/// All of a text file up to its end mark, in the bytes of its code page.
+std::string RuntimeFiles::readText(FileHandle handle) {
   std::uint64_t size = 0;
   std::size_t read = 0;
   require(system_.GetFileSize(handle, size));
-  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+  if (size == 0) return {};
+  std::vector<std::uint8_t> bytes = byteArray(length32(size));
   require(system_.ReadFile(handle, 0, bytes, read));
-  file.text.assign(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(read));
-  file.text.erase(std::min(file.text.find(endOfTextFile), file.text.size()));
+  std::string text(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(read));
+  text.erase(std::min(text.find(endOfTextFile), text.size()));
+  return text;
 }
 
 void RuntimeFiles::OpenOutput(std::int32_t number, TextView path) {
   requireFree(number);
   FileHandle handle = 0;
-  require(system_.CreateFileA(path, FileAccess::Write, FileShare::All, FileDisposition::CreateAlways,
-                              handle));
+  require(system_.CreateFileA(path, FileAccess::Write, FileShare::All,
+                              FileDisposition::CreateAlways, handle));
   add(number, Mode::Output, handle);
 }
 
@@ -268,12 +283,13 @@ void RuntimeFiles::Put(std::int32_t number, std::int32_t position,
   const OpenFile& file = open(number, Mode::Binary);
   if (position < 1) throw RuntimeError(ErrorNumber::BadRecordNumber);
   std::size_t written = 0;
-  require(
-      system_.WriteFile(file.handle, static_cast<std::uint64_t>(position) - 1, from, written));
+  require(system_.WriteFile(file.handle, static_cast<std::uint64_t>(position) - 1, from, written));
 }
 
 void RuntimeFiles::PutText(std::int32_t number, std::int32_t position, TextView text) {
-  Put(number, position, bytesOf(system_.toAnsi(text)));
+  std::string bytes = system_.toAnsi(text);
+  bytes.resize(text.size(), ' ');
+  Put(number, position, bytesOf(bytes));
 }
 
 void RuntimeFiles::Print(std::int32_t number, TextView text) {

@@ -58,6 +58,7 @@ class RuntimeFiles final : public Files {
   void endQuery();
   OpenFile& open(std::int32_t number, Mode mode);
   OpenFile& opened(std::int32_t number);
+  std::string readText(FileHandle handle);
   void add(std::int32_t number, Mode mode, FileHandle handle);
   void requireFree(std::int32_t number) const;
 

@@ -23,14 +23,14 @@ struct OSVERSIONINFO {
 };
 
 /// What the system tells of itself and of the user. A buffer is a text of the size given with it; a
-/// call writes its answer over the beginning, ended by a NUL, and leaves the rest. Texts come from the
-/// code page of the system.
+/// call writes its answer over the beginning, ended by a NUL, and leaves the rest. Texts come from
+/// the code page of the system.
 class SystemInformation {
  public:
   virtual ~SystemInformation() = default;
 
-  /// Length of the answer without the NUL; 0 on failure; the size needed, NUL included, for a buffer
-  /// too small, which stays as it is. Paths; the first one ends in a backslash.
+  /// Length of the answer without the NUL; 0 on failure; the size needed, NUL included, for a
+  /// buffer too small, which stays as it is. Paths; the first one ends in a backslash.
   virtual std::uint32_t GetTempPathA(std::uint32_t size, Text& buffer) = 0;
   virtual std::uint32_t GetWindowsDirectoryA(Text& buffer, std::uint32_t size) = 0;
   virtual std::uint32_t GetSystemDirectoryA(Text& buffer, std::uint32_t size) = 0;
@@ -39,17 +39,18 @@ class SystemInformation {
 
   /// The logon name; `size` becomes its length with the NUL. False on failure.
   virtual bool GetUserNameA(Text& buffer, std::uint32_t& size) = 0;
-  /// Looks an account of this machine up: the domain's name into a buffer of `domainSize` units. The
-  /// security identifier, of at most `sidSize` bytes, is not handed on. False on failure.
+  /// Looks an account of this machine up: the domain's name into a buffer of `domainSize` units.
+  /// The security identifier, of at most `sidSize` bytes, is not handed on. False on failure.
   virtual bool LookupAccountNameA(TextView account, std::uint32_t sidSize, Text& domain,
                                   std::uint32_t& domainSize) = 0;
 
-  /// Fills the record in the form that its size field names. False on failure, the record unchanged.
+  /// Fills the record in the form that its size field names. False on failure; the record is then
+  /// unchanged.
   virtual bool GetVersionExA(OSVERSIONINFO& record) = 0;
   virtual std::int32_t GetSystemMetrics(std::int32_t index) = 0;
   virtual std::uintptr_t GetCurrentProcess() = 0;
-  /// Whether a process runs under emulation of 32 bits. False on failure. Looked up at the call: older
-  /// systems do not have it.
+  /// Whether a process runs under emulation of 32 bits. False on failure. Looked up at the call:
+  /// older systems do not have it.
   virtual bool IsWow64Process(std::uintptr_t process, bool& emulated) = 0;
   /// wProcessorArchitecture: 0 x86, 6 Itanium, 9 x64. The first is looked up at the call.
   virtual std::uint16_t GetNativeSystemInfo() = 0;

@@ -38,16 +38,16 @@ class FormEngine : public FormObserver {
 
 /// The program as the run-time runs it: its loaded forms, its queue of events and its message loop.
 ///
-/// Handlers run from the top of the loop, never inside a dispatch: a binding posts what happened, and
-/// run() and DoEvents() run it. A run-time error that leaves a handler ends the program.
+/// Handlers run from the top of the loop, never inside a dispatch: a binding posts what happened,
+/// and run() and DoEvents() run it. A run-time error that leaves a handler ends the program.
 class Application {
  public:
   /// Borrows the engine, which outlives the application.
   explicit Application(FormEngine& engine) : engine_(engine) {}
 
   /// Runs the program: the entry procedure, then the message loop until the last form is gone.
-  /// Leaves by ProgramEnd or UnhandledError for every end but one: it returns when the engine has no
-  /// more messages, with forms still open.
+  /// Leaves by ProgramEnd or UnhandledError for every end but one: it returns when the engine has
+  /// no more messages, with forms still open.
   void run(const EventProcedure& entry);
 
   /// Loads the form if need be (its Load event runs before it is visible) and shows it. A form that

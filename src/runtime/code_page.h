@@ -16,9 +16,9 @@ bool isKnownCodePage(std::uint32_t codePage);
 /// code page throws std::invalid_argument, here and below.
 std::string toCodePage(TextView text, std::uint32_t codePage);
 
-/// The text of bytes in a code page. Bytes that the system leaves unassigned in its single-byte pages
-/// become what the system makes of them: a control or a private character of their own, so that they
-/// survive the way there and back.
+/// The text of bytes in a code page. Bytes that the system leaves unassigned in its single-byte
+/// pages become what the system makes of them: a control or a private character of their own, so
+/// that they survive the way there and back.
 Text fromCodePage(std::string_view bytes, std::uint32_t codePage);
 
 /// A text as it comes out of a way through the code page.

@@ -63,9 +63,7 @@ CheckBox::CheckBox(const ControlDesign& design) : Control(design) {
   Caption.design(Text(design.text));
 }
 
-TextBox::TextBox(const ControlDesign& design) : Control(design) {
-  Text_.design(Text(design.text));
-}
+TextBox::TextBox(const ControlDesign& design) : Control(design) { Text_.design(Text(design.text)); }
 
 Frame::Frame(const ControlDesign& design) : Control(design) { Caption.design(Text(design.text)); }
 

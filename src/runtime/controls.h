@@ -41,7 +41,7 @@ struct ControlDesign {
   TextView name;
   std::int32_t index = -1;  ///< within a control array; -1 for a control of its own
   ControlKind kind{};
-  TextView container = {};  ///< name of the container, "Frame1(2)" for one of an array; empty: the form
+  TextView container = {};  ///< its name, "Frame1(2)" for one of an array; empty: the form
   Place place{};            ///< for a line the two end points
   std::int32_t tabIndex = -1;
   TextView text = {};  ///< caption or text
@@ -161,7 +161,7 @@ class Line final : public Control {
   explicit Line(const ControlDesign& design) : Control(design) {}
 };
 
-/// A list of texts with a selected place. Choosing a place, by a person or by code, fires the click.
+/// A list of texts with a selected place. Choosing one, by a person or by code, fires the click.
 class ComboBox final : public Control {
  public:
   explicit ComboBox(const ControlDesign& design) : Control(design) {}

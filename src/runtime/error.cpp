@@ -63,7 +63,8 @@ Text errorDescription(std::int32_t number) {
 
 RuntimeError::RuntimeError(ErrorNumber number) : RuntimeError(static_cast<std::int32_t>(number)) {}
 
-RuntimeError::RuntimeError(std::int32_t number) : RuntimeError(number, errorDescription(number), {}) {}
+RuntimeError::RuntimeError(std::int32_t number)
+    : RuntimeError(number, errorDescription(number), {}) {}
 
 RuntimeError::RuntimeError(std::int32_t number, Text description, Text source)
     : std::runtime_error("run-time error " + std::to_string(number) + ": " + toUtf8(description)),

@@ -37,8 +37,8 @@ std::string withoutSpace(std::string text) {
   return text;
 }
 
-/// &H12 and &O17: at most 32 bits, taken as the pattern of a signed number; 16-bit patterns of up to
-/// four hexadecimal digits are signed 16-bit numbers.
+/// &H12 and &O17: at most 32 bits, taken as the pattern of a signed number; 16-bit patterns of up
+/// to four hexadecimal digits are signed 16-bit numbers.
 std::int32_t radixNumber(const std::string& digits, int base) {
   std::uint64_t value = 0;
   const char* end = digits.data() + digits.size();
@@ -50,16 +50,25 @@ std::int32_t radixNumber(const std::string& digits, int base) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
 }
 
+/// Of a number beyond the range of a double: true if it is next to nothing.
+bool tooSmall(const std::string& text) {
+  const std::size_t exponent = text.find_first_of("eE");
+  return exponent == std::string::npos ? text.find_first_of("123456789") > text.find('.')
+                                       : text.compare(exponent + 1, 1, "-") == 0;
+}
+
 double decimalNumber(const std::string& text) {
-  const char* begin = text.data() + (text.starts_with('+') ? 1 : 0);
+  const bool plus = text.starts_with('+');
+  const char* begin = text.data() + (plus ? 1 : 0);
   const char* end = text.data() + text.size();
-  const char* number = begin != end && *begin == '-' ? begin + 1 : begin;
+  const char* number = begin != end && *begin == '-' && !plus ? begin + 1 : begin;
   const bool looksRight = number != end && (*number == '.' || (*number >= '0' && *number <= '9'));
   double value = 0;
   const auto [stop, error] = std::from_chars(begin, end, value);
   if (!looksRight || stop != end || error == std::errc::invalid_argument) noNumber();
-  if (error == std::errc::result_out_of_range) throw RuntimeError(ErrorNumber::Overflow);
-  return value;
+  if (error != std::errc::result_out_of_range) return value;
+  if (tooSmall(text)) return 0;
+  throw RuntimeError(ErrorNumber::Overflow);
 }
 
 }  // namespace
@@ -78,7 +87,9 @@ std::int32_t multiply(std::int32_t first, std::int32_t second) {
 
 std::int32_t toLong(double number) {
   const double whole = std::nearbyint(number);  // the default mode rounds half to even
-  if (!(whole >= Limits::min() && whole <= Limits::max())) throw RuntimeError(ErrorNumber::Overflow);
+  if (!(whole >= Limits::min() && whole <= Limits::max())) {
+    throw RuntimeError(ErrorNumber::Overflow);
+  }
   return static_cast<std::int32_t>(whole);
 }
 

@@ -11,13 +11,13 @@ std::int32_t add(std::int32_t first, std::int32_t second);
 std::int32_t subtract(std::int32_t first, std::int32_t second);
 std::int32_t multiply(std::int32_t first, std::int32_t second);
 
-/// Nearest whole number, a half going to the even one; out of the 32-bit range, and for no number at
-/// all, it is error 6.
+/// Nearest whole number, a half going to the even one; out of the 32-bit range, and for no number
+/// at all, it is error 6.
 std::int32_t toLong(double number);
 
 /// The whole number that a text spells: blanks, tabs and line ends around it, a sign, digits with a
-/// decimal point and an exponent, or &H and &O forms. A text that is no number is error 13, a number
-/// out of the 32-bit range is error 6; fractions round half to even.
+/// decimal point and an exponent, or &H and &O forms. A text that is no number is error 13, a
+/// number out of the 32-bit range is error 6; fractions round half to even.
 std::int32_t toLong(TextView text);
 
 }  // namespace zev

@@ -20,29 +20,31 @@ std::size_t checkedCount(std::int32_t count) {
 struct CaseRange {
   char16_t firstUpper;
   char16_t lastUpper;
-  int toLower;    ///< what is added to an upper-case letter
-  bool alternate; ///< every second unit only, beginning with the first
+  int toLower;     ///< what is added to an upper-case letter
+  bool alternate;  ///< every second unit only, beginning with the first
 };
 
+// clang-format off
 constexpr CaseRange caseRanges[] = {
-    {u'A', u'Z', 32, false},          // Latin
-    {u'\u00C0', u'\u00D6', 32, false},  // Latin-1
+    {u'A', u'Z', 32, false},              // Latin
+    {u'\u00C0', u'\u00D6', 32, false},    // Latin-1
     {u'\u00D8', u'\u00DE', 32, false},
-    {u'\u0100', u'\u012E', 1, true},  // Latin Extended-A
+    {u'\u0100', u'\u012E', 1, true},      // Latin Extended-A
     {u'\u0132', u'\u0136', 1, true},
     {u'\u0139', u'\u0147', 1, true},
     {u'\u014A', u'\u0176', 1, true},
     {u'\u0178', u'\u0178', -121, false},
     {u'\u0179', u'\u017D', 1, true},
-    {u'\u0386', u'\u0386', 38, false},  // Greek
+    {u'\u0386', u'\u0386', 38, false},    // Greek
     {u'\u0388', u'\u038A', 37, false},
     {u'\u038C', u'\u038C', 64, false},
     {u'\u038E', u'\u038F', 63, false},
     {u'\u0391', u'\u03A1', 32, false},
     {u'\u03A3', u'\u03AB', 32, false},
-    {u'\u0400', u'\u040F', 80, false},  // Cyrillic
+    {u'\u0400', u'\u040F', 80, false},    // Cyrillic
     {u'\u0410', u'\u042F', 32, false},
 };
+// clang-format on
 
 bool covers(const CaseRange& range, int upper) {
   if (upper < range.firstUpper || upper > range.lastUpper) return false;

@@ -30,8 +30,8 @@ TextView mid(TextView text, std::int32_t position);
 /// Length in 16-bit units.
 std::int32_t len(TextView text);
 
-/// 1-based position of the first `wanted` in `text`, or 0. An empty `wanted` is found at 1 in a text
-/// that is not empty.
+/// 1-based position of the first `wanted` in `text`, or 0. An empty `wanted` is found at 1 in a
+/// text that is not empty.
 std::int32_t inStr(TextView text, TextView wanted);
 
 /// The same without regard to case.

@@ -50,10 +50,10 @@ constexpr ControlDesign controls[] = {
 // clang-format on
 
 constexpr FormDesign formDesign = {.name = u"Form1",
-                               .caption = u"ZEV Screen Recorder - Install",
-                               .width = 6450,
-                               .height = 4635,
-                               .controls = controls};
+                                   .caption = u"ZEV Screen Recorder - Install",
+                                   .width = 6450,
+                                   .height = 4635,
+                                   .controls = controls};
 
 /// The items of the language list, in their order.
 constexpr TextView languages[] = {u"English", u"Deutsch", u"Français", u"Espanol"};

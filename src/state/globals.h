@@ -28,9 +28,9 @@ struct Globals {
   Text gWinDir;                ///< the Windows directory, without trailing backslash
   Text gProductExe;            ///< base name of the main executable
 
-  std::int32_t gOSClass = 0;        ///< 0 to 4; 4 is `profileClass`
-  std::uint8_t gVersionNT62 = 0;    ///< 1 on NT 6.2, where the options count
-  std::uint8_t gOptRedist = 0;      ///< the Install Options: 0 or 1
+  std::int32_t gOSClass = 0;      ///< 0 to 4; 4 is `profileClass`
+  std::uint8_t gVersionNT62 = 0;  ///< 1 on NT 6.2, where the options count
+  std::uint8_t gOptRedist = 0;    ///< the Install Options: 0 or 1
   std::uint8_t gOptStartMenu = 0;
   std::uint8_t gOptDesktop = 0;
 
@@ -41,9 +41,9 @@ struct Globals {
 
   std::int32_t gLanguage = 0;  ///< of `language`; other numbers can be read from the machine
 
-  Text gInstalledDir;               ///< directory of the installed current generation
-  Text gStartMenuDir;               ///< folder of the Start Menu shortcuts
-  std::int16_t gProductVersion = 0; ///< what the run stores as the version
+  Text gInstalledDir;                ///< directory of the installed current generation
+  Text gStartMenuDir;                ///< folder of the Start Menu shortcuts
+  std::int16_t gProductVersion = 0;  ///< what the run stores as the version
 };
 
 }  // namespace zev

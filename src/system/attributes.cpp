@@ -23,7 +23,7 @@ std::int32_t clearAttribute(Files& files, TextView path, std::int32_t bit) {
 }  // namespace
 
 bool exists(Files& files, TextView path, std::int32_t mask) {
-  return !files.Dir(path, mask).empty();
+  return !files.Dir(trim(path), mask).empty();
 }
 
 std::int32_t ClearHiddenAttribute(Files& files, TextView path) {

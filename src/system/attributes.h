@@ -14,7 +14,7 @@ std::int32_t ClearHiddenAttribute(Files& files, TextView path);
 /// The same for the read-only attribute.
 std::int32_t ClearReadOnlyAttribute(Files& files, TextView path);
 
-/// True if `Dir` with the mask answers for the path. The path is taken as it stands; callers trim it.
+/// True if `Dir` with the mask answers for the path, trimmed.
 bool exists(Files& files, TextView path, std::int32_t mask);
 
 }  // namespace zev

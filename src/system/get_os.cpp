@@ -41,12 +41,17 @@ struct Name9x {
 
 constexpr std::uint32_t anyBuild = 0xFFFFFFFF;
 
+// clang-format off
 constexpr Name9x names9x[] = {
-    {0, 950, 950, u"Win95"},          {0, 951, 1080, u"Win95SP1"},
-    {0, 1081, anyBuild, u"Win95OSR2"}, {10, 1998, 1998, u"Win98"},
-    {10, 1999, 2182, u"Win98SP1"},    {10, 2183, anyBuild, u"Win98SE"},
-    {90, 0, anyBuild, u"WinME"},
+    { 0,  950,      950, u"Win95"},
+    { 0,  951,     1080, u"Win95SP1"},
+    { 0, 1081, anyBuild, u"Win95OSR2"},
+    {10, 1998,     1998, u"Win98"},
+    {10, 1999,     2182, u"Win98SP1"},
+    {10, 2183, anyBuild, u"Win98SE"},
+    {90,    0, anyBuild, u"WinME"},
 };
+// clang-format on
 
 /// A suffix that a bit of the suite mask gives; the first bit that is set decides.
 struct SuiteSuffix {
@@ -66,8 +71,11 @@ constexpr SuiteSuffix x64Suffixes[] = {
 };
 
 constexpr SuiteSuffix otherSuffixes[] = {
-    {suiteComputeCluster, u"CCE"}, {suiteDatacenter, u"DE"}, {suiteEnterprise, u"EE"},
-    {suiteBlade, u"WE"},           {0, u"SE"},
+    {suiteComputeCluster, u"CCE"},
+    {suiteDatacenter, u"DE"},
+    {suiteEnterprise, u"EE"},
+    {suiteBlade, u"WE"},
+    {0, u"SE"},
 };
 
 struct ProductSuffix {
@@ -75,11 +83,27 @@ struct ProductSuffix {
   TextView suffix;
 };
 
+// clang-format off
 constexpr ProductSuffix productSuffixes[] = {
-    {1, u"UE"},    {2, u"HB"},    {3, u"HP"},    {4, u"EE"},     {6, u"BE"},   {7, u"SE"},
-    {8, u"DE"},    {9, u"SBS"},   {10, u"EE"},   {11, u"SE"},    {12, u"DEci"}, {13, u"SEci"},
-    {14, u"EEci"}, {15, u"EEibs"}, {17, u"WSE"}, {18, u"CSE"},   {25, u"SBSP"},
+    { 1, u"UE"},
+    { 2, u"HB"},
+    { 3, u"HP"},
+    { 4, u"EE"},
+    { 6, u"BE"},
+    { 7, u"SE"},
+    { 8, u"DE"},
+    { 9, u"SBS"},
+    {10, u"EE"},
+    {11, u"SE"},
+    {12, u"DEci"},
+    {13, u"SEci"},
+    {14, u"EEci"},
+    {15, u"EEibs"},
+    {17, u"WSE"},
+    {18, u"CSE"},
+    {25, u"SBSP"},
 };
+// clang-format on
 
 [[noreturn]] void systemFailed() { throw RuntimeError(-1); }
 
@@ -104,11 +128,10 @@ TextView suiteSuffix(std::span<const SuiteSuffix> rows, std::uint16_t suite) {
 }
 
 TextView name9x(const OSVERSIONINFO& version) {
-  const auto row =
-      std::find_if(std::begin(names9x), std::end(names9x), [&](const Name9x& each) {
-        return each.minor == version.dwMinorVersion && version.dwBuildNumber >= each.firstBuild &&
-               version.dwBuildNumber <= each.lastBuild;
-      });
+  const auto row = std::find_if(std::begin(names9x), std::end(names9x), [&](const Name9x& each) {
+    return each.minor == version.dwMinorVersion && version.dwBuildNumber >= each.firstBuild &&
+           version.dwBuildNumber <= each.lastBuild;
+  });
   return row == std::end(names9x) ? TextView() : row->name;
 }
 

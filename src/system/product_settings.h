@@ -7,7 +7,7 @@
 
 namespace zev {
 
-/// Key of the product's settings under HKEY_LOCAL_MACHINE; in the value files it counts for nothing.
+/// Key of the product's settings under HKEY_LOCAL_MACHINE; the value files have no use for it.
 inline constexpr TextView settingsKey = u"Software\\Tavorns\\ZEV5";
 
 /// Names of the settings that others read, too.

@@ -19,9 +19,9 @@ inline constexpr std::int32_t ForceRegistry = 999999;
 using KeyList = std::variant<std::monostate, std::int32_t, std::vector<Text>>;
 
 /// The one door to persistent settings. On machines whose class is `profileClass` values without
-/// `ForceRegistry` are the value files of `gUserData` and `gUserDataAlt`, where hive and key count for
-/// nothing; on all others they are the registry's. Failures of the system raise nothing: a refused
-/// write is lost, a read gives the default.
+/// `ForceRegistry` are the value files of `gUserData` and `gUserDataAlt`, where hive and key count
+/// for nothing; on all others they are the registry's. Failures of the system raise nothing: a
+/// refused write is lost, a read gives the default.
 class Registry {
  public:
   /// Borrows both; they outlive this.
@@ -31,15 +31,15 @@ class Registry {
   void DeleteRegKey(RegistryKey hive, TextView key, std::int32_t selector);
   void DeleteRegValue(RegistryKey hive, TextView key, TextView name, std::int32_t selector);
 
-  /// A text value. In the value files the first folder's wins, and with no folder at hand the result
-  /// is empty, not the default.
+  /// A text value. In the value files the first folder's wins, and with no folder at hand the
+  /// result is empty, not the default.
   Text GetRegString(RegistryKey hive, TextView key, TextView name, TextView defaultText,
                     std::int32_t selector);
   void SetRegString(RegistryKey hive, TextView key, TextView name, TextView text,
                     std::int32_t selector);
 
-  /// A number. In the value files the second folder's wins, and with no folder at hand the result is
-  /// 0, not the default.
+  /// A number. In the value files the second folder's wins, and with no folder at hand the result
+  /// is 0, not the default.
   std::int32_t GetRegDword(RegistryKey hive, TextView key, TextView name,
                            std::int32_t defaultNumber, std::int32_t selector);
   void SetRegDword(RegistryKey hive, TextView key, TextView name, std::int32_t number,

@@ -19,8 +19,7 @@ constexpr std::array<TextView, 2> knownFolders = {
 
 Text GetSpecialFolder(Program& program, std::int32_t csidl) {
   ShellFolders& shell = program.platform.shellFolders;
-  const WindowHandle window =
-      program.platform.application.engine().windowHandle(program.form1);
+  const WindowHandle window = program.platform.application.engine().windowHandle(program.form1);
   ItemIdList list = nullptr;
   if (shell.SHGetSpecialFolderLocation(window, csidl, list) != 0) return {};
   Text buffer = blanks(pathSize);

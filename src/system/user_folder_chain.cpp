@@ -74,8 +74,8 @@ void UserFolderChain::clearAttributes(TextView folder, std::int32_t hiddenStage)
   setStage_(hiddenStage);
   if (ClearHiddenAttribute(program_.platform.files, folder) == -1) {
     messageAbout(
-        u"The following folder is hidden and couldn't change its attribute to visible. You should do "
-        u"it manually.",
+        u"The following folder is hidden and couldn't change its attribute to visible. You should "
+        u"do it manually.",
         folder);
   }
   setStage_(hiddenStage + 1);
@@ -140,8 +140,7 @@ void UserFolderChain::makeOwnFolder() {
   std::int16_t result = 0;
   CreateConfFolder(program_, result);
   if (result != -1) return;
-  message(
-      u"Error: Couldn 't find the user folder and couldn't create one! Quiting installation.");
+  message(u"Error: Couldn 't find the user folder and couldn't create one! Quiting installation.");
   Application::End();
 }
 
@@ -155,7 +154,8 @@ void CreateConfFolder(Program& program, std::int16_t& result) {
       files.MkDir(folder);
       program.DoEvents();
     }
-    result = exists(files, join(drive, std::end(ownFolderLevels)[-1]), dir_mask::directories) ? 0 : -1;
+    result =
+        exists(files, join(drive, std::end(ownFolderLevels)[-1]), dir_mask::directories) ? 0 : -1;
   } catch (const RuntimeError&) {
     result = -1;
   }
@@ -171,9 +171,8 @@ void UserFolderChain::message(TextView phrase) {
 }
 
 void UserFolderChain::messageAbout(TextView phrase, TextView folder) {
-  program_.platform.dialogs.MsgBox(
-      join(phrases_.Translate(phrase), lineEnd, lineEnd, trim(folder)), box_style::exclamation,
-      boxTitle);
+  program_.platform.dialogs.MsgBox(join(phrases_.Translate(phrase), lineEnd, lineEnd, trim(folder)),
+                                   box_style::exclamation, boxTitle);
 }
 
 // ---- the probe
@@ -182,9 +181,8 @@ bool WriteProbeFile(Files& files, TextView folder, TextView file, TextView conte
   if (folder.empty() || file.empty()) return false;
   std::int32_t number = 0;
   try {
-    const std::int32_t free = files.FreeFile();
-    files.OpenOutput(free, join(folder, u"\\", file));
-    number = free;
+    number = files.FreeFile();
+    files.OpenOutput(number, join(folder, u"\\", file));
     files.Print(number, content);
     files.Close(number);
     return true;

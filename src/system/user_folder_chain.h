@@ -9,13 +9,13 @@
 namespace zev {
 
 /// Finds the folders of the running user on machines of `profileClass`: the known folder, else the
-/// profile by the user's name, by the account's domain, by the Start Menu folder, else a folder of the
-/// product's own under Program Files. It fills `gUserDir`, `gUserData`, `gUserDirAlt` and
+/// profile by the user's name, by the account's domain, by the Start Menu folder, else a folder of
+/// the product's own under Program Files. It fills `gUserDir`, `gUserData`, `gUserDirAlt` and
 /// `gUserDataAlt`, or ends the program (ProgramEnd) with a message.
 class UserFolderChain {
  public:
-  /// Borrows the program and the phrases. `setStage` is told the stage number of each step, which the
-  /// trap of the caller prints.
+  /// Borrows the program and the phrases. `setStage` is told the stage number of each step, which
+  /// the trap of the caller prints.
   UserFolderChain(Program& program, Phrases& phrases, std::function<void(std::int32_t)> setStage);
 
   void run();

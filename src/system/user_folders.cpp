@@ -17,9 +17,9 @@ enum class Outcome {
 
 /// Makes a folder unless it is there, and tells whether it is there then.
 bool makeFolder(Files& files, TextView folder) {
-  if (exists(files, folder, dir_mask::directories)) return true;
+  if (exists(files, folder, dir_mask::anyEntry)) return true;
   ignoringErrors([&] { files.MkDir(folder); });
-  return exists(files, folder, dir_mask::directories);
+  return exists(files, folder, dir_mask::anyEntry);
 }
 
 /// Steps of one root. The second root has one number for all of its work.
@@ -91,8 +91,8 @@ void readyUserFolders(Program& program, Phrases& phrases,
   readySecondRoot(program, setRunStep);
   if (trim(globals.gUserData).empty() && trim(globals.gUserDataAlt).empty()) {
     program.platform.dialogs.MsgBox(
-        phrases.Translate(u"Error: Couldn 't write to the user directory."),
-        box_style::exclamation, phrases.Translate(u"Screen Recorder"));
+        phrases.Translate(u"Error: Couldn 't write to the user directory."), box_style::exclamation,
+        phrases.Translate(u"Screen Recorder"));
   }
   setRunStep(131);
   writeUserFile(program);

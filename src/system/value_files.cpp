@@ -24,9 +24,8 @@ Text ValueFiles::ReadConf(TextView folder, TextView name, TextView defaultText) 
       return Text(defaultText);
     }
     clearAttributes(trim(folder), path);
-    const std::int32_t free = files_.FreeFile();
-    files_.OpenInput(free, path);
-    number = free;
+    number = files_.FreeFile();
+    files_.OpenInput(number, path);
     const Text text = readItems(number);
     files_.Close(number);
     return Text(trim(text));
@@ -53,16 +52,15 @@ bool ValueFiles::WriteConf(TextView folder, TextView name, TextView text) {
   try {
     const Text path = pathOf(folder, name);
     clearAttributes(trim(folder), path);
-    const std::int32_t free = files_.FreeFile();
-    files_.OpenOutput(free, path);
-    number = free;
+    number = files_.FreeFile();
+    files_.OpenOutput(number, path);
     files_.Print(number, text);
     files_.Close(number);
     return true;
   } catch (const RuntimeError& error) {
     ignoringErrors([&] { files_.Close(number); });
-    dialogs_.MsgBox(join(failure(u"WriteConf", error), lineEnd, lineEnd, folder, u" - ", name, u" - ",
-                         text, lineEnd, lineEnd, mailRequest()),
+    dialogs_.MsgBox(join(failure(u"WriteConf", error), lineEnd, lineEnd, folder, u" - ", name,
+                         u" - ", text, lineEnd, lineEnd, mailRequest()),
                     box_style::exclamation, dialogs_.defaultTitle());
     return false;
   }

@@ -7,8 +7,8 @@
 
 namespace zev {
 
-/// Values as small text files, one line each, in a folder of a user's profile. A value's name is the
-/// name of its file.
+/// Values as small text files, one line each, in a folder of a user's profile. A value's name is
+/// the name of its file.
 class ValueFiles {
  public:
   /// Borrows all three; they outlive this.

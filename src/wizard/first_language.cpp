@@ -27,8 +27,9 @@ Text PrimaryLanguage(std::uint16_t identifier) { return hexadecimal(identifier &
 
 std::int32_t firstLanguage(SystemInformation& system) {
   const Text primary = PrimaryLanguage(system.GetSystemDefaultUILanguage());
-  const auto row = std::find_if(std::begin(systemLanguages), std::end(systemLanguages),
-                                [&](const SystemLanguage& each) { return each.primary == primary; });
+  const auto row =
+      std::find_if(std::begin(systemLanguages), std::end(systemLanguages),
+                   [&](const SystemLanguage& each) { return each.primary == primary; });
   return row == std::end(systemLanguages) ? language::English : row->number;
 }
 

@@ -60,8 +60,8 @@ void Wizard::loadForm(std::int32_t& stage) {
   proposeInstallDirectory(program_, registry_);
   stage = 25;
   if (!RunningProduct(program_, phrases_).waitUntilClosed()) {
-    form1_.Command2.Caption = Translate(u"Finish");
-    platform_.application.Unload(form1_);
+    ignoringErrors([&] { form1_.Command2.Caption = Translate(u"Finish"); });
+    ignoringErrors([&] { platform_.application.Unload(form1_); });
     return;
   }
   stage = 28;
@@ -86,8 +86,7 @@ void Wizard::findWindowsFolder() {
   Text buffer = blanks(pathSize);
   const std::uint32_t length =
       platform_.system.GetWindowsDirectoryA(buffer, static_cast<std::uint32_t>(pathSize));
-  globals_.gWinDir =
-      withoutTrailing(trim(left(buffer, static_cast<std::int32_t>(length))), u'\\');
+  globals_.gWinDir = withoutTrailing(trim(left(buffer, static_cast<std::int32_t>(length))), u'\\');
 }
 
 void Wizard::classifyMachine() {
@@ -108,8 +107,8 @@ bool Wizard::readLanguage() {
   return false;
 }
 
-/// Choosing a place fires the list's click, which localises the form. A number without a place leaves
-/// the form as it is.
+/// Choosing a place fires the list's click, which localises the form. A number without a place
+/// leaves the form as it is.
 void Wizard::selectLanguage() {
   for (const LanguagePlace& each : languagePlaces) {
     if (each.language != globals_.gLanguage) continue;

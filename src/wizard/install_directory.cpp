@@ -46,8 +46,7 @@ void proposeByProfile(Program& program, Registry& registry) {
   Globals& globals = program.globals;
   const bool readable =
       folderExists(program, globals.gUserData) || folderExists(program, globals.gUserDataAlt);
-  globals.gInstallDir =
-      readable ? recordedDirectory(globals, registry) : defaultDirectory(globals);
+  globals.gInstallDir = readable ? recordedDirectory(globals, registry) : defaultDirectory(globals);
 }
 
 }  // namespace

@@ -15,8 +15,7 @@ Setup::Setup(Platform& platform)
       phrases_(program_.globals.gLanguage),
       registry_(program_, phrases_),
       wizard_(program_, phrases_, registry_) {
-  program_.form1.Text1.Text_.design(
-      hardWrapped(agreementText(language::English), agreementWidth));
+  program_.form1.Text1.Text_.design(hardWrapped(agreementText(language::English), agreementWidth));
 }
 
 void Setup::start() { program_.platform.application.Show(program_.form1); }
