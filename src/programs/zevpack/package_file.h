@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "package/manifest.h"
+#include "programs/zevpack/host_file.h"
+
+namespace zev::packing {
+
+/// One member of the manifest, with its names as a host writes them.
+struct Member {
+  std::int32_t row = 0;
+  std::string packedName;
+  std::string installedName;
+  std::size_t size = 0;        ///< bytes in the package
+  std::size_t tailOffset = 0;  ///< bytes between its end and the end of the package
+};
+
+/// All members, in the order of the manifest.
+std::vector<Member> members();
+
+/// The character that the underscore of a packed name stands for.
+std::uint8_t nameByte(std::string_view installedName);
+
+/// A package read whole: members are found by counting back from its end.
+class PackageFile {
+ public:
+  /// ToolError if it cannot be read.
+  explicit PackageFile(const std::filesystem::path& path) : bytes_(readFile(path)) {}
+
+  std::size_t length() const { return bytes_.size(); }
+  /// Offset of a member from the start; none if it would begin in front of the file.
+  std::optional<std::size_t> offsetOf(const Member& member) const;
+  /// The stored bytes of a member that has an offset.
+  std::span<const std::uint8_t> stored(const Member& member) const;
+
+ private:
+  Bytes bytes_;
+};
+
+}  // namespace zev::packing

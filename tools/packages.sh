@@ -1,0 +1,36 @@
+# Installs what the project needs from Debian's packages. Sourced by ./run and ./test.
+
+packages_to_run=(
+  g++ cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev
+  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libavformat-dev libavcodec-dev
+  libavutil-dev gcc-mingw-w64-x86-64 fp-utils-3.2.2
+)
+
+packages_to_test=(
+  clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev
+  libmspack-dev mscompress valgrind binutils file python3
+)
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# Installs those of the named packages that are missing; quiet unless it fails.
+install_packages() {
+  local missing=() package log
+  for package in "$@"; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return 0
+  echo "Installing ${missing[*]}"
+  log=$(mktemp)
+  if ! { as_root apt-get update &&
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
+      "${missing[@]}"; } >"$log" 2>&1; then
+    tail -n 30 "$log" >&2
+    echo "The packages could not be installed; the whole log is in $log" >&2
+    return 1
+  fi
+  rm -f "$log"
+}
