@@ -1,0 +1,5 @@
+/* Stands for the redistributable of the run-time library: there is nothing to lay down, as the
+   programs of the sample product need no run-time library. */
+#include "program.h"
+
+void entry(void) { ExitProcess(0); }

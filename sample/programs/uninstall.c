@@ -1,0 +1,7 @@
+/* The uninstallers. They leave everything in place and report success. */
+#include "program.h"
+
+void entry(void) {
+  if (hasOption("/about")) MessageBoxA(NULL, "Removes " PRODUCT_NAME ".", PRODUCT_NAME, MB_OK);
+  ExitProcess(0);
+}
