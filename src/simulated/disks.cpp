@@ -1,0 +1,276 @@
+#include "simulated/disks.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <stdexcept>
+#include <utility>
+
+#include "simulated/sha256.h"
+
+namespace zev::simulated {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t chunkBytes = 1u << 20;
+
+char16_t upperLetter(char16_t letter) { return upperCase(TextView(&letter, 1)).front(); }
+
+Path absolute(TextView text) {
+  Path path;
+  const bool parsed = parsePath(text, Path{}, path) == system_error::success;
+  if (!parsed || path.drive == 0 || checkNames(path) != system_error::success) {
+    throw std::invalid_argument("no absolute path of the system: " + toUtf8(text));
+  }
+  return path;
+}
+
+std::vector<std::uint8_t> readHostFile(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(file)), {});
+  if (!file) throw std::runtime_error("cannot read " + path.string());
+  return bytes;
+}
+
+bool fill(FileBody& body, const FileContent& content) {
+  if (const auto* zeros = std::get_if<ZeroBytes>(&content)) {
+    return body.resize(0) && body.resize(zeros->size);
+  }
+  if (const auto* host = std::get_if<fs::path>(&content)) return fill(body, readHostFile(*host));
+  return body.resize(0) && body.write(0, std::get<std::vector<std::uint8_t>>(content));
+}
+
+/// Hands the bytes of a file on, chunk by chunk.
+void forEachChunk(FileBody& body, const std::function<void(std::span<const std::uint8_t>)>& take) {
+  std::vector<std::uint8_t> chunk(chunkBytes);
+  std::uint64_t offset = 0;
+  while (const std::size_t count = body.read(offset, chunk)) {
+    take(std::span(chunk).first(count));
+    offset += count;
+  }
+}
+
+void requireHost(bool fine, const fs::path& path) {
+  if (!fine) throw std::runtime_error("cannot write " + path.string());
+}
+
+void exportFile(const Volume& volume, const Path& file, const fs::path& target) {
+  std::ofstream out(target, std::ios::binary);
+  if (const auto body = volume.open(file)) {
+    forEachChunk(*body, [&](std::span<const std::uint8_t> bytes) {
+      out.write(reinterpret_cast<const char*>(bytes.data()),
+                static_cast<std::streamsize>(bytes.size()));
+    });
+  }
+  out.close();
+  requireHost(out.good(), target);
+}
+
+void exportDirectory(const Volume& volume, const Path& directory, const fs::path& target) {
+  fs::create_directories(target);
+  for (const DirectoryEntry& entry : volume.list(directory)) {
+    const std::string utf8 = toUtf8(entry.name);
+    const fs::path place = target / std::u8string(utf8.begin(), utf8.end());
+    const Path path = directory.child(entry.name);
+    if ((entry.attributes & file_attribute::directory) != 0) {
+      exportDirectory(volume, path, place);
+    } else {
+      exportFile(volume, path, place);
+    }
+  }
+}
+
+bool isDirectory(const std::optional<DirectoryEntry>& entry) {
+  return entry && (entry->attributes & file_attribute::directory) != 0;
+}
+
+}  // namespace
+
+// ---- one drive
+
+std::uint64_t Drive::clusterBytes() const {
+  const std::uint64_t bytes = std::uint64_t{settings.sectorsPerCluster} * settings.bytesPerSector;
+  return std::max<std::uint64_t>(bytes, 1);
+}
+
+std::uint64_t Drive::spaceFor(std::uint64_t size) const {
+  return (size + clusterBytes() - 1) / clusterBytes() * clusterBytes();
+}
+
+Guard Drive::guard(const Path& path) const {
+  const auto found = guards.find(path.key());
+  return found == guards.end() ? Guard{} : found->second;
+}
+
+// ---- drives
+
+void Disks::setDrive(char16_t letter, DriveSettings settings) {
+  Drive& drive = drives_[upperLetter(letter)];
+  if (!drive.volume || drive.settings.host != settings.host) {
+    drive.volume = settings.host ? makeHostVolume(*settings.host) : makeMemoryVolume();
+    drive.used = 0;
+    drive.guards.clear();
+  }
+  drive.settings = std::move(settings);
+}
+
+void Disks::removeDrive(char16_t letter) { drives_.erase(upperLetter(letter)); }
+
+std::optional<DriveSettings> Disks::drive(char16_t letter) const {
+  const Drive* found = at(letter);
+  return found == nullptr ? std::nullopt : std::optional(found->settings);
+}
+
+std::vector<char16_t> Disks::letters() const {
+  std::vector<char16_t> letters;
+  for (const auto& [letter, drive] : drives_) letters.push_back(letter);
+  return letters;
+}
+
+const Drive* Disks::at(char16_t letter) const {
+  const auto found = drives_.find(upperLetter(letter));
+  return found == drives_.end() ? nullptr : &found->second;
+}
+
+Drive* Disks::at(char16_t letter) { return const_cast<Drive*>(std::as_const(*this).at(letter)); }
+
+Drive& Disks::require(const Path& path) {
+  Drive* drive = at(path.drive);
+  if (drive == nullptr) throw std::invalid_argument("no drive for " + toUtf8(path.text()));
+  return *drive;
+}
+
+// ---- laying entries
+
+void Disks::put(TextView text, const FileSettings& settings) {
+  const Path path = absolute(text);
+  Drive& drive = require(path);
+  if (settings.directory) {
+    putDirectory(text);
+  } else {
+    putDirectory(path.parent().text());
+    putFile(drive, path, settings.content);
+  }
+  if (settings.attributes) drive.volume->setAttributes(path, *settings.attributes);
+  Guard guard = drive.guard(path);
+  guard.locked = settings.locked.value_or(guard.locked);
+  guard.inUse = settings.inUse.value_or(guard.inUse);
+  guard.deny = settings.deny.value_or(guard.deny);
+  drive.guards[path.key()] = guard;
+}
+
+void Disks::putFile(Drive& drive, const Path& path, const std::optional<FileContent>& content) {
+  if (path.isRoot()) throw std::invalid_argument("a root is no file");
+  std::optional<DirectoryEntry> entry = drive.volume->find(path);
+  if (isDirectory(entry)) {
+    remove(path.text());
+    entry.reset();
+  }
+  const std::uint64_t before = entry ? entry->size : 0;
+  const bool made = entry || drive.volume->createFile(path, file_attribute::archive);
+  const auto body = made ? drive.volume->open(path) : nullptr;
+  if (!body || (content && !fill(*body, *content))) {
+    throw std::runtime_error("cannot lay " + toUtf8(path.text()));
+  }
+  drive.used += static_cast<std::int64_t>(drive.spaceFor(body->size())) -
+                static_cast<std::int64_t>(drive.spaceFor(before));
+}
+
+void Disks::putText(TextView path, std::string_view bytes) {
+  FileSettings settings;
+  settings.content = std::vector<std::uint8_t>(bytes.begin(), bytes.end());
+  put(path, settings);
+}
+
+void Disks::putDirectory(TextView text) {
+  const Path path = absolute(text);
+  Drive& drive = require(path);
+  Path each{path.drive, {}, false};
+  for (const Text& name : path.names) {
+    each = each.child(name);
+    if (isDirectory(drive.volume->find(each))) continue;
+    remove(each.text());
+    if (!drive.volume->createDirectory(each)) {
+      throw std::runtime_error("cannot lay " + toUtf8(each.text()));
+    }
+  }
+}
+
+void Disks::remove(TextView text) {
+  const Path path = absolute(text);
+  Drive* drive = at(path.drive);
+  const auto entry = drive == nullptr ? std::nullopt : drive->volume->find(path);
+  if (!entry) return;
+  if (isDirectory(entry)) {
+    for (const DirectoryEntry& each : drive->volume->list(path)) {
+      remove(path.child(each.name).text());
+    }
+  } else {
+    drive->used -= static_cast<std::int64_t>(drive->spaceFor(entry->size));
+  }
+  if (!path.isRoot()) drive->volume->remove(path);
+  drive->guards.erase(path.key());
+}
+
+// ---- looking
+
+std::optional<DirectoryEntry> Disks::find(TextView text) const {
+  const Path path = absolute(text);
+  const Drive* drive = at(path.drive);
+  return drive == nullptr ? std::nullopt : drive->volume->find(path);
+}
+
+std::optional<std::vector<std::uint8_t>> Disks::read(TextView text) const {
+  const auto entry = find(text);
+  if (!entry || isDirectory(entry)) return std::nullopt;
+  return read(text, 0, static_cast<std::size_t>(entry->size));
+}
+
+std::optional<std::vector<std::uint8_t>> Disks::read(TextView text, std::uint64_t offset,
+                                                     std::size_t count) const {
+  const Path path = absolute(text);
+  const Drive* drive = at(path.drive);
+  const auto body = drive == nullptr ? nullptr : drive->volume->open(path);
+  if (!body) return std::nullopt;
+  const std::uint64_t size = body->size();
+  const std::uint64_t left = offset < size ? size - offset : 0;
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min<std::uint64_t>(count, left)));
+  bytes.resize(body->read(offset, bytes));
+  return bytes;
+}
+
+std::optional<std::vector<Text>> Disks::names(TextView text) const {
+  const Path path = absolute(text);
+  const Drive* drive = at(path.drive);
+  if (drive == nullptr || !isDirectory(drive->volume->find(path))) return std::nullopt;
+  std::vector<Text> names;
+  for (const DirectoryEntry& entry : drive->volume->list(path)) names.push_back(entry.name);
+  return names;
+}
+
+std::optional<std::string> Disks::sha256(TextView text) const {
+  const Path path = absolute(text);
+  const Drive* drive = at(path.drive);
+  const auto body = drive == nullptr ? nullptr : drive->volume->open(path);
+  if (!body) return std::nullopt;
+  Sha256 digest;
+  forEachChunk(*body, [&](std::span<const std::uint8_t> bytes) { digest.add(bytes); });
+  return digest.hex();
+}
+
+Guard Disks::guard(TextView text) const {
+  const Path path = absolute(text);
+  const Drive* drive = at(path.drive);
+  return drive == nullptr ? Guard{} : drive->guard(path);
+}
+
+void Disks::exportDrive(char16_t letter, const fs::path& folder) const {
+  const Drive* drive = at(letter);
+  if (drive == nullptr) throw std::invalid_argument("no such drive");
+  exportDirectory(*drive->volume, Path{upperLetter(letter), {}, false}, folder);
+}
+
+}  // namespace zev::simulated

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/file_system.h"
+#include "runtime/text.h"
+#include "simulated/machine_settings.h"
+#include "simulated/path.h"
+#include "simulated/volume.h"
+
+namespace zev::simulated {
+
+/// What stands on an entry beyond what a file system keeps.
+struct Guard {
+  bool locked = false;
+  bool inUse = false;
+  Denial deny;
+};
+
+/// One drive: its settings, its volume and the guards of its entries.
+struct Drive {
+  DriveSettings settings;  ///< `free` goes down and up with what is written and deleted
+  std::unique_ptr<Volume> volume;
+  std::int64_t used = 0;         ///< bytes, as far as they were laid or written here
+  std::map<Text, Guard> guards;  ///< by Path::key of the entry
+
+  std::uint64_t clusterBytes() const;
+  /// The space that a file of that size takes: whole clusters.
+  std::uint64_t spaceFor(std::uint64_t size) const;
+  Guard guard(const Path& path) const;
+};
+
+/// The drives of a machine with all that lies on them. Its functions set the machine up and look at
+/// it; they know no refusals, leave the free space alone and tell no transcript. Paths are
+/// absolute, with a drive letter; a path that is none of the system's throws std::invalid_argument.
+class Disks {
+ public:
+  /// Puts a drive in or changes it. The content stays unless `host` changes.
+  void setDrive(char16_t letter, DriveSettings settings);
+  void removeDrive(char16_t letter);
+  /// The settings as they now are; none without such a drive.
+  std::optional<DriveSettings> drive(char16_t letter) const;
+  /// Upper-case letters of all drives.
+  std::vector<char16_t> letters() const;
+
+  /// Lays an entry, with the directories above it. An entry of the other kind makes room. Throws
+  /// std::invalid_argument if the drive is not there, std::runtime_error for a host file that
+  /// cannot be read.
+  void put(TextView path, const FileSettings& settings);
+  void putText(TextView path, std::string_view bytes);
+  void putDirectory(TextView path);
+  /// Takes an entry away, a directory with all that it holds. Nothing happens if there is none.
+  void remove(TextView path);
+
+  /// The entry of that path; none if there is none. A root is a directory without a name.
+  std::optional<DirectoryEntry> find(TextView path) const;
+  bool exists(TextView path) const { return find(path).has_value(); }
+  /// All bytes of a file; none if it is no file.
+  std::optional<std::vector<std::uint8_t>> read(TextView path) const;
+  /// Up to `count` bytes of a file from an offset on; none if it is no file.
+  std::optional<std::vector<std::uint8_t>> read(TextView path, std::uint64_t offset,
+                                                std::size_t count) const;
+  /// Names in a directory, sorted by their upper-case form; none if it is no directory.
+  std::optional<std::vector<Text>> names(TextView path) const;
+  /// SHA-256 of a file in lower-case hexadecimal digits; none if it is no file.
+  std::optional<std::string> sha256(TextView path) const;
+  Guard guard(TextView path) const;
+
+  /// Lays the content of a drive out as real files in a folder of the host, which is created.
+  /// Throws std::runtime_error where the host refuses.
+  void exportDrive(char16_t letter, const std::filesystem::path& folder) const;
+
+  /// The drive itself, for the calls of the system; null without such a drive.
+  Drive* at(char16_t letter);
+  const Drive* at(char16_t letter) const;
+
+ private:
+  Drive& require(const Path& path);
+  void putFile(Drive& drive, const Path& path, const std::optional<FileContent>& content);
+
+  std::map<char16_t, Drive> drives_;
+};
+
+}  // namespace zev::simulated

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "runtime/error.h"
+#include "runtime/text.h"
+#include "simulated/machine_settings.h"
+#include "simulated/transcript.h"
+
+namespace zev::simulated {
+
+/// One argument of a call as the transcript shows it.
+using Argument = std::variant<std::int64_t, bool, TextView>;
+using Arguments = std::initializer_list<Argument>;
+
+/// A platform operation that is being called: its name, and a name that it shares with others.
+struct Operation {
+  std::string_view name;
+  std::string_view alias = {};
+  TextView subject = {};  ///< what `match` of a fault looks at beside the first text argument
+};
+
+/// Counts the calls of the platform's operations, writes them into the transcript, and makes those
+/// fail that a fault strikes. One a machine.
+class Instrumentation {
+ public:
+  explicit Instrumentation(Transcript& transcript) : transcript_(transcript) {}
+
+  /// Replaces all faults; they count the calls from here on.
+  void setFaults(std::vector<Fault> faults);
+  std::uint64_t calls(std::string_view name) const;
+  /// Every count starts anew; the faults count on.
+  void forgetCalls() { calls_.clear(); }
+
+  /// Carries out one call: `forward` does it, `fail` gives the failure with a number in the call's
+  /// own shape, `ignore` the success without the deed. All three return the call's result type.
+  template <typename Forward, typename Fail, typename Ignore>
+  auto perform(const Operation& operation, Arguments arguments, Forward forward, Fail fail,
+               Ignore ignore) -> decltype(forward()) {
+    try {
+      const Fault* fault = begin(operation, arguments);
+      if constexpr (std::is_void_v<decltype(forward())>) {
+        carryOut(fault, forward, fail, ignore);
+        tell(operation, arguments, nullptr);
+      } else {
+        auto result = carryOut(fault, forward, fail, ignore);
+        tell(operation, arguments, describe(result));
+        return result;
+      }
+    } catch (const RuntimeError& error) {
+      tell(operation, arguments, {{"raised", error.number()}});
+      throw;
+    }
+  }
+
+ private:
+  struct Armed {
+    Fault fault;
+    std::uint32_t seen = 0;
+  };
+
+  template <typename Forward, typename Fail, typename Ignore>
+  static auto carryOut(const Fault* fault, Forward& forward, Fail& fail, Ignore& ignore)
+      -> decltype(forward()) {
+    if (fault == nullptr) return forward();
+    if (fault->effect == Fault::Effect::Ignore) return ignore();
+    return fail(fault->code);
+  }
+
+  template <typename Result>
+  Event describe(const Result& result) const {
+    if (!transcript_.wants("call")) return nullptr;
+    if constexpr (std::is_same_v<Result, Text>) {
+      return toUtf8(result);
+    } else if constexpr (std::is_enum_v<Result>) {
+      return static_cast<std::int64_t>(result);
+    } else if constexpr (std::is_arithmetic_v<Result>) {
+      return result;
+    } else {
+      return nullptr;
+    }
+  }
+
+  /// Counts the call. The fault that strikes it, null if none does; one that raises does so here.
+  const Fault* begin(const Operation& operation, Arguments arguments);
+  void count(std::string_view name);
+  static bool strikes(Armed& armed, const Operation& operation, TextView argument);
+  void tell(const Operation& operation, Arguments arguments, const Event& result);
+
+  Transcript& transcript_;
+  std::map<std::string, std::uint64_t, std::less<>> calls_;
+  std::vector<Armed> faults_;
+};
+
+}  // namespace zev::simulated

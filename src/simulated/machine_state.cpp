@@ -1,0 +1,26 @@
+#include "simulated/machine_state.h"
+
+#include <algorithm>
+
+namespace zev::simulated {
+
+Path MachineState::currentFolder() const {
+  Path program;
+  parsePath(settings.installer, Path{}, program);
+  return program.parent();
+}
+
+const ProgramSettings* MachineState::program(TextView path) const {
+  for (const auto& [name, program] : settings.programs) {
+    if (equalText(name, path)) return &program;
+  }
+  return nullptr;
+}
+
+void writeAnswer(Text& buffer, const std::string& answer, std::uint32_t codePage) {
+  const std::size_t room = std::min(answer.size() + 1, buffer.size());
+  const std::string kept = (answer + '\0').substr(0, room);
+  buffer.replace(0, room, fromCodePage(kept, codePage));
+}
+
+}  // namespace zev::simulated

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+
+#include "runtime/code_page.h"
+#include "simulated/disks.h"
+#include "simulated/machine_settings.h"
+#include "simulated/registry_tree.h"
+#include "simulated/shortcut_properties.h"
+#include "simulated/transcript.h"
+
+namespace zev::simulated {
+
+/// What the running program has asked of other programs since it was started.
+struct Records {
+  std::vector<Text> shell;   ///< command lines, started or not
+  std::vector<Text> dde;     ///< commands that reached a server
+  std::vector<Text> opened;  ///< files and folders opened with the program of their type
+};
+
+/// All that the services of one machine share. It outlives the programs that run on it.
+struct MachineState {
+  explicit MachineState(Transcript& whereTo) : transcript(whereTo) {}
+
+  Transcript& transcript;
+  MachineSettings settings;
+  Disks disks;
+  RegistryTree registry;
+  std::map<Text, ShortcutProperties> shortcuts;  ///< by upper-case path of the file
+  std::set<Text> running;                        ///< upper-case paths of programs in use
+  Records records;
+  std::uint64_t clock = 0;  ///< milliseconds
+
+  std::uint32_t codePage() const { return settings.system.codePage; }
+  std::string toAnsi(TextView text) const { return toCodePage(text, codePage()); }
+  Text fromAnsi(std::string_view bytes) const { return fromCodePage(bytes, codePage()); }
+  Text throughAnsi(TextView text) const { return throughCodePage(text, codePage()); }
+
+  /// The folder that the program was started in, from which relative paths start.
+  Path currentFolder() const;
+  /// The settings of a program, by its path; none if the machine says nothing of it.
+  const ProgramSettings* program(TextView path) const;
+};
+
+/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. What the
+/// buffer cannot hold is dropped.
+void writeAnswer(Text& buffer, const std::string& answer, std::uint32_t codePage);
+
+}  // namespace zev::simulated

@@ -1,0 +1,134 @@
+#include <algorithm>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "simulated/volume.h"
+
+namespace zev::simulated {
+namespace {
+
+/// Bytes in memory. Zeros behind the last byte that was written take none.
+class MemoryBody final : public FileBody {
+ public:
+  std::uint64_t size() const override { return size_; }
+
+  std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) override {
+    if (offset >= size_) return 0;
+    const auto count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size_ - offset));
+    const std::size_t start = static_cast<std::size_t>(std::min<std::uint64_t>(offset, kept()));
+    const std::size_t stored = std::min(count, kept() - start);
+    const auto from = bytes_.begin() + static_cast<std::ptrdiff_t>(start);
+    const auto end = std::copy_n(from, stored, into.begin());
+    std::fill_n(end, count - stored, std::uint8_t{0});
+    return count;
+  }
+
+  bool write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
+    const auto start = static_cast<std::size_t>(offset);
+    if (start > kept()) bytes_.resize(start);
+    const std::size_t over = std::min(from.size(), kept() - start);
+    std::copy_n(from.begin(), over, bytes_.begin() + static_cast<std::ptrdiff_t>(start));
+    bytes_.insert(bytes_.end(), from.begin() + static_cast<std::ptrdiff_t>(over), from.end());
+    size_ = std::max<std::uint64_t>(size_, kept());
+    return true;
+  }
+
+  bool resize(std::uint64_t size) override {
+    if (size < kept()) bytes_.resize(static_cast<std::size_t>(size));
+    size_ = size;
+    return true;
+  }
+
+ private:
+  std::size_t kept() const { return bytes_.size(); }
+
+  std::vector<std::uint8_t> bytes_;
+  std::uint64_t size_ = 0;
+};
+
+struct Node {
+  Text name;
+  std::uint32_t attributes = file_attribute::normal;
+  std::shared_ptr<MemoryBody> body;                ///< of a file
+  std::map<Text, std::unique_ptr<Node>> children;  ///< of a directory, by upper-case name
+
+  bool isDirectory() const { return (attributes & file_attribute::directory) != 0; }
+  DirectoryEntry entry() const { return {name, attributes, body ? body->size() : 0}; }
+};
+
+class MemoryVolume final : public Volume {
+ public:
+  MemoryVolume() { root_.attributes = file_attribute::directory; }
+
+  std::optional<DirectoryEntry> find(const Path& path) const override {
+    const Node* node = at(path);
+    return node == nullptr ? std::nullopt : std::optional(node->entry());
+  }
+
+  std::vector<DirectoryEntry> list(const Path& directory) const override {
+    std::vector<DirectoryEntry> entries;
+    if (const Node* node = at(directory)) {
+      for (const auto& [key, child] : node->children) entries.push_back(child->entry());
+    }
+    return entries;
+  }
+
+  std::shared_ptr<FileBody> open(const Path& file) const override {
+    const Node* node = at(file);
+    return node == nullptr ? nullptr : node->body;
+  }
+
+  bool createFile(const Path& path, std::uint32_t attributes) override {
+    Node* node = create(path, attributes);
+    if (node != nullptr) node->body = std::make_shared<MemoryBody>();
+    return node != nullptr;
+  }
+
+  bool createDirectory(const Path& path) override {
+    return create(path, file_attribute::directory) != nullptr;
+  }
+
+  bool remove(const Path& path) override {
+    Node* parent = path.isRoot() ? nullptr : at(path.parent());
+    return parent != nullptr && parent->children.erase(upperCase(path.leaf())) > 0;
+  }
+
+  bool setAttributes(const Path& path, std::uint32_t attributes) override {
+    Node* node = at(path);
+    if (node == nullptr) return false;
+    node->attributes = attributes | (node->attributes & file_attribute::directory);
+    return true;
+  }
+
+ private:
+  const Node* at(const Path& path) const {
+    const Node* node = &root_;
+    for (const Text& name : path.names) {
+      const auto found = node->children.find(upperCase(name));
+      if (found == node->children.end()) return nullptr;
+      node = found->second.get();
+    }
+    return node;
+  }
+  Node* at(const Path& path) { return const_cast<Node*>(std::as_const(*this).at(path)); }
+
+  Node* create(const Path& path, std::uint32_t attributes) {
+    Node* parent = path.isRoot() ? nullptr : at(path.parent());
+    if (parent == nullptr || !parent->isDirectory()) return nullptr;
+    auto node = std::make_unique<Node>();
+    node->name = path.leaf();
+    node->attributes = attributes;
+    const auto [place, added] = parent->children.emplace(upperCase(path.leaf()), std::move(node));
+    return added ? place->second.get() : nullptr;
+  }
+
+  Node root_;
+};
+
+}  // namespace
+
+std::unique_ptr<Volume> makeMemoryVolume() { return std::make_unique<MemoryVolume>(); }
+
+}  // namespace zev::simulated

@@ -1,0 +1,123 @@
+#include "simulated/path.h"
+
+#include <algorithm>
+
+namespace zev::simulated {
+namespace {
+
+constexpr char16_t separator = u'\\';
+constexpr TextView forbidden = u"<>:\"|?*";
+
+/// Names of devices; with an extension, whatever it is, they name the device as well.
+constexpr TextView devices[] = {
+    u"CON",  u"PRN",  u"AUX",  u"NUL",  //
+    u"COM1", u"COM2", u"COM3", u"COM4", u"COM5", u"COM6", u"COM7", u"COM8", u"COM9",
+    u"LPT1", u"LPT2", u"LPT3", u"LPT4", u"LPT5", u"LPT6", u"LPT7", u"LPT8", u"LPT9",
+};
+
+bool isLetter(char16_t unit) {
+  return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
+}
+
+char16_t upperLetter(char16_t letter) {
+  return letter >= u'a' ? static_cast<char16_t>(letter - u'a' + u'A') : letter;
+}
+
+bool isDeviceName(TextView name) {
+  const TextView stem = rtrim(name.substr(0, name.find(u'.')));
+  return std::any_of(std::begin(devices), std::end(devices),
+                     [&](TextView device) { return equalText(stem, device); });
+}
+
+/// Takes the drive letter off the front and tells where the rest starts from.
+Path startOf(TextView& text, const Path& current) {
+  Path start = current;
+  if (text.size() >= 2 && text[1] == u':' && isLetter(text[0])) {
+    const char16_t drive = upperLetter(text[0]);
+    if (drive != current.drive) start = Path{drive, {}, false};
+    text.remove_prefix(2);
+  }
+  if (text.starts_with(separator)) start.names.clear();
+  return start;
+}
+
+void addName(Path& path, TextView name) {
+  if (name.empty() || name == u".") return;
+  if (name != u"..") {
+    path.names.emplace_back(name);
+  } else if (!path.names.empty()) {
+    path.names.pop_back();
+  }
+}
+
+TextView withoutDotsAndBlanks(TextView name) {
+  return name.substr(0, name.find_last_not_of(u". ") + 1);
+}
+
+bool onlyDots(TextView name) { return name == u"." || name == u".."; }
+
+/// Splits at the separators and adds name by name.
+void addNames(Path& path, TextView text) {
+  while (!text.empty()) {
+    const std::size_t end = text.find(separator);
+    const bool last = end == TextView::npos;
+    TextView name = text.substr(0, end);
+    if (!onlyDots(name)) name = last ? withoutDotsAndBlanks(name) : withoutTrailing(name, u'.');
+    addName(path, name);
+    text = last ? TextView() : text.substr(end + 1);
+  }
+}
+
+}  // namespace
+
+Path Path::parent() const {
+  Path above = *this;
+  above.closed = false;
+  if (!above.names.empty()) above.names.pop_back();
+  return above;
+}
+
+Path Path::child(Text name) const {
+  Path below = *this;
+  below.closed = false;
+  below.names.push_back(std::move(name));
+  return below;
+}
+
+Text Path::text() const {
+  Text whole = {drive, u':'};
+  for (const Text& name : names) whole.append(1, separator).append(name);
+  return names.empty() ? whole + separator : whole;
+}
+
+Text Path::key() const {
+  Text whole;
+  for (const Text& name : names) whole.append(1, separator).append(name);
+  return upperCase(whole);
+}
+
+SystemError parsePath(TextView text, const Path& current, Path& path) {
+  Text clean(beforeNul(text));
+  if (clean.empty()) return system_error::pathNotFound;
+  std::replace(clean.begin(), clean.end(), u'/', separator);
+  if (clean.starts_with(u"\\\\")) return system_error::badNetworkPath;
+  TextView rest = clean;
+  path = startOf(rest, current);
+  path.closed = rest.ends_with(separator);
+  addNames(path, rest);
+  return path.text().size() > longestPath ? system_error::pathNotFound : system_error::success;
+}
+
+bool validName(TextView name) {
+  const bool clean = std::none_of(name.begin(), name.end(), [](char16_t unit) {
+    return unit < u' ' || forbidden.find(unit) != TextView::npos;
+  });
+  return clean && !name.empty() && name.size() <= longestName && !isDeviceName(name);
+}
+
+SystemError checkNames(const Path& path) {
+  const bool valid = std::all_of(path.names.begin(), path.names.end(), validName);
+  return valid ? system_error::success : system_error::invalidName;
+}
+
+}  // namespace zev::simulated

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/file_system.h"
+#include "runtime/text.h"
+
+namespace zev::simulated {
+
+/// An absolute path of the system, taken apart: a drive letter and the names below its root.
+struct Path {
+  char16_t drive = 0;  ///< upper case
+  std::vector<Text> names;
+  bool closed = false;  ///< it was written with a separator at its end
+
+  bool isRoot() const { return names.empty(); }
+  const Text& leaf() const { return names.back(); }
+  Path parent() const;
+  Path child(Text name) const;
+  /// "C:\Windows\system32"; a root is "C:\".
+  Text text() const;
+  /// What equal paths have in common: the names in upper case, without the drive.
+  Text key() const;
+};
+
+/// Longest path that the calls of the system take, in characters, and longest name.
+inline constexpr std::size_t longestPath = 259;
+inline constexpr std::size_t longestDirectoryPath = 247;
+inline constexpr std::size_t longestName = 255;
+
+/// Takes a path apart as the system does: a slash is a backslash, "." and ".." are resolved, blanks
+/// and dots at the end of the last name and one dot at the end of a name before it are dropped,
+/// what stands behind a NUL does not count. A path without a drive starts at the current folder's
+/// drive, a relative one in `current` if that lies on its drive, and else in the root. Characters
+/// are not checked here, so that a search can hand its pattern in.
+///
+/// pathNotFound for an empty and for a too long path, badNetworkPath for a machine's share.
+SystemError parsePath(TextView text, const Path& current, Path& path);
+
+/// success, or invalidName: a character that no name can have, a name of a device, a name too long.
+SystemError checkNames(const Path& path);
+bool validName(TextView name);
+
+}  // namespace zev::simulated

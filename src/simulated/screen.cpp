@@ -1,0 +1,207 @@
+#include "simulated/screen.h"
+
+#include <algorithm>
+
+namespace zev::simulated {
+namespace {
+
+constexpr double twipsPerPixel = 15;
+constexpr double pixelsPerCharacter = 6;
+constexpr std::uintptr_t handleStep = 2;
+
+/// The controls in tab order; those without a place in it come last.
+std::vector<Control*> tabOrder(const Form& form) {
+  std::vector<Control*> order = form.Controls();
+  const auto place = [](const Control* control) {
+    return static_cast<std::uint32_t>(control->TabIndex.get());  // -1 is the greatest
+  };
+  std::stable_sort(order.begin(), order.end(), [&](const Control* first, const Control* second) {
+    return place(first) < place(second);
+  });
+  return order;
+}
+
+/// The first control behind `from` in tab order, round the end, that can take the focus; null if
+/// none can. Without `from` the order's own first one.
+Control* nextThatCan(const Form& form, const Control* from) {
+  std::vector<Control*> order = tabOrder(form);
+  const auto start = std::find(order.begin(), order.end(), from);
+  if (start != order.end()) std::rotate(order.begin(), start + 1, order.end());
+  const auto found = std::find_if(order.begin(), order.end(),
+                                  [](const Control* each) { return each->canTakeFocus(); });
+  return found == order.end() ? nullptr : *found;
+}
+
+Event toJson(const PropertyValue& value) {
+  if (const auto* text = std::get_if<Text>(&value)) return toUtf8(*text);
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+  return std::get<std::int32_t>(value);
+}
+
+}  // namespace
+
+// ---- forms come and go
+
+void Screen::loaded(Form& form) {
+  forms_[&form] = &form;
+  for (Control* each : form.Controls()) forms_[each] = &form;
+  lastHandle_ += handleStep;
+  handles_[&form] = lastHandle_;
+}
+
+void Screen::shown(Form& form) {
+  Form* before = activeForm();
+  if (before != nullptr && focused(*before) != nullptr) {
+    post(*focused(*before), focused(*before)->LostFocus);
+  }
+  everShown_.insert(form.name());
+  std::erase(visible_, &form);
+  visible_.push_back(&form);
+  tell("show", form);
+  focus_[&form] = nullptr;
+  setFocus(form, nextThatCan(form, nullptr));
+}
+
+/// Takes a form from the screen; the one below gets its focus back.
+void Screen::lower(Form& form) {
+  const Form* before = activeForm();
+  std::erase(visible_, &form);
+  const Form* after = activeForm();
+  if (after == nullptr || after == before) return;
+  if (Control* control = focused(*after)) post(*control, control->GotFocus);
+}
+
+void Screen::hidden(Form& form) {
+  tell("hide", form);
+  lower(form);
+}
+
+void Screen::unloaded(Form& form) {
+  tell("unload", form);
+  lower(form);
+  forms_.erase(&form);
+  for (const Control* each : form.Controls()) forms_.erase(each);
+  handles_.erase(&form);
+  focus_.erase(&form);
+}
+
+Form* Screen::formOf(const Component& component) const {
+  const auto found = forms_.find(&component);
+  return found == forms_.end() ? nullptr : found->second;
+}
+
+Form* Screen::activeForm() const {
+  const auto enabled = std::find_if(visible_.rbegin(), visible_.rend(),
+                                    [](const Form* each) { return each->Enabled.get(); });
+  if (enabled != visible_.rend()) return *enabled;
+  return visible_.empty() ? nullptr : visible_.back();
+}
+
+// ---- the message loop
+
+void Screen::beginPass() {
+  instrumentation_.perform(
+      {"DoEvents"}, {}, [&] { person_.passBegins(); }, [](std::int32_t) {}, [] {});
+}
+
+bool Screen::pump() { return person_.duringPass(); }
+
+bool Screen::wait() { return person_.next(); }
+
+// ---- measures
+
+std::uintptr_t Screen::windowHandle(const Form& form) {
+  const auto found = handles_.find(&form);
+  return found == handles_.end() ? 0 : found->second;
+}
+
+double Screen::TextWidth(const Form&, TextView text) {
+  return static_cast<double>(text.size()) * pixelsPerCharacter * twipsPerPixel;
+}
+
+double Screen::TwipsPerPixelX() { return twipsPerPixel; }
+
+// ---- the focus
+
+Control* Screen::focused(const Form& form) const {
+  const auto found = focus_.find(&form);
+  return found == focus_.end() ? nullptr : found->second;
+}
+
+void Screen::moveFocus(Control& control) {
+  Form* form = formOf(control);
+  if (form == nullptr || !control.canTakeFocus()) return;
+  raise(*form);
+  setFocus(*form, &control);
+}
+
+/// Brings a visible form to the top.
+void Screen::raise(Form& form) {
+  const Form* before = activeForm();
+  if (before == &form) return;
+  if (before != nullptr && focused(*before) != nullptr) {
+    post(*focused(*before), focused(*before)->LostFocus);
+  }
+  std::erase(visible_, &form);
+  visible_.push_back(&form);
+  if (Control* control = focused(form)) post(*control, control->GotFocus);
+}
+
+void Screen::setFocus(Form& form, Control* control) {
+  Control*& current = focus_[&form];
+  if (current == control) return;
+  const bool active = activeForm() == &form;
+  if (active && current != nullptr) post(*current, current->LostFocus);
+  current = control;
+  if (active && control != nullptr) post(*control, control->GotFocus);
+}
+
+/// The control with the focus may not keep it.
+void Screen::refocus(Form& form) {
+  const Control* current = focused(form);
+  if (current != nullptr && !current->canTakeFocus()) setFocus(form, nextThatCan(form, current));
+}
+
+/// An event of a form that is gone by its turn does not run.
+void Screen::post(const Component& component, const EventProcedure& event) {
+  if (!event) return;
+  application_->post([this, &component, event] {
+    if (formOf(component) != nullptr) event();
+  });
+}
+
+// ---- what the program shows
+
+void Screen::propertyWritten(PropertyBase& property) {
+  Form* form = formOf(property.owner());
+  if (form == nullptr) return;
+  const bool ofForm = form == &property.owner();
+  if (ofForm && property.name() == "Visible") {
+    form->Visible ? shown(*form) : hidden(*form);
+  } else {
+    tellWritten(property);
+  }
+  if (property.name() == "Visible" || property.name() == "Enabled") refocus(*form);
+  person_.propertyWritten(property);
+}
+
+void Screen::refreshed(Component&) {}
+
+void Screen::tell(std::string_view kind, const Form& form) {
+  if (transcript_.wants(kind)) {
+    transcript_.add({{"event", kind}, {"form", toUtf8(form.name())}});
+  }
+}
+
+void Screen::tellWritten(PropertyBase& property) {
+  const Form& form = *formOf(property.owner());
+  if (!everShown_.contains(form.name()) || !transcript_.wants("set")) return;
+  const Text& owner = property.owner().name();
+  const bool ofForm = &property.owner() == &form;
+  transcript_.add({{"event", "set"},
+                   {"control", toUtf8(ofForm ? owner : join(form.name(), u".", owner))},
+                   {"property", property.name()},
+                   {"value", toJson(property.value())}});
+}
+
+}  // namespace zev::simulated

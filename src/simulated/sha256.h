@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace zev::simulated {
+
+/// SHA-256 of bytes that come piece by piece.
+class Sha256 {
+ public:
+  Sha256();
+  ~Sha256();
+  void add(std::span<const std::uint8_t> bytes);
+  /// The digest of all that was added, in lower-case hexadecimal digits. Ends the object's work.
+  std::string hex();
+
+ private:
+  struct Context;
+  std::unique_ptr<Context> context_;
+};
+
+/// The digest of one piece.
+std::string sha256Hex(std::span<const std::uint8_t> bytes);
+
+}  // namespace zev::simulated

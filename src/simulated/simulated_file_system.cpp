@@ -1,0 +1,363 @@
+#include "simulated/simulated_file_system.h"
+
+#include <algorithm>
+
+#include "platform/drives.h"
+#include "simulated/wildcard.h"
+
+namespace zev::simulated {
+namespace {
+
+using namespace system_error;
+
+constexpr std::uint32_t settable = file_attribute::readOnly | file_attribute::hidden |
+                                   file_attribute::system | file_attribute::archive;
+
+bool writes(FileAccess access) { return access != FileAccess::Read; }
+bool reads(FileAccess access) { return access != FileAccess::Write; }
+
+Text driveAndKey(const Path& path) { return path.drive + path.key(); }
+
+DirectoryEntry dots(TextView name) { return {Text(name), file_attribute::directory, 0}; }
+
+}  // namespace
+
+bool SimulatedFileSystem::Place::onReadOnlyMedium() const {
+  return drive->settings.type == drive_type::cdRom;
+}
+
+// ---- looking paths up
+
+SystemError SimulatedFileSystem::lookUpDrive(TextView text, Place& place) const {
+  const SystemError error =
+      parsePath(machine_.throughAnsi(text), machine_.currentFolder(), place.path);
+  if (error != success) return error;
+  place.drive = machine_.disks.at(place.path.drive);
+  if (place.drive == nullptr) return pathNotFound;
+  return place.drive->settings.ready ? success : notReady;
+}
+
+/// Success if the parent is there, whether or not the entry is.
+SystemError SimulatedFileSystem::lookUp(TextView text, Place& place) const {
+  if (const SystemError error = lookUpDrive(text, place)) return error;
+  if (const SystemError error = checkNames(place.path)) return error;
+  place.entry = place.drive->volume->find(place.path);
+  if (place.exists()) {
+    return place.path.closed && !place.isDirectory() ? invalidName : success;
+  }
+  const auto parent = place.drive->volume->find(place.path.parent());
+  return parent && (parent->attributes & file_attribute::directory) ? success : pathNotFound;
+}
+
+SystemError SimulatedFileSystem::lookUpPattern(TextView pattern, Place& directory,
+                                               Text& leaf) const {
+  if (const SystemError error = lookUpDrive(pattern, directory)) return error;
+  if (directory.path.isRoot() || directory.path.closed) return fileNotFound;
+  leaf = directory.path.leaf();
+  if (beforeNul(pattern).ends_with(u"*.")) leaf += u'.';
+  directory.path = directory.path.parent();
+  if (const SystemError error = checkNames(directory.path)) return error;
+  directory.entry = directory.drive->volume->find(directory.path);
+  if (!directory.isDirectory()) return pathNotFound;
+  if (directory.guard().deny.list) return accessDenied;
+  Text plain = leaf;
+  std::erase_if(plain, [](char16_t unit) { return unit == u'*' || unit == u'?'; });
+  return plain.empty() || !hasWildcards(leaf) || validName(plain) ? success : invalidName;
+}
+
+// ---- searches
+
+SystemError SimulatedFileSystem::FindFirstFileA(TextView pattern, DirectoryEntry& entry,
+                                                FileHandle& search) {
+  Place directory;
+  Text leaf;
+  if (const SystemError error = lookUpPattern(pattern, directory, leaf)) return error;
+  Search found;
+  if (hasWildcards(leaf)) {
+    found.entries = directory.drive->volume->list(directory.path);
+    if (!directory.path.isRoot()) {
+      found.entries.insert(found.entries.begin(), {dots(u"."), dots(u"..")});
+    }
+    std::erase_if(found.entries,
+                  [&](const DirectoryEntry& each) { return !matchesPattern(each.name, leaf); });
+  } else if (!validName(leaf)) {
+    return invalidName;
+  } else if (auto single = directory.drive->volume->find(directory.path.child(leaf))) {
+    found.entries.push_back(std::move(*single));
+  }
+  if (found.entries.empty()) return fileNotFound;
+  entry = found.entries.front();
+  found.next = 1;
+  search = ++lastHandle_;
+  searches_.emplace(search, std::move(found));
+  return success;
+}
+
+SystemError SimulatedFileSystem::FindNextFileA(FileHandle search, DirectoryEntry& entry) {
+  const auto found = searches_.find(search);
+  if (found == searches_.end()) return invalidHandle;
+  Search& running = found->second;
+  if (running.next >= running.entries.size()) return noMoreFiles;
+  entry = running.entries[running.next++];
+  return success;
+}
+
+void SimulatedFileSystem::FindClose(FileHandle search) { searches_.erase(search); }
+
+// ---- what is allowed
+
+bool SimulatedFileSystem::isOpen(const Path& path, bool unsharedOnly) const {
+  const Text key = driveAndKey(path);
+  return std::any_of(files_.begin(), files_.end(), [&](const auto& each) {
+    return each.second.key == key && (!unsharedOnly || each.second.share == FileShare::Nothing);
+  });
+}
+
+bool SimulatedFileSystem::runs(const Path& path) const {
+  const Text text = path.text();
+  return equalText(text, machine_.settings.installer) || machine_.running.contains(upperCase(text));
+}
+
+SystemError SimulatedFileSystem::mayCreate(const Place& place) const {
+  if (place.path.isRoot()) return accessDenied;
+  if (place.onReadOnlyMedium()) return writeProtect;
+  return place.parentGuard().deny.create ? accessDenied : success;
+}
+
+SystemError SimulatedFileSystem::mayWrite(const Place& place, FileDisposition disposition) const {
+  constexpr std::uint32_t concealing = file_attribute::hidden | file_attribute::system;
+  if (place.onReadOnlyMedium()) return writeProtect;
+  if (place.has(file_attribute::readOnly)) return accessDenied;
+  if (place.guard().deny.write || place.parentGuard().deny.write) return accessDenied;
+  const bool replaces = disposition == FileDisposition::CreateAlways;
+  if (replaces && place.has(concealing)) return accessDenied;
+  return runs(place.path) ? sharingViolation : success;
+}
+
+SystemError SimulatedFileSystem::mayOpen(const Place& place, FileAccess access, FileShare share,
+                                         FileDisposition disposition) const {
+  if (place.path.isRoot() || place.isDirectory()) return accessDenied;
+  if (place.path.closed) return pathNotFound;
+  if (!place.exists()) {
+    return disposition == FileDisposition::OpenExisting ? fileNotFound : mayCreate(place);
+  }
+  if (writes(access)) {
+    if (const SystemError error = mayWrite(place, disposition)) return error;
+  }
+  const bool taken = isOpen(place.path, share == FileShare::All);
+  return taken || place.guard().inUse ? sharingViolation : success;
+}
+
+SystemError SimulatedFileSystem::mayDelete(const Place& place) const {
+  if (!place.exists()) return fileNotFound;
+  if (place.isDirectory()) return accessDenied;
+  if (place.onReadOnlyMedium()) return writeProtect;
+  if (place.guard().deny.remove || place.parentGuard().deny.remove) return accessDenied;
+  if (place.has(file_attribute::readOnly) || runs(place.path)) return accessDenied;
+  return place.guard().inUse || isOpen(place.path, false) ? sharingViolation : success;
+}
+
+SystemError SimulatedFileSystem::mayRemoveDirectory(const Place& place) const {
+  if (!place.exists()) return fileNotFound;
+  if (!place.isDirectory()) return directoryInvalid;
+  if (place.path.isRoot()) return accessDenied;
+  if (place.onReadOnlyMedium()) return writeProtect;
+  if (place.guard().deny.remove || place.parentGuard().deny.remove) return accessDenied;
+  if (place.has(file_attribute::readOnly)) return accessDenied;
+  return place.drive->volume->list(place.path).empty() ? success : directoryNotEmpty;
+}
+
+// ---- open files
+
+SystemError SimulatedFileSystem::createFile(const Place& place) {
+  const bool made = place.drive->volume->createFile(place.path, file_attribute::archive);
+  return told("create", place.path.text(), made ? success : accessDenied);
+}
+
+SystemError SimulatedFileSystem::empty(const Place& place) {
+  const auto body = place.drive->volume->open(place.path);
+  const bool emptied = body && body->resize(0);
+  if (emptied) {
+    account(*place.drive, place.entry->size, 0);
+    place.drive->volume->setAttributes(place.path,
+                                       place.entry->attributes | file_attribute::archive);
+  }
+  return told("create", place.path.text(), emptied ? success : accessDenied);
+}
+
+SystemError SimulatedFileSystem::prepare(Place& place, FileDisposition disposition) {
+  if (!place.exists()) return createFile(place);
+  return disposition == FileDisposition::CreateAlways ? empty(place) : success;
+}
+
+SystemError SimulatedFileSystem::CreateFileA(TextView path, FileAccess access, FileShare share,
+                                             FileDisposition disposition, FileHandle& file) {
+  Place place;
+  SystemError error = lookUp(path, place);
+  if (error == success) error = mayOpen(place, access, share, disposition);
+  if (error != success) {
+    const bool creates = disposition == FileDisposition::CreateAlways ||
+                         (disposition == FileDisposition::OpenAlways && !place.exists());
+    return creates ? told("create", path, error) : error;
+  }
+  if (const SystemError refused = prepare(place, disposition)) return refused;
+  auto body = place.drive->volume->open(place.path);
+  if (!body) return accessDenied;
+  file = ++lastHandle_;
+  files_.emplace(file, OpenFile{place.path, driveAndKey(place.path), access, share, std::move(body),
+                                0, false});
+  return success;
+}
+
+SystemError SimulatedFileSystem::ReadFile(FileHandle file, std::uint64_t offset,
+                                          std::span<std::uint8_t> into, std::size_t& read) {
+  read = 0;
+  const auto found = files_.find(file);
+  if (found == files_.end()) return invalidHandle;
+  if (!reads(found->second.access)) return accessDenied;
+  read = found->second.body->read(offset, into);
+  return success;
+}
+
+/// The size that a file of `size` bytes can reach on what is left of its drive.
+std::uint64_t SimulatedFileSystem::largestSize(const Drive& drive, std::uint64_t size) {
+  return drive.spaceFor(size) + drive.settings.free / drive.clusterBytes() * drive.clusterBytes();
+}
+
+void SimulatedFileSystem::account(Drive& drive, std::uint64_t before, std::uint64_t after) {
+  const std::uint64_t taken = drive.spaceFor(after);
+  const std::uint64_t given = drive.spaceFor(before);
+  drive.used += static_cast<std::int64_t>(taken) - static_cast<std::int64_t>(given);
+  drive.settings.free = drive.settings.free + given - taken;
+}
+
+SystemError SimulatedFileSystem::WriteFile(FileHandle file, std::uint64_t offset,
+                                           std::span<const std::uint8_t> from,
+                                           std::size_t& written) {
+  written = 0;
+  const auto found = files_.find(file);
+  if (found == files_.end()) return invalidHandle;
+  OpenFile& open = found->second;
+  if (!writes(open.access)) return accessDenied;
+  Drive* drive = machine_.disks.at(open.path.drive);
+  if (drive == nullptr || !drive->settings.ready) return notReady;
+  const std::uint64_t before = open.body->size();
+  const std::uint64_t largest = largestSize(*drive, before);
+  const std::uint64_t room = offset < largest ? largest - offset : 0;
+  const std::size_t fitting = static_cast<std::size_t>(std::min<std::uint64_t>(from.size(), room));
+  if (fitting > 0) {
+    if (!open.body->write(offset, from.first(fitting))) return accessDenied;
+    account(*drive, before, std::max<std::uint64_t>(before, offset + fitting));
+    open.written = true;
+  }
+  written = fitting;
+  open.unreported += fitting;
+  if (fitting == from.size()) return success;
+  tellWritten(open, diskFull);
+  return diskFull;
+}
+
+SystemError SimulatedFileSystem::GetFileSize(FileHandle file, std::uint64_t& size) {
+  const auto found = files_.find(file);
+  if (found == files_.end()) return invalidHandle;
+  size = found->second.body->size();
+  return success;
+}
+
+void SimulatedFileSystem::CloseHandle(FileHandle file) {
+  const auto found = files_.find(file);
+  if (found == files_.end()) return;
+  OpenFile& open = found->second;
+  const Drive* drive = machine_.disks.at(open.path.drive);
+  if (open.written && drive != nullptr) {
+    if (const auto entry = drive->volume->find(open.path)) {
+      drive->volume->setAttributes(open.path, entry->attributes | file_attribute::archive);
+    }
+  }
+  if (open.unreported > 0) tellWritten(open, success);
+  files_.erase(found);
+}
+
+// ---- entries by name
+
+SystemError SimulatedFileSystem::DeleteFileA(TextView path) {
+  Place place;
+  SystemError error = lookUp(path, place);
+  if (error == success) error = mayDelete(place);
+  if (error == success) {
+    if (!place.drive->volume->remove(place.path)) return told("delete", path, accessDenied);
+    account(*place.drive, place.entry->size, 0);
+    place.drive->guards.erase(place.path.key());
+  }
+  return told("delete", path, error);
+}
+
+SystemError SimulatedFileSystem::CreateDirectoryA(TextView path) {
+  Place place;
+  SystemError error = lookUp(path, place);
+  if (error == success && place.exists()) error = alreadyExists;
+  if (error == success && place.path.text().size() > longestDirectoryPath) error = fileNameTooLong;
+  if (error == success) error = mayCreate(place);
+  if (error == success && !place.drive->volume->createDirectory(place.path)) error = accessDenied;
+  return told("mkdir", path, error);
+}
+
+SystemError SimulatedFileSystem::RemoveDirectoryA(TextView path) {
+  Place place;
+  SystemError error = lookUp(path, place);
+  if (error == success) error = mayRemoveDirectory(place);
+  if (error == success) {
+    if (!place.drive->volume->remove(place.path)) return told("rmdir", path, accessDenied);
+    place.drive->guards.erase(place.path.key());
+  }
+  return told("rmdir", path, error);
+}
+
+SystemError SimulatedFileSystem::GetFileAttributesA(TextView path, std::uint32_t& attributes) {
+  Place place;
+  if (const SystemError error = lookUp(path, place)) return error;
+  if (!place.exists()) return fileNotFound;
+  attributes = place.entry->attributes;
+  return success;
+}
+
+SystemError SimulatedFileSystem::SetFileAttributesA(TextView path, std::uint32_t attributes) {
+  Place place;
+  SystemError error = lookUp(path, place);
+  if (error == success && !place.exists()) error = fileNotFound;
+  if (error == success && place.onReadOnlyMedium()) error = writeProtect;
+  if (error == success && (place.path.isRoot() || place.guard().locked)) error = accessDenied;
+  if (error == success) place.drive->volume->setAttributes(place.path, attributes & settable);
+  return told("attributes", path, error);
+}
+
+bool SimulatedFileSystem::rootExists(TextView root) {
+  Place place;
+  return lookUpDrive(root, place) == success;
+}
+
+// ---- transcript
+
+void SimulatedFileSystem::tell(std::string_view op, TextView path, SystemError error) {
+  if (!machine_.transcript.wants("file")) return;
+  machine_.transcript.add(
+      {{"event", "file"}, {"op", op}, {"path", toUtf8(beforeNul(path))}, {"error", error}});
+}
+
+SystemError SimulatedFileSystem::told(std::string_view op, TextView path, SystemError error) {
+  tell(op, path, error);
+  return error;
+}
+
+void SimulatedFileSystem::tellWritten(OpenFile& file, SystemError error) {
+  if (machine_.transcript.wants("file")) {
+    machine_.transcript.add({{"event", "file"},
+                             {"op", "write"},
+                             {"path", toUtf8(file.path.text())},
+                             {"bytes", file.unreported},
+                             {"error", error}});
+  }
+  file.unreported = 0;
+}
+
+}  // namespace zev::simulated

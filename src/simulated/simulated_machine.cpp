@@ -1,0 +1,181 @@
+#include "simulated/simulated_machine.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "lz/lz_files.h"
+#include "platform/runtime_files.h"
+#include "simulated/instrumented_files.h"
+#include "simulated/instrumented_lz.h"
+#include "simulated/instrumented_programs.h"
+#include "simulated/instrumented_registry.h"
+#include "simulated/instrumented_system.h"
+#include "simulated/registry_export.h"
+#include "simulated/simulated_dde.h"
+#include "simulated/simulated_dialogs.h"
+#include "simulated/simulated_drives.h"
+#include "simulated/simulated_file_system.h"
+#include "simulated/simulated_processes.h"
+#include "simulated/simulated_registry.h"
+#include "simulated/simulated_shell_folders.h"
+#include "simulated/simulated_shortcuts.h"
+#include "simulated/simulated_system.h"
+#include "simulated/simulated_windows.h"
+#include "simulated/state_report.h"
+
+namespace zev::simulated {
+
+struct SimulatedMachine::State {
+  State(Person& whose, Transcript& transcript)
+      : person(whose), machine(transcript), instrumentation(transcript) {}
+
+  Person& person;
+  MachineState machine;
+  Instrumentation instrumentation;
+};
+
+/// What one process owns: the services themselves and, around each, what observes it.
+struct SimulatedMachine::Process {
+  explicit Process(State& state)
+      : machine(state.machine), watch(state.instrumentation), person(state.person) {
+    screen.serve(application);
+  }
+
+  MachineState& machine;
+  Instrumentation& watch;
+  Person& person;
+
+  Screen screen{person, machine.transcript, watch};
+  Application application{screen};
+  Hand hand{screen};
+
+  SimulatedFileSystem fileSystem{machine};
+  RuntimeFiles runtimeFiles{fileSystem};
+  lz::LzFiles lzFiles{fileSystem};
+  SimulatedRegistry plainRegistry{machine};
+  SimulatedSystem plainSystem{machine};
+  SimulatedDrives plainDrives{machine};
+  SimulatedWindows plainWindows{machine, screen};
+  SimulatedProcesses plainProcesses{machine, fileSystem};
+  SimulatedShellFolders plainShellFolders{machine};
+  SimulatedShortcuts plainShortcuts{machine, fileSystem};
+  SimulatedDde plainDde{machine};
+  SimulatedDialogs plainDialogs{machine, person, screen};
+
+  InstrumentedFiles files{runtimeFiles, watch};
+  InstrumentedLz lz{lzFiles, watch};
+  InstrumentedRegistry registry{plainRegistry, watch};
+  InstrumentedSystem system{plainSystem, watch};
+  InstrumentedDrives drives{plainDrives, watch};
+  InstrumentedWindows windows{plainWindows, watch};
+  InstrumentedProcesses processes{plainProcesses, watch};
+  InstrumentedShellFolders shellFolders{plainShellFolders, watch};
+  InstrumentedShortcuts shortcuts{plainShortcuts, watch};
+  InstrumentedDde dde{plainDde, watch};
+  InstrumentedDialogs dialogs{plainDialogs, watch};
+
+  Platform platform{application, dialogs, files,     registry,     lz,        system,
+                    drives,      windows, processes, shellFolders, shortcuts, dde};
+};
+
+SimulatedMachine::SimulatedMachine(Person& person, Transcript& transcript)
+    : state_(std::make_unique<State>(person, transcript)) {
+  layUsualMachine(*this);
+}
+
+SimulatedMachine::~SimulatedMachine() = default;
+
+// ---- the program
+
+void SimulatedMachine::startProgram() {
+  process_.reset();
+  state_->machine.records = {};
+  state_->instrumentation.forgetCalls();
+  process_ = std::make_unique<Process>(*state_);
+  if (state_->machine.transcript.wants("start")) {
+    state_->machine.transcript.add({{"event", "start"}});
+  }
+}
+
+SimulatedMachine::Process& SimulatedMachine::process() const {
+  if (!process_) throw std::logic_error("no program was started");
+  return *process_;
+}
+
+Platform& SimulatedMachine::platform() { return process().platform; }
+Screen& SimulatedMachine::screen() { return process().screen; }
+Hand& SimulatedMachine::hand() { return process().hand; }
+FileSystem& SimulatedMachine::fileSystem() { return process().fileSystem; }
+
+// ---- the state
+
+MachineSettings& SimulatedMachine::settings() { return state_->machine.settings; }
+const MachineSettings& SimulatedMachine::settings() const { return state_->machine.settings; }
+Disks& SimulatedMachine::disks() { return state_->machine.disks; }
+const Disks& SimulatedMachine::disks() const { return state_->machine.disks; }
+RegistryTree& SimulatedMachine::registry() { return state_->machine.registry; }
+const RegistryTree& SimulatedMachine::registry() const { return state_->machine.registry; }
+
+namespace {
+
+/// Creates a folder unless its drive is missing; a text that is no path of a drive is left alone.
+void createFolder(Disks& disks, const std::optional<Text>& folder) {
+  Path path;
+  const bool parsed = folder && parsePath(*folder, Path{}, path) == system_error::success &&
+                      checkNames(path) == system_error::success;
+  if (parsed && disks.at(path.drive) != nullptr) disks.putDirectory(path.text());
+}
+
+}  // namespace
+
+void SimulatedMachine::setFolders(FolderSettings folders) {
+  for (const auto& folder : {folders.temp, folders.windows, folders.system, folders.documents,
+                             folders.localAppData, folders.desktop}) {
+    createFolder(disks(), folder);
+  }
+  for (const auto& [number, folder] : folders.special) createFolder(disks(), folder);
+  settings().folders = std::move(folders);
+}
+
+void SimulatedMachine::setFaults(std::vector<Fault> faults) {
+  state_->instrumentation.setFaults(std::move(faults));
+}
+
+std::uint64_t SimulatedMachine::clock() const { return state_->machine.clock; }
+
+// ---- what happened
+
+const Records& SimulatedMachine::records() const { return state_->machine.records; }
+
+std::uint64_t SimulatedMachine::calls(std::string_view operation) const {
+  return state_->instrumentation.calls(operation);
+}
+
+std::optional<ShortcutProperties> SimulatedMachine::shortcut(TextView path) const {
+  const auto found = state_->machine.shortcuts.find(upperCase(path));
+  if (found == state_->machine.shortcuts.end() || !disks().exists(path)) return std::nullopt;
+  return found->second;
+}
+
+std::size_t SimulatedMachine::unfreedMemory() const {
+  return process().plainShellFolders.unfreed();
+}
+
+OpenHandles SimulatedMachine::openHandles() const {
+  return {process().fileSystem.openHandles(), process().plainRegistry.openKeys(),
+          process().plainProcesses.openHandles()};
+}
+
+// ---- the state as a whole
+
+nlohmann::ordered_json SimulatedMachine::state() const { return stateReport(state_->machine); }
+
+void SimulatedMachine::exportDrive(char16_t letter, const std::filesystem::path& folder) const {
+  disks().exportDrive(letter, folder);
+}
+
+void SimulatedMachine::exportRegistry(const std::filesystem::path& file) const {
+  simulated::exportRegistry(registry(), file);
+}
+
+}  // namespace zev::simulated

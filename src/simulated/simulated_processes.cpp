@@ -1,0 +1,154 @@
+#include "simulated/simulated_processes.h"
+
+#include <algorithm>
+
+#include "runtime/error.h"
+
+namespace zev::simulated {
+namespace {
+
+constexpr std::uint32_t waitDone = 0;
+constexpr std::uint32_t waitTimeout = 258;
+constexpr std::uint32_t waitFailed = 0xFFFFFFFF;
+constexpr std::int32_t processStep = 4;
+constexpr std::intptr_t executed = 42;  // above 32: success
+
+bool hasExtension(TextView path) {
+  const std::size_t name = path.find_last_of(u"\\/:") + 1;
+  return path.find(u'.', name) != TextView::npos;
+}
+
+Text folderOf(const Text& path) {
+  const std::size_t end = path.find_last_of(u'\\');
+  if (end == Text::npos) return {};
+  const bool root = end == 2;
+  return path.substr(0, root ? 3 : end);
+}
+
+}  // namespace
+
+// ---- starting
+
+bool SimulatedProcesses::isProgram(TextView path) const {
+  if (machine_.program(path) != nullptr) return true;
+  std::uint32_t attributes = 0;
+  const SystemError error = files_.GetFileAttributesA(path, attributes);
+  return error == system_error::success && (attributes & file_attribute::directory) == 0;
+}
+
+/// The program of that name as the system looks for it: with its extension, and a bare name in the
+/// folder of the own program, in the system's and in that of Windows.
+std::optional<Text> SimulatedProcesses::existing(TextView program) const {
+  const Text name = hasExtension(program) ? Text(program) : join(program, u".exe");
+  if (name.find_first_of(u"\\/:") != Text::npos) {
+    return isProgram(name) ? std::optional(name) : std::nullopt;
+  }
+  const FolderSettings& folders = machine_.settings.folders;
+  for (const std::optional<Text>& folder :
+       {std::optional(folderOf(machine_.settings.installer)), folders.system, folders.windows}) {
+    const Text path = folder ? join(withoutTrailing(*folder, u'\\'), u"\\", name) : Text();
+    if (folder && isProgram(path)) return path;
+  }
+  return std::nullopt;
+}
+
+/// The program of a command line: what is quoted, or the shortest beginning up to a blank that is a
+/// program.
+std::optional<Text> SimulatedProcesses::programOf(TextView commandLine) const {
+  const TextView line = ltrim(commandLine);
+  if (line.starts_with(u'"')) return existing(line.substr(1, line.find(u'"', 1) - 1));
+  for (std::size_t end = line.find(u' ');; end = line.find(u' ', end + 1)) {
+    if (auto program = existing(line.substr(0, end))) return program;
+    if (end == TextView::npos) return std::nullopt;
+  }
+}
+
+std::int32_t SimulatedProcesses::start(const Text& program, TextView commandLine) {
+  const ProgramSettings* known = machine_.program(program);
+  const ProgramSettings settings = known == nullptr ? ProgramSettings{} : *known;
+  if (!settings.starts) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  if (settings.running) {
+    Path path;
+    parsePath(program, machine_.currentFolder(), path);
+    machine_.running.insert(upperCase(path.text()));
+  }
+  lastProcess_ += processStep;
+  started_[lastProcess_] = {Text(commandLine), settings, machine_.clock + settings.duration};
+  return lastProcess_;
+}
+
+std::int32_t SimulatedProcesses::Shell(TextView commandLine, std::int32_t style) {
+  const Text line = machine_.throughAnsi(beforeNul(commandLine));
+  machine_.records.shell.push_back(line);
+  const auto tell = [&](std::int32_t error) {
+    if (!machine_.transcript.wants("shell")) return;
+    machine_.transcript.add(
+        {{"event", "shell"}, {"command", toUtf8(line)}, {"style", style}, {"error", error}});
+  };
+  try {
+    const std::optional<Text> program = programOf(line);
+    if (!program) throw RuntimeError(ErrorNumber::FileNotFound);
+    const std::int32_t process = start(*program, line);
+    tell(0);
+    return process;
+  } catch (const RuntimeError& error) {
+    tell(error.number());
+    throw;
+  }
+}
+
+// ---- processes
+
+ProcessHandle SimulatedProcesses::OpenProcess(std::uint32_t, bool, std::int32_t process) {
+  const auto found = started_.find(process);
+  if (found == started_.end() || !found->second.program.opens) return 0;
+  handles_[++lastHandle_] = process;
+  return lastHandle_;
+}
+
+std::uint32_t SimulatedProcesses::WaitForSingleObject(ProcessHandle handle,
+                                                      std::uint32_t milliseconds) {
+  const auto found = handles_.find(handle);
+  if (found == handles_.end()) return waitFailed;
+  const Started& started = started_.at(found->second);
+  if (machine_.transcript.wants("wait")) {
+    machine_.transcript.add({{"event", "wait"}, {"command", toUtf8(started.commandLine)}});
+  }
+  const bool inTime = milliseconds == INFINITE || machine_.clock + milliseconds >= started.ends;
+  machine_.clock = inTime ? std::max(machine_.clock, started.ends) : machine_.clock + milliseconds;
+  return inTime ? waitDone : waitTimeout;
+}
+
+void SimulatedProcesses::CloseHandle(ProcessHandle process) { handles_.erase(process); }
+
+void SimulatedProcesses::Sleep(std::uint32_t milliseconds) {
+  machine_.clock += milliseconds;
+  if (machine_.transcript.wants("sleep")) {
+    machine_.transcript.add({{"event", "sleep"}, {"ms", milliseconds}});
+  }
+}
+
+std::intptr_t SimulatedProcesses::ShellExecuteA(WindowHandle, TextView, TextView file, TextView,
+                                                TextView, std::int32_t) {
+  const Text path = machine_.throughAnsi(beforeNul(file));
+  std::uint32_t attributes = 0;
+  const SystemError error = files_.GetFileAttributesA(path, attributes);
+  if (error != system_error::success) return static_cast<std::intptr_t>(error);
+  machine_.records.opened.push_back(path);
+  if (machine_.transcript.wants("open")) {
+    machine_.transcript.add({{"event", "open"}, {"path", toUtf8(path)}});
+  }
+  return executed;
+}
+
+// ---- the own program
+
+Text SimulatedProcesses::ownFolder() { return folderOf(machine_.settings.installer); }
+
+Text SimulatedProcesses::ownName() {
+  const Text& path = machine_.settings.installer;
+  const Text name = path.substr(path.find_last_of(u'\\') + 1);
+  return name.substr(0, name.find_last_of(u'.'));
+}
+
+}  // namespace zev::simulated

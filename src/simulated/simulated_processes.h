@@ -1,0 +1,51 @@
+#pragma once
+
+#include <map>
+
+#include "platform/processes.h"
+#include "simulated/machine_state.h"
+#include "simulated/simulated_file_system.h"
+
+namespace zev::simulated {
+
+/// Starting programs. What the machine's settings say nothing of starts if it is a file, and ends
+/// at once. The clock moves by sleeping, and by waiting for a program that takes its time.
+class SimulatedProcesses final : public Processes {
+ public:
+  /// Borrows both.
+  SimulatedProcesses(MachineState& machine, FileSystem& files) : machine_(machine), files_(files) {}
+
+  std::int32_t Shell(TextView commandLine, std::int32_t style) override;
+  ProcessHandle OpenProcess(std::uint32_t access, bool inherit, std::int32_t process) override;
+  std::uint32_t WaitForSingleObject(ProcessHandle process, std::uint32_t milliseconds) override;
+  void CloseHandle(ProcessHandle process) override;
+  void Sleep(std::uint32_t milliseconds) override;
+  std::intptr_t ShellExecuteA(WindowHandle window, TextView verb, TextView file,
+                              TextView parameters, TextView directory, std::int32_t show) override;
+  Text ownFolder() override;
+  Text ownName() override;
+
+  /// Process handles that were opened and not closed.
+  std::size_t openHandles() const { return handles_.size(); }
+
+ private:
+  struct Started {
+    Text commandLine;
+    ProgramSettings program;
+    std::uint64_t ends = 0;  ///< on the machine's clock
+  };
+
+  std::optional<Text> programOf(TextView commandLine) const;
+  std::optional<Text> existing(TextView program) const;
+  bool isProgram(TextView path) const;
+  std::int32_t start(const Text& program, TextView commandLine);
+
+  MachineState& machine_;
+  FileSystem& files_;
+  std::map<std::int32_t, Started> started_;
+  std::map<ProcessHandle, std::int32_t> handles_;
+  std::int32_t lastProcess_ = 1000;
+  ProcessHandle lastHandle_ = 0;
+};
+
+}  // namespace zev::simulated

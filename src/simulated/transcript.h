@@ -1,0 +1,64 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <vector>
+
+namespace zev::simulated {
+
+/// One event of a run: an object whose first member `event` names its kind.
+using Event = nlohmann::ordered_json;
+
+/// Takes the events of a run in the order of happening. The machine writes these kinds:
+///
+///   start {}                      the program is started
+///   show / hide / unload          {form}
+///   set                           {control, property, value}; control is "Form1.Label12" or
+///   "Form1" box                           {text, title, style, answer}; answer in words: "yes",
+///   "cancel", ... input                         {prompt, title, answer} file {op, path, bytes,
+///   error}; op is create, write, delete, mkdir,
+///                                 rmdir or attributes. Writes to an open file are summed up and
+///                                 told when it is closed, a failing write at once. `bytes` stands
+///                                 with write only. `error` is the system's number, 0 for success
+///   registry                      {op, hive, key, name, type, value, error}; op is create, set,
+///                                 delete (a value) or deleteKey; name, type and value where they
+///                                 apply
+///   shortcut                      {path, properties}
+///   dde                           {topic, command}
+///   shell                         {command, style, error}; a run-time error number or 0
+///   wait                          {command}: for a process that was started so
+///   open                          {path}
+///   sleep                         {ms}
+///   call                          {name, arguments, result}, only if wanted
+class Transcript {
+ public:
+  virtual ~Transcript() = default;
+  /// Whether events of this kind are wanted. An event that is not is never made.
+  virtual bool wants(std::string_view kind) const = 0;
+  virtual void add(Event event) = 0;
+};
+
+/// Keeps nothing.
+class NoTranscript final : public Transcript {
+ public:
+  bool wants(std::string_view) const override { return false; }
+  void add(Event) override {}
+};
+
+/// Keeps all events, calls only when asked to.
+class TranscriptLog final : public Transcript {
+ public:
+  explicit TranscriptLog(bool withCalls = false) : withCalls_(withCalls) {}
+  bool wants(std::string_view kind) const override { return withCalls_ || kind != "call"; }
+  void add(Event event) override { events_.push_back(std::move(event)); }
+
+  const std::vector<Event>& events() const { return events_; }
+  /// The events of one kind.
+  std::vector<Event> of(std::string_view kind) const;
+
+ private:
+  bool withCalls_;
+  std::vector<Event> events_;
+};
+
+}  // namespace zev::simulated

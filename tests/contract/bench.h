@@ -1,0 +1,66 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "platform/platform.h"
+
+namespace zev::contract {
+
+/// One machine to run the contract against, behind a binding. Made for each test, cleaned up with
+/// it.
+class Bench {
+ public:
+  virtual ~Bench() = default;
+  virtual Platform& platform() = 0;
+  /// The file calls below the statements.
+  virtual FileSystem& fileSystem() = 0;
+  /// An empty folder of this test's own, on a fixed drive, without a backslash at its end.
+  virtual Text folder() = 0;
+  /// A key under HKEY_CURRENT_USER that is not there, and is gone behind the test.
+  virtual Text key() = 0;
+  /// A letter that no drive has.
+  virtual char16_t freeLetter() = 0;
+  /// Full path of a program that starts and ends by itself.
+  virtual Text program() = 0;
+};
+
+/// Defined once by each binding that the suite is linked with.
+std::unique_ptr<Bench> makeBench();
+
+class ContractTest : public testing::Test {
+ protected:
+  Platform& platform() { return bench_->platform(); }
+  Files& files() { return platform().files; }
+  FileSystem& system() { return bench_->fileSystem(); }
+  Bench& bench() { return *bench_; }
+
+  /// A path in the folder of this test.
+  Text in(TextView name) { return join(bench_->folder(), u"\\", name); }
+  /// A file with that line as its text.
+  Text made(TextView name, TextView line = u"text") {
+    const Text path = in(name);
+    const std::int32_t number = files().FreeFile();
+    files().OpenOutput(number, path);
+    files().Print(number, line);
+    files().Close(number);
+    return path;
+  }
+
+ private:
+  std::unique_ptr<Bench> bench_ = makeBench();
+};
+
+/// The number of the run-time error that a statement raises; 0 if it raises none.
+template <typename Statement>
+std::int32_t errorOf(Statement statement) {
+  try {
+    statement();
+    return 0;
+  } catch (const RuntimeError& error) {
+    return error.number();
+  }
+}
+
+}  // namespace zev::contract

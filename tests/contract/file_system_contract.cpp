@@ -1,0 +1,301 @@
+// What the file calls of every binding do.
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "contract/bench.h"
+
+namespace zev::contract {
+namespace {
+
+using namespace system_error;
+using testing::ElementsAre;
+
+class FileSystemContract : public ContractTest {
+ protected:
+  struct Opened {
+    SystemError error = 0;
+    FileHandle file = 0;
+  };
+
+  Opened open(const Text& path, FileAccess access, FileDisposition disposition,
+              FileShare share = FileShare::All) {
+    Opened opened;
+    opened.error = system().CreateFileA(path, access, share, disposition, opened.file);
+    return opened;
+  }
+
+  SystemError write(FileHandle file, std::uint64_t offset, std::string_view bytes) {
+    std::size_t written = 0;
+    const SystemError error = system().WriteFile(
+        file, offset, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, written);
+    EXPECT_EQ(written, bytes.size());
+    return error;
+  }
+
+  std::string read(FileHandle file, std::uint64_t offset, std::size_t count) {
+    std::string bytes(count, '\0');
+    std::size_t got = 0;
+    EXPECT_EQ(system().ReadFile(file, offset,
+                                {reinterpret_cast<std::uint8_t*>(bytes.data()), bytes.size()}, got),
+              success);
+    bytes.resize(got);
+    return bytes;
+  }
+
+  /// Names that a search gives, in its order.
+  std::vector<Text> found(const Text& pattern) {
+    std::vector<Text> names;
+    DirectoryEntry entry;
+    FileHandle search = 0;
+    if (system().FindFirstFileA(pattern, entry, search) != success) return names;
+    do {
+      names.push_back(entry.name);
+    } while (system().FindNextFileA(search, entry) == success);
+    system().FindClose(search);
+    return names;
+  }
+
+  SystemError searchError(const Text& pattern) {
+    DirectoryEntry entry;
+    FileHandle search = 0;
+    const SystemError error = system().FindFirstFileA(pattern, entry, search);
+    if (error == success) system().FindClose(search);
+    return error;
+  }
+
+  std::uint32_t attributesOf(const Text& path) {
+    std::uint32_t attributes = ~0u;
+    EXPECT_EQ(system().GetFileAttributesA(path, attributes), success);
+    return attributes;
+  }
+
+  SystemError lookUpError(const Text& path) {
+    std::uint32_t attributes = 0;
+    return system().GetFileAttributesA(path, attributes);
+  }
+};
+
+// ---- opening, reading, writing
+
+TEST_F(FileSystemContract, OpensNoFileThatIsNotThere) {
+  const Opened opened = open(in(u"none"), FileAccess::Read, FileDisposition::OpenExisting);
+  EXPECT_EQ(opened.error, fileNotFound);
+  EXPECT_EQ(open(in(u"no\\none"), FileAccess::Read, FileDisposition::OpenExisting).error,
+            pathNotFound);
+}
+
+TEST_F(FileSystemContract, CreatesAnEmptyFileWithTheArchiveAttribute) {
+  const Opened opened = open(in(u"New.txt"), FileAccess::Write, FileDisposition::OpenAlways);
+  ASSERT_EQ(opened.error, success);
+  std::uint64_t size = 1;
+  EXPECT_EQ(system().GetFileSize(opened.file, size), success);
+  EXPECT_EQ(size, 0u);
+  system().CloseHandle(opened.file);
+  EXPECT_EQ(attributesOf(in(u"new.TXT")), file_attribute::archive);
+}
+
+TEST_F(FileSystemContract, KeepsWhatIsThereUnlessItIsToBeReplaced) {
+  const Text path = made(u"a.txt", u"12345");
+  Opened opened = open(path, FileAccess::ReadWrite, FileDisposition::OpenAlways);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(read(opened.file, 0, 100), "12345\r\n");
+  system().CloseHandle(opened.file);
+  opened = open(path, FileAccess::ReadWrite, FileDisposition::CreateAlways);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(read(opened.file, 0, 100), "");
+  system().CloseHandle(opened.file);
+}
+
+TEST_F(FileSystemContract, FillsAGapBehindTheEndWithZeros) {
+  const Opened opened = open(in(u"gap"), FileAccess::ReadWrite, FileDisposition::CreateAlways);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(write(opened.file, 3, "abc"), success);
+  EXPECT_EQ(write(opened.file, 1, "x"), success);
+  EXPECT_EQ(read(opened.file, 0, 10), std::string("\0x\0abc", 6));
+  EXPECT_EQ(read(opened.file, 4, 10), "bc");
+  EXPECT_EQ(read(opened.file, 6, 10), "");
+  system().CloseHandle(opened.file);
+}
+
+TEST_F(FileSystemContract, OpensNoDirectoryAsAFile) {
+  ASSERT_EQ(system().CreateDirectoryA(in(u"dir")), success);
+  EXPECT_EQ(open(in(u"dir"), FileAccess::Read, FileDisposition::OpenExisting).error, accessDenied);
+  EXPECT_EQ(open(in(u"dir"), FileAccess::Write, FileDisposition::CreateAlways).error, accessDenied);
+}
+
+TEST_F(FileSystemContract, WritesNoReadOnlyFile) {
+  const Text path = made(u"fixed");
+  ASSERT_EQ(system().SetFileAttributesA(path, file_attribute::readOnly), success);
+  EXPECT_EQ(open(path, FileAccess::Write, FileDisposition::OpenExisting).error, accessDenied);
+  EXPECT_EQ(open(path, FileAccess::Write, FileDisposition::CreateAlways).error, accessDenied);
+  const Opened reading = open(path, FileAccess::Read, FileDisposition::OpenExisting);
+  EXPECT_EQ(reading.error, success);
+  system().CloseHandle(reading.file);
+  EXPECT_EQ(system().DeleteFileA(path), accessDenied);
+  EXPECT_EQ(system().SetFileAttributesA(path, file_attribute::normal), success);
+  EXPECT_EQ(system().DeleteFileA(path), success);
+}
+
+TEST_F(FileSystemContract, SharesNoFileThatIsOpenForItself) {
+  const Text path = made(u"own");
+  const Opened own =
+      open(path, FileAccess::Read, FileDisposition::OpenExisting, FileShare::Nothing);
+  ASSERT_EQ(own.error, success);
+  EXPECT_EQ(open(path, FileAccess::Read, FileDisposition::OpenExisting).error, sharingViolation);
+  EXPECT_EQ(system().DeleteFileA(path), sharingViolation);
+  system().CloseHandle(own.file);
+  const Opened first = open(path, FileAccess::Read, FileDisposition::OpenExisting);
+  const Opened second = open(path, FileAccess::ReadWrite, FileDisposition::OpenExisting);
+  EXPECT_EQ(first.error, success);
+  EXPECT_EQ(second.error, success);
+  EXPECT_EQ(open(path, FileAccess::Read, FileDisposition::OpenExisting, FileShare::Nothing).error,
+            sharingViolation);
+  system().CloseHandle(first.file);
+  system().CloseHandle(second.file);
+  EXPECT_EQ(system().DeleteFileA(path), success);
+}
+
+// ---- names
+
+TEST_F(FileSystemContract, MatchesNamesWithoutRegardToCaseAndKeepsIt) {
+  made(u"MiXed.TxT");
+  EXPECT_EQ(lookUpError(in(u"mixed.txt")), success);
+  EXPECT_THAT(found(in(u"MIXED.TXT")), ElementsAre(u"MiXed.TxT"));
+}
+
+TEST_F(FileSystemContract, TakesASlashForABackslash) {
+  ASSERT_EQ(system().CreateDirectoryA(in(u"a")), success);
+  EXPECT_EQ(system().CreateDirectoryA(in(u"a/b")), success);
+  EXPECT_EQ(lookUpError(in(u"a\\b")), success);
+}
+
+TEST_F(FileSystemContract, ResolvesDotsAndDropsThoseAtTheEnd) {
+  const Text path = made(u"file");
+  EXPECT_EQ(lookUpError(in(u".\\file")), success);
+  EXPECT_EQ(lookUpError(in(u"no\\..\\file")), success);
+  EXPECT_EQ(lookUpError(path + u" . "), success);
+  ASSERT_EQ(system().CreateDirectoryA(in(u"cut. ")), success);
+  EXPECT_THAT(found(in(u"cut")), ElementsAre(u"cut"));
+}
+
+TEST_F(FileSystemContract, LooksAtNothingBehindANul) {
+  made(u"file");
+  EXPECT_EQ(lookUpError(in(u"file") + Text(5, u'\0')), success);
+  EXPECT_EQ(lookUpError(Text(5, u'\0')), pathNotFound);
+}
+
+TEST_F(FileSystemContract, RefusesNamesThatTheSystemDoesNotAllow) {
+  for (const TextView name : {u"a<b", u"a>b", u"a\"b", u"a|b", u"a?b", u"a*b"}) {
+    EXPECT_EQ(system().CreateDirectoryA(in(name)), invalidName) << toUtf8(name);
+    EXPECT_EQ(open(in(name), FileAccess::Write, FileDisposition::CreateAlways).error, invalidName)
+        << toUtf8(name);
+  }
+}
+
+TEST_F(FileSystemContract, FindsNothingOnADriveThatIsNotThere) {
+  const Text root = {bench().freeLetter(), u':', u'\\'};
+  EXPECT_FALSE(system().rootExists(root));
+  EXPECT_EQ(lookUpError(root + u"x"), pathNotFound);
+  EXPECT_EQ(system().CreateDirectoryA(root + u"x"), pathNotFound);
+  EXPECT_EQ(searchError(root + u"*.*"), pathNotFound);
+}
+
+// ---- directories
+
+TEST_F(FileSystemContract, MakesADirectoryOnceAndOnlyBelowAnother) {
+  EXPECT_EQ(system().CreateDirectoryA(in(u"d")), success);
+  EXPECT_EQ(system().CreateDirectoryA(in(u"D")), alreadyExists);
+  EXPECT_EQ(system().CreateDirectoryA(in(u"no\\d")), pathNotFound);
+  made(u"file");
+  EXPECT_EQ(system().CreateDirectoryA(in(u"file")), alreadyExists);
+  EXPECT_EQ(attributesOf(in(u"d")), file_attribute::directory);
+}
+
+TEST_F(FileSystemContract, RemovesOnlyEmptyDirectories) {
+  ASSERT_EQ(system().CreateDirectoryA(in(u"d")), success);
+  const Text file = made(u"d\\file");
+  EXPECT_EQ(system().RemoveDirectoryA(in(u"d")), directoryNotEmpty);
+  EXPECT_EQ(system().RemoveDirectoryA(file), directoryInvalid);
+  EXPECT_EQ(system().RemoveDirectoryA(in(u"none")), fileNotFound);
+  EXPECT_EQ(system().DeleteFileA(file), success);
+  EXPECT_EQ(system().RemoveDirectoryA(in(u"d")), success);
+  EXPECT_EQ(lookUpError(in(u"d")), fileNotFound);
+}
+
+TEST_F(FileSystemContract, DeletesOnlyFiles) {
+  ASSERT_EQ(system().CreateDirectoryA(in(u"d")), success);
+  EXPECT_EQ(system().DeleteFileA(in(u"d")), accessDenied);
+  EXPECT_EQ(system().DeleteFileA(in(u"none")), fileNotFound);
+  EXPECT_EQ(system().DeleteFileA(in(u"none\\file")), pathNotFound);
+}
+
+TEST_F(FileSystemContract, SetsFourAttributesAndLeavesADirectoryOne) {
+  constexpr std::uint32_t four = file_attribute::readOnly | file_attribute::hidden |
+                                 file_attribute::system | file_attribute::archive;
+  const Text path = made(u"file");
+  EXPECT_EQ(system().SetFileAttributesA(path, four), success);
+  EXPECT_EQ(attributesOf(path), four);
+  EXPECT_EQ(system().SetFileAttributesA(path, file_attribute::normal), success);
+  EXPECT_EQ(attributesOf(path), file_attribute::normal);
+  ASSERT_EQ(system().CreateDirectoryA(in(u"d")), success);
+  EXPECT_EQ(system().SetFileAttributesA(in(u"d"), file_attribute::hidden), success);
+  EXPECT_EQ(attributesOf(in(u"d")), file_attribute::hidden | file_attribute::directory);
+  EXPECT_EQ(system().SetFileAttributesA(in(u"none"), 0), fileNotFound);
+}
+
+// ---- searches
+
+TEST_F(FileSystemContract, SearchesWithWildcards) {
+  for (const TextView name : {u"b.txt", u"a.TXT", u"plain", u"c.txtx"}) made(name);
+  EXPECT_THAT(found(in(u"*.txt")), testing::UnorderedElementsAre(u"a.TXT", u"b.txt"));
+  EXPECT_THAT(found(in(u"?.txt")), testing::UnorderedElementsAre(u"a.TXT", u"b.txt"));
+  EXPECT_THAT(found(in(u"pl*n")), ElementsAre(u"plain"));
+  EXPECT_EQ(searchError(in(u"*.none")), fileNotFound);
+}
+
+TEST_F(FileSystemContract, FindsEveryNameByStarDotStar) {
+  made(u"plain");
+  made(u"x.y");
+  const std::vector<Text> names = found(in(u"*.*"));
+  EXPECT_THAT(names, testing::UnorderedElementsAre(u".", u"..", u"plain", u"x.y"));
+  ASSERT_GE(names.size(), 2u);
+  EXPECT_EQ(names[0], u".");
+  EXPECT_EQ(names[1], u"..");
+}
+
+TEST_F(FileSystemContract, TellsSizeAndAttributesOfWhatItFinds) {
+  made(u"file", u"1234");
+  DirectoryEntry entry;
+  FileHandle search = 0;
+  ASSERT_EQ(system().FindFirstFileA(in(u"file"), entry, search), success);
+  EXPECT_EQ(entry.name, u"file");
+  EXPECT_EQ(entry.size, 6u);
+  EXPECT_EQ(entry.attributes, file_attribute::archive);
+  EXPECT_EQ(system().FindNextFileA(search, entry), noMoreFiles);
+  system().FindClose(search);
+}
+
+TEST_F(FileSystemContract, FindsNoRootByItsOwnName) {
+  const Text drive = bench().folder().substr(0, 2);
+  EXPECT_EQ(searchError(drive + u"\\"), fileNotFound);
+  EXPECT_TRUE(system().rootExists(drive + u"\\"));
+  EXPECT_EQ(attributesOf(drive + u"\\") & file_attribute::directory, file_attribute::directory);
+}
+
+TEST_F(FileSystemContract, SearchesNoMissingFolder) {
+  EXPECT_EQ(searchError(in(u"none\\*.*")), pathNotFound);
+}
+
+// ---- text
+
+TEST_F(FileSystemContract, LosesWhatTheCodePageCannotRepresent) {
+  EXPECT_EQ(system().toAnsi(u"plain"), "plain");
+  EXPECT_EQ(system().fromAnsi("plain"), u"plain");
+  EXPECT_EQ(system().toAnsi(u"\u4E2D"), "?");
+}
+
+}  // namespace
+}  // namespace zev::contract

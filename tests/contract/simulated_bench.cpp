@@ -1,0 +1,41 @@
+#include "contract/bench.h"
+#include "simulated/simulated_machine.h"
+
+namespace zev::contract {
+namespace {
+
+class Nobody final : public simulated::Person {
+ public:
+  bool next() override { return false; }
+  BoxAnswer answer(const simulated::Box& box) override {
+    return simulated::defaultAnswer(box.style);
+  }
+  Text input(TextView, TextView, TextView) override { return {}; }
+};
+
+class SimulatedBench final : public Bench {
+ public:
+  SimulatedBench() {
+    machine_.disks().putDirectory(folder());
+    machine_.disks().putText(program(), "MZ");
+    machine_.startProgram();
+  }
+
+  Platform& platform() override { return machine_.platform(); }
+  FileSystem& fileSystem() override { return machine_.fileSystem(); }
+  Text folder() override { return u"C:\\Contract"; }
+  Text key() override { return u"Software\\Contract"; }
+  char16_t freeLetter() override { return u'Q'; }
+  Text program() override { return u"C:\\Windows\\system32\\hostname.exe"; }
+
+ private:
+  Nobody person_;
+  simulated::NoTranscript transcript_;
+  simulated::SimulatedMachine machine_{person_, transcript_};
+};
+
+}  // namespace
+
+std::unique_ptr<Bench> makeBench() { return std::make_unique<SimulatedBench>(); }
+
+}  // namespace zev::contract

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "simulated/simulated_machine.h"
+
+namespace zev::simulated {
+
+/// A person who does what a test tells, one thing each time the program waits or lets events
+/// through, and answers boxes from a queue, then by their default button.
+class ToldPerson final : public Person {
+ public:
+  std::deque<std::function<void()>> whenWaiting;
+  std::deque<std::function<void()>> inPasses;
+  std::deque<BoxAnswer> answers;
+  std::deque<Text> inputs;
+  std::vector<Box> boxes;
+  std::function<void()> beforeAnswer;
+  int passes = 0;
+
+  bool next() override { return doFirst(whenWaiting); }
+  void passBegins() override { ++passes; }
+  bool duringPass() override { return doFirst(inPasses); }
+
+  BoxAnswer answer(const Box& box) override {
+    boxes.push_back(box);
+    if (beforeAnswer) beforeAnswer();
+    if (answers.empty()) return defaultAnswer(box.style);
+    const BoxAnswer answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+
+  Text input(TextView, TextView, TextView initial) override {
+    if (inputs.empty()) return Text(initial);
+    Text text = inputs.front();
+    inputs.pop_front();
+    return text;
+  }
+
+ private:
+  static bool doFirst(std::deque<std::function<void()>>& things) {
+    if (things.empty()) return false;
+    const std::function<void()> first = things.front();
+    things.pop_front();
+    first();
+    return true;
+  }
+};
+
+/// A machine with a program on it.
+class MachineTest : public testing::Test {
+ protected:
+  MachineTest() { machine.startProgram(); }
+
+  Platform& platform() { return machine.platform(); }
+  Files& files() { return machine.platform().files; }
+  FileSystem& system() { return machine.fileSystem(); }
+
+  static FileSettings denying(const Denial& deny) {
+    FileSettings settings;
+    settings.deny = deny;
+    return settings;
+  }
+  static std::span<const std::uint8_t> bytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+  }
+  std::string content(TextView path) const {
+    const auto read = machine.disks().read(path);
+    return read ? std::string(read->begin(), read->end()) : "(none)";
+  }
+
+  ToldPerson person;
+  TranscriptLog log{true};
+  SimulatedMachine machine{person, log};
+};
+
+/// The number of the run-time error that a statement raises; 0 if it raises none.
+template <typename Statement>
+std::int32_t errorOf(Statement statement) {
+  try {
+    statement();
+    return 0;
+  } catch (const RuntimeError& error) {
+    return error.number();
+  }
+}
+
+/// A folder of the host that is gone behind the test.
+class HostFolder {
+ public:
+  HostFolder() {
+    static int made = 0;
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    path_ = std::filesystem::temp_directory_path() /
+            (std::string("zev-") + test->test_suite_name() + "-" + test->name() + "-" +
+             std::to_string(++made));
+    std::filesystem::remove_all(path_);
+    std::filesystem::create_directories(path_);
+  }
+  ~HostFolder() { std::filesystem::remove_all(path_); }
+  HostFolder(const HostFolder&) = delete;
+  HostFolder& operator=(const HostFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  std::string read(const std::filesystem::path& file) const {
+    std::ifstream in(path_ / file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  void write(const std::filesystem::path& file, std::string_view text) const {
+    std::filesystem::create_directories((path_ / file).parent_path());
+    std::ofstream(path_ / file, std::ios::binary) << text;
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace zev::simulated
