@@ -2,8 +2,7 @@
 
 packages_to_run=(
   g++ cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev
-  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libavformat-dev libavcodec-dev
-  libavutil-dev gcc-mingw-w64-x86-64 fp-utils-3.2.2
+  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev gcc-mingw-w64-x86-64 fp-utils-3.2.2
 )
 
 packages_to_test=(

@@ -28,7 +28,7 @@ void printTrouble(const Member& member, const std::string& trouble) {
 
 std::string troubleOf(const PackageFile& package, const Member& member, bool plainOk) {
   if (!package.offsetOf(member)) return missing(member, package);
-  return checkMember(package.stored(member), nameByte(member.installedName), plainOk);
+  return checkMember(package.stored(member), nameByte(member), plainOk);
 }
 
 std::vector<SampleRow> sampleRows() {
@@ -110,7 +110,8 @@ int extract(const fs::path& path, const fs::path& folder, bool packed) {
 
 int compress(const fs::path& in, const fs::path& out) {
   const Bytes plain = readFile(in);
-  const Bytes packed = lz::compress(plain, nameByte(in.filename().string()));
+  const std::string name = in.filename().string();
+  const Bytes packed = lz::compress(plain, static_cast<std::uint8_t>(name.back()));
   writeFile(out, packed);
   std::printf("%s: %zu bytes from %zu\n", out.c_str(), packed.size(), plain.size());
   return 0;

@@ -1,7 +1,9 @@
 #include "programs/zevpack/member_check.h"
 
-#include "lz/byte_stream.h"
+#include <utility>
+
 #include "lz/expand.h"
+#include "lz/memory_stream.h"
 #include "lz/szdd_header.h"
 #include "platform/lz_services.h"
 
@@ -26,11 +28,12 @@ std::string quoted(std::uint8_t character) { return {'\'', static_cast<char>(cha
 }  // namespace
 
 Expanded expandMember(std::span<const std::uint8_t> stored) {
+  Bytes bytes;
   lz::MemorySource source(stored);
-  lz::MemorySink sink;
+  lz::MemorySink sink(bytes);
   const std::int32_t result = lz::expand(source, sink);
   if (result < 0) return {{}, troubleOf(result)};
-  return {sink.take(), {}};
+  return {std::move(bytes), {}};
 }
 
 bool isPacked(std::span<const std::uint8_t> stored) {

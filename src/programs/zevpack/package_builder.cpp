@@ -50,7 +50,7 @@ Bytes gather(const Member& member, const Folder& folder, std::string& trouble) {
     stored = readFile(*packed);
     source = "the packed file has ";
   } else if (const auto plain = folder.find(member.installedName)) {
-    stored = lz::compress(readFile(*plain), nameByte(member.installedName));
+    stored = lz::compress(readFile(*plain), nameByte(member));
     source = member.installedName + " compresses to ";
   } else {
     trouble += "  " + label(member) + ": neither it nor " + member.installedName + " is there\n";

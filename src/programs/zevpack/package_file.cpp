@@ -15,8 +15,8 @@ std::vector<Member> members() {
   return all;
 }
 
-std::uint8_t nameByte(std::string_view installedName) {
-  return installedName.empty() ? std::uint8_t{0} : static_cast<std::uint8_t>(installedName.back());
+std::uint8_t nameByte(const Member& member) {
+  return static_cast<std::uint8_t>(member.installedName.at(member.packedName.size() - 1));
 }
 
 std::optional<std::size_t> PackageFile::offsetOf(const Member& member) const {

@@ -24,8 +24,8 @@ struct Member {
 /// All members, in the order of the manifest.
 std::vector<Member> members();
 
-/// The character that the underscore of a packed name stands for.
-std::uint8_t nameByte(std::string_view installedName);
+/// The character of a member's installed name that the underscore of its packed name replaces.
+std::uint8_t nameByte(const Member& member);
 
 /// A package read whole: members are found by counting back from its end.
 class PackageFile {

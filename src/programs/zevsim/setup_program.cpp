@@ -12,15 +12,15 @@ namespace {
 using FixedPath = FixedText<256>;
 
 /// A global of the program, whatever its type.
-using GlobalMember =
-    std::variant<std::uint8_t Globals::*, std::int16_t Globals::*, std::int32_t Globals::*,
-                 Text Globals::*, FixedPath Globals::*>;
+using GlobalMember = std::variant<std::uint8_t Globals::*, std::int16_t Globals::*,
+                                  std::int32_t Globals::*, Text Globals::*, FixedPath Globals::*>;
 
 struct GlobalRow {
   std::string_view name;
   GlobalMember member;
 };
 
+// clang-format off
 const GlobalRow globalRows[] = {
     {"gCurrentPage", &Globals::gCurrentPage},
     {"gInstallDir", &Globals::gInstallDir},
@@ -41,6 +41,7 @@ const GlobalRow globalRows[] = {
     {"gStartMenuDir", &Globals::gStartMenuDir},
     {"gProductVersion", &Globals::gProductVersion},
 };
+// clang-format on
 
 const GlobalRow* findRow(std::string_view name) {
   for (const GlobalRow& row : globalRows) {
@@ -53,12 +54,8 @@ const GlobalRow* findRow(std::string_view name) {
 struct Reader {
   const Globals& globals;
 
-  PropertyValue operator()(Text Globals::*member) const {
-    return Text(trim(globals.*member));
-  }
-  PropertyValue operator()(FixedPath Globals::*member) const {
-    return (globals.*member).trimmed();
-  }
+  PropertyValue operator()(Text Globals::*member) const { return Text(trim(globals.*member)); }
+  PropertyValue operator()(FixedPath Globals::*member) const { return (globals.*member).trimmed(); }
   template <typename Number>
   PropertyValue operator()(Number Globals::*member) const {
     return std::int32_t{globals.*member};
