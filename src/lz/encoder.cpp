@@ -1,0 +1,98 @@
+#include "lz/encoder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "lz/lzss_format.h"
+#include "lz/match_finder.h"
+
+namespace zev::lz {
+namespace {
+
+// The parse is optimal within a block; matches end with their block. It bounds the working memory.
+constexpr std::size_t kBlockSize = std::size_t{1} << 18;
+
+// In bits, the token's flag included.
+constexpr std::uint32_t kLiteralCost = 9;
+constexpr std::uint32_t kMatchCost = 17;
+
+// Collects tokens behind their flag bytes.
+class TokenWriter {
+ public:
+  explicit TokenWriter(std::vector<std::uint8_t>& out) : out_(out) {}
+
+  void literal(std::uint8_t value) {
+    const std::uint8_t flag = nextFlag();
+    out_[flagsAt_] = static_cast<std::uint8_t>(out_[flagsAt_] | flag);
+    out_.push_back(value);
+  }
+
+  void match(std::size_t position, Match match) {
+    nextFlag();
+    const std::size_t source = (kRingStart + position - match.distance) & kRingMask;
+    const std::size_t count = match.length - kShortestMatch;
+    out_.push_back(static_cast<std::uint8_t>(source));
+    out_.push_back(static_cast<std::uint8_t>((source >> 4 & 0xF0) | count));
+  }
+
+ private:
+  // The bit of the next token, in a new flag byte after every eight.
+  std::uint8_t nextFlag() {
+    if (tokens_ % kTokensPerFlagByte == 0) {
+      flagsAt_ = out_.size();
+      out_.push_back(0);
+    }
+    return static_cast<std::uint8_t>(1U << (tokens_++ % kTokensPerFlagByte));
+  }
+
+  std::vector<std::uint8_t>& out_;
+  std::size_t flagsAt_ = 0;
+  std::size_t tokens_ = 0;
+};
+
+// From the last position back: shortens each match to the length after which the rest of the block
+// costs least, or drops it (length 0) for a literal. Every distance costs the same, so the longest
+// match of a position stands for all of its shorter ones.
+void chooseCheapest(std::span<Match> matches) {
+  constexpr std::size_t kCosts = 32;  // a power of two past the longest match
+  static_assert(kCosts > kLongestMatch);
+  std::array<std::uint32_t, kCosts> costs{};  // of the rest from a position, by position modulo
+  for (std::size_t i = matches.size(); i-- > 0;) {
+    std::uint32_t cheapest = costs[(i + 1) % kCosts] + kLiteralCost;
+    std::size_t chosen = 0;
+    for (std::size_t length = matches[i].length; length >= kShortestMatch; --length) {
+      const std::uint32_t cost = costs[(i + length) % kCosts] + kMatchCost;
+      if (cost >= cheapest) continue;
+      cheapest = cost;
+      chosen = length;
+    }
+    matches[i].length = static_cast<std::uint16_t>(chosen);
+    costs[i % kCosts] = cheapest;
+  }
+}
+
+}  // namespace
+
+void encode(std::span<const std::uint8_t> plain, std::vector<std::uint8_t>& out) {
+  MatchFinder finder(plain);
+  TokenWriter writer(out);
+  std::vector<Match> matches;
+  for (std::size_t begin = 0; begin < plain.size(); begin += kBlockSize) {
+    const std::size_t end = std::min(plain.size(), begin + kBlockSize);
+    matches.resize(end - begin);
+    for (std::size_t i = begin; i < end; ++i) matches[i - begin] = finder.advance(i, end);
+    chooseCheapest(matches);
+    for (std::size_t i = begin; i < end;) {
+      const Match match = matches[i - begin];
+      if (match.length == 0) {
+        writer.literal(plain[i++]);
+      } else {
+        writer.match(i, match);
+        i += match.length;
+      }
+    }
+  }
+}
+
+}  // namespace zev::lz
