@@ -1,0 +1,565 @@
+#include "scenario/expectation.h"
+
+#include <algorithm>
+#include <array>
+#include <regex>
+#include <stdexcept>
+
+#include "runtime/code_page.h"
+#include "scenario/matcher.h"
+
+namespace zev::scenario {
+namespace {
+
+using simulated::SimulatedMachine;
+
+/// One kind of key: how it begins (or its whole name), and how it is checked and judged. `rest` is
+/// what stands behind the beginning.
+struct KeyKind {
+  std::string_view start;
+  bool whole;
+  void (*check)(std::string_view rest, const JsonReader& expected);
+  Verdict (*judge)(std::string_view rest, const KeyedValue& expectation, const Scene& scene);
+};
+
+Verdict verdict(const Json& expected, Json found) { return {matches(expected, found), found}; }
+
+Json textOrNull(const std::optional<Text>& text) {
+  return text ? Json(toUtf8(*text)) : Json(nullptr);
+}
+
+Json listOf(const std::vector<Text>& texts) {
+  Json list = Json::array();
+  for (const Text& each : texts) list.push_back(toUtf8(each));
+  return list;
+}
+
+std::string lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char each) {
+    return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
+  });
+  return text;
+}
+
+std::string hexOf(const std::vector<std::uint8_t>& bytes) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string hex;
+  for (const std::uint8_t each : bytes) {
+    hex += digits[each >> 4];
+    hex += digits[each & 15];
+  }
+  return hex;
+}
+
+/// A list of texts in an order of its own, so that the order of a set does not matter.
+Json sorted(const Json& unsorted) {
+  Json list = unsorted;
+  if (list.is_array()) {
+    std::sort(list.begin(), list.end(), [](const Json& a, const Json& b) { return a < b; });
+  }
+  return list;
+}
+
+// Files and folders.
+
+void checkPath(std::string_view path, const JsonReader& expected) {
+  if (path.size() < 3 || path[1] != ':' || (path[2] != '\\' && path[2] != '/')) {
+    expected.fail("\"" + std::string(path) + "\" is no full path of the machine");
+  }
+}
+
+std::optional<Text> fileText(const SimulatedMachine& machine, const Text& path) {
+  const auto bytes = machine.disks().read(path);
+  if (!bytes) return std::nullopt;
+  const std::string_view chars(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+  return fromCodePage(chars, machine.settings().system.codePage);
+}
+
+/// A place and the bytes there, as many as are expected.
+void checkHexAt(const JsonReader& expected) {
+  const auto parts = expected.elements(2);
+  parts[0].whole(0, std::int64_t{1} << 40);
+  parts[1].hex();
+}
+
+Json factExists(const SimulatedMachine& machine, const Text& path, const Json&) {
+  return machine.disks().exists(path);
+}
+
+Json factSize(const SimulatedMachine& machine, const Text& path, const Json&) {
+  const auto entry = machine.disks().find(path);
+  if (!entry || (entry->attributes & file_attribute::directory) != 0) return nullptr;
+  return entry->size;
+}
+
+Json factSha256(const SimulatedMachine& machine, const Text& path, const Json&) {
+  const auto sum = machine.disks().sha256(path);
+  return sum ? Json(*sum) : Json(nullptr);
+}
+
+Json factAttributes(const SimulatedMachine& machine, const Text& path, const Json&) {
+  const auto entry = machine.disks().find(path);
+  if (!entry) return nullptr;
+  Json names = Json::array();
+  if ((entry->attributes & file_attribute::hidden) != 0) names.push_back("hidden");
+  if ((entry->attributes & file_attribute::readOnly) != 0) names.push_back("readonly");
+  if ((entry->attributes & file_attribute::system) != 0) names.push_back("system");
+  return names;
+}
+
+Json factHexAt(const SimulatedMachine& machine, const Text& path, const Json& expected) {
+  const auto offset = expected.at(0).get<std::uint64_t>();
+  const auto count = expected.at(1).get_ref<const std::string&>().size() / 2;
+  const auto bytes = machine.disks().read(path, offset, count);
+  return bytes ? Json::array({offset, hexOf(*bytes)}) : Json(nullptr);
+}
+
+Json factText(const SimulatedMachine& machine, const Text& path, const Json&) {
+  return textOrNull(fileText(machine, path));
+}
+
+void checkAnything(const JsonReader& expected) { checkMatcher(expected); }
+
+void checkExists(const JsonReader& expected) {
+  bool exists = false;
+  expected.read(exists);
+}
+
+Json same(const Json& expected) { return expected; }
+
+Json lowerHex(const Json& expected) {
+  Json normal = expected;
+  if (normal.is_string()) normal = lower(normal.get<std::string>());
+  if (normal.is_array() && normal.size() == 2) normal[1] = lower(normal[1].get<std::string>());
+  return normal;
+}
+
+/// Something that can be told of an entry: how it is checked, found, and brought into the form in
+/// which it is found.
+struct Fact {
+  std::string_view key;
+  void (*check)(const JsonReader& expected);
+  Json (*find)(const SimulatedMachine& machine, const Text& path, const Json& expected);
+  Json (*normal)(const Json& expected);
+};
+
+constexpr Fact facts[] = {
+    {"exists", checkExists, factExists, same},
+    {"size", checkAnything, factSize, same},
+    {"sha256", checkAnything, factSha256, lowerHex},
+    {"attributes", checkAnything, factAttributes, sorted},
+    {"hexAt", checkHexAt, factHexAt, lowerHex},
+    {"text", checkAnything, factText, same},
+};
+
+const Fact* findFact(std::string_view key) {
+  for (const Fact& each : facts) {
+    if (each.key == key) return &each;
+  }
+  return nullptr;
+}
+
+/// True if the value tells of an entry by facts, and does not stand for its content.
+bool isFacts(const Json& expected) { return expected.is_object() && !isCondition(expected); }
+
+void checkFacts(const JsonReader& expected) {
+  for (const auto& [key, value] : expected.members()) {
+    const Fact* fact = findFact(key);
+    if (fact == nullptr) {
+      failUnknownKey(value, key,
+                     {"exists", "size", "sha256", "attributes", "hexAt", "text", "contains",
+                      "matches", "not"});
+    }
+    fact->check(value);
+  }
+}
+
+Verdict judgeFacts(const Text& path, const Json& expected, const Scene& scene) {
+  Verdict all{true, Json::object()};
+  for (const auto& [key, value] : expected.items()) {
+    const Fact* fact = findFact(key);
+    const Json found = fact->find(scene.machine, path, value);
+    all.held = all.held && matches(fact->normal(value), found);
+    all.found[key] = found;
+  }
+  return all;
+}
+
+void checkFile(std::string_view path, const JsonReader& expected) {
+  checkPath(path, expected);
+  if (isFacts(expected.json())) return checkFacts(expected);
+  checkMatcher(expected);
+}
+
+Verdict judgeFile(std::string_view path, const KeyedValue& expectation, const Scene& scene) {
+  const Text file = fromUtf8(path);
+  if (isFacts(expectation.value)) return judgeFacts(file, expectation.value, scene);
+  return verdict(expectation.value, textOrNull(fileText(scene.machine, file)));
+}
+
+Verdict judgeDirectory(std::string_view path, const KeyedValue& expectation, const Scene& scene) {
+  const Text directory = fromUtf8(path);
+  if (isFacts(expectation.value)) return judgeFacts(directory, expectation.value, scene);
+  const auto names = scene.machine.disks().names(directory);
+  Json found = names ? sorted(listOf(*names)) : Json(nullptr);
+  return verdict(sorted(expectation.value), std::move(found));
+}
+
+// The registry.
+
+struct ValuePlace {
+  RegistryKey hive = 0;
+  Text key;
+  std::optional<Text> name;  ///< none: the key itself
+};
+
+/// Takes "HIVE\key|name" apart; none if it does not begin with a hive.
+std::optional<ValuePlace> valuePlace(std::string_view written) {
+  const Text whole = fromUtf8(written);
+  const std::size_t bar = std::min(whole.find(u'|'), whole.size());
+  const TextView path = TextView(whole).substr(0, bar);
+  const std::size_t slash = std::min(path.find(u'\\'), path.size());
+  const auto hive = simulated::RegistryTree::hiveOf(hiveName(path.substr(0, slash)));
+  if (!hive) return std::nullopt;
+  ValuePlace place{*hive, Text(path.substr(std::min(slash + 1, path.size()))), std::nullopt};
+  if (bar < whole.size()) place.name = whole.substr(bar + 1);
+  return place;
+}
+
+void checkRegistry(std::string_view written, const JsonReader& expected) {
+  if (!valuePlace(written)) {
+    expected.fail("the key is written as HKEY_LOCAL_MACHINE\\Software\\Key|Name");
+  }
+  checkMatcher(expected);
+}
+
+/// Whether the expected value speaks of the type, and of the bytes rather than of the text.
+struct Wish {
+  bool type = false;
+  bool hex = false;
+};
+
+Wish wishOf(const Json& expected) {
+  if (!expected.is_object()) return {};
+  if (expected.contains("not")) return wishOf(expected.at("not"));
+  return {expected.contains("type"), expected.contains("hex")};
+}
+
+/// A value as a scenario writes it: a text, a number, or its type with its text or bytes.
+Json dataOf(const simulated::RegistryValue& value, const Wish& wish, std::uint32_t codePage) {
+  const bool plainText = value.type == registry_type::text;
+  const bool plainNumber = value.type == registry_type::number && value.bytes.size() == 4;
+  if (!wish.type && plainText) return toUtf8(value.text());
+  if (!wish.type && plainNumber) return value.number();
+  if (value.isText() && !wish.hex) {
+    return {{"type", value.type}, {"text", toUtf8(value.text())}};
+  }
+  return {{"type", value.type}, {"hex", hexOf(value.ansiBytes(codePage))}};
+}
+
+Json normalRegistry(const Json& expected) {
+  Json normal = expected;
+  if (normal.is_number_integer()) return static_cast<std::uint32_t>(normal.get<std::int64_t>());
+  if (!normal.is_object()) return normal;
+  if (normal.contains("hex")) normal["hex"] = lowerHex(normal["hex"]);
+  if (normal.contains("not")) normal["not"] = normalRegistry(normal["not"]);
+  return normal;
+}
+
+/// A key as the object of its values; null if it is not there.
+Json keyToJson(const ValuePlace& place, const SimulatedMachine& machine) {
+  const auto node = machine.registry().find(place.hive, place.key);
+  if (!node) return nullptr;
+  Json values = Json::object();
+  for (const auto& [upper, named] : node->values) {
+    values[toUtf8(named.name)] = dataOf(named.value, {}, machine.settings().system.codePage);
+  }
+  return values;
+}
+
+Json normalValues(const Json& expected) {
+  if (!expected.is_object() || isCondition(expected)) return normalRegistry(expected);
+  Json normal = Json::object();
+  for (const auto& [name, value] : expected.items()) normal[name] = normalRegistry(value);
+  return normal;
+}
+
+Verdict judgeRegistry(std::string_view written, const KeyedValue& expectation, const Scene& scene) {
+  const ValuePlace place = valuePlace(written).value();
+  if (!place.name) {
+    return verdict(normalValues(expectation.value), keyToJson(place, scene.machine));
+  }
+  const auto value = scene.machine.registry().value(place.hive, place.key, *place.name);
+  Json found;
+  if (value) {
+    found = dataOf(*value, wishOf(expectation.value), scene.machine.settings().system.codePage);
+  }
+  return verdict(normalRegistry(expectation.value), std::move(found));
+}
+
+// Shortcuts.
+
+constexpr std::string_view shortcutProperties[] = {
+    "TargetPath", "Arguments", "WindowStyle", "IconLocation", "Description", "WorkingDirectory",
+};
+
+/// The name of a property as the automation object spells it; empty for none of its.
+std::string_view shortcutProperty(const std::string& written) {
+  for (const std::string_view each : shortcutProperties) {
+    if (lower(std::string(each)) == lower(written)) return each;
+  }
+  return {};
+}
+
+void checkShortcut(std::string_view path, const JsonReader& expected) {
+  checkPath(path, expected);
+  checkMatcher(expected);
+  if (!isFacts(expected.json())) return;
+  for (const auto& [key, value] : expected.members()) {
+    if (!shortcutProperty(key).empty()) continue;
+    failUnknownKey(value, key, {std::begin(shortcutProperties), std::end(shortcutProperties)});
+  }
+}
+
+Json normalShortcut(const Json& expected) {
+  if (!isFacts(expected)) return expected;
+  Json normal = Json::object();
+  for (const auto& [key, value] : expected.items()) normal[shortcutProperty(key)] = value;
+  return normal;
+}
+
+Verdict judgeShortcut(std::string_view path, const KeyedValue& expectation, const Scene& scene) {
+  const auto properties = scene.machine.shortcut(fromUtf8(path));
+  const Json found = properties ? simulated::toJson(*properties) : Json(nullptr);
+  return verdict(normalShortcut(expectation.value), found);
+}
+
+// What happened.
+
+constexpr KeyRow<std::nullptr_t> boxKeys[] = {
+    {"text", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+    {"title", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+    {"style", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+    {"answer", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+};
+
+void checkBoxes(std::string_view, const JsonReader& expected) {
+  checkMatcher(expected);
+  if (!expected.json().is_array()) {
+    if (!isCondition(expected.json())) expected.failWanted("a list of boxes");
+    return;
+  }
+  for (const JsonReader& each : expected.elements()) {
+    std::nullptr_t nothing = nullptr;
+    if (!isCondition(each.json())) readObject(each, boxKeys, nothing);
+  }
+}
+
+Verdict judgeBoxes(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  return verdict(expectation.value, scene.boxes);
+}
+
+void checkValue(std::string_view, const JsonReader& expected) { checkMatcher(expected); }
+
+Verdict judgeShell(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  return verdict(expectation.value, listOf(scene.machine.records().shell));
+}
+
+Verdict judgeDde(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  return verdict(expectation.value, listOf(scene.machine.records().dde));
+}
+
+Verdict judgeOpened(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  return verdict(expectation.value, listOf(scene.machine.records().opened));
+}
+
+Verdict judgeCalls(std::string_view name, const KeyedValue& expectation, const Scene& scene) {
+  return verdict(expectation.value, scene.machine.calls(name));
+}
+
+void checkEnded(std::string_view, const JsonReader& expected) {
+  const Json& value = expected.json();
+  checkMatcher(expected);
+  if (value.is_null() || value == "unload" || value == "exit" || value == "error") return;
+  if (isCondition(value) || (value.is_object() && value.contains("error"))) return;
+  expected.fail("an end is null, \"unload\", \"exit\", \"error\" or {\"error\": number}");
+}
+
+/// Whether an end is expected with the number of its error, and not by its word alone.
+bool wantsNumber(const Json& expected) {
+  if (isCondition(expected)) return expected.contains("not") && wantsNumber(expected.at("not"));
+  return expected.is_object();
+}
+
+Verdict judgeEnded(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  const bool byWord = scene.ended.is_object() && !wantsNumber(expectation.value);
+  return {matches(expectation.value, byWord ? Json("error") : scene.ended), scene.ended};
+}
+
+// The program.
+
+Json activeForm(const Scene& scene) {
+  const Form* active = scene.machine.screen().activeForm();
+  return active == nullptr ? Json(nullptr) : Json(toUtf8(active->name()));
+}
+
+Verdict judgeActive(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  return verdict(expectation.value, activeForm(scene));
+}
+
+/// The control with the focus on the active form, as "Form1.Command2".
+Verdict judgeFocus(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  const Form* active = scene.machine.screen().activeForm();
+  const Control* focused = active == nullptr ? nullptr : scene.machine.screen().focused(*active);
+  if (focused == nullptr) return verdict(expectation.value, nullptr);
+  return verdict(expectation.value, toUtf8(join(active->name(), u".", focused->name())));
+}
+
+Verdict judgeGlobal(std::string_view name, const KeyedValue& expectation, const Scene& scene) {
+  auto value = scene.program.global(name);
+  if (!value) {
+    throw ScenarioError(expectation.path, "the program has no global " + std::string(name));
+  }
+  if (Text* text = std::get_if<Text>(&*value)) *text = trim(beforeNul(*text));
+  return verdict(expectation.value, toJson(*value));
+}
+
+/// What a list offers beside its properties.
+std::optional<Json> listFact(const Control& control, std::string_view name) {
+  const auto* combo = dynamic_cast<const ComboBox*>(&control);
+  if (combo == nullptr) return std::nullopt;
+  if (lower(std::string(name)) == "listcount") return combo->ListCount();
+  if (lower(std::string(name)) != "list") return std::nullopt;
+  Json entries = Json::array();
+  for (std::int32_t place = 0; place < combo->ListCount(); ++place) {
+    entries.push_back(toUtf8(combo->List(place)));
+  }
+  return entries;
+}
+
+struct Found {
+  Component* component = nullptr;
+  std::string_view property;
+};
+
+Form& requireActiveForm(const Scene& scene, const std::string& path) {
+  Form* active = scene.machine.screen().activeForm();
+  if (active == nullptr) throw ScenarioError(path, "no form is active; name the form");
+  return *active;
+}
+
+Found findComponent(const Name& name, const Scene& scene, const std::string& path) {
+  Form* form = findForm(scene.program, name.parts.front());
+  if (form != nullptr && name.parts.size() == 2) return {form, name.parts[1]};
+  if (form == nullptr && name.parts.size() == 3) {
+    throw ScenarioError(path, "the program has no form " + name.parts.front());
+  }
+  if (form == nullptr) form = &requireActiveForm(scene, path);
+  const std::string& control = name.parts[name.parts.size() - 2];
+  Control* found = form->findControl(fromUtf8(control));
+  if (found == nullptr) {
+    throw ScenarioError(path, toUtf8(form->name()) + " has no control " + control);
+  }
+  return {found, name.parts.back()};
+}
+
+PropertyBase& propertyOf(const Found& found, const std::string& path) {
+  PropertyBase* property = found.component->findProperty(found.property);
+  if (property == nullptr) {
+    throw ScenarioError(
+        path, toUtf8(found.component->name()) + " has no property " + std::string(found.property));
+  }
+  return *property;
+}
+
+Name splitName(std::string_view key, const std::string& path) {
+  const Json name = std::string(key);
+  return readName(JsonReader(name, {}, path), 3);
+}
+
+Verdict judgeProperty(std::string_view, const KeyedValue& expectation, const Scene& scene) {
+  const Name name = splitName(expectation.key, expectation.path);
+  const Found found = findComponent(name, scene, expectation.path);
+  if (const auto* control = dynamic_cast<const Control*>(found.component)) {
+    if (auto fact = listFact(*control, found.property)) return verdict(expectation.value, *fact);
+  }
+  return verdict(expectation.value, toJson(propertyOf(found, expectation.path).value()));
+}
+
+constexpr KeyKind keyKinds[] = {
+    {"file:", false, checkFile, judgeFile},
+    {"dir:", false, checkFile, judgeDirectory},
+    {"registry:", false, checkRegistry, judgeRegistry},
+    {"shortcut:", false, checkShortcut, judgeShortcut},
+    {"calls:", false, checkValue, judgeCalls},
+    {"global.", false, checkValue, judgeGlobal},
+    {"boxes", true, checkBoxes, judgeBoxes},
+    {"shell", true, checkValue, judgeShell},
+    {"dde", true, checkValue, judgeDde},
+    {"opened", true, checkValue, judgeOpened},
+    {"ended", true, checkEnded, judgeEnded},
+    {"active", true, checkValue, judgeActive},
+    {"focus", true, checkValue, judgeFocus},
+};
+
+constexpr KeyKind propertyKind{"", false, checkValue, judgeProperty};
+
+/// The kind of a key; null for one that no kind has.
+const KeyKind* kindOf(std::string_view key) {
+  for (const KeyKind& each : keyKinds) {
+    if (each.whole ? key == each.start : key.starts_with(each.start)) return &each;
+  }
+  return isPropertyKey(key) ? &propertyKind : nullptr;
+}
+
+}  // namespace
+
+bool isPropertyKey(std::string_view key) {
+  static const std::regex name(R"([A-Za-z_]\w*(\(\d+\))?(\.[A-Za-z_]\w*(\(\d+\))?){1,2})");
+  return std::regex_match(key.begin(), key.end(), name);
+}
+
+void checkExpectation(const std::string& key, const JsonReader& expected) {
+  const KeyKind* kind = kindOf(key);
+  if (kind == nullptr) {
+    expected.fail("unknown key \"" + key +
+                  "\"; the keys are Form.Control.Property, global., file:, dir:, registry:, "
+                  "shortcut:, boxes, shell, dde, opened, calls:, ended, active, focus");
+  }
+  kind->check(std::string_view(key).substr(kind->start.size()), expected);
+}
+
+Verdict judge(const KeyedValue& expectation, const Scene& scene) {
+  const KeyKind* kind = kindOf(expectation.key);
+  const auto rest = std::string_view(expectation.key).substr(kind->start.size());
+  try {
+    return kind->judge(rest, expectation, scene);
+  } catch (const std::invalid_argument& error) {  // a path that no file can have
+    throw ScenarioError(expectation.path, error.what());
+  }
+}
+
+Json toJson(const PropertyValue& value) {
+  if (const auto* text = std::get_if<Text>(&value)) return toUtf8(*text);
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
+  return std::get<bool>(value);
+}
+
+PropertyValue toPropertyValue(const Json& value) {
+  if (value.is_boolean()) return value.get<bool>();
+  if (value.is_number_integer()) return value.get<std::int32_t>();
+  return fromUtf8(value.get_ref<const std::string&>());
+}
+
+Form* findForm(PlayedProgram& program, std::string_view name) {
+  for (Form* each : program.forms()) {
+    if (equalText(each->name(), fromUtf8(name))) return each;
+  }
+  return nullptr;
+}
+
+PropertyBase& findProperty(const Name& name, const Scene& scene, const std::string& path) {
+  return propertyOf(findComponent(name, scene, path), path);
+}
+
+}  // namespace zev::scenario

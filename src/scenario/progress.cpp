@@ -1,0 +1,75 @@
+#include "scenario/progress.h"
+
+#include <algorithm>
+
+#include "scenario/boxes.h"
+#include "scenario/form_drawing.h"
+
+namespace zev::scenario {
+namespace {
+
+constexpr int barColumns = 40;
+constexpr std::string_view clearToEnd = "\x1b[K";
+
+bool isBar(const PropertyBase& property) {
+  return property.name() == "Width" && property.owner().name() == u"Label7";
+}
+
+bool isFigure(const PropertyBase& property) {
+  return property.name() == "Caption" && property.owner().name() == u"Label8";
+}
+
+bool isFile(const PropertyBase& property) {
+  return property.name() == "Caption" && property.owner().name() == u"Label12";
+}
+
+/// How much of its container the bar fills, 0 to 1.
+double filled(const Form& form) {
+  const Control* bar = form.findControl(u"Label7");
+  if (bar == nullptr || bar->container() == nullptr || bar->container()->Width <= 0) return 0;
+  const double share = static_cast<double>(bar->Width) / bar->container()->Width;
+  return std::clamp(share, 0.0, 1.0);
+}
+
+std::string captionOf(const PropertyBase& property) {
+  return toUtf8(std::get<Text>(property.value()));
+}
+
+std::string oneLine(std::string text) {
+  std::erase(text, '\r');
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+}  // namespace
+
+void Progress::propertyWritten(const Form& form, const PropertyBase& property) {
+  if (form.name() != u"Form1" || !form.Visible) return;
+  if (isFigure(property)) figure_ = captionOf(property);
+  if (isFile(property)) file_ = oneLine(captionOf(property));
+  if (terminal_ && (isBar(property) || isFigure(property) || isFile(property))) {
+    drawBar(filled(form));
+  } else if (isFile(property) && !file_.empty()) {
+    out_ << (figure_.empty() ? "0%" : figure_) << "  " << file_ << std::endl;
+  }
+}
+
+void Progress::drawBar(double share) {
+  const auto columns = static_cast<std::size_t>(share * barColumns + 0.5);
+  out_ << "\r[" << std::string(columns, '#') << std::string(barColumns - columns, '.') << "] "
+       << figure_ << "  " << file_ << clearToEnd << std::flush;
+  lineOpen_ = true;
+}
+
+void Progress::boxAnswered(const simulated::Box& box, BoxAnswer answer) {
+  finish();
+  out_ << "[" << toUtf8(box.title) << "] " << oneLine(toUtf8(box.text)) << "  -> "
+       << answerWord(answer) << std::endl;
+}
+
+void Progress::finish() {
+  if (lineOpen_) out_ << std::endl;
+  lineOpen_ = false;
+}
+
+}  // namespace zev::scenario

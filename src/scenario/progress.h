@@ -1,0 +1,33 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "runtime/form.h"
+#include "simulated/person.h"
+
+namespace zev::scenario {
+
+/// Shows the progress of an install as the program itself shows it on its wizard: the width of the
+/// bar (Form1.Label7 in its frame), the figure on it (Label8) and the file (Label12). On a terminal
+/// it is one line drawn over and over, elsewhere one line a file.
+class Progress {
+ public:
+  Progress(std::ostream& out, bool terminal) : out_(out), terminal_(terminal) {}
+
+  void propertyWritten(const Form& form, const PropertyBase& property);
+  void boxAnswered(const simulated::Box& box, BoxAnswer answer);
+  /// Ends the line that is being drawn.
+  void finish();
+
+ private:
+  void drawBar(double share);
+
+  std::ostream& out_;
+  bool terminal_;
+  bool lineOpen_ = false;
+  std::string figure_;
+  std::string file_;
+};
+
+}  // namespace zev::scenario

@@ -1,0 +1,103 @@
+#include "scenario/scenario.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace zev::scenario {
+namespace {
+
+constexpr std::int64_t longestPackage = std::int64_t{1} << 31;
+
+std::uint64_t readCount(const JsonReader& value) {
+  return static_cast<std::uint64_t>(value.whole(0, longestPackage));
+}
+
+void readFlips(const JsonReader& value, Package& package) {
+  for (const JsonReader& each : value.elements()) package.flip.push_back(readCount(each));
+}
+
+constexpr KeyRow<Package> packageKeys[] = {
+    {"file", [](const JsonReader& value, Package& to) { to.file = value.hostFile(); }},
+    {"cutEnd", [](const JsonReader& value, Package& to) { to.cutEnd = readCount(value); }},
+    {"cutStart", [](const JsonReader& value, Package& to) { to.cutStart = readCount(value); }},
+    {"length", [](const JsonReader& value, Package& to) { to.length = readCount(value); }},
+    {"flip", readFlips},
+};
+
+void readPackage(const JsonReader& value, Scenario& scenario) {
+  scenario.package.path = value.path();
+  readObject(value, packageKeys, scenario.package);
+}
+
+constexpr KeyRow<Scenario> scenarioKeys[] = {
+    {"name", into<&Scenario::name>},
+    {"machine", [](const JsonReader& value, Scenario& to) { to.machine = readMachine(value); }},
+    {"package", readPackage},
+    {"script", [](const JsonReader& value, Scenario& to) { to.script = readSteps(value); }},
+};
+
+std::vector<std::uint8_t> readBytes(const Package& package) {
+  if (!package.file) return std::vector<std::uint8_t>(bareImageLength);
+  std::ifstream in(*package.file, std::ios::binary);
+  std::vector<std::uint8_t> bytes;
+  if (in) bytes.assign(std::istreambuf_iterator<char>(in), {});
+  if (!in) throw ScenarioError(package.path, "cannot read " + package.file->string());
+  return bytes;
+}
+
+void cut(const Package& package, std::vector<std::uint8_t>& bytes) {
+  if (package.cutEnd + package.cutStart > bytes.size()) {
+    throw ScenarioError(package.path, "more is cut off than the " + std::to_string(bytes.size()) +
+                                          " bytes that the file has");
+  }
+  bytes.resize(bytes.size() - package.cutEnd);
+  bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(package.cutStart));
+}
+
+void setLength(std::uint64_t length, std::vector<std::uint8_t>& bytes) {
+  if (length <= bytes.size()) {
+    bytes.resize(length);
+  } else {
+    bytes.insert(bytes.begin(), length - bytes.size(), std::uint8_t{0});
+  }
+}
+
+void invert(const Package& package, std::vector<std::uint8_t>& bytes) {
+  for (const std::uint64_t offset : package.flip) {
+    if (offset >= bytes.size()) {
+      throw ScenarioError(package.path + ".flip", std::to_string(offset) +
+                                                      " is behind the end of " +
+                                                      std::to_string(bytes.size()) + " bytes");
+    }
+    bytes[offset] = static_cast<std::uint8_t>(~bytes[offset]);
+  }
+}
+
+}  // namespace
+
+Scenario parseScenario(std::string_view text, const std::filesystem::path& folder) {
+  const Json document = parseJson(text);
+  Scenario scenario;
+  readObject(JsonReader(document, folder), scenarioKeys, scenario);
+  return scenario;
+}
+
+Scenario readScenario(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  std::ostringstream text;
+  if (std::filesystem::is_directory(file) || !in) throw ScenarioError("$", "cannot be read");
+  text << in.rdbuf();
+  return parseScenario(text.str(), file.parent_path());
+}
+
+std::vector<std::uint8_t> makeInstaller(const Package& package) {
+  std::vector<std::uint8_t> bytes = readBytes(package);
+  cut(package, bytes);
+  if (package.length) setLength(*package.length, bytes);
+  invert(package, bytes);
+  return bytes;
+}
+
+}  // namespace zev::scenario

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace zev::scenario {
+
+/// What the command line of zevsim asks for.
+struct ZevsimOptions {
+  std::optional<std::filesystem::path> scenario;
+  std::optional<std::filesystem::path> package;     ///< in place of the scenario's own
+  std::optional<std::filesystem::path> transcript;  ///< a file; none: standard output
+  std::optional<std::filesystem::path> state;
+  std::optional<std::filesystem::path> exportFolder;
+  std::vector<std::string> events;  ///< kinds to write; none: all but calls
+  bool interactive = false;
+  bool progress = false;
+  bool summary = false;
+  bool help = false;
+};
+
+/// A command line that zevsim cannot make sense of.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Reads the arguments behind the program's name. Without a scenario it is the prompt that is
+/// meant.
+ZevsimOptions parseOptions(const std::vector<std::string>& arguments);
+
+/// The text that --help prints.
+extern const char* const zevsimUsage;
+
+}  // namespace zev::scenario

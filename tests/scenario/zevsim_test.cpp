@@ -1,0 +1,190 @@
+#include "scenario/zevsim_main.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "scenario/json_reader.h"
+#include "scenario/toy_program.h"
+#include "scenario/zevsim_options.h"
+
+namespace zev::scenario {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+/// Runs zevsim with files in a folder of its own.
+class Zevsim : public testing::Test {
+ protected:
+  Zevsim()
+      : folder_(fs::path(testing::TempDir()) /
+                testing::UnitTest::GetInstance()->current_test_info()->name()) {
+    fs::create_directories(folder_);
+  }
+  ~Zevsim() override { fs::remove_all(folder_); }
+
+  std::string file(const std::string& name) const { return (folder_ / name).string(); }
+
+  std::string write(const std::string& name, const std::string& text) const {
+    std::ofstream(file(name), std::ios::binary) << text;
+    return file(name);
+  }
+
+  std::string read(const std::string& name) const {
+    std::ifstream in(file(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  int run(const std::vector<std::string>& arguments, const std::string& typed = "") {
+    std::istringstream in(typed);
+    std::ostringstream out;
+    std::ostringstream err;
+    const int status = zevsimMain(arguments, factory_, {in, out, err, terminal_});
+    out_ = out.str();
+    err_ = err.str();
+    return status;
+  }
+
+  fs::path folder_;
+  ProgramFactory factory_ = makeToyProgram;
+  bool terminal_ = false;
+  std::string out_;
+  std::string err_;
+};
+
+TEST_F(Zevsim, Gives0IfAllHolds) {
+  EXPECT_EQ(run({write("a.json", R"({"script": [{"expect": {"Form1.Caption": "Toy"}}]})")}), 0);
+  EXPECT_THAT(out_, StartsWith("{\"event\":\"start\"}\n"));
+  EXPECT_EQ(err_, "");
+}
+
+TEST_F(Zevsim, Gives1AndSaysWhatDidNotHold) {
+  EXPECT_EQ(run({write("a.json", R"({"script": [{"expect": {"Form1.Caption": "Tin"}}]})")}), 1);
+  EXPECT_EQ(err_,
+            "FAILED $.script[0].expect[\"Form1.Caption\"]\n  expected: \"Tin\"\n"
+            "  found:    \"Toy\"\n");
+}
+
+TEST_F(Zevsim, Gives2WithFilePathAndReason) {
+  const std::string bad = write("bad.json", R"({"script": [{"click": 1}]})");
+  EXPECT_EQ(run({bad}), 2);
+  EXPECT_EQ(err_, bad + ": $.script[0].click: a whole number where a text is wanted\n");
+  const std::string broken = write("broken.json", "{\n");
+  EXPECT_EQ(run({broken}), 2);
+  EXPECT_THAT(err_, StartsWith(broken + ": line 2, column 1: syntax error"));
+  EXPECT_EQ(run({file("none.json")}), 2);
+  EXPECT_EQ(err_, file("none.json") + ": $: cannot be read\n");
+  const std::string late = write("late.json", R"({"script": [{"click": "Command99"}]})");
+  EXPECT_EQ(run({late}), 2);
+  EXPECT_EQ(err_, late + ": $.script[0].click: Form1 has no control Command99\n");
+}
+
+TEST_F(Zevsim, Gives2ForABadCommandLine) {
+  EXPECT_EQ(run({"--nonsense"}), 2);
+  EXPECT_THAT(err_, StartsWith("zevsim: no option --nonsense\n"));
+  EXPECT_EQ(run({"a.json", "--state"}), 2);
+  EXPECT_EQ(run({"a.json", "b.json"}), 2);
+  EXPECT_EQ(run({"a.json", "--events", "boxes"}), 2);
+  EXPECT_EQ(run({write("a.json", "{}"), "--package", file("none")}), 2);
+  EXPECT_EQ(run({write("a.json", "{}"), "--transcript", file("no/such/folder")}), 2);
+}
+
+TEST_F(Zevsim, Gives3ForAFailureOfItsOwn) {
+  factory_ = [](Platform&) -> std::unique_ptr<PlayedProgram> {
+    throw std::logic_error("out of order");
+  };
+  EXPECT_EQ(run({write("a.json", "{}")}), 3);
+  EXPECT_EQ(err_, "zevsim: out of order\n");
+}
+
+TEST_F(Zevsim, TakesAnUntrappedErrorAsAnEndOfTheProgram) {
+  EXPECT_EQ(run({write("a.json", R"({"script": [{"click": "Command7"}]})")}), 0);
+  EXPECT_THAT(out_, HasSubstr(R"("how":"error","error":75)"));
+}
+
+TEST_F(Zevsim, Helps) {
+  EXPECT_EQ(run({"--help"}), 0);
+  EXPECT_EQ(out_, zevsimUsage);
+  EXPECT_EQ(run({"-h"}), 0);
+}
+
+TEST_F(Zevsim, WritesTheTranscriptToAFile) {
+  const std::string scenario = write("a.json", R"({"script": [{"click": "Command6"}]})");
+  EXPECT_EQ(run({scenario, "--transcript", file("t"), "--events", "start,end"}), 0);
+  EXPECT_EQ(out_, "");
+  EXPECT_EQ(read("t"), "{\"event\":\"start\"}\n{\"event\":\"end\",\"how\":\"exit\"}\n");
+}
+
+TEST_F(Zevsim, WritesTheStateOfTheMachine) {
+  const std::string scenario = write("a.json", R"({"machine": {"files": {"C:\\a.txt": "hello"}}})");
+  EXPECT_EQ(run({scenario, "--state", file("state.json")}), 0);
+  EXPECT_NO_THROW(parseJson(read("state.json")));
+  EXPECT_THAT(read("state.json"), HasSubstr("hello"));
+}
+
+TEST_F(Zevsim, ExportsTheDriveAndTheRegistry) {
+  const std::string scenario = write("a.json", R"({"machine": {"files": {"C:\\a\\b.txt": "hello"},
+      "registry": {"HKEY_CURRENT_USER": {"Software\\T": {"n": 1}}}}})");
+  EXPECT_EQ(run({scenario, "--export", file("out")}), 0);
+  EXPECT_EQ(read("out/C/a/b.txt"), "hello");
+  EXPECT_THAT(read("out/registry.reg"), StartsWith("\xFF\xFE"));
+}
+
+TEST_F(Zevsim, PutsAnotherPackageInPlace) {
+  const std::string scenario = write("a.json", R"({"machine": {"installer": "C:\\s.exe"},
+      "package": {"cutEnd": 1}, "script": [{"expect": {"file:C:\\s.exe": "012"}}]})");
+  write("package", "0123");
+  EXPECT_EQ(run({scenario, "--package", file("package")}), 0) << err_;
+}
+
+TEST_F(Zevsim, SumsUp) {
+  const std::string scenario =
+      write("a.json", R"({"script": [{"click": "Command2"}, {"click": "Command2"}]})");
+  EXPECT_EQ(run({scenario, "--summary"}), 0);
+  EXPECT_THAT(
+      out_, StartsWith("files laid:       8, 48 bytes\nsettings written: 0\n"
+                       "message boxes:    1\ntime:             0.00 s on the simulated machine, "));
+  EXPECT_THAT(out_, HasSubstr("end:              still running\n"));
+}
+
+TEST_F(Zevsim, ShowsTheProgressLineByLine) {
+  const std::string scenario =
+      write("a.json", R"({"script": [{"click": "Command2"}, {"click": "Command2"}]})");
+  EXPECT_EQ(run({scenario, "--progress"}), 0);
+  EXPECT_THAT(out_, StartsWith("0%  file1\n12%  file2\n24%  file3\n"));
+  EXPECT_THAT(out_, HasSubstr("\n[Toy] Done.  -> ok\n"));
+  EXPECT_THAT(out_, Not(HasSubstr("event")));
+}
+
+TEST_F(Zevsim, DrawsTheProgressOnATerminal) {
+  terminal_ = true;
+  const std::string scenario =
+      write("a.json", R"({"script": [{"click": "Command2"}, {"click": "Command2"}]})");
+  EXPECT_EQ(run({scenario, "--progress"}), 0);
+  EXPECT_THAT(out_, HasSubstr("\r[####################....................] 48%  file4\x1b[K"));
+  EXPECT_THAT(
+      out_,
+      HasSubstr("\r[########################################] 96%  file8\x1b[K\n[Toy] Done."));
+}
+
+TEST_F(Zevsim, IsPlayedByHand) {
+  EXPECT_EQ(run({}, "click Command2\nclick Check1\nshow Form1.Check1.Value\nclick Stop\nquit\n"),
+            0);
+  EXPECT_THAT(out_, HasSubstr("[x] Launch"));
+  EXPECT_THAT(out_, HasSubstr("The program has ended: \"exit\""));
+}
+
+TEST_F(Zevsim, GoesOnByHandWhereAScenarioEnds) {
+  const std::string scenario = write("a.json", R"({"script": [{"click": "Command2"}]})");
+  EXPECT_EQ(run({"--interactive", scenario}, "show global.gPage\n"), 0);
+  EXPECT_THAT(out_, HasSubstr("> 2\n"));
+}
+
+}  // namespace
+}  // namespace zev::scenario
