@@ -20,12 +20,12 @@ static inline int hasOption(const char* option) {
 }
 
 /* Defines the entry of a library, which keeps no state, and the version that it reports. */
-#define SAMPLE_LIBRARY                                                     \
-  BOOL WINAPI DllMain(HINSTANCE self, DWORD reason, LPVOID reserved) {     \
-    (void)reserved;                                                        \
-    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(self);     \
-    return TRUE;                                                           \
-  }                                                                        \
+#define SAMPLE_LIBRARY                                                 \
+  BOOL WINAPI DllMain(HINSTANCE self, DWORD reason, LPVOID reserved) { \
+    (void)reserved;                                                    \
+    if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(self); \
+    return TRUE;                                                       \
+  }                                                                    \
   __declspec(dllexport) int WINAPI LibraryVersion(void) { return 0x0600; }
 
 #endif

@@ -213,8 +213,8 @@ void RuntimeFiles::OpenBinaryWrite(std::int32_t number, TextView path) {
 void RuntimeFiles::OpenInput(std::int32_t number, TextView path) {
   requireFree(number);
   FileHandle handle = 0;
-  require(system_.CreateFileA(path, FileAccess::Read, FileShare::All,
-                              FileDisposition::OpenExisting, handle));
+  require(system_.CreateFileA(path, FileAccess::Read, FileShare::All, FileDisposition::OpenExisting,
+                              handle));
   add(number, Mode::Input, handle);
   try {
     files_[number].text = readText(handle);

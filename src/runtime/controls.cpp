@@ -69,6 +69,16 @@ Frame::Frame(const ControlDesign& design) : Control(design) { Caption.design(Tex
 
 Menu::Menu(const ControlDesign& design) : Control(design) { Caption.design(Text(design.text)); }
 
+void ComboBox::designList(std::vector<Text> items) {
+  design_ = std::move(items);
+  items_ = design_;
+}
+
+void ComboBox::restoreDesign() {
+  Control::restoreDesign();
+  items_ = design_;
+}
+
 void ComboBox::AddItem(Text item) { items_.push_back(std::move(item)); }
 
 const Text& ComboBox::List(std::int32_t place) const {

@@ -133,7 +133,7 @@ class CheckBox final : public Control {
   Property<std::int32_t> Value{*this, "Value"};
 };
 
-/// `SelStart` is the caret, in characters from the start; it is kept within the text.
+/// `SelStart` is the caret, in characters from the start.
 class TextBox final : public Control {
  public:
   explicit TextBox(const ControlDesign& design);
@@ -167,6 +167,10 @@ class ComboBox final : public Control {
   explicit ComboBox(const ControlDesign& design) : Control(design) {}
   Property<Text> ToolTipText{*this, "ToolTipText"};
 
+  /// The entries at design time, which every load of the form begins with.
+  void designList(std::vector<Text> items);
+  void restoreDesign() override;
+
   void AddItem(Text item);
   std::int32_t ListCount() const { return static_cast<std::int32_t>(items_.size()); }
   /// An entry; error 381 for a place that the list does not have.
@@ -181,6 +185,7 @@ class ComboBox final : public Control {
   Text text() const;
 
  private:
+  std::vector<Text> design_;
   std::vector<Text> items_;
   Property<std::int32_t> listIndex_{*this, "ListIndex", -1};
   Property<Text> shownText_{*this, "Text"};

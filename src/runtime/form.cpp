@@ -68,10 +68,8 @@ void Form::observeAll(FormObserver* observer) {
 }
 
 void Form::restoreDesign() {
-  for (PropertyBase* each : properties()) each->restore();
-  for (const Control* control : controls_) {
-    for (PropertyBase* each : control->properties()) each->restore();
-  }
+  Component::restoreDesign();
+  for (Control* each : controls_) each->restoreDesign();
 }
 
 }  // namespace zev

@@ -62,7 +62,7 @@ class Form : public Component {
   void observeAll(FormObserver* observer);
 
   /// Takes the form and all its controls back to their state at design time.
-  void restoreDesign();
+  void restoreDesign() override;
 
   bool loaded() const { return loaded_; }
 

@@ -24,6 +24,10 @@ PropertyBase& Component::property(std::string_view name) const {
   return *found;
 }
 
+void Component::restoreDesign() {
+  for (PropertyBase* each : properties_) each->restore();
+}
+
 void Component::Refresh() {
   if (observer_ != nullptr) observer_->refreshed(*this);
 }

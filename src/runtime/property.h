@@ -64,6 +64,9 @@ class Component {
   /// The same; error 438 if this kind has none.
   PropertyBase& property(std::string_view name) const;
 
+  /// Goes back to the state at design time, unseen.
+  virtual void restoreDesign();
+
   void observe(FormObserver* observer) { observer_ = observer; }
   /// Paints the component at once.
   void Refresh();

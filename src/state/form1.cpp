@@ -61,7 +61,7 @@ constexpr TextView languages[] = {u"English", u"Deutsch", u"Français", u"Espano
 }  // namespace
 
 Form1::Form1() : Form(formDesign) {
-  for (const TextView item : languages) Combo1.AddItem(Text(item));
+  Combo1.designList({std::begin(languages), std::end(languages)});
 }
 
 Frame& Form1::Frame1(int index) const {

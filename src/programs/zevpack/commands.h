@@ -4,8 +4,9 @@
 
 namespace zev::packing {
 
-/// The commands of the tool. Each prints what it did to standard output and returns the exit status:
-/// 0, or 1 if something in a package is wrong. ToolError for everything that keeps it from its work.
+/// The commands of the tool. Each prints what it did to standard output and returns the exit
+/// status: 0, or 1 if something in a package is wrong. ToolError for everything that keeps it from
+/// its work.
 int build(const std::filesystem::path& image, const std::filesystem::path& folder,
           const std::filesystem::path& output);
 int list(const std::filesystem::path& package);

@@ -20,8 +20,8 @@ class ToolError : public std::runtime_error {
 /// The whole content of a file. ToolError if it cannot be read.
 Bytes readFile(const std::filesystem::path& path);
 
-/// Writes a file whole or not at all: it takes its name only when every byte is on the disk. ToolError
-/// if it cannot be written; what stood there before is then untouched.
+/// Writes a file whole or not at all: it takes its name only when every byte is on the disk.
+/// ToolError if it cannot be written; what stood there before is then untouched.
 class NewFile {
  public:
   explicit NewFile(std::filesystem::path path);

@@ -53,7 +53,8 @@ void addCommands(CLI::App& app, Arguments& a, int& status) {
   c->add_option("--to", a.folder, "Folder to write to; made if it is missing")->required();
   c->add_flag("--packed", a.packed, "As they are stored, under their packed names");
 
-  c = command(app, "compress", "Compresses one file", status, [&a] { return compress(a.in, a.out); });
+  c = command(app, "compress", "Compresses one file", status,
+              [&a] { return compress(a.in, a.out); });
   c->add_option("in", a.in, "The plain file")->required();
   c->add_option("out", a.out, "The packed file to write")->required();
 

@@ -45,8 +45,7 @@ std::size_t declaredLength(std::span<const std::uint8_t> stored) {
   return lz::parseHeader(stored.first<lz::kHeaderSize>()).expandedLength;
 }
 
-std::string checkMember(std::span<const std::uint8_t> stored, std::uint8_t nameByte,
-                        bool plainOk) {
+std::string checkMember(std::span<const std::uint8_t> stored, std::uint8_t nameByte, bool plainOk) {
   if (!lz::hasMagic(stored)) return plainOk ? "" : "no header of a packed file";
   if (!isPacked(stored)) return "the header is cut short";
   const lz::SzddHeader header = lz::parseHeader(stored.first<lz::kHeaderSize>());

@@ -18,8 +18,8 @@ struct Expanded {
 Expanded expandMember(std::span<const std::uint8_t> stored);
 
 /// What is wrong with a stored member: its header, or its data. A member without a header is wrong
-/// too, unless `plainOk`: an installer would lay it as it is, which is what a misplaced member looks
-/// like. Empty if nothing is.
+/// too, unless `plainOk`: an installer would lay it as it is, which is what a misplaced member
+/// looks like. Empty if nothing is.
 std::string checkMember(std::span<const std::uint8_t> stored, std::uint8_t nameByte, bool plainOk);
 
 /// Bytes that a stored member declares to have when expanded; its own length if it has no header.

@@ -8,8 +8,7 @@ std::vector<Member> members() {
   for (const ManifestRow& row : manifest()) {
     if (row.row == 0) continue;
     const auto size = static_cast<std::size_t>(row.size);
-    all.push_back(
-        {row.row, toUtf8(row.packedName), toUtf8(row.installedName), size, tailOffset});
+    all.push_back({row.row, toUtf8(row.packedName), toUtf8(row.installedName), size, tailOffset});
     tailOffset += size;
   }
   return all;

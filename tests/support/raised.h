@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "runtime/error.h"
+
+namespace zev::test {
+
+/// The number of the run-time error that an action raises; 0 if it raises none.
+inline std::int32_t raisedBy(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const RuntimeError& error) {
+    return error.number();
+  }
+  return 0;
+}
+
+}  // namespace zev::test
