@@ -64,7 +64,7 @@ Text RunningProduct::titleOf(WindowHandle window, std::int32_t length) {
   Text buffer = blanks(titleSize);
   ignoringErrors([&] { program_.platform.windows.GetWindowTextA(window, buffer, length + 1); });
   letEventsRun();
-  return Text(withoutTrailing(trim(buffer), u'\0'));
+  return Text(trim(withoutTrailing(trim(buffer), u'\0')));
 }
 
 void RunningProduct::letEventsRun() {

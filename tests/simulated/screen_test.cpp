@@ -33,8 +33,7 @@ constexpr FormDesign secondDesign = {
 class ScreenTest : public MachineTest {
  protected:
   ScreenTest() {
-    combo.AddItem(u"English");
-    combo.AddItem(u"Deutsch");
+    combo.designList({u"English", u"Deutsch"});
     note(first, text);
     note(first, option1);
     note(first, option2);
