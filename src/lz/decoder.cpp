@@ -21,7 +21,7 @@ class Decoder {
     while (left_ > 0 && result == DecodeResult::complete) {
       if (window_.room() < kGroupOutput && !window_.flush()) return DecodeResult::sinkFailed;
       expandFast();
-      if (window_.room() >= kGroupOutput) result = expandGroup();
+      if (left_ > 0 && window_.room() >= kGroupOutput) result = expandGroup();
     }
     return window_.flush() ? result : DecodeResult::sinkFailed;
   }

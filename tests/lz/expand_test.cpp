@@ -132,6 +132,19 @@ TEST(LzExpand, CopiesAPlainFileOfAnyLength) {
   }
 }
 
+TEST(LzExpand, EndsWithAGroupOfTheLongestMatches) {
+  for (std::size_t zeros = 0; zeros < 3000; ++zeros) {
+    Bytes plain = text("literals");
+    plain.resize(plain.size() + zeros);
+    Bytes written;
+    const Bytes packed = compress(plain, 't');
+    MemorySource source(packed);
+    MemorySink sink(written);
+    ASSERT_EQ(expand(source, sink), static_cast<std::int32_t>(plain.size())) << zeros;
+    ASSERT_EQ(written, plain);
+  }
+}
+
 TEST(LzExpand, ReadsPiecesOfAnySize) {
   const Bytes plain = mixture(150000, 11);
   const Bytes packed = compress(plain, 'x');
