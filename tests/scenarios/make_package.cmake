@@ -1,5 +1,6 @@
-# Makes the sample package unless it is there and newer than the tool that makes it.
-if(EXISTS ${PACKAGE} AND NOT ${ZEVPACK} IS_NEWER_THAN ${PACKAGE})
+# Makes the sample package unless it is there; one of this build's own is made anew when the tool is
+# newer than it.
+if(EXISTS ${PACKAGE} AND NOT (OWN AND ${ZEVPACK} IS_NEWER_THAN ${PACKAGE}))
   return()
 endif()
 get_filename_component(folder ${PACKAGE} DIRECTORY)

@@ -1,0 +1,121 @@
+#include "package/extract_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "package/projects.h"
+#include "system/on_a_machine.h"
+
+namespace zev {
+namespace {
+
+using simulated::Fault;
+using testing::StartsWith;
+
+constexpr TextView package = u"C:\\p.exe";
+constexpr TextView work = u"C:\\work.wa_";
+
+class ExtractFileTest : public OnAMachine, public testing::Test {
+ protected:
+  ExtractFileTest() { machine.disks().putText(package, "0123456789"); }
+  bool extract(std::int32_t size, std::int32_t tailOffset) {
+    return ExtractFile(*program, *phrases, join(package, u"  "), join(u" ", work), size,
+                       tailOffset);
+  }
+  std::vector<std::string> boxTexts() const {
+    std::vector<std::string> texts;
+    for (const auto& box : person.boxes) texts.push_back(toUtf8(box.text));
+    return texts;
+  }
+};
+
+TEST_F(ExtractFileTest, CountsBackFromTheEnd) {
+  EXPECT_TRUE(extract(3, 0));
+  EXPECT_EQ(textOf(work), "789");
+  EXPECT_TRUE(extract(2, 3));
+  EXPECT_EQ(textOf(work), "56");
+  EXPECT_TRUE(person.boxes.empty());
+}
+
+TEST_F(ExtractFileTest, PositionOneIsTheFirstByte) {
+  EXPECT_TRUE(extract(4, 6));
+  EXPECT_EQ(textOf(work), "0123");
+}
+
+TEST_F(ExtractFileTest, PositionZeroIsToldTwice) {
+  EXPECT_FALSE(extract(5, 6));
+  EXPECT_THAT(boxTexts(), testing::ElementsAre(
+                              "Installation file is not complete! You should download the whole "
+                              "installation file to install ZEV.",
+                              "Error in Extract File - 63 : File 'C:\\work.wa_' could not be "
+                              "written!Bad record number"));
+  EXPECT_EQ(person.boxes[0].title, u"ZEV");
+  EXPECT_EQ(person.boxes[0].style, 48);
+  EXPECT_EQ(person.boxes[1].title, u"Error");
+  EXPECT_EQ(person.boxes[1].style, 4144);
+}
+
+TEST_F(ExtractFileTest, ArithmeticThatOverflowsIsError6) {
+  EXPECT_FALSE(extract(2147483647, 2147483647));
+  EXPECT_THAT(boxTexts(), testing::ElementsAre(StartsWith("Error in Extract File - 6 : File '")));
+}
+
+TEST_F(ExtractFileTest, ALongerOldFileLeavesNoTail) {
+  machine.disks().putText(work, "a much longer file");
+  EXPECT_TRUE(extract(3, 0));
+  EXPECT_EQ(textOf(work), "789");
+}
+
+TEST_F(ExtractFileTest, AnOldFileThatStaysIsToldAndThenTheTrapsBox) {
+  machine.disks().putText(work, "old");
+  files().SetFileAttributesA(work, 1);
+  EXPECT_FALSE(extract(3, 0));
+  EXPECT_THAT(boxTexts(), testing::ElementsAre("Couldn't delete the file C:\\work.wa_",
+                                               StartsWith("Error in Extract File - 75 : File '")));
+  EXPECT_EQ(person.boxes[0].title, u"ZEV");
+  EXPECT_EQ(person.boxes[0].style, 48);
+}
+
+TEST_F(ExtractFileTest, AHiddenOldFileIsReplaced) {
+  machine.disks().putText(work, "old and long");
+  files().SetFileAttributesA(work, 2);
+  EXPECT_TRUE(extract(3, 0));
+  EXPECT_EQ(textOf(work), "789");
+}
+
+TEST_F(ExtractFileTest, AMissingPackageIsMadeEmptyAndFails) {
+  machine.disks().remove(package);
+  EXPECT_FALSE(extract(3, 0));
+  EXPECT_EQ(person.boxes.size(), 2u);
+}
+
+TEST_F(ExtractFileTest, FilesAreClosedWhateverHappens) {
+  for (const char* call : {"Get", "Put", "LOF"}) {
+    machine.setFaults({{.call = call, .effect = Fault::Effect::Raise, .code = 57}});
+    EXPECT_FALSE(extract(3, 0)) << call;
+    EXPECT_EQ(files().FreeFile(), 1) << call;
+  }
+}
+
+TEST_F(ExtractFileTest, AFullDiskIsError61) {
+  machine.setFaults({{.call = "Put", .effect = Fault::Effect::Error, .code = 112}});
+  EXPECT_FALSE(extract(3, 0));
+  EXPECT_THAT(boxTexts(), testing::ElementsAre("Error in Extract File - 61 : File 'C:\\work.wa_' "
+                                               "could not be written!Disk full"));
+}
+
+TEST_F(ExtractFileTest, TheProjectsPathIs512BytesInAnyCodePage) {
+  machine.settings().system.codePage = 65001;
+  machine.disks().putText(u"C:\\SampleProject.zrd", std::string(600, 'x'));
+  globals().gInstallDir = u"C:\\Pr\u00F6gram";
+  patchSampleProject(*program, u"C:");
+  const std::string patched = textOf(u"C:\\SampleProject.zrd");
+  EXPECT_EQ(patched.size(), 600u);
+  EXPECT_EQ(patched.substr(0, 25), std::string(25, 'x'));
+  EXPECT_THAT(patched.substr(25), StartsWith("C:\\Pr\xC3\xB6gram\\SampleAVI.avi   "));
+  EXPECT_EQ(patched.substr(537), std::string(63, 'x'));
+  EXPECT_EQ(patched[536], ' ');
+}
+
+}  // namespace
+}  // namespace zev
