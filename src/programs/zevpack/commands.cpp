@@ -58,12 +58,14 @@ int build(const fs::path& image, const fs::path& folder, const fs::path& output)
 
 int list(const fs::path& path) {
   const PackageFile package(path);
+  int status = 0;
   std::printf("%3s  %-32s  %10s  %10s  %10s  %10s\n", "row", "packed name", "offset", "to end",
               "packed", "expanded");
   for (const Member& member : members()) {
     const auto offset = package.offsetOf(member);
     if (!offset) {
       printTrouble(member, missing(member, package));
+      status = failed;
       continue;
     }
     const auto stored = package.stored(member);
@@ -71,7 +73,7 @@ int list(const fs::path& path) {
                 *offset, member.tailOffset, member.size, declaredLength(stored),
                 isPacked(stored) ? "" : "  no header");
   }
-  return 0;
+  return status;
 }
 
 int verify(const fs::path& path, bool plainOk) {

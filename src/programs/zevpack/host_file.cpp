@@ -9,17 +9,32 @@
 namespace zev::packing {
 namespace fs = std::filesystem;
 
+namespace {
+
+constexpr std::size_t kReadPiece = std::size_t{64} << 10;
+
+}  // namespace
+
 Bytes readFile(const fs::path& path) {
   std::error_code error;
   if (fs::is_directory(path, error)) throw ToolError(path.string() + " is a folder, not a file");
   std::ifstream in(path, std::ios::binary);
   if (!in) throw ToolError("cannot open " + path.string() + ": " + std::strerror(errno));
-  Bytes bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  Bytes bytes;
+  std::vector<char> piece(kReadPiece);
+  while (in) {
+    in.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+    bytes.insert(bytes.end(), piece.begin(), piece.begin() + in.gcount());
+  }
   if (in.bad()) throw ToolError("cannot read " + path.string());
   return bytes;
 }
 
 NewFile::NewFile(fs::path path) : path_(std::move(path)), partial_(path_) {
+  std::error_code error;
+  if (fs::exists(path_, error) && !fs::is_regular_file(path_, error)) {
+    throw ToolError("cannot write " + path_.string() + ": it is a folder or a device");
+  }
   partial_ += ".partial";
   file_ = std::fopen(partial_.c_str(), "wb");
   if (file_ == nullptr) fail("cannot create");

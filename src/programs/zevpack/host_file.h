@@ -21,7 +21,8 @@ class ToolError : public std::runtime_error {
 Bytes readFile(const std::filesystem::path& path);
 
 /// Writes a file whole or not at all: it takes its name only when every byte is on the disk.
-/// ToolError if it cannot be written; what stood there before is then untouched.
+/// ToolError if it cannot be written, or if something other than a file has its name; what stood
+/// there before is then untouched.
 class NewFile {
  public:
   explicit NewFile(std::filesystem::path path);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <ranges>
 
 #include "lz/compressor.h"
 #include "programs/zevpack/progress.h"
@@ -88,7 +87,8 @@ void buildPackage(const fs::path& image, const fs::path& folder, const fs::path&
   const std::vector<Bytes> gathered = gatherMembers(folder);
   NewFile package(output);
   package.append(front);
-  for (const Bytes& member : std::views::reverse(gathered)) package.append(member);
+  std::for_each(gathered.rbegin(), gathered.rend(),
+                [&](const Bytes& member) { package.append(member); });
   package.keep();
 }
 
