@@ -15,10 +15,10 @@ namespace zev::scenario {
 /// The kinds of event that a transcript can hold.
 const std::vector<std::string_view>& eventKinds();
 
-/// What a run left behind, counted from its events.
+/// What a run did, counted from its events.
 struct Tally {
   std::set<Text> written;    ///< paths of files, in upper case
-  std::size_t settings = 0;  ///< registry values that were set
+  std::size_t settings = 0;  ///< registry values that were set; settings in files are written files
   std::size_t boxes = 0;     ///< message boxes
 };
 

@@ -51,10 +51,19 @@ std::string hexOf(const std::vector<std::uint8_t>& bytes) {
   return hex;
 }
 
-/// A list of texts in an order of its own, so that the order of a set does not matter.
-Json sorted(const Json& unsorted) {
-  Json list = unsorted;
-  if (list.is_array()) {
+/// An expected value with all that it denies brought into the form in which things are found.
+Json normalDenial(const Json& expected, Json (*normal)(const Json& expected)) {
+  Json denial = expected;
+  if (denial.is_object() && denial.contains("not")) denial["not"] = normal(denial["not"]);
+  return denial;
+}
+
+/// A list of texts in an order of its own, so that the order of a set does not matter. One with
+/// conditions in it keeps its order.
+Json sorted(const Json& expected) {
+  Json list = normalDenial(expected, sorted);
+  const auto isText = [](const Json& each) { return each.is_string(); };
+  if (list.is_array() && std::all_of(list.begin(), list.end(), isText)) {
     std::sort(list.begin(), list.end(), [](const Json& a, const Json& b) { return a < b; });
   }
   return list;
@@ -128,9 +137,9 @@ void checkExists(const JsonReader& expected) {
 Json same(const Json& expected) { return expected; }
 
 Json lowerHex(const Json& expected) {
-  Json normal = expected;
+  Json normal = normalDenial(expected, lowerHex);
   if (normal.is_string()) normal = lower(normal.get<std::string>());
-  if (normal.is_array() && normal.size() == 2) normal[1] = lower(normal[1].get<std::string>());
+  if (normal.is_array() && normal.size() == 2) normal[1] = lowerHex(normal[1]);
   return normal;
 }
 
@@ -162,7 +171,16 @@ const Fact* findFact(std::string_view key) {
 /// True if the value tells of an entry by facts, and does not stand for its content.
 bool isFacts(const Json& expected) { return expected.is_object() && !isCondition(expected); }
 
+/// True for `{"not": facts}`, the denial of facts or of another such denial.
+bool isDenial(const Json& expected) {
+  if (!expected.is_object() || expected.size() != 1 || !expected.contains("not")) return false;
+  return isFacts(expected.at("not")) || isDenial(expected.at("not"));
+}
+
+bool tellsFacts(const Json& expected) { return isFacts(expected) || isDenial(expected); }
+
 void checkFacts(const JsonReader& expected) {
+  if (isDenial(expected.json())) return checkFacts(expected.member("not"));
   for (const auto& [key, value] : expected.members()) {
     const Fact* fact = findFact(key);
     if (fact == nullptr) {
@@ -175,6 +193,10 @@ void checkFacts(const JsonReader& expected) {
 }
 
 Verdict judgeFacts(const Text& path, const Json& expected, const Scene& scene) {
+  if (isDenial(expected)) {
+    const Verdict denied = judgeFacts(path, expected.at("not"), scene);
+    return {!denied.held, denied.found};
+  }
   Verdict all{true, Json::object()};
   for (const auto& [key, value] : expected.items()) {
     const Fact* fact = findFact(key);
@@ -187,19 +209,19 @@ Verdict judgeFacts(const Text& path, const Json& expected, const Scene& scene) {
 
 void checkFile(std::string_view path, const JsonReader& expected) {
   checkPath(path, expected);
-  if (isFacts(expected.json())) return checkFacts(expected);
+  if (tellsFacts(expected.json())) return checkFacts(expected);
   checkMatcher(expected);
 }
 
 Verdict judgeFile(std::string_view path, const KeyedValue& expectation, const Scene& scene) {
   const Text file = fromUtf8(path);
-  if (isFacts(expectation.value)) return judgeFacts(file, expectation.value, scene);
+  if (tellsFacts(expectation.value)) return judgeFacts(file, expectation.value, scene);
   return verdict(expectation.value, textOrNull(fileText(scene.machine, file)));
 }
 
 Verdict judgeDirectory(std::string_view path, const KeyedValue& expectation, const Scene& scene) {
   const Text directory = fromUtf8(path);
-  if (isFacts(expectation.value)) return judgeFacts(directory, expectation.value, scene);
+  if (tellsFacts(expectation.value)) return judgeFacts(directory, expectation.value, scene);
   const auto names = scene.machine.disks().names(directory);
   Json found = names ? sorted(listOf(*names)) : Json(nullptr);
   return verdict(sorted(expectation.value), std::move(found));
@@ -233,24 +255,25 @@ void checkRegistry(std::string_view written, const JsonReader& expected) {
   checkMatcher(expected);
 }
 
-/// Whether the expected value speaks of the type, and of the bytes rather than of the text.
+/// Whether the expected value is written as an object of its parts, and with bytes rather than a
+/// text.
 struct Wish {
-  bool type = false;
+  bool parts = false;
   bool hex = false;
 };
 
 Wish wishOf(const Json& expected) {
   if (!expected.is_object()) return {};
   if (expected.contains("not")) return wishOf(expected.at("not"));
-  return {expected.contains("type"), expected.contains("hex")};
+  return {!isCondition(expected), expected.contains("hex")};
 }
 
 /// A value as a scenario writes it: a text, a number, or its type with its text or bytes.
 Json dataOf(const simulated::RegistryValue& value, const Wish& wish, std::uint32_t codePage) {
   const bool plainText = value.type == registry_type::text;
   const bool plainNumber = value.type == registry_type::number && value.bytes.size() == 4;
-  if (!wish.type && plainText) return toUtf8(value.text());
-  if (!wish.type && plainNumber) return value.number();
+  if (!wish.parts && plainText) return toUtf8(value.text());
+  if (!wish.parts && plainNumber) return value.number();
   if (value.isText() && !wish.hex) {
     return {{"type", value.type}, {"text", toUtf8(value.text())}};
   }
@@ -266,13 +289,16 @@ Json normalRegistry(const Json& expected) {
   return normal;
 }
 
-/// A key as the object of its values; null if it is not there.
-Json keyToJson(const ValuePlace& place, const SimulatedMachine& machine) {
+/// A key as the object of its values, each in the way in which `expected` writes it; null if the
+/// key is not there.
+Json keyToJson(const ValuePlace& place, const Json& expected, const SimulatedMachine& machine) {
   const auto node = machine.registry().find(place.hive, place.key);
   if (!node) return nullptr;
   Json values = Json::object();
   for (const auto& [upper, named] : node->values) {
-    values[toUtf8(named.name)] = dataOf(named.value, {}, machine.settings().system.codePage);
+    const std::string name = toUtf8(named.name);
+    const Wish wish = expected.contains(name) ? wishOf(expected.at(name)) : Wish{};
+    values[name] = dataOf(named.value, wish, machine.settings().system.codePage);
   }
   return values;
 }
@@ -287,7 +313,8 @@ Json normalValues(const Json& expected) {
 Verdict judgeRegistry(std::string_view written, const KeyedValue& expectation, const Scene& scene) {
   const ValuePlace place = valuePlace(written).value();
   if (!place.name) {
-    return verdict(normalValues(expectation.value), keyToJson(place, scene.machine));
+    return verdict(normalValues(expectation.value),
+                   keyToJson(place, expectation.value, scene.machine));
   }
   const auto value = scene.machine.registry().value(place.hive, place.key, *place.name);
   Json found;
@@ -311,9 +338,8 @@ std::string_view shortcutProperty(const std::string& written) {
   return {};
 }
 
-void checkShortcut(std::string_view path, const JsonReader& expected) {
-  checkPath(path, expected);
-  checkMatcher(expected);
+void checkShortcutProperties(const JsonReader& expected) {
+  if (isDenial(expected.json())) return checkShortcutProperties(expected.member("not"));
   if (!isFacts(expected.json())) return;
   for (const auto& [key, value] : expected.members()) {
     if (!shortcutProperty(key).empty()) continue;
@@ -321,8 +347,14 @@ void checkShortcut(std::string_view path, const JsonReader& expected) {
   }
 }
 
+void checkShortcut(std::string_view path, const JsonReader& expected) {
+  checkPath(path, expected);
+  checkMatcher(expected);
+  checkShortcutProperties(expected);
+}
+
 Json normalShortcut(const Json& expected) {
-  if (!isFacts(expected)) return expected;
+  if (!isFacts(expected)) return normalDenial(expected, normalShortcut);
   Json normal = Json::object();
   for (const auto& [key, value] : expected.items()) normal[shortcutProperty(key)] = value;
   return normal;

@@ -69,6 +69,8 @@ class JsonReader {
   std::vector<std::uint8_t> hex() const;
   std::vector<std::uint8_t> base64() const;
   std::int64_t whole(std::int64_t least, std::int64_t most) const;
+  /// A place of the host, which need not exist.
+  std::filesystem::path hostPath() const;
   /// A file or folder of the host, which must exist.
   std::filesystem::path hostFile() const;
   std::filesystem::path hostFolder() const;
@@ -88,7 +90,6 @@ class JsonReader {
  private:
   JsonReader(const Json& value, const JsonReader& parent, const std::string& step)
       : value_(&value), folder_(parent.folder_), path_(parent.path_ + step) {}
-  std::filesystem::path hostPath() const;
 
   const Json* value_;
   std::shared_ptr<const std::filesystem::path> folder_;

@@ -6,6 +6,7 @@
 #include "platform/file_system.h"
 #include "platform/registry_api.h"
 #include "runtime/code_page.h"
+#include "simulated/operations.h"
 
 namespace zev::scenario {
 namespace {
@@ -351,13 +352,34 @@ void readNth(const JsonReader& value, FaultChange& fault) {
   fault.nth = static_cast<std::uint32_t>(value.whole(1, std::numeric_limits<std::int32_t>::max()));
 }
 
+void readCall(const JsonReader& value, FaultChange& fault) {
+  const auto name = simulated::findOperation(value.utf8());
+  if (name) {
+    fault.call = *name;
+    return;
+  }
+  std::string known;
+  for (const std::string_view each : simulated::operationNames()) {
+    known += (known.empty() ? " " : ", ") + std::string(each);
+  }
+  value.fail("no operation \"" + value.utf8() + "\"; there are" + known);
+}
+
+/// A number of an error, signed or by its bits: 0x80070005 is written 2147942405 or -2147024891.
+template <auto Member>
+void readErrorNumber(const JsonReader& value, FaultChange& fault) {
+  const std::int64_t number = value.whole(std::numeric_limits<std::int32_t>::min(),
+                                          std::numeric_limits<std::uint32_t>::max());
+  fault.*Member = static_cast<std::int32_t>(static_cast<std::uint32_t>(number));
+}
+
 // clang-format off
 constexpr KeyRow<FaultChange> faultKeys[] = {
-    {"call", into<&FaultChange::call>},
+    {"call", readCall},
     {"nth", readNth},
     {"match", into<&FaultChange::match>},
-    {"error", into<&FaultChange::error>},
-    {"raise", into<&FaultChange::raise>},
+    {"error", readErrorNumber<&FaultChange::error>},
+    {"raise", readErrorNumber<&FaultChange::raise>},
     {"ignore", into<&FaultChange::ignore>},
 };
 // clang-format on

@@ -100,7 +100,7 @@ struct ProgramChange {
 };
 
 struct FaultChange {
-  std::string call;
+  std::string call;                  ///< one of simulated::operationNames()
   std::optional<std::uint32_t> nth;  ///< from 1; absent: every call
   std::optional<Text> match;
   std::optional<std::int32_t> error;

@@ -228,12 +228,6 @@ void changeState(SimulatedMachine& machine, const MachineChange& change) {
   if (change.faults) setFaults(machine, *change.faults);
 }
 
-/// The folders of every machine that belong to no user.
-constexpr TextView commonFolders[] = {
-    u"C:\\Program Files",
-    u"C:\\ProgramData\\Microsoft\\Windows\\Start Menu\\Programs",
-};
-
 /// Lays the folders of the machine anew, after its drives and the name of its user are known. What
 /// the usual machine had in their place goes away: folders named otherwise do not exist twice.
 void layFolders(SimulatedMachine& machine, const MachineChange& description) {
@@ -244,10 +238,7 @@ void layFolders(SimulatedMachine& machine, const MachineChange& description) {
   }
   FolderSettings folders = simulated::usualFolders(machine.settings().system.user.value_or(u"bob"));
   machine.setFolders(changed(std::move(folders), description.folders));
-  if (!disks.drive(u'C')) return;
-  for (const TextView folder : commonFolders) {
-    if (!disks.exists(folder)) disks.putDirectory(folder);
-  }
+  simulated::layCommonFolders(disks);
 }
 
 }  // namespace

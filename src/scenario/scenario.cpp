@@ -19,7 +19,7 @@ void readFlips(const JsonReader& value, Package& package) {
 }
 
 constexpr KeyRow<Package> packageKeys[] = {
-    {"file", [](const JsonReader& value, Package& to) { to.file = value.hostFile(); }},
+    {"file", [](const JsonReader& value, Package& to) { to.file = value.hostPath(); }},
     {"cutEnd", [](const JsonReader& value, Package& to) { to.cutEnd = readCount(value); }},
     {"cutStart", [](const JsonReader& value, Package& to) { to.cutStart = readCount(value); }},
     {"length", [](const JsonReader& value, Package& to) { to.length = readCount(value); }},
@@ -40,6 +40,10 @@ constexpr KeyRow<Scenario> scenarioKeys[] = {
 
 std::vector<std::uint8_t> readBytes(const Package& package) {
   if (!package.file) return std::vector<std::uint8_t>(bareImageLength);
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(*package.file, ignored)) {
+    throw ScenarioError(package.path + ".file", "no file " + package.file->string());
+  }
   std::ifstream in(*package.file, std::ios::binary);
   std::vector<std::uint8_t> bytes;
   if (in) bytes.assign(std::istreambuf_iterator<char>(in), {});

@@ -13,7 +13,7 @@ namespace zev::scenario {
 /// How the installer's file is made of a file of the host. The ends are cut first, then the length
 /// is set, then single bytes are inverted.
 struct Package {
-  std::optional<std::filesystem::path> file;  ///< none: a bare image
+  std::optional<std::filesystem::path> file;  ///< none: a bare image; need not be there yet
   std::uint64_t cutEnd = 0;                   ///< bytes taken off the end
   std::uint64_t cutStart = 0;                 ///< bytes taken off the beginning
   std::optional<std::uint64_t> length;        ///< keeps so many; a shorter file gets zeros in front
@@ -38,7 +38,8 @@ Scenario parseScenario(std::string_view text, const std::filesystem::path& folde
 /// Reads the file of a scenario. One that cannot be read is a ScenarioError as well.
 Scenario readScenario(const std::filesystem::path& file);
 
-/// The bytes of the installer's file.
+/// The bytes of the installer's file. Fails with a ScenarioError if the file of the host cannot be
+/// read or the cuts do not fit it.
 std::vector<std::uint8_t> makeInstaller(const Package& package);
 
 }  // namespace zev::scenario

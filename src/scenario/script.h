@@ -110,7 +110,7 @@ struct Step {
 /// program starts.
 bool preparesOnly(const Step& step);
 
-/// Reads a list of steps, or one.
+/// Reads a list of steps, and one step.
 std::vector<Step> readSteps(const JsonReader& steps);
 Step readStep(const JsonReader& step);
 

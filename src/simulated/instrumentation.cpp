@@ -1,6 +1,9 @@
 #include "simulated/instrumentation.h"
 
-#include <algorithm>
+#include <stdexcept>
+#include <string>
+
+#include "simulated/operations.h"
 
 namespace zev::simulated {
 namespace {
@@ -25,24 +28,43 @@ Event toJson(const Argument& argument) {
 
 }  // namespace
 
+bool isRuntimeError(std::int32_t code) {
+  constexpr auto firstFileError = static_cast<std::int32_t>(ErrorNumber::BadFileNameOrNumber);
+  constexpr std::int32_t nobodysNumber = 0;
+  return code >= firstFileError && errorDescription(code) != errorDescription(nobodysNumber);
+}
+
+Instrumentation::Instrumentation(Transcript& transcript) : transcript_(transcript) {
+  forgetCalls();
+}
+
 void Instrumentation::setFaults(std::vector<Fault> faults) {
-  faults_.clear();
-  for (Fault& each : faults) faults_.push_back({std::move(each), 0});
+  std::vector<Armed> armed;
+  for (Fault& each : faults) {
+    const auto name = findOperation(each.call);
+    if (!name) throw std::invalid_argument("no operation " + each.call);
+    each.call = *name;
+    armed.push_back({std::move(each), 0});
+  }
+  faults_ = std::move(armed);
 }
 
 std::uint64_t Instrumentation::calls(std::string_view name) const {
-  const auto found = calls_.find(name);
-  return found == calls_.end() ? 0 : found->second;
+  const auto known = findOperation(name);
+  return known ? calls_.at(*known) : 0;
+}
+
+void Instrumentation::forgetCalls() {
+  for (const std::string_view each : operationNames()) calls_[each] = 0;
 }
 
 void Instrumentation::count(std::string_view name) {
   if (name.empty()) return;
   const auto found = calls_.find(name);
-  if (found != calls_.end()) {
-    ++found->second;
-  } else {
-    calls_.emplace(name, 1);
+  if (found == calls_.end()) {
+    throw std::logic_error("not in the list of operations: " + std::string(name));
   }
+  ++found->second;
 }
 
 bool Instrumentation::strikes(Armed& armed, const Operation& operation, TextView argument) {

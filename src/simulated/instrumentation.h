@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <initializer_list>
 #include <map>
-#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -28,17 +27,24 @@ struct Operation {
   TextView subject = {};  ///< what `match` of a fault looks at beside the first text argument
 };
 
+/// Whether an injected error number is a run-time error itself, for calls that fail by raising one:
+/// those from 52 on (the first of the file errors) that the run-time has a text for. All others are
+/// numbers of the system, which the call turns into the run-time error that they lead to.
+bool isRuntimeError(std::int32_t code);
+
 /// Counts the calls of the platform's operations, writes them into the transcript, and makes those
 /// fail that a fault strikes. One a machine.
 class Instrumentation {
  public:
-  explicit Instrumentation(Transcript& transcript) : transcript_(transcript) {}
+  explicit Instrumentation(Transcript& transcript);
 
-  /// Replaces all faults; they count the calls from here on.
+  /// Replaces all faults; they count the calls from here on. Throws std::invalid_argument for one
+  /// that names no operation.
   void setFaults(std::vector<Fault> faults);
+  /// How often an operation was called, its name in any letter case; 0 for a name that none has.
   std::uint64_t calls(std::string_view name) const;
   /// Every count starts anew; the faults count on.
-  void forgetCalls() { calls_.clear(); }
+  void forgetCalls();
 
   /// Carries out one call: `forward` does it, `fail` gives the failure with a number in the call's
   /// own shape, `ignore` the success without the deed. All three return the call's result type.
@@ -91,12 +97,13 @@ class Instrumentation {
 
   /// Counts the call. The fault that strikes it, null if none does; one that raises does so here.
   const Fault* begin(const Operation& operation, Arguments arguments);
+  /// Throws std::logic_error for a name that the list of operations lacks.
   void count(std::string_view name);
   static bool strikes(Armed& armed, const Operation& operation, TextView argument);
   void tell(const Operation& operation, Arguments arguments, const Event& result);
 
   Transcript& transcript_;
-  std::map<std::string, std::uint64_t, std::less<>> calls_;
+  std::map<std::string_view, std::uint64_t> calls_;  ///< all operations, those without a call too
   std::vector<Armed> faults_;
 };
 

@@ -4,12 +4,7 @@ namespace zev::simulated {
 namespace {
 
 [[noreturn]] void raise(std::int32_t code) {
-  constexpr auto unmapped = static_cast<std::int32_t>(ErrorNumber::DeviceIoError);
-  constexpr std::int32_t nobodysNumber = 0;
-  const std::int32_t mapped = runtimeErrorOf(static_cast<SystemError>(code));
-  const bool runtimesOwn =
-      mapped == unmapped && errorDescription(code) != errorDescription(nobodysNumber);
-  throw RuntimeError(runtimesOwn ? code : mapped);
+  throw RuntimeError(isRuntimeError(code) ? code : runtimeErrorOf(static_cast<SystemError>(code)));
 }
 
 std::int64_t count(std::size_t bytes) { return static_cast<std::int64_t>(bytes); }
@@ -126,8 +121,9 @@ void InstrumentedFiles::Put(std::int32_t number, std::int32_t position,
 }
 
 void InstrumentedFiles::PutText(std::int32_t number, std::int32_t position, TextView text) {
-  statement(onFile("PutText", number), {number, position, text},
-            [&] { files_.PutText(number, position, text); });
+  Operation operation = onFile("PutText", number);
+  operation.alias = "Put";
+  statement(operation, {number, position, text}, [&] { files_.PutText(number, position, text); });
 }
 
 void InstrumentedFiles::Print(std::int32_t number, TextView text) {

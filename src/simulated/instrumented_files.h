@@ -7,11 +7,11 @@
 
 namespace zev::simulated {
 
-/// The file statements under observation. An injected error number is one of the system, and
-/// becomes the run-time error that it leads to; a number that the system's table does not know and
-/// the run-time does, is taken as the run-time error itself. `Dir` fails with an empty text and
-/// SetFileAttributesA with false. Statements that know their file by number are matched by its
-/// path.
+/// The file statements under observation. An injected error number is a run-time error itself (see
+/// isRuntimeError), or one of the system and becomes the run-time error that it leads to. `Dir`
+/// fails with an empty text and SetFileAttributesA with false. Statements that know their file by
+/// number are matched by its path. All that open a file share the name `Open`, and both that write
+/// into it at a place the name `Put`.
 class InstrumentedFiles final : public Files {
  public:
   /// Borrows both.

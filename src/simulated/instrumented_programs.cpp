@@ -13,9 +13,13 @@ constexpr std::intptr_t executed = 42;
 
 std::int64_t shown(std::uintptr_t handle) { return static_cast<std::int64_t>(handle); }
 
-[[noreturn]] void raise(ErrorNumber number) { throw RuntimeError(number); }
+/// Raises an injected number if it is a run-time error, and otherwise the call's usual one.
+[[noreturn]] void raise(std::int32_t code, ErrorNumber usual) {
+  throw RuntimeError(isRuntimeError(code) ? code : static_cast<std::int32_t>(usual));
+}
 
 [[noreturn]] void raiseAutomation(std::int32_t code, TextView source) {
+  if (isRuntimeError(code)) throw RuntimeError(code);
   const auto number = static_cast<std::int32_t>(facilityWin32 | static_cast<std::uint32_t>(code));
   throw RuntimeError(number,
                      errorDescription(static_cast<std::int32_t>(ErrorNumber::AutomationError)),
@@ -33,10 +37,22 @@ ErrorNumber shellError(std::int32_t code) {
 // ---- processes
 
 std::int32_t InstrumentedProcesses::Shell(TextView commandLine, std::int32_t style) {
-  return instrumentation_.perform(
-      {"Shell"}, {commandLine, style}, [&] { return processes_.Shell(commandLine, style); },
-      [](std::int32_t code) -> std::int32_t { raise(shellError(code)); },
-      [] { return std::int32_t{0}; });
+  bool reached = false;
+  const auto forward = [&] {
+    reached = true;
+    return processes_.Shell(commandLine, style);
+  };
+  try {
+    const std::int32_t process = instrumentation_.perform(
+        {"Shell"}, {commandLine, style}, forward,
+        [](std::int32_t code) -> std::int32_t { raise(code, shellError(code)); },
+        [] { return std::int32_t{0}; });
+    if (!reached) processes_.recordShell(commandLine, style, 0);
+    return process;
+  } catch (const RuntimeError& error) {
+    if (!reached) processes_.recordShell(commandLine, style, error.number());
+    throw;
+  }
 }
 
 ProcessHandle InstrumentedProcesses::OpenProcess(std::uint32_t access, bool inherit,
@@ -157,7 +173,7 @@ class InstrumentedShell final : public WScriptShell {
     using Made = std::unique_ptr<Shortcut>;
     Made made = instrumentation_.perform(
         {"CreateShortcut"}, {path}, [&] { return shell_->CreateShortcut(path); },
-        [](std::int32_t) -> Made { raise(ErrorNumber::AutomationError); },
+        [](std::int32_t code) -> Made { raise(code, ErrorNumber::AutomationError); },
         []() -> Made { return std::make_unique<NoShortcut>(); });
     return std::make_unique<InstrumentedShortcut>(std::move(made), path, instrumentation_);
   }
@@ -188,7 +204,7 @@ std::unique_ptr<WScriptShell> InstrumentedShortcuts::CreateObject() {
   using Made = std::unique_ptr<WScriptShell>;
   Made made = instrumentation_.perform(
       {"CreateObject"}, {TextView(u"WScript.Shell")}, [&] { return shortcuts_.CreateObject(); },
-      [](std::int32_t) -> Made { raise(ErrorNumber::CannotCreateObject); },
+      [](std::int32_t code) -> Made { raise(code, ErrorNumber::CannotCreateObject); },
       []() -> Made { return std::make_unique<NoShell>(); });
   return std::make_unique<InstrumentedShell>(std::move(made), instrumentation_);
 }
@@ -199,7 +215,7 @@ template <typename Forward>
 void InstrumentedDde::call(std::string_view name, Arguments arguments, Forward forward) {
   instrumentation_.perform(
       {name}, arguments, forward,
-      [](std::int32_t) { raise(ErrorNumber::NoForeignApplicationResponded); }, [] {});
+      [](std::int32_t code) { raise(code, ErrorNumber::NoForeignApplicationResponded); }, [] {});
 }
 
 void InstrumentedDde::LinkTopic(TextView topic) {

@@ -2,18 +2,19 @@
 
 #include "platform/dde.h"
 #include "platform/dialogs.h"
-#include "platform/processes.h"
 #include "platform/shortcuts.h"
 #include "simulated/instrumentation.h"
+#include "simulated/simulated_processes.h"
 
 namespace zev::simulated {
 
-/// Starting programs, under observation. An injected error makes Shell raise 53 for a file or path
-/// that is not found and 5 for every other number, and is what ShellExecuteA returns.
+/// Starting programs, under observation. An injected error makes Shell raise that run-time error
+/// (see isRuntimeError), 53 for a file or path that is not found, and 5 for every other number; it
+/// is what ShellExecuteA returns. What Shell was asked to start is on record, started or not.
 class InstrumentedProcesses final : public Processes {
  public:
   /// Borrows both, as do the other classes below.
-  InstrumentedProcesses(Processes& processes, Instrumentation& instrumentation)
+  InstrumentedProcesses(SimulatedProcesses& processes, Instrumentation& instrumentation)
       : processes_(processes), instrumentation_(instrumentation) {}
 
   std::int32_t Shell(TextView commandLine, std::int32_t style) override;
@@ -27,14 +28,15 @@ class InstrumentedProcesses final : public Processes {
   Text ownName() override;
 
  private:
-  Processes& processes_;
+  SimulatedProcesses& processes_;
   Instrumentation& instrumentation_;
 };
 
 /// Shortcuts under observation, with every operation of the objects that it makes. An injected
-/// error of the system is raised as automation tells it (0x80070000 and the number); creating the
-/// object fails with 429 and CreateShortcut with 440, whatever the number. A shortcut's operations
-/// are matched by its path unless they have a text of their own.
+/// run-time error (see isRuntimeError) is raised as it is. A number of the system is raised as
+/// automation tells it (0x80070000 and the number); creating the object fails with 429 and
+/// CreateShortcut with 440, whatever the number. A shortcut's operations are matched by its path or
+/// by a text of their own.
 class InstrumentedShortcuts final : public Shortcuts {
  public:
   InstrumentedShortcuts(Shortcuts& shortcuts, Instrumentation& instrumentation)

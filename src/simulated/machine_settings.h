@@ -115,7 +115,7 @@ struct Fault {
     Ignore,  ///< the call reports success without doing anything
   };
 
-  std::string call{};                  ///< an operation, or "Open" for every statement that opens
+  std::string call{};                  ///< one of operationNames(), letter case aside
   std::optional<std::uint32_t> nth{};  ///< counted from 1 among the calls that match; none: all
   Text match{};
   Effect effect = Effect::Error;

@@ -100,6 +100,10 @@ class SimulatedMachine {
   std::unique_ptr<Process> process_;
 };
 
+/// Creates the folders of every machine that belong to no user, as far as they are missing and
+/// drive C: is there.
+void layCommonFolders(Disks& disks);
+
 /// Makes the drives, folders and registry of a usual machine: drive C: in memory with the folders
 /// that `usualFolders` names, the common folders of every machine, and the values of the AVI file
 /// services as they should be.

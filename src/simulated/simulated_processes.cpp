@@ -77,22 +77,24 @@ std::int32_t SimulatedProcesses::start(const Text& program, TextView commandLine
   return lastProcess_;
 }
 
-std::int32_t SimulatedProcesses::Shell(TextView commandLine, std::int32_t style) {
+void SimulatedProcesses::recordShell(TextView commandLine, std::int32_t style, std::int32_t error) {
   const Text line = machine_.throughAnsi(beforeNul(commandLine));
   machine_.records.shell.push_back(line);
-  const auto tell = [&](std::int32_t error) {
-    if (!machine_.transcript.wants("shell")) return;
-    machine_.transcript.add(
-        {{"event", "shell"}, {"command", toUtf8(line)}, {"style", style}, {"error", error}});
-  };
+  if (!machine_.transcript.wants("shell")) return;
+  machine_.transcript.add(
+      {{"event", "shell"}, {"command", toUtf8(line)}, {"style", style}, {"error", error}});
+}
+
+std::int32_t SimulatedProcesses::Shell(TextView commandLine, std::int32_t style) {
+  const Text line = machine_.throughAnsi(beforeNul(commandLine));
   try {
     const std::optional<Text> program = programOf(line);
     if (!program) throw RuntimeError(ErrorNumber::FileNotFound);
     const std::int32_t process = start(*program, line);
-    tell(0);
+    recordShell(line, style, 0);
     return process;
   } catch (const RuntimeError& error) {
-    tell(error.number());
+    recordShell(line, style, error.number());
     throw;
   }
 }

@@ -25,6 +25,10 @@ class SimulatedProcesses final : public Processes {
   Text ownFolder() override;
   Text ownName() override;
 
+  /// Puts on record, and tells the transcript, that a command line was to be started and what came
+  /// of it: a run-time error number, or 0.
+  void recordShell(TextView commandLine, std::int32_t style, std::int32_t error);
+
   /// Process handles that were opened and not closed.
   std::size_t openHandles() const { return handles_.size(); }
 

@@ -46,10 +46,17 @@ FolderSettings usualFolders(TextView user) {
   return folders;
 }
 
+void layCommonFolders(Disks& disks) {
+  if (disks.at(u'C') == nullptr) return;
+  for (const TextView folder : commonFolders) {
+    if (!disks.exists(folder)) disks.putDirectory(folder);
+  }
+}
+
 void layUsualMachine(SimulatedMachine& machine) {
   machine.disks().setDrive(u'C', {});
   machine.setFolders(usualFolders(u"bob"));
-  for (const TextView folder : commonFolders) machine.disks().putDirectory(folder);
+  layCommonFolders(machine.disks());
   for (const AviRow& row : aviRows) {
     machine.registry().setValue(HKEY_CLASSES_ROOT, row.key, {}, RegistryValue::ofText(row.value));
   }

@@ -74,6 +74,8 @@ TEST(Expectation, TellsFactsOfAFile) {
   EXPECT_FALSE(holds(files, R"("file:C:\\d\\A.txt": {"exists": true, "size": 41})"));
   EXPECT_FALSE(holds(files, R"("file:C:\\d\\A.txt": {"attributes": ["hidden"]})"));
   EXPECT_TRUE(holds(files, R"("file:C:\\d\\A.txt": {"attributes": {"contains": "hidden"}})"));
+  EXPECT_FALSE(
+      holds(files, R"("file:C:\\d\\A.txt": {"attributes": {"not": ["readonly", "hidden"]}})"));
   EXPECT_TRUE(holds(files, R"("file:C:\\d\\b.txt": {"attributes": []})"));
   EXPECT_TRUE(holds(files, R"("file:C:\\d\\none": {"exists": false})"));
   EXPECT_FALSE(holds(files, R"("file:C:\\d\\b.txt": {"exists": false})"));
@@ -82,11 +84,26 @@ TEST(Expectation, TellsFactsOfAFile) {
       holds(files, R"("file:C:\\hex.bin": {"text": {"contains": ""}, "size": {"not": 0}})"));
 }
 
+TEST(Expectation, DeniesFactsOfAFile) {
+  EXPECT_TRUE(holds(files, R"("file:C:\\d\\A.txt": {"not": {"size": 41}})"));
+  EXPECT_FALSE(holds(files, R"("file:C:\\d\\A.txt": {"not": {"size": 40}})"));
+  EXPECT_TRUE(holds(files, R"("file:C:\\d\\A.txt": {"not": {"not": {"size": 40}}})"));
+  EXPECT_TRUE(holds(files, R"("file:C:\\d\\b.txt": {"not": {"attributes": ["hidden"]}})"));
+  EXPECT_FALSE(holds(files, R"("dir:C:\\d": {"not": {"exists": true}})"));
+  EXPECT_TRUE(holds(files, R"("dir:C:\\none": {"not": {"exists": true}})"));
+  EXPECT_TRUE(errorOf([] {
+                holds("", R"("file:C:\\a": {"not": {"bytes": 1}})");
+              }).starts_with("$.script[0].expect[\"file:C:\\\\a\"].not.bytes: unknown key"));
+}
+
 TEST(Expectation, TellsTheSumOfAFileInEitherCase) {
   EXPECT_TRUE(holds(R"("files": {"C:\\e": {"base64": "YWJj"}})",
                     R"("file:C:\\e": {"sha256":
         "BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD"})"));
   EXPECT_FALSE(holds(R"("files": {"C:\\e": ""})", R"("file:C:\\e": {"sha256": "00"})"));
+  EXPECT_FALSE(holds(R"("files": {"C:\\e": {"base64": "YWJj"}})",
+                     R"("file:C:\\e": {"sha256": {"not":
+        "BA7816BF8F01CFEA414140DE5DAE2223B00361A396177A9CB410FF61F20015AD"}})"));
 }
 
 TEST(Expectation, TellsBytesAtAPlace) {
@@ -101,6 +118,8 @@ TEST(Expectation, ListsADirectoryInAnyOrder) {
   EXPECT_TRUE(holds(files, R"("dir:C:\\D\\": ["c", "b.txt", "A.txt"])"));
   EXPECT_FALSE(holds(files, R"("dir:C:\\d": ["A.txt", "b.txt"])"));
   EXPECT_TRUE(holds(files, R"("dir:C:\\d": {"contains": "b.txt"})"));
+  EXPECT_FALSE(holds(files, R"("dir:C:\\d": {"not": ["c", "b.txt", "A.txt"]})"));
+  EXPECT_TRUE(holds(files, R"("dir:C:\\d": [{"matches": "^A"}, "b.txt", {"not": "d"}])"));
   EXPECT_TRUE(holds(files, R"("dir:C:\\d\\c": [])"));
   EXPECT_TRUE(holds(files, R"("dir:C:\\none": null)"));
   EXPECT_FALSE(holds(files, R"("dir:C:\\none": [])"));
@@ -145,17 +164,32 @@ TEST(Expectation, TellsTheTypeOfARegistryValueWhereItIsAsked) {
   EXPECT_FALSE(holds(registry, R"("registry:HKEY_CURRENT_USER\\Software\\T|long": "%X%")"));
 }
 
+TEST(Expectation, TellsTheTextOrTheBytesOfARegistryValueWhereTheyAreAsked) {
+  EXPECT_TRUE(holds(registry, R"("registry:HKCU\\Software\\T|text": {"hex": "61626300"},
+                                 "registry:HKCU\\Software\\T|TEXT": {"text": "abc"},
+                                 "registry:HKCU\\Software\\T|number": {"hex": "FFFFFFFF"},
+                                 "registry:HKCU\\Software\\T|long": {"text": "%X%"})"));
+  EXPECT_FALSE(holds(registry, R"("registry:HKCU\\Software\\T|text": {"hex": "616263"})"));
+}
+
 TEST(Expectation, ReadsAWholeRegistryKey) {
   EXPECT_TRUE(
       holds(registry, R"("registry:HKEY_CURRENT_USER\\Software\\T": {"text": "abc", "number": -1},
                                  "registry:HKEY_CURRENT_USER\\Software\\None": null)"));
   EXPECT_FALSE(holds(registry, R"("registry:HKEY_CURRENT_USER\\Software\\T": {"text": "abd"})"));
+  EXPECT_TRUE(holds(registry, R"("registry:HKEY_CURRENT_USER\\Software\\T": {
+      "text": {"type": 1, "text": "abc"}, "number": {"not": -2}})"));
+  EXPECT_FALSE(holds(registry, R"("registry:HKEY_CURRENT_USER\\Software\\T": {
+      "text": {"type": 2, "text": "abc"}})"));
   EXPECT_FALSE(holds(registry, R"("registry:HKEY_CURRENT_USER\\Software\\None": {})"));
 }
 
 TEST(Expectation, FindsNoShortcutWhereNoneWasMade) {
   EXPECT_TRUE(holds("", R"("shortcut:C:\\a.lnk": null)"));
   EXPECT_FALSE(holds("", R"("shortcut:C:\\a.lnk": {"targetpath": "C:\\a.exe"})"));
+  EXPECT_TRUE(errorOf([] {
+                holds("", R"("shortcut:C:\\a.lnk": {"not": {"target": "C:\\a.exe"}})");
+              }).ends_with("IconLocation, Description, WorkingDirectory"));
 }
 
 TEST(Expectation, StartsWithNothingHappened) {

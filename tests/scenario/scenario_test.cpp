@@ -211,12 +211,33 @@ INSTANTIATE_TEST_SUITE_P(
         BadScript{R"("windows": "ZEV")", "$.machine.windows: a text where a list is wanted"},
         BadScript{R"("faults": [{"call": "Kill"}])",
                   "$.machine.faults[0]: a fault has one of error, raise and ignore"},
+        BadScript{R"("faults": [{"call": "Kill", "error": 4294967296}])",
+                  "$.machine.faults[0].error: 4294967296 is not within -2147483648 to 4294967295"},
         BadScript{R"("faults": [{"error": 5}])",
                   "$.machine.faults[0]: a fault names the call that it hits"},
         BadScript{R"("faults": [{"call": "Kill", "nth": 0, "error": 5}])",
                   "$.machine.faults[0].nth: 0 is not within 1 to 2147483647"},
         BadScript{R"("faults": [{"call": "Kill", "nth": "each", "error": 5}])",
                   "$.machine.faults[0].nth: a text where a number from 1 or \"all\" is wanted"}));
+
+TEST(Scenario, RefusesAFaultOfAnOperationThatThereIsNot) {
+  const std::string error =
+      readError(R"({"script": [{"change": {"faults": [{"call": "NoSuchCall", "error": 5}]}}]})");
+  EXPECT_TRUE(
+      error.starts_with("$.script[0].change.faults[0].call: no operation \"NoSuchCall\"; "
+                        "there are Arguments, BringWindowToTop, "))
+      << error;
+  EXPECT_TRUE(error.ends_with(", WorkingDirectory")) << error;
+}
+
+TEST(Scenario, ReadsErrorNumbersByTheirBits) {
+  const Scenario scenario = parseScenario(R"({"machine": {"faults": [
+      {"call": "getusernamea", "error": 2147942405}, {"call": "Save", "raise": -2147024891}]}})");
+  const std::vector<FaultChange>& faults = *scenario.machine.faults;
+  EXPECT_EQ(faults[0].call, "GetUserNameA");
+  EXPECT_EQ(faults[0].error, -2147024891);
+  EXPECT_EQ(faults[1].raise, -2147024891);
+}
 
 TEST(Scenario, RefusesAnUnknownKeyOfItsOwn) {
   EXPECT_EQ(readError(R"({"scripts": []})"),
@@ -227,7 +248,7 @@ TEST_F(ScenarioFiles, FindsThePackageBesideTheScenario) {
   write("setup.bin", "0123456789");
   const fs::path file = write("one.json", R"({"package": {"file": "setup.bin"}})");
   EXPECT_EQ(makeInstaller(readScenario(file).package).size(), 10u);
-  EXPECT_EQ(errorOf([&] { package(R"({"file": "other.bin"})"); }),
+  EXPECT_EQ(errorOf([&] { installer(R"({"file": "other.bin"})"); }),
             "$.package.file: no file " + (folder_ / "other.bin").string());
 }
 

@@ -19,6 +19,37 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
+/// A program without forms that writes a file, two settings as files and one into the registry, and
+/// takes a third file of settings back.
+class SettingsWriter final : public PlayedProgram {
+ public:
+  explicit SettingsWriter(Platform& platform) : platform_(platform) {}
+
+  void start() override {
+    platform_.files.MkDir(u"C:\\Conf");
+    platform_.files.MkDir(u"C:\\Conf\\Tavorns");
+    platform_.files.MkDir(u"C:\\Conf\\Tavorns\\ZEV5");
+    for (const TextView file : {u"ZEV5.txt", u"Tavorns\\ZEV5\\Name", u"tavorns\\zev5\\Language",
+                                u"Tavorns\\ZEV5\\gone"}) {
+      write(join(u"C:\\Conf\\", file));
+    }
+    platform_.files.Kill(u"C:\\Conf\\Tavorns\\ZEV5\\gone");
+    platform_.registry.RegSetValueExA(HKEY_CURRENT_USER, u"n", 4, 1);
+  }
+  std::vector<Form*> forms() override { return {}; }
+  std::optional<PropertyValue> global(std::string_view) override { return std::nullopt; }
+  bool setGlobal(std::string_view, const PropertyValue&) override { return false; }
+
+ private:
+  void write(const Text& path) {
+    platform_.files.OpenBinaryWrite(1, path);
+    platform_.files.PutText(1, 1, u"x");
+    platform_.files.Close(1);
+  }
+
+  Platform& platform_;
+};
+
 /// Runs zevsim with files in a folder of its own.
 class Zevsim : public testing::Test {
  protected:
@@ -141,6 +172,22 @@ TEST_F(Zevsim, PutsAnotherPackageInPlace) {
       "package": {"cutEnd": 1}, "script": [{"expect": {"file:C:\\s.exe": "012"}}]})");
   write("package", "0123");
   EXPECT_EQ(run({scenario, "--package", file("package")}), 0) << err_;
+}
+
+TEST_F(Zevsim, PutsAPackageInPlaceOfOneThatIsNotThere) {
+  const std::string scenario = write("a.json", R"({"machine": {"installer": "C:\\s.exe"},
+      "package": {"file": "none.exe", "cutEnd": 1},
+      "script": [{"expect": {"file:C:\\s.exe": "012"}}]})");
+  write("package", "0123");
+  EXPECT_EQ(run({scenario, "--package", file("package")}), 0) << err_;
+  EXPECT_EQ(run({scenario}), 2);
+  EXPECT_EQ(err_, scenario + ": $.package.file: no file " + file("none.exe") + "\n");
+}
+
+TEST_F(Zevsim, SumsUpSettingsThatAreFilesApart) {
+  factory_ = [](Platform& platform) { return std::make_unique<SettingsWriter>(platform); };
+  EXPECT_EQ(run({write("a.json", "{}"), "--summary"}), 0) << err_;
+  EXPECT_THAT(out_, StartsWith("files laid:       1, 1 bytes\nsettings written: 3\n"));
 }
 
 TEST_F(Zevsim, SumsUp) {

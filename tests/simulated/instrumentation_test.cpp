@@ -1,6 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <set>
+
 #include "simulated/bench.h"
+#include "simulated/operations.h"
 
 namespace zev::simulated {
 namespace {
@@ -26,6 +30,16 @@ TEST_F(InstrumentationTest, CountsCallsByNameAndAlias) {
   EXPECT_EQ(machine.calls("MkDir"), 0u);
   machine.startProgram();
   EXPECT_EQ(machine.calls("Open"), 0u);
+}
+
+TEST_F(InstrumentationTest, CountsTextsThatArePutAsPutToo) {
+  files().OpenBinary(1, u"C:\\f", false);
+  files().PutText(1, 1, u"text");
+  files().Put(1, 5, bytes("x"));
+  EXPECT_EQ(machine.calls("Put"), 2u);
+  EXPECT_EQ(machine.calls("PutText"), 1u);
+  fault("Put", Effect::Error, 61);
+  EXPECT_EQ(errorOf([&] { files().PutText(1, 1, u"text"); }), 61);
 }
 
 TEST_F(InstrumentationTest, CountsCallsThatFailToo) {
@@ -66,6 +80,10 @@ TEST_F(InstrumentationTest, SystemNumbersBecomeTheRunTimesAndItsOwnStay) {
   fault("Open", Effect::Error, 32);
   EXPECT_EQ(errorOf([&] { files().OpenBinary(1, u"C:\\f", false); }), 70);
   fault("Open", Effect::Error, 75);
+  EXPECT_EQ(errorOf([&] { files().OpenOutput(1, u"C:\\f"); }), 75);
+  fault("Open", Effect::Error, 53);  // a number of the system's as well
+  EXPECT_EQ(errorOf([&] { files().OpenInput(1, u"C:\\Windows"); }), 53);
+  fault("Open", Effect::Error, 5);  // below the file errors: the system's
   EXPECT_EQ(errorOf([&] { files().OpenOutput(1, u"C:\\f"); }), 75);
   fault("Open", Effect::Error, 1117);
   EXPECT_EQ(errorOf([&] { files().OpenOutput(1, u"C:\\f"); }), 57);
@@ -111,14 +129,35 @@ TEST_F(InstrumentationTest, EachKindOfCallFailsInItsOwnShape) {
   EXPECT_EQ(platform().windows.GetWindow(1, 0), 0u);
   fault("Shell", Effect::Error, 2);
   EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"C:\\x.exe", 1); }), 53);
+  fault("Shell", Effect::Error, 53);
+  EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"C:\\x.exe", 1); }), 53);
+  fault("Shell", Effect::Error, 8);
+  EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"C:\\x.exe", 1); }), 5);
   fault("CreateObject", Effect::Error, 5);
   EXPECT_EQ(errorOf([&] { platform().shortcuts.CreateObject(); }), 429);
+  fault("CreateObject", Effect::Error, 70);
+  EXPECT_EQ(errorOf([&] { platform().shortcuts.CreateObject(); }), 70);
   fault("LinkExecute", Effect::Error, 5);
   EXPECT_EQ(errorOf([&] { platform().dde.LinkExecute(u"x"); }), 282);
   ItemIdList list = &buffer;
   fault("SHGetSpecialFolderLocation", Effect::Error, -2147467259);
   EXPECT_EQ(platform().shellFolders.SHGetSpecialFolderLocation(0, 2, list), -2147467259);
   EXPECT_EQ(list, nullptr);
+}
+
+TEST_F(InstrumentationTest, WhatAFaultKeepsFromStartingIsOnRecord) {
+  fault("Shell", Effect::Raise, 75);
+  EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"a.exe", 1); }), 75);
+  fault("Shell", Effect::Ignore, 0);
+  EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"b.exe", 2); }), 0);
+  machine.setFaults({});
+  EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"c.exe", 3); }), 53);
+  EXPECT_EQ(machine.records().shell, (std::vector<Text>{u"a.exe", u"b.exe", u"c.exe"}));
+  const std::vector<Event> events = log.of("shell");
+  ASSERT_EQ(events.size(), 3u);
+  EXPECT_EQ(events[0].dump(), R"({"event":"shell","command":"a.exe","style":1,"error":75})");
+  EXPECT_EQ(events[1].dump(), R"({"event":"shell","command":"b.exe","style":2,"error":0})");
+  EXPECT_EQ(events[2].dump(), R"({"event":"shell","command":"c.exe","style":3,"error":53})");
 }
 
 TEST_F(InstrumentationTest, LzFailuresHaveAReasonAndAResult) {
@@ -160,6 +199,28 @@ TEST_F(InstrumentationTest, CallsAreToldWithArgumentsAndResult) {
   EXPECT_EQ(calls[1]["result"].dump(), R"({"raised":75})");
   EXPECT_EQ(calls[2].dump(),
             R"({"event":"call","name":"GetDriveTypeA","arguments":["C:\\"],"result":3})");
+}
+
+TEST_F(InstrumentationTest, NamesOfOperationsMatchInAnyLetterCase) {
+  fault("mkdir", Effect::Error, 70);
+  EXPECT_EQ(errorOf([&] { files().MkDir(u"C:\\a"); }), 70);
+  EXPECT_EQ(machine.calls("MKDIR"), 1u);
+}
+
+TEST_F(InstrumentationTest, AFaultOfNoOperationIsRefusedAndTheOthersStay) {
+  fault("MkDir", Effect::Error, 70);
+  EXPECT_THROW(fault("MakeDir", Effect::Error, 70), std::invalid_argument);
+  EXPECT_EQ(errorOf([&] { files().MkDir(u"C:\\a"); }), 70);
+}
+
+TEST(Operations, AreSortedAndNamedOnce) {
+  const auto names = operationNames();
+  EXPECT_TRUE(std::is_sorted(names.begin(), names.end(), [](auto first, auto second) {
+    return lowerCase(fromUtf8(first)) < lowerCase(fromUtf8(second));
+  }));
+  EXPECT_EQ(std::set(names.begin(), names.end()).size(), names.size());
+  EXPECT_EQ(findOperation("lof"), "LOF");
+  EXPECT_EQ(findOperation("Lo"), std::nullopt);
 }
 
 TEST_F(InstrumentationTest, FaultsCountOnOverANewStart) {
