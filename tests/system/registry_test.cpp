@@ -264,6 +264,7 @@ TEST_F(ValueFileStore, ATextThatIsNoNumberIsTold) {
 }
 
 TEST_F(ValueFileStore, AFileThatCannotBeReadIsToldAndGivesNothing) {
+  globals().gUserDataAlt.clear();
   put(first, u"Dizin", "x");
   machine.setFaults({raising("OpenInput", 70)});
   EXPECT_EQ(text(u"Dizin"), u"");
@@ -275,6 +276,7 @@ TEST_F(ValueFileStore, AFileThatCannotBeReadIsToldAndGivesNothing) {
 }
 
 TEST_F(ValueFileStore, AnUnreadableNumberIsToldTwice) {
+  globals().gUserDataAlt.clear();
   put(first, u"Version", "21");
   machine.setFaults({raising("OpenInput", 70)});
   EXPECT_EQ(number(u"Version"), 0);
