@@ -1,7 +1,8 @@
 // Expanding packed files in memory, beside libmspack on the same files in the same run. A folder of
 // packed members can be given as the argument or in ZEV_MEMBERS:
 //
-//   lz_benchmark [options of Google Benchmark] [folder]
+//   cmake --preset release && cmake --build build/release --target lz_benchmark
+//   build/release/benchmarks/lz_benchmark [options of Google Benchmark] [folder]
 
 #include <benchmark/benchmark.h>
 

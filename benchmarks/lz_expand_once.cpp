@@ -1,9 +1,11 @@
 // Expands packed files in memory, each a number of times, for instruments that count what a program
 // does:
 //
-//   lz_expand_once times file...
+//   cmake --preset release && cmake --build build/release --target lz_expand_once
+//   build/release/benchmarks/lz_expand_once times file...
 //
-// The number of bytes that one round expands goes to the standard output.
+// The number of bytes that one round expands goes to the standard output. benchmarks/instructions.sh
+// counts instructions with it.
 
 #include <cstdint>
 #include <cstdio>

@@ -182,14 +182,14 @@ std::filesystem::path JsonReader::hostPath() const {
 }
 
 std::filesystem::path JsonReader::hostFile() const {
-  const std::filesystem::path path = hostPath();
+  std::filesystem::path path = hostPath();
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(path, ignored)) fail("no file " + path.string());
   return path;
 }
 
 std::filesystem::path JsonReader::hostFolder() const {
-  const std::filesystem::path path = hostPath();
+  std::filesystem::path path = hostPath();
   std::error_code ignored;
   if (!std::filesystem::is_directory(path, ignored)) fail("no folder " + path.string());
   return path;

@@ -1,6 +1,7 @@
 #include "scenario/progress.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "scenario/boxes.h"
 #include "scenario/form_drawing.h"
@@ -55,7 +56,7 @@ void Progress::propertyWritten(const Form& form, const PropertyBase& property) {
 }
 
 void Progress::drawBar(double share) {
-  const auto columns = static_cast<std::size_t>(share * barColumns + 0.5);
+  const auto columns = static_cast<std::size_t>(std::lround(share * barColumns));
   out_ << "\r[" << std::string(columns, '#') << std::string(barColumns - columns, '.') << "] "
        << figure_ << "  " << file_ << clearToEnd << std::flush;
   lineOpen_ = true;

@@ -10,16 +10,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A file of the host. It is opened for writing when it is first written.
+/// A file of the host. It is opened for writing when it is first written. All of the machine's
+/// accesses to a file go through one body, so its size needs to be asked for only once.
 class HostBody final : public FileBody {
  public:
   explicit HostBody(fs::path path) : path_(std::move(path)) {}
 
   std::uint64_t size() const override {
-    stream_.flush();
-    std::error_code error;
-    const auto size = fs::file_size(path_, error);
-    return error ? 0 : size;
+    if (!size_) {
+      stream_.flush();
+      std::error_code error;
+      const auto size = fs::file_size(path_, error);
+      if (error) return 0;
+      size_ = size;
+    }
+    return *size_;
   }
 
   std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) override {
@@ -34,13 +39,17 @@ class HostBody final : public FileBody {
     stream_.seekp(static_cast<std::streamoff>(offset));
     stream_.write(reinterpret_cast<const char*>(from.data()),
                   static_cast<std::streamsize>(from.size()));
-    return stream_.good();
+    const bool written = stream_.good();
+    if (!written) size_.reset();
+    if (size_ && !from.empty()) size_ = std::max<std::uint64_t>(*size_, offset + from.size());
+    return written;
   }
 
   bool resize(std::uint64_t size) override {
     stream_.flush();
     std::error_code error;
     fs::resize_file(path_, size, error);
+    size_.reset();
     return !error;
   }
 
@@ -57,6 +66,7 @@ class HostBody final : public FileBody {
 
   fs::path path_;
   mutable std::fstream stream_;
+  mutable std::optional<std::uint64_t> size_;  ///< in bytes; none: it has to be asked for
   std::ios::openmode mode_{};
 };
 
@@ -65,7 +75,7 @@ class HostVolume final : public Volume {
   explicit HostVolume(fs::path folder) : folder_(std::move(folder)) {}
 
   std::optional<DirectoryEntry> find(const Path& path) const override {
-    const auto host = hostPath(path);
+    const auto host = onHost(path);
     if (!host) return std::nullopt;
     DirectoryEntry found = entry(*host, path);
     if (path.isRoot()) found.name.clear();
@@ -74,12 +84,12 @@ class HostVolume final : public Volume {
 
   std::vector<DirectoryEntry> list(const Path& directory) const override {
     std::vector<DirectoryEntry> entries;
-    const auto host = hostPath(directory);
+    const auto host = onHost(directory);
     std::error_code error;
-    if (!host || !fs::is_directory(*host, error)) return entries;
+    if (!host || !host->is_directory(error)) return entries;
     for (const auto& each : fs::directory_iterator(*host, error)) {
       const Text name = nameOf(each.path());
-      if (validName(name)) entries.push_back(entry(each.path(), directory.child(name)));
+      if (validName(name)) entries.push_back(entry(each, directory.child(name)));
     }
     std::sort(entries.begin(), entries.end(),
               [](const DirectoryEntry& first, const DirectoryEntry& second) {
@@ -89,9 +99,9 @@ class HostVolume final : public Volume {
   }
 
   std::shared_ptr<FileBody> open(const Path& file) const override {
-    const auto host = hostPath(file);
+    const auto host = onHost(file);
     std::error_code error;
-    if (!host || !fs::is_regular_file(*host, error)) return nullptr;
+    if (!host || !host->is_regular_file(error)) return nullptr;
     std::weak_ptr<FileBody>& known = bodies_[file.key()];
     std::shared_ptr<FileBody> body = known.lock();
     if (!body) known = body = std::make_shared<HostBody>(*host);
@@ -99,21 +109,21 @@ class HostVolume final : public Volume {
   }
 
   bool createFile(const Path& path, std::uint32_t attributes) override {
-    const auto parent = hostPath(path.parent());
+    const auto parent = onHost(path.parent());
     if (!parent) return false;
-    if (!std::ofstream(*parent / hostName(path.leaf()), std::ios::binary)) return false;
+    if (!std::ofstream(parent->path() / hostName(path.leaf()), std::ios::binary)) return false;
     attributes_[path.key()] = attributes;
     return true;
   }
 
   bool createDirectory(const Path& path) override {
-    const auto parent = hostPath(path.parent());
+    const auto parent = onHost(path.parent());
     std::error_code error;
-    return parent && fs::create_directory(*parent / hostName(path.leaf()), error) && !error;
+    return parent && fs::create_directory(parent->path() / hostName(path.leaf()), error) && !error;
   }
 
   bool remove(const Path& path) override {
-    const auto host = path.isRoot() ? std::nullopt : hostPath(path);
+    const auto host = path.isRoot() ? std::nullopt : onHost(path);
     if (!host) return false;
     std::error_code error;
     fs::remove_all(*host, error);
@@ -127,7 +137,7 @@ class HostVolume final : public Volume {
   }
 
   bool setAttributes(const Path& path, std::uint32_t attributes) override {
-    if (!hostPath(path)) return false;
+    if (!onHost(path)) return false;
     attributes_[path.key()] = attributes & ~file_attribute::directory;
     return true;
   }
@@ -140,30 +150,44 @@ class HostVolume final : public Volume {
     return fromUtf8({reinterpret_cast<const char*>(name.data()), name.size()});
   }
 
-  /// The real path of an entry, whatever the case of its names; none if there is none.
-  std::optional<fs::path> hostPath(const Path& path) const {
-    std::optional<fs::path> real = folder_;
-    for (const Text& name : path.names) {
-      if (real) real = childOf(*real, name);
-    }
+  /// The real entry, whatever the case of its names; none if there is none. Names as they stand are
+  /// tried first, all at once.
+  std::optional<fs::directory_entry> onHost(const Path& path) const {
+    fs::path exact = folder_;
+    for (const Text& name : path.names) exact /= hostName(name);
     std::error_code error;
-    return real && fs::exists(*real, error) ? real : std::nullopt;
+    fs::directory_entry entry(exact, error);
+    if (entry.exists(error)) return entry;
+    const auto parent = path.isRoot() ? std::nullopt : onHost(path.parent());
+    return parent ? childInAnyCase(*parent, path.leaf()) : std::nullopt;
   }
 
-  static std::optional<fs::path> childOf(const fs::path& folder, const Text& name) {
+  static std::optional<fs::directory_entry> childInAnyCase(const fs::directory_entry& folder,
+                                                           const Text& name) {
+    const fs::path exact = hostName(name);
+    std::optional<fs::directory_entry> found;
     std::error_code error;
-    const fs::path exact = folder / hostName(name);
-    if (fs::exists(exact, error)) return exact;
     for (const auto& each : fs::directory_iterator(folder, error)) {
-      if (equalText(nameOf(each.path()), name)) return each.path();
+      if (!mayBeNamed(each, name)) continue;
+      const fs::path itsName = each.path().filename();
+      if (itsName == exact) return each;
+      if (!found && equalText(nameOf(itsName), name)) found = each;
     }
-    return std::nullopt;
+    return found;
   }
 
-  DirectoryEntry entry(const fs::path& host, const Path& path) const {
+  /// False for most of the names that differ from `name`, without a conversion: a name of the host
+  /// has one to three units for each of ours.
+  static bool mayBeNamed(const fs::directory_entry& entry, const Text& name) {
+    const fs::path::string_type& whole = entry.path().native();
+    const std::size_t units = whole.size() - (whole.rfind(fs::path::preferred_separator) + 1);
+    return units >= name.size() && units <= 3 * name.size();
+  }
+
+  DirectoryEntry entry(const fs::directory_entry& host, const Path& path) const {
     std::error_code error;
-    DirectoryEntry entry{nameOf(host), file_attribute::archive, 0};
-    const bool directory = fs::is_directory(host, error);
+    DirectoryEntry entry{nameOf(host.path()), file_attribute::archive, 0};
+    const bool directory = host.is_directory(error);
     if (directory) entry.attributes = file_attribute::normal;
     const auto known = attributes_.find(path.key());
     if (known != attributes_.end()) entry.attributes = known->second;
@@ -172,7 +196,7 @@ class HostVolume final : public Volume {
     } else if (const auto body = openBody(path)) {
       entry.size = body->size();
     } else {
-      const auto size = fs::file_size(host, error);
+      const auto size = host.file_size(error);
       entry.size = error ? 0 : size;
     }
     return entry;
