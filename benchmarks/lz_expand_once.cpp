@@ -4,8 +4,8 @@
 //   cmake --preset release && cmake --build build/release --target lz_expand_once
 //   build/release/benchmarks/lz_expand_once times file...
 //
-// The number of bytes that one round expands goes to the standard output. benchmarks/instructions.sh
-// counts instructions with it.
+// The number of bytes that one round expands goes to the standard output.
+// benchmarks/instructions.sh counts instructions with it.
 
 #include <cstdint>
 #include <cstdio>
