@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "runtime/file_lists.h"
+
 namespace zev {
 namespace {
 
@@ -30,15 +32,19 @@ std::unique_ptr<Control> makeControl(const ControlDesign& design) {
       return std::make_unique<Menu>(design);
     case ControlKind::Line:
       return std::make_unique<Line>(design);
-    default:
-      return std::make_unique<Control>(design);
+    case ControlKind::DriveListBox:
+      return std::make_unique<DriveListBox>(design);
+    case ControlKind::DirListBox:
+      return std::make_unique<DirListBox>(design);
   }
+  throw std::logic_error("no such kind of control");
 }
 
 }  // namespace
 
 Form::Form(const FormDesign& design) : Component(Text(design.name)), design_(design) {
   Caption.design(Text(design.caption));
+  Icon.design(Text(design.icon));
   for (const ControlDesign& row : design.controls) {
     owned_.push_back(makeControl(row));
     controls_.push_back(owned_.back().get());

@@ -21,6 +21,7 @@ enum class UnloadMode {
 struct FormDesign {
   TextView name;
   TextView caption;
+  TextView icon = {};       ///< name of the form whose icon it shows; empty for none
   std::int32_t width = 0;   ///< of the client area, twips
   std::int32_t height = 0;  ///< of the client area, twips
   bool toolWindow = false;
@@ -36,6 +37,8 @@ class Form : public Component {
   const FormDesign& design() const { return design_; }
 
   Property<Text> Caption{*this, "Caption"};
+  /// Empty for none, or the name of the form whose icon the title bar shows.
+  Property<Text> Icon{*this, "Icon"};
   Property<bool> Enabled{*this, "Enabled", true};
   Property<bool> Visible{*this, "Visible", false};
   /// The scale of positions within the form; 1 is twips.

@@ -27,8 +27,7 @@ class PlayedProgram {
   virtual bool setGlobal(std::string_view name, const PropertyValue& value) = 0;
 
   /// A person chooses an entry of a drive list ("d:") or a folder of a directory tree ("C:\Temp").
-  /// Called from the message loop. Unless it is told otherwise, a program has a property `Drive` or
-  /// `Path` there whose writing does all that the choice does.
+  /// Called from the message loop.
   virtual void choose(Control& list, const Text& entry);
 };
 

@@ -51,6 +51,7 @@ constexpr ControlDesign controls[] = {
 
 constexpr FormDesign formDesign = {.name = u"Form1",
                                    .caption = u"ZEV Screen Recorder - Install",
+                                   .icon = u"Form1",
                                    .width = 6450,
                                    .height = 4635,
                                    .controls = controls};

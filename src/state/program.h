@@ -2,6 +2,8 @@
 
 #include "platform/platform.h"
 #include "state/form1.h"
+#include "state/form2.h"
+#include "state/form3.h"
 #include "state/globals.h"
 
 namespace zev {
@@ -16,11 +18,13 @@ class Form1Procedures {
   virtual void RemoveTempFiles() = 0;  ///< empties the working folder of the install
 };
 
-/// What all modules of one running program share: the machine, the globals and the wizard's form.
+/// What all modules of one running program share: the machine, the globals and the forms.
 struct Program {
   Platform& platform;
   Globals globals{};
   Form1 form1{};
+  Form2 form2{};
+  Form3 form3{};
 
   /// One pass of the message loop: pending events run.
   void DoEvents() const { platform.application.DoEvents(); }

@@ -70,7 +70,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   selectLanguage();
   stage = 30;
   globals_.gCurrentPage = 1;
-  form1_.Image1.Picture = form1_.name();
+  form1_.Image1.Picture = form1_.Icon.get();
   showInstallDirectory();
 }
 

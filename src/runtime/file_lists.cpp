@@ -1,0 +1,39 @@
+#include "runtime/file_lists.h"
+
+#include "runtime/error.h"
+
+namespace zev {
+namespace {
+
+constexpr std::size_t driveLength = 2;  ///< a letter and a colon
+
+Text driveOf(TextView text) { return join(lowerCase(left(text, 1)), u":"); }
+
+/// "D:" and "D:\" for the root, a folder without a backslash at its end otherwise.
+Text folderOf(TextView path) {
+  const TextView folder = withoutTrailing(path, u'\\');
+  if (folder.size() == driveLength && folder.back() == u':') return join(folder, u"\\");
+  return Text(folder);
+}
+
+}  // namespace
+
+void DriveListBox::setDrive(TextView drive) {
+  const Text wanted = driveOf(drive);
+  if (wanted == Drive()) return;
+  if (available && !available(wanted)) throw RuntimeError(ErrorNumber::DeviceUnavailable);
+  drive_ = wanted;
+  if (Change) Change();
+}
+
+void DriveListBox::comeUpOn(TextView drive) { drive_.follow(driveOf(drive)); }
+
+void DirListBox::setPath(TextView path) {
+  const Text wanted = folderOf(path);
+  if (exists && !exists(wanted)) throw RuntimeError(ErrorNumber::PathNotFound);
+  if (wanted == Path()) return;
+  path_ = wanted;
+  if (Change) Change();
+}
+
+}  // namespace zev
