@@ -7,7 +7,12 @@
 #include "package/shorten_path.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
+#include "system/avi_registry.h"
+#include "system/file_type.h"
+#include "system/register_users.h"
 #include "system/special_folders.h"
+#include "system/start_menu.h"
+#include "system/uninstall_entry.h"
 #include "system/user_folders.h"
 
 namespace zev {
@@ -18,8 +23,8 @@ constexpr std::size_t systemDirectorySize = 255;
 constexpr std::int32_t normalChoice = 0;
 constexpr std::int32_t normalWindow = 1;
 
-/// Diagnostic steps, printed by the trap. Members have theirs in the manifest, the user's folders
-/// in their own module.
+/// Diagnostic steps, printed by the trap. Members have theirs in the manifest; the user's folders,
+/// the file type and the shortcuts in their own modules.
 namespace step {
 constexpr std::int32_t packageFile = 1;
 constexpr std::int32_t temporaryFolder = 2;
@@ -36,7 +41,6 @@ constexpr std::int32_t directory = 132;
 constexpr std::int32_t upgrades = 133;
 constexpr std::int32_t settings = 134;
 constexpr std::int32_t uninstallEntry = 155;
-constexpr std::int32_t fileType = 156;
 constexpr std::int32_t videoCodecs = 159;
 constexpr std::int32_t language = 160;
 constexpr std::int32_t temporaryFiles = 161;
@@ -78,7 +82,7 @@ void InstallRun::RunInstall() {
     readySettingsStore();
     writeSettings();
     writeUninstallEntry();
-    writeFileType();
+    registerFileType();
     repairVideoCodecs();
     writeLanguage();
     removeTemporaryFiles();
@@ -284,7 +288,7 @@ void InstallRun::changeStatus() {
 
 void InstallRun::readySettingsStore() {
   if (program_.globals.gOSClass == profileClass) {
-    readyUserFolders(program_, phrases_, [this](std::int32_t number) { RunStep_ = number; });
+    readyUserFolders(program_, phrases_, *this);
     return;
   }
   RunStep_ = step::productKey;
@@ -301,15 +305,21 @@ void InstallRun::writeSettings() {
   settings_.write(program_.globals.gProductVersion);
 }
 
-/// Stand-in: makes no uninstall entry.
-void InstallRun::writeUninstallEntry() { RunStep_ = step::uninstallEntry; }
+void InstallRun::writeUninstallEntry() {
+  RunStep_ = step::uninstallEntry;
+  enterUninstall(registry_, program_.globals);
+}
 
-/// Stand-in: registers no file type.
-void InstallRun::writeFileType() { RunStep_ = step::fileType; }
+void InstallRun::registerFileType() {
+  FileType(registry_, program_.globals, platform_.dialogs, phrases_, *this).registerType();
+}
 
-/// Stand-in: leaves the keys of the video services as they are.
 void InstallRun::repairVideoCodecs() {
   RunStep_ = step::videoCodecs;
+  if (!CheckAviRegistry(registry_) && !RepairAviRegistry(registry_)) {
+    platform_.dialogs.MsgBox(phrases_.Translate(u"Couldn't fix AVI registry!"),
+                             box_style::exclamation, u"ZEV Screen Recorder");
+  }
   showTick(tick::behindVideoCodecs);
 }
 
@@ -323,14 +333,15 @@ void InstallRun::removeTemporaryFiles() {
   form_.RemoveTempFiles();
 }
 
-/// Stand-in: makes no shortcuts.
-void InstallRun::makeShortcuts() {}
+void InstallRun::makeShortcuts() { StartMenu(program_, phrases_, *this).makeShortcuts(); }
 
-/// Stand-in: serves no other user.
 void InstallRun::registerUsers() {
   RunStep_ = step::otherUsers;
   showTick(tick::otherUsers);
-  if (program_.globals.gOSClass == profileClass) RunStep_ = step::registerUsers;
+  if (program_.globals.gOSClass != profileClass) return;
+  RunStep_ = step::registerUsers;
+  std::int16_t nothingToWalk = 0;
+  UserRegistration(program_, phrases_, registry_, *this).RegisterUsers(nothingToWalk);
 }
 
 void InstallRun::finish() {

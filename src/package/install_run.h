@@ -7,6 +7,7 @@
 #include "state/program.h"
 #include "system/product_settings.h"
 #include "system/registry.h"
+#include "system/run_report.h"
 
 namespace zev {
 
@@ -18,7 +19,7 @@ inline constexpr std::int32_t smallestPackage = 9'000'000;
 /// unexpected run-time error stop it.
 ///
 /// A run is good for one pass; its state is that of the pass.
-class InstallRun {
+class InstallRun final : private RunReport {
  public:
   /// Borrows all four; they outlive the run.
   InstallRun(Program& program, Phrases& phrases, Registry& registry, Form1Procedures& form);
@@ -35,7 +36,7 @@ class InstallRun {
   void readySettingsStore();
   void writeSettings();
   void writeUninstallEntry();
-  void writeFileType();
+  void registerFileType();
   void repairVideoCodecs();
   void writeLanguage();
   void removeTemporaryFiles();
@@ -61,7 +62,8 @@ class InstallRun {
   // The screen.
   void showTick(std::int32_t tick);
   void ShowProgress(std::int32_t percent);
-  void showStatus(TextView text);
+  void setRunStep(std::int32_t step) override { RunStep_ = step; }
+  void showStatus(TextView text) override;
   void showFile(TextView text);
   void showMemberBox(TextView text, TextView title);
   void tellIncomplete();

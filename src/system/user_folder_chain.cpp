@@ -4,15 +4,13 @@
 
 #include "runtime/error.h"
 #include "system/attributes.h"
+#include "system/profile_folders.h"
 #include "system/special_folders.h"
 
 namespace zev {
 namespace {
 
-constexpr TextView makerFolder = u"\\Tavorns";
-constexpr TextView productFolder = u"\\Tavorns\\ZEV5";
 constexpr TextView profiles = u":\\Users\\";
-constexpr TextView localFolder = u"\\AppData\\Local";
 constexpr TextView boxTitle = u"ZEV Screen Recorder";
 constexpr std::uint32_t accountSize = 256;
 
@@ -64,8 +62,8 @@ bool UserFolderChain::acceptKnownFolder() {
   if (!exists(globals_.gUserDir)) return false;
   globals_.gUserDir = withoutTrailing(trim(globals_.gUserDir), u'\\');
   clearAttributes(globals_.gUserDir, 6);
-  clearAttributes(join(globals_.gUserDir, makerFolder), 8);
-  globals_.gUserData = join(globals_.gUserDir, productFolder);
+  clearAttributes(join(globals_.gUserDir, profile_folder::maker), 8);
+  globals_.gUserData = join(globals_.gUserDir, profile_folder::product);
   clearAttributes(globals_.gUserData, 10);
   return true;
 }
@@ -90,12 +88,12 @@ void UserFolderChain::clearAttributes(TextView folder, std::int32_t hiddenStage)
 // ---- the profiles by name
 
 Text UserFolderChain::profileFolder(TextView name) const {
-  return join(driveLetter_, profiles, name, localFolder);
+  return join(driveLetter_, profiles, name, profile_folder::local);
 }
 
 void UserFolderChain::takeProfile(TextView folder) {
   globals_.gUserDir = folder;
-  globals_.gUserData = join(globals_.gUserDir, productFolder);
+  globals_.gUserData = join(globals_.gUserDir, profile_folder::product);
 }
 
 void UserFolderChain::takeSecondProfile(TextView name) {
@@ -111,7 +109,7 @@ void UserFolderChain::takeSecondProfile(TextView name) {
   const Text folder = profileFolder(join(name, u".", domain_));
   if (!exists(folder)) return;
   globals_.gUserDirAlt = folder;
-  globals_.gUserDataAlt = join(folder, productFolder);
+  globals_.gUserDataAlt = join(folder, profile_folder::product);
 }
 
 /// A profile that bears another name than its user shows in the path of the Start Menu.
@@ -161,7 +159,7 @@ void CreateConfFolder(Program& program, std::int16_t& result) {
   }
   if (result != 0) return;
   program.globals.gUserDir = join(drive, ownFolder);
-  program.globals.gUserData = join(program.globals.gUserDir, productFolder);
+  program.globals.gUserData = join(program.globals.gUserDir, profile_folder::product);
 }
 
 // ---- messages

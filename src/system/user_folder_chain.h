@@ -45,6 +45,9 @@ class UserFolderChain {
 /// it. 0 on success, -1 on failure; the globals are then as they were.
 void CreateConfFolder(Program& program, std::int16_t& result);
 
+/// Name and content of the file that proves a folder writable.
+inline constexpr TextView probeFile = u"deneme_sil";
+
 /// Tells whether a folder can be written to: writes a file with one line of content. False for an
 /// empty folder or name, and on any run-time error.
 bool WriteProbeFile(Files& files, TextView folder, TextView file, TextView content);

@@ -2,12 +2,11 @@
 
 #include "runtime/error.h"
 #include "system/attributes.h"
+#include "system/profile_folders.h"
 #include "system/user_folder_chain.h"
 
 namespace zev {
 namespace {
-
-constexpr TextView probe = u"deneme_sil";
 
 enum class Outcome {
   Ready,
@@ -27,15 +26,14 @@ struct RootSteps {
   std::int32_t probe, maker, product;
 };
 
-Outcome readyRoot(Files& files, TextView root, const RootSteps& steps,
-                  const std::function<void(std::int32_t)>& setRunStep) {
-  setRunStep(steps.probe);
-  if (!WriteProbeFile(files, root, probe, probe)) return Outcome::NotWritable;
-  setRunStep(steps.maker);
-  DeleteProbeFile(files, root, probe);
-  if (!makeFolder(files, join(root, u"\\Tavorns"))) return Outcome::NotMade;
-  setRunStep(steps.product);
-  return makeFolder(files, join(root, u"\\Tavorns\\ZEV5")) ? Outcome::Ready : Outcome::NotMade;
+Outcome readyRoot(Files& files, TextView root, const RootSteps& steps, RunReport& report) {
+  report.setRunStep(steps.probe);
+  if (!WriteProbeFile(files, root, probeFile, probeFile)) return Outcome::NotWritable;
+  report.setRunStep(steps.maker);
+  DeleteProbeFile(files, root, probeFile);
+  if (!makeFolder(files, join(root, profile_folder::maker))) return Outcome::NotMade;
+  report.setRunStep(steps.product);
+  return makeFolder(files, join(root, profile_folder::product)) ? Outcome::Ready : Outcome::NotMade;
 }
 
 bool present(Files& files, const Text& root) {
@@ -45,29 +43,28 @@ bool present(Files& files, const Text& root) {
 void tellNotMade(Program& program, Phrases& phrases) {
   program.platform.dialogs.MsgBox(
       join(phrases.Translate(u"The following folder couldn't be created : "), lineEnd, lineEnd,
-           trim(program.globals.gUserDir), u"\\Tavorns\\ZEV5", lineEnd, lineEnd,
+           trim(program.globals.gUserDir), profile_folder::product, lineEnd, lineEnd,
            phrases.Translate(u"Please create manually.")),
       box_style::exclamation, u"ZEV");
 }
 
-void readyFirstRoot(Program& program, Phrases& phrases,
-                    const std::function<void(std::int32_t)>& setRunStep) {
+void readyFirstRoot(Program& program, Phrases& phrases, RunReport& report) {
   Globals& globals = program.globals;
   Files& files = program.platform.files;
   if (!present(files, globals.gUserDir)) return;
-  const Outcome outcome = readyRoot(files, globals.gUserDir, {127, 128, 129}, setRunStep);
+  const Outcome outcome = readyRoot(files, globals.gUserDir, {127, 128, 129}, report);
   if (outcome != Outcome::Ready) tellNotMade(program, phrases);
   if (outcome != Outcome::NotWritable) return;
   globals.gUserDir.clear();
   globals.gUserData.clear();
 }
 
-void readySecondRoot(Program& program, const std::function<void(std::int32_t)>& setRunStep) {
+void readySecondRoot(Program& program, RunReport& report) {
   Globals& globals = program.globals;
   Files& files = program.platform.files;
-  setRunStep(130);
+  report.setRunStep(130);
   if (!present(files, globals.gUserDirAlt)) return;
-  const Outcome outcome = readyRoot(files, globals.gUserDirAlt, {130, 130, 130}, setRunStep);
+  const Outcome outcome = readyRoot(files, globals.gUserDirAlt, {130, 130, 130}, report);
   if (outcome != Outcome::NotWritable) return;
   globals.gUserDirAlt.clear();
   globals.gUserDataAlt.clear();
@@ -83,18 +80,17 @@ void writeUserFile(Program& program) {
 
 }  // namespace
 
-void readyUserFolders(Program& program, Phrases& phrases,
-                      const std::function<void(std::int32_t)>& setRunStep) {
+void readyUserFolders(Program& program, Phrases& phrases, RunReport& report) {
   const Globals& globals = program.globals;
-  setRunStep(127);
-  readyFirstRoot(program, phrases, setRunStep);
-  readySecondRoot(program, setRunStep);
+  report.setRunStep(127);
+  readyFirstRoot(program, phrases, report);
+  readySecondRoot(program, report);
   if (trim(globals.gUserData).empty() && trim(globals.gUserDataAlt).empty()) {
     program.platform.dialogs.MsgBox(
         phrases.Translate(u"Error: Couldn 't write to the user directory."), box_style::exclamation,
         phrases.Translate(u"Screen Recorder"));
   }
-  setRunStep(131);
+  report.setRunStep(131);
   writeUserFile(program);
 }
 

@@ -1,18 +1,15 @@
 #pragma once
 
-#include <cstdint>
-#include <functional>
-
 #include "localisation/phrases.h"
 #include "state/program.h"
+#include "system/run_report.h"
 
 namespace zev {
 
 /// Proves the running user's folders writable and makes them ready, on machines of `profileClass`:
 /// a root that cannot be written to is given up, its globals emptied. Leaves `UserF.dat` with the
 /// root in the install directory. Boxes tell of failures and nothing stops, but for run-time errors
-/// around `UserF.dat`, which reach the caller. `setRunStep` is told the step numbers 127 to 131.
-void readyUserFolders(Program& program, Phrases& phrases,
-                      const std::function<void(std::int32_t)>& setRunStep);
+/// around `UserF.dat`, which reach the caller. The report gets the steps 127 to 131.
+void readyUserFolders(Program& program, Phrases& phrases, RunReport& report);
 
 }  // namespace zev

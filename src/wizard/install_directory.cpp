@@ -8,8 +8,6 @@
 namespace zev {
 namespace {
 
-constexpr TextView makerKey = u"Software\\Tavorns";
-constexpr TextView productKey = u"ZEV5";
 constexpr std::int32_t normalChoice = 0;
 
 bool folderExists(Program& program, TextView folder) {

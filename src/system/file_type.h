@@ -1,0 +1,41 @@
+#pragma once
+
+#include "localisation/phrases.h"
+#include "platform/dialogs.h"
+#include "state/globals.h"
+#include "system/registry.h"
+#include "system/run_report.h"
+
+namespace zev {
+
+/// Makes the project files of Reel Desk a file type of the system, opened by the installed program.
+/// A type that another program has is taken over only if the person agrees.
+class FileType {
+ public:
+  /// Borrows all of them.
+  FileType(Registry& registry, const Globals& globals, Dialogs& dialogs, Phrases& phrases,
+           RunReport& report)
+      : registry_(registry),
+        globals_(globals),
+        dialogs_(dialogs),
+        phrases_(phrases),
+        report_(report) {}
+
+  /// The report gets the steps 156 to 158 and the status line.
+  void registerType();
+
+ private:
+  bool present();
+  bool ownedByAnother();
+  bool personKeepsTheOther();
+  void writeKeys();
+  void write(TextView key, TextView text);
+
+  Registry& registry_;
+  const Globals& globals_;
+  Dialogs& dialogs_;
+  Phrases& phrases_;
+  RunReport& report_;
+};
+
+}  // namespace zev

@@ -1,0 +1,23 @@
+#include "system/uninstall_entry.h"
+
+#include "system/product_settings.h"
+
+namespace zev {
+namespace {
+
+constexpr TextView entryKey =
+    u"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\ZEVScreenRecorder6";
+
+}  // namespace
+
+void enterUninstall(Registry& registry, const Globals& globals) {
+  const auto set = [&](TextView name, TextView text) {
+    registry.SetRegString(HKEY_LOCAL_MACHINE, entryKey, name, text, ForceRegistry);
+  };
+  registry.CreateRegKey(HKEY_LOCAL_MACHINE, entryKey, ForceRegistry);
+  set(u"DisplayName", u"ZEV Screen Recorder 6");
+  set(u"UninstallString",
+      join(globals.gInstallDir.trimmed(), u"\\Uninstall Screen Recorder 6.exe"));
+}
+
+}  // namespace zev
