@@ -1,26 +1,217 @@
 #include "destination/validate_destination.h"
 
+#include <algorithm>
+
+#include "destination/drive_refusal.h"
 #include "runtime/error.h"
 #include "system/attributes.h"
+#include "system/product_settings.h"
 
 namespace zev {
 namespace {
 
-/// Makes a folder behind its missing parents.
-void makeTree(Files& files, TextView folder) {
-  if (folder.size() < 3 || exists(files, folder, dir_mask::directories)) return;
-  const std::size_t parent = folder.rfind(u'\\');
-  if (parent != TextView::npos) makeTree(files, folder.substr(0, parent));
-  files.MkDir(folder);
+constexpr std::int32_t normalChoice = 0;
+constexpr std::size_t shortestPath = 4;
+constexpr TextView forbiddenCharacters = u"*?<>\"|/";
+constexpr TextView productFolder = u":\\ZEV Screen Recorder 6";
+constexpr TextView programFiles = u"\\Program Files";
+constexpr TextView defaultFolder = u"\\Program Files\\ZEV Screen Recorder 6";
+
+constexpr TextView productTitle = u"ZEV Screen Recorder";
+constexpr TextView shortTitle = u"ZEV";
+
+/// The box of a folder that could not be made has been shown.
+struct FolderNotMade {};
+
+/// The 1-based place of the last backslash at or before a place; 0 if there is none.
+std::size_t backslashUpTo(TextView path, std::size_t place) {
+  const std::size_t found = place == 0 ? TextView::npos : path.rfind(u'\\', place - 1);
+  return found == TextView::npos ? 0 : found + 1;
 }
 
 }  // namespace
 
-void ValidateDestination(Program& program, std::int16_t& ok) {
-  const Text directory = program.globals.gInstallDir.trimmed();
-  Files& files = program.platform.files;
-  ignoringErrors([&] { makeTree(files, directory); });
-  ok = !directory.empty() && exists(files, directory, dir_mask::directories) ? -1 : 0;
+void DestinationCheck::ValidateDestination(std::int16_t& ok) {
+  ok = 0;
+  if (!entryGiven() || !charactersAllowed()) return;
+  completeShortEntry();
+  if (!driveSuits()) return;
+  readInstalledDirectory();
+  if (!otherDirectoryWanted()) return;
+  if (makeDirectory() && acceptVersion()) ok = -1;
+}
+
+// ---- the entry
+
+bool DestinationCheck::entryGiven() {
+  if (!destination().empty()) return true;
+  tell(phrases_.Translate(u"Please enter a directory to install ZEV Screen Recorder."),
+       box_style::information, productTitle);
+  return false;
+}
+
+/// The message names other characters than the check.
+bool DestinationCheck::charactersAllowed() {
+  const Text entry = destination();
+  if (entry.find_first_of(forbiddenCharacters) == Text::npos) return true;
+  tell(join(phrases_.Translate(u"Folder name cannot contain any of the *,?,<, :, /, | characters. "
+                               u"The directory name you've entered :"),
+            lineEnd, lineEnd, entry),
+       box_style::exclamation, shortTitle);
+  return false;
+}
+
+/// Up to three characters stand for the product's folder on the drive of the first one.
+void DestinationCheck::completeShortEntry() {
+  const Text entry = destination();
+  if (entry.size() < shortestPath) globals_.gInstallDir = join(left(entry, 1), productFolder);
+}
+
+bool DestinationCheck::driveSuits() {
+  const Text root = join(trim(left(destination(), 1)), u":\\");
+  const std::uint32_t type = platform_.drives.GetDriveTypeA(root);
+  showDriveRefusal(platform_.dialogs, phrases_, Refuser::DestinationCheck, type, root);
+  return !refusedByCheck(type);
+}
+
+// ---- the installed version
+
+void DestinationCheck::readInstalledDirectory() {
+  if (globals_.gOSClass == profileClass) {
+    globals_.gInstalledDir = folderExists(globals_.gUserData) ? directoryOnRecord() : Text();
+    return;
+  }
+  const KeyList keys = registry_.EnumRegKeys(HKEY_LOCAL_MACHINE, makerKey);
+  if (std::holds_alternative<std::int32_t>(keys)) globals_.gInstalledDir.clear();
+  const auto* names = std::get_if<std::vector<Text>>(&keys);
+  if (names != nullptr && std::find(names->begin(), names->end(), productKey) != names->end()) {
+    globals_.gInstalledDir = directoryOnRecord();
+  }
+}
+
+Text DestinationCheck::directoryOnRecord() {
+  return registry_.GetRegString(HKEY_LOCAL_MACHINE, settingsKey, setting::Dizin, u"", normalChoice);
+}
+
+/// A mere difference of case counts as another directory.
+bool DestinationCheck::otherDirectoryWanted() {
+  const Text installed(trim(globals_.gInstalledDir));
+  if (!folderExists(installed) || installed == destination()) return true;
+  const Text question = join(
+      phrases_.Translate(
+          u"A version of ZEV Screen Recorder 6 is already installed on your computer and now you "
+          u"are installing again to another directory. It is recommended to install into the same "
+          u"directory with the installed version or uninstall it before installing this one."),
+      lineEnd, lineEnd, phrases_.Translate(u"Are you sure to install into this directory?"));
+  const BoxAnswer answer =
+      platform_.dialogs.MsgBox(question, box_style::yesNoDefaultNo, productTitle);
+  if (answer != BoxAnswer::No) return true;
+  globals_.gInstallDir = installed;
+  program_.form1.Text2.Text_ = destination();
+  return false;
+}
+
+// ---- the directory
+
+/// `gInstallDir` stays as it stands at the moment of a failure.
+bool DestinationCheck::makeDirectory() {
+  fullPath_ = destination();
+  try {
+    climb();
+    return directoryStands();
+  } catch (const FolderNotMade&) {
+    return false;
+  } catch (const RuntimeError&) {
+    tell(join(phrases_.Translate(u"Error: Directory name is not accepted. Please check the "
+                                 u"directory name entered : "),
+              lineEnd, lineEnd, trim(fullPath_)),
+         box_style::exclamation, shortTitle);
+    return false;
+  }
+}
+
+/// Goes up from the leaf to the first folder that exists, makes the one below it, and begins anew
+/// with the whole path, until that exists. A path that has nothing to climb to ends as the root of
+/// the system's drive.
+void DestinationCheck::climb() {
+  Text path = fullPath_;
+  std::size_t place = path.size();
+  while (!destinationExists()) {
+    place = backslashUpTo(trim(path), place);
+    if (place == 0) {
+      globals_.gInstallDir = join(systemDrive(), u"\\");
+      return;
+    }
+    path.resize(place - 1);
+    if (folderExists(path)) {
+      makeLevel();
+      path = destination();
+      place = path.size();
+    } else {
+      --place;
+      globals_.gInstallDir = path;
+    }
+  }
+}
+
+void DestinationCheck::makeLevel() {
+  makeDestination();
+  globals_.gInstallDir = fullPath_;
+  program_.DoEvents();
+}
+
+bool DestinationCheck::directoryStands() {
+  if (!destinationExists()) makeDestination();
+  if (destinationExists()) return true;
+  if (destination() == join(systemDrive(), defaultFolder)) {
+    repairDefaultFolder();
+    return true;
+  }
+  tell(join(destination(), phrases_.Translate(u" could not be found!")), box_style::exclamation,
+       phrases_.Translate(u"Error"));
+  return false;
+}
+
+void DestinationCheck::repairDefaultFolder() {
+  for (const TextView level : {programFiles, defaultFolder}) {
+    const Text folder = join(systemDrive(), level);
+    if (!folderExists(folder)) platform_.files.MkDir(folder);
+  }
+}
+
+/// Throws FolderNotMade behind its box.
+void DestinationCheck::makeDestination() {
+  if (ignoringErrors([&] { platform_.files.MkDir(destination()); })) return;
+  tell(join(phrases_.Translate(u"Error: Could not create directory : "), lineEnd, lineEnd,
+            destination()),
+       box_style::exclamation, shortTitle);
+  throw FolderNotMade{};
+}
+
+// ---- earlier versions
+
+bool DestinationCheck::acceptVersion() {
+  try {
+    std::int16_t ok = 0;
+    EarlierVersions(program_, phrases_, registry_, form_).CheckEarlierVersions(ok);
+    return ok != 0;
+  } catch (const RuntimeError&) {
+    tell(phrases_.Translate(u"Error in old version check!"), box_style::exclamation, shortTitle);
+    return false;
+  }
+}
+
+// ---- helpers
+
+bool DestinationCheck::folderExists(TextView folder) {
+  const TextView trimmed = trim(folder);
+  return !trimmed.empty() && exists(platform_.files, trimmed, dir_mask::directories);
+}
+
+Text DestinationCheck::systemDrive() const { return Text(left(trim(globals_.gWinDir), 2)); }
+
+void DestinationCheck::tell(TextView text, std::int32_t style, TextView title) {
+  platform_.dialogs.MsgBox(text, style, title);
 }
 
 }  // namespace zev

@@ -22,11 +22,13 @@ void Wizard::Form_Unload(std::int16_t& Cancel) {
   }
   showStatus(u"Deleting temporary files...");
   RemoveTempFiles();
+  platform_.application.Unload(program_.form3);
 }
 
 void Wizard::closeOrderly() {
   if (form1_.Check1.Value == checked) ignoringErrors([&] { launchProduct(); });
   ignoringErrors([&] { program_.DoEvents(); });
+  ignoringErrors([&] { platform_.application.Unload(program_.form3); });
   ignoringErrors([&] { program_.DoEvents(); });
 }
 

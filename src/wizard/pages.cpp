@@ -108,7 +108,7 @@ void Wizard::startRun() {
   globals_.gInstallDir = withoutTrailing(installDirectory(), u'\\');
   form1_.Text2.Text_ = installDirectory();
   std::int16_t ok = 0;
-  ValidateDestination(program_, ok);
+  DestinationCheck(program_, phrases_, registry_, *this).ValidateDestination(ok);
   form1_.Frame1(directoryFrame).Visible = false;
   if (ok == 0) {
     globals_.gCurrentPage = directoryPage;
@@ -157,11 +157,17 @@ void Wizard::Command2_Click() {
 
 void Wizard::Command3_Click() { platform_.application.Unload(form1_); }
 
-/// Stand-in: opens no folder browser.
-void Wizard::Command4_Click() {}
+/// The folder browser gives the form back when it closes.
+void Wizard::Command4_Click() {
+  form1_.Enabled = false;
+  platform_.application.Show(program_.form3);
+}
 
-/// Stand-in: opens no options.
-void Wizard::Command6_Click() {}
+/// The options show the form again when they close.
+void Wizard::Command6_Click() {
+  platform_.application.Hide(form1_);
+  platform_.application.Show(program_.form2);
+}
 
 void Wizard::Option1_Click() { form1_.Command2.Enabled = true; }
 

@@ -14,7 +14,9 @@ Setup::Setup(Platform& platform)
     : program_{.platform = platform},
       phrases_(program_.globals.gLanguage),
       registry_(program_, phrases_),
-      wizard_(program_, phrases_, registry_) {
+      wizard_(program_, phrases_, registry_),
+      options_(program_, phrases_),
+      browser_(program_, phrases_, wizard_) {
   program_.form1.Text1.Text_.design(hardWrapped(agreementText(language::English), agreementWidth));
 }
 

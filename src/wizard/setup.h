@@ -2,9 +2,11 @@
 
 #include <vector>
 
+#include "destination/folder_browser.h"
 #include "localisation/phrases.h"
 #include "state/program.h"
 #include "system/registry.h"
+#include "wizard/install_options.h"
 #include "wizard/wizard.h"
 
 namespace zev {
@@ -23,13 +25,15 @@ class Setup {
   Phrases& phrases() { return phrases_; }
   Registry& registry() { return registry_; }
   /// All forms, loaded or not.
-  std::vector<Form*> forms() { return {&program_.form1}; }
+  std::vector<Form*> forms() { return {&program_.form1, &program_.form2, &program_.form3}; }
 
  private:
   Program program_;
   Phrases phrases_;
   Registry registry_;
   Wizard wizard_;
+  InstallOptions options_;
+  FolderBrowser browser_;
 };
 
 }  // namespace zev
