@@ -110,6 +110,29 @@ Area areaOf(const Control& control) {
   return {columns(left), rows(top), columns(control.Width), std::max(rows(control.Height), 1)};
 }
 
+/// The lines of a directory tree, at most `most` of them.
+std::vector<Text> treeLines(const Text& opened, const FolderNames& folderNames, std::size_t most) {
+  std::vector<Text> lines;
+  TextView rest = opened;
+  int depth = 0;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find(u'\\'), rest.size());
+    const TextView name = depth == 0 ? rest.substr(0, end + 1) : rest.substr(0, end);
+    lines.push_back(join(repeated(2 * depth++, u' '), name));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  if (lines.size() > most)
+    lines.erase(lines.begin(), lines.end() - static_cast<std::ptrdiff_t>(most));
+  for (const Text& name : folderNames ? folderNames(opened) : std::vector<Text>()) {
+    lines.push_back(join(repeated(2 * depth, u' '), name));
+  }
+  if (lines.size() > most) {
+    lines.resize(most);
+    lines.back() = join(repeated(2 * depth, u' '), u"...");
+  }
+  return lines;
+}
+
 /// Draws one kind of control. `open` and `close` are its brackets.
 struct Pen {
   Canvas& canvas;
@@ -117,6 +140,7 @@ struct Pen {
   Area area;
   Text open;
   Text close;
+  const FolderNames& folderNames;
 
   void line(TextView text) { canvas.put(area.column, area.row, text); }
 
@@ -146,7 +170,14 @@ struct Pen {
   void drawTextBox() {
     const Text text = shownText(control);
     if (!control.design().multiLine) return drawField(text, {});
-    const auto lines = wrapped(text, area.width - 4);
+    drawLines(wrapped(text, area.width - 4));
+  }
+
+  void drawTree() {
+    drawLines(treeLines(shownText(control), folderNames, static_cast<std::size_t>(area.height)));
+  }
+
+  void drawLines(const std::vector<Text>& lines) {
     for (int row = 0; row < area.height; ++row) {
       const auto place = static_cast<std::size_t>(row);
       const Text shown = place < lines.size() ? lines[place] : Text();
@@ -192,7 +223,7 @@ void Pen::draw() {
     case ControlKind::DriveListBox:
       return drawField(shownText(control), u"v");
     case ControlKind::DirListBox:
-      return drawField(shownText(control), {});
+      return drawTree();
     case ControlKind::TextBox:
       return drawTextBox();
     case ControlKind::Line:
@@ -207,10 +238,14 @@ void Pen::draw() {
   }
 }
 
-void drawControl(Canvas& canvas, const Control& control) {
+void drawControl(Canvas& canvas, const Control& control, const FolderNames& folderNames) {
   const bool round = control.kind() == ControlKind::OptionButton;
-  Pen pen{canvas, control, areaOf(control), brackets(control, round ? u"(" : u"["),
-          brackets(control, round ? u")" : u"]")};
+  Pen pen{canvas,
+          control,
+          areaOf(control),
+          brackets(control, round ? u"(" : u"["),
+          brackets(control, round ? u")" : u"]"),
+          folderNames};
   pen.draw();
 }
 
@@ -250,12 +285,12 @@ Text shownText(const Control& control) {
   }
 }
 
-std::string drawForm(const Form& form) {
+std::string drawForm(const Form& form, const FolderNames& folderNames) {
   const int columns = form.design().width / twipsPerColumn + 1;
   const int rows = (form.design().height + twipsPerRow - 1) / twipsPerRow;
   Canvas canvas(columns, rows);
   for (const Control* each : form.Controls()) {
-    if (each->showing()) drawControl(canvas, *each);
+    if (each->showing()) drawControl(canvas, *each, folderNames);
   }
   const Text caption(left(form.Caption.get(), columns - 4));
   std::string drawing =

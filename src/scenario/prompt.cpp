@@ -162,6 +162,20 @@ std::string buttonRow(std::int32_t style) {
   return row;
 }
 
+/// The folders of the machine, those that a person does not see left out.
+FolderNames foldersOf(const simulated::SimulatedMachine& machine) {
+  return [&disks = machine.disks()](const Text& folder) {
+    std::vector<Text> folders;
+    for (const Text& name : disks.names(folder).value_or(std::vector<Text>())) {
+      const auto entry = disks.find(join(withoutTrailing(folder, u'\\'), u"\\", name));
+      constexpr std::uint32_t shown = file_attribute::directory;
+      constexpr std::uint32_t hidden = file_attribute::hidden | file_attribute::system;
+      if (entry && (entry->attributes & (shown | hidden)) == shown) folders.push_back(name);
+    }
+    return folders;
+  };
+}
+
 }  // namespace
 
 Step parseLine(const std::string& line, const Form* active) {
@@ -197,7 +211,8 @@ void Prompt::drawScreen(Player& player) {
     out_ << "No form is shown.\n";
     return;
   }
-  out_ << drawForm(*form) << listControls(*form, player.machine().screen().focused(*form));
+  out_ << drawForm(*form, foldersOf(player.machine()))
+       << listControls(*form, player.machine().screen().focused(*form));
 }
 
 void Prompt::show(const std::string& key, Player& player) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "runtime/file_lists.h"
+
 #include "scenario/play.h"
 
 namespace zev::scenario {
@@ -48,6 +50,47 @@ TEST(FormDrawing, DrawsThePageThatIsShownAndItsProgress) {
 |   [    Name    ]  [    Stop    ]  [    Fail    ]               |
 +----------------------------------------------------------------+
 )");
+}
+
+constexpr ControlDesign treeControls[] = {
+    {.name = u"Dir1", .kind = ControlKind::DirListBox, .place = {75, 0, 1650, 1200}},
+};
+
+std::string drawnTree(TextView opened) {
+  Form form(
+      {.name = u"Form1", .caption = u"T", .width = 1800, .height = 1200, .controls = treeControls});
+  form.control<DirListBox>(u"Dir1").setPath(opened);
+  return drawForm(form, [](const Text& folder) -> std::vector<Text> {
+    if (folder == u"C:\\Apps") return {u"One", u"Two"};
+    if (folder == u"C:\\") return {u"A", u"B", u"C", u"D", u"E"};
+    return {};
+  });
+}
+
+TEST(FormDrawing, DrawsTheOpenedFolderAsATree) {
+  EXPECT_EQ(drawnTree(u"C:\\Apps"), R"(+- T ----------------------+
+|  |C:\                 |  |
+|  |  Apps              |  |
+|  |    One             |  |
+|  |    Two             |  |
+|  |                    |  |
++--------------------------+
+)");
+}
+
+TEST(FormDrawing, TellsThatATreeHasMore) {
+  EXPECT_EQ(drawnTree(u"C:\\"), R"(+- T ----------------------+
+|  |C:\                 |  |
+|  |  A                 |  |
+|  |  B                 |  |
+|  |  C                 |  |
+|  |  ...               |  |
++--------------------------+
+)");
+}
+
+TEST(FormDrawing, KeepsTheEndOfADeepTree) {
+  EXPECT_NE(drawnTree(u"C:\\1\\2\\3\\4\\5").find("5 "), std::string::npos);
 }
 
 TEST(FormDrawing, ListsWhatAPersonCanUse) {
