@@ -77,7 +77,7 @@ void EarlierVersions::offerUninstall() {
       phrases_.Translate(u"Would you like to uninstall the previous version now?"));
   const BoxAnswer answer =
       program_.platform.dialogs.MsgBox(text, box_style::yesNoDefaultNo, boxTitle);
-  if (answer != BoxAnswer::No) ignoringErrors([&] { startUninstaller(); });
+  if (answer == BoxAnswer::Yes) ignoringErrors([&] { startUninstaller(); });
 }
 
 /// That of the newest generation on record, which need not be the one whose folder it is about; the

@@ -1,9 +1,12 @@
 #include "destination/folder_browser.h"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "destination/drive_refusal.h"
 #include "localisation/localise_form.h"
+#include "runtime/error.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
 
@@ -39,13 +42,14 @@ FolderBrowser::FolderBrowser(Program& program, Phrases& phrases, Form1Procedures
     const std::uint32_t place = static_cast<std::uint32_t>(upperCase(drive).front() - u'A');
     return place < 26 && (platform_.drives.GetLogicalDrives() >> place & 1) != 0;
   };
-  form3_.Dir1.exists = [this](TextView folder) { return folderExists(folder); };
+  form3_.Dir1.exists = [this](TextView folder) { return isFolder(folder); };
 }
 
 // ---- opening and closing
 
 void FolderBrowser::Form_Load() {
   form3_.Drive1.comeUpOn(platform_.processes.ownFolder());
+  form3_.Dir1.comeUpOn(platform_.processes.ownFolder());
   form3_.Icon = form1_.Icon.get();
   writeTexts();
   repairProposal();
@@ -163,12 +167,14 @@ Text FolderBrowser::openFolderWithBackslash() const {
 
 // ---- free space
 
-/// Of the drive of the opened folder. The numbers of a drive that cannot be asked are 0.
+/// Of the drive of the opened folder. The numbers of a drive that cannot be asked are 0; a drive
+/// with more than the figure can tell has the greatest one.
 std::int32_t FolderBrowser::FreeSpaceKB() {
   DiskSpace space;
   platform_.drives.GetDiskFreeSpaceA(left(form3_.Dir1.Path(), 3), space);
   const std::int32_t clusterBytes = multiply(space.sectorsPerCluster, space.bytesPerSector);
-  return toLong(space.freeClusters / bytesPerKilobyte * clusterBytes);
+  const double kilobytes = space.freeClusters / bytesPerKilobyte * clusterBytes;
+  return toLong(std::min<double>(kilobytes, std::numeric_limits<std::int32_t>::max()));
 }
 
 void FolderBrowser::showFreeSpace() { form3_.Label3.Caption = megabytes(FreeSpaceKB()); }
@@ -193,6 +199,13 @@ Text megabytes(std::int32_t kilobytes) {
 }
 
 // ---- helpers
+
+/// Unlike the proposal, the tree opens nothing but folders, hidden ones too.
+bool FolderBrowser::isFolder(TextView folder) {
+  std::int32_t attributes = 0;
+  ignoringErrors([&] { attributes = platform_.files.GetAttr(folder); });
+  return (attributes & static_cast<std::int32_t>(file_attribute::directory)) != 0;
+}
 
 bool FolderBrowser::folderExists(TextView folder) {
   return exists(platform_.files, folder, dir_mask::directories);

@@ -37,6 +37,7 @@ class FolderBrowser {
   void showFreeSpace();
   bool spaceSuffices();
 
+  bool isFolder(TextView folder);
   bool folderExists(TextView folder);
   Text proposal() const { return globals_.gInstallDir.trimmed(); }
   Text proposedDrive() const;

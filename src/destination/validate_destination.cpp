@@ -20,7 +20,7 @@ constexpr TextView defaultFolder = u"\\Program Files\\ZEV Screen Recorder 6";
 constexpr TextView productTitle = u"ZEV Screen Recorder";
 constexpr TextView shortTitle = u"ZEV";
 
-/// The box of a folder that could not be made has been shown.
+/// The directory could not be made.
 struct FolderNotMade {};
 
 /// The 1-based place of the last backslash at or before a place; 0 if there is none.
@@ -120,6 +120,9 @@ bool DestinationCheck::makeDirectory() {
     climb();
     return directoryStands();
   } catch (const FolderNotMade&) {
+    tell(join(phrases_.Translate(u"Error: Could not create directory : "), lineEnd, lineEnd,
+              destination()),
+         box_style::exclamation, shortTitle);
     return false;
   } catch (const RuntimeError&) {
     tell(join(phrases_.Translate(u"Error: Directory name is not accepted. Please check the "
@@ -144,20 +147,16 @@ void DestinationCheck::climb() {
     }
     path.resize(place - 1);
     if (folderExists(path)) {
-      makeLevel();
-      path = destination();
+      makeDestination();
+      globals_.gInstallDir = fullPath_;
+      path = fullPath_;
       place = path.size();
+      program_.DoEvents();
     } else {
       --place;
       globals_.gInstallDir = path;
     }
   }
-}
-
-void DestinationCheck::makeLevel() {
-  makeDestination();
-  globals_.gInstallDir = fullPath_;
-  program_.DoEvents();
 }
 
 bool DestinationCheck::directoryStands() {
@@ -179,13 +178,9 @@ void DestinationCheck::repairDefaultFolder() {
   }
 }
 
-/// Throws FolderNotMade behind its box.
+/// A refusal is told with the words of its own.
 void DestinationCheck::makeDestination() {
-  if (ignoringErrors([&] { platform_.files.MkDir(destination()); })) return;
-  tell(join(phrases_.Translate(u"Error: Could not create directory : "), lineEnd, lineEnd,
-            destination()),
-       box_style::exclamation, shortTitle);
-  throw FolderNotMade{};
+  if (!ignoringErrors([&] { platform_.files.MkDir(destination()); })) throw FolderNotMade{};
 }
 
 // ---- earlier versions

@@ -39,7 +39,6 @@ class DestinationCheck {
 
   bool makeDirectory();
   void climb();
-  void makeLevel();
   bool directoryStands();
   void repairDefaultFolder();
   void makeDestination();

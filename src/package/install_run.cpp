@@ -71,7 +71,7 @@ InstallRun::InstallRun(Program& program, Phrases& phrases, Registry& registry,
       phrases_(phrases),
       registry_(registry),
       form_(form),
-      settings_(registry) {}
+      settings_(registry, ProductSettings::Errors::Raised) {}
 
 void InstallRun::RunInstall() {
   try {

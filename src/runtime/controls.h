@@ -52,6 +52,7 @@ struct ControlDesign {
   bool multiLine = false;  ///< of a text box: several lines and a vertical scroll bar
   bool locked = false;     ///< of a text box: a person cannot change it
   bool bar = false;        ///< of a label: it is a progress bar, filled with green
+  bool onBar = false;      ///< of a label: its text stands on the bar in the same container
 };
 
 /// What every control has. `Left`, `Top`, `Width` and `Height` are twips within the container.

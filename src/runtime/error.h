@@ -81,8 +81,8 @@ struct ProgramEnd {
   EndKind kind;
 };
 
-/// A run-time error that left an event procedure. Event procedures are the outermost frames of the
-/// program: no trap of a procedure below in the stack may catch what left them.
+/// A run-time error that left an event procedure which the message loop ran. Those are outermost
+/// frames of the program: no trap of a procedure below in the stack may catch what left them.
 struct UnhandledError {
   RuntimeError error;
 };

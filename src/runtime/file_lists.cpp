@@ -9,11 +9,11 @@ constexpr std::size_t driveLength = 2;  ///< a letter and a colon
 
 Text driveOf(TextView text) { return join(lowerCase(left(text, 1)), u":"); }
 
-/// "D:" and "D:\" for the root, a folder without a backslash at its end otherwise.
+/// "D:\" for a drive alone and for its root, otherwise a folder without a backslash at its end.
 Text folderOf(TextView path) {
   const TextView folder = withoutTrailing(path, u'\\');
-  if (folder.size() == driveLength && folder.back() == u':') return join(folder, u"\\");
-  return Text(folder);
+  const bool drive = folder.size() == driveLength && folder.back() == u':';
+  return drive ? join(upperCase(folder), u"\\") : Text(folder);
 }
 
 }  // namespace
@@ -28,10 +28,11 @@ void DriveListBox::setDrive(TextView drive) {
 
 void DriveListBox::comeUpOn(TextView drive) { drive_.follow(driveOf(drive)); }
 
+void DirListBox::comeUpOn(TextView path) { path_.follow(folderOf(path)); }
+
 void DirListBox::setPath(TextView path) {
   const Text wanted = folderOf(path);
-  if (exists && !exists(wanted)) throw RuntimeError(ErrorNumber::PathNotFound);
-  if (wanted == Path()) return;
+  if (wanted == Path() || (exists && !exists(wanted))) return;
   path_ = wanted;
   if (Change) Change();
 }

@@ -34,9 +34,11 @@ class DirListBox final : public Control {
 
   /// The opened folder, with a backslash at its end only if it is a root; empty before one is.
   const Text& Path() const { return path_; }
-  /// Opens a folder and fires the change, unless it is opened already. A drive alone stands for its
-  /// root. Error 76 for a folder that does not exist.
+  /// Opens a folder and fires the change. A drive alone stands for its root. The tree stays as it
+  /// is for the folder that is opened already, and for one that does not exist.
   void setPath(TextView path);
+  /// Takes up the folder on which the tree comes up. Nothing is fired.
+  void comeUpOn(TextView path);
 
   /// Tells whether a folder exists. Set by the program.
   std::function<bool(TextView folder)> exists;

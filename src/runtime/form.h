@@ -25,6 +25,7 @@ struct FormDesign {
   std::int32_t width = 0;   ///< of the client area, twips
   std::int32_t height = 0;  ///< of the client area, twips
   bool toolWindow = false;
+  TextView cancelButton = {};  ///< the button that the Escape key presses
   std::span<const ControlDesign> controls;
 };
 

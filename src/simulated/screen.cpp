@@ -2,35 +2,14 @@
 
 #include <algorithm>
 
+#include "runtime/tab_order.h"
+
 namespace zev::simulated {
 namespace {
 
 constexpr double twipsPerPixel = 15;
 constexpr double pixelsPerCharacter = 6;
 constexpr std::uintptr_t handleStep = 2;
-
-/// The controls in tab order; those without a place in it come last.
-std::vector<Control*> tabOrder(const Form& form) {
-  std::vector<Control*> order = form.Controls();
-  const auto place = [](const Control* control) {
-    return static_cast<std::uint32_t>(control->TabIndex.get());  // -1 is the greatest
-  };
-  std::stable_sort(order.begin(), order.end(), [&](const Control* first, const Control* second) {
-    return place(first) < place(second);
-  });
-  return order;
-}
-
-/// The first control behind `from` in tab order, round the end, that can take the focus; null if
-/// none can. Without `from` the order's own first one.
-Control* nextThatCan(const Form& form, const Control* from) {
-  std::vector<Control*> order = tabOrder(form);
-  const auto start = std::find(order.begin(), order.end(), from);
-  if (start != order.end()) std::rotate(order.begin(), start + 1, order.end());
-  const auto found = std::find_if(order.begin(), order.end(),
-                                  [](const Control* each) { return each->canTakeFocus(); });
-  return found == order.end() ? nullptr : *found;
-}
 
 Event toJson(const PropertyValue& value) {
   if (const auto* text = std::get_if<Text>(&value)) return toUtf8(*text);
@@ -59,7 +38,7 @@ void Screen::shown(Form& form) {
   visible_.push_back(&form);
   tell("show", form);
   focus_[&form] = nullptr;
-  setFocus(form, nextThatCan(form, nullptr));
+  setFocus(form, nextFocusable(form, nullptr));
 }
 
 /// Takes a form from the screen; the one below gets its focus back.
@@ -159,7 +138,7 @@ void Screen::setFocus(Form& form, Control* control) {
 /// The control with the focus may not keep it.
 void Screen::refocus(Form& form) {
   const Control* current = focused(form);
-  if (current != nullptr && !current->canTakeFocus()) setFocus(form, nextThatCan(form, current));
+  if (current != nullptr && !current->canTakeFocus()) setFocus(form, nextFocusable(form, current));
 }
 
 /// An event of a form that is gone by its turn does not run.

@@ -39,7 +39,7 @@ constexpr ControlDesign controls[] = {
     {.name = u"Label12", .kind = Kind::Label, .container = u"Frame1(4)", .place = {135, 1710, 5175, 795}, .tabIndex = 12, .centred = true},
     {.name = u"Picture2", .kind = Kind::PictureBox, .container = u"Frame1(4)", .place = {90, 2730, 5235, 315}, .tabIndex = 24},
     {.name = u"Label7", .kind = Kind::Label, .container = u"Picture2", .place = {0, 0, 5205, 315}, .tabIndex = 25, .bar = true},
-    {.name = u"Label8", .kind = Kind::Label, .container = u"Picture2", .place = {0, 0, 5205, 255}, .tabIndex = 26, .text = u"0%", .centred = true},
+    {.name = u"Label8", .kind = Kind::Label, .container = u"Picture2", .place = {0, 0, 5205, 255}, .tabIndex = 26, .text = u"0%", .centred = true, .onBar = true},
     {.name = u"Check1", .kind = Kind::CheckBox, .container = u"Frame1(4)", .place = {3375, 3645, 1950, 195}, .tabIndex = 13, .text = u"Launch ZEV now.", .visible = false},
 
     {.name = u"Command6", .kind = Kind::CommandButton, .place = {960, 4185, 1125, 360}, .tabIndex = 29, .text = u"Options", .visible = false},
@@ -54,6 +54,7 @@ constexpr FormDesign formDesign = {.name = u"Form1",
                                    .icon = u"Form1",
                                    .width = 6450,
                                    .height = 4635,
+                                   .cancelButton = u"Command3",
                                    .controls = controls};
 
 /// The items of the language list, in their order.

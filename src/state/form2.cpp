@@ -21,6 +21,7 @@ constexpr FormDesign formDesign = {.name = u"Form2",
                                    .width = 5280,
                                    .height = 1515,
                                    .toolWindow = true,
+                                   .cancelButton = u"Command1",
                                    .controls = controls};
 
 }  // namespace

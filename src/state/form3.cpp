@@ -23,6 +23,7 @@ constexpr FormDesign formDesign = {.name = u"Form3",
                                    .caption = u"Screen Recorder",
                                    .width = 4815,
                                    .height = 4185,
+                                   .cancelButton = u"Command3",
                                    .controls = controls};
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "system/product_settings.h"
 
+#include "runtime/error.h"
+
 namespace zev {
 namespace {
 
@@ -35,16 +37,34 @@ constexpr Standard standards[] = {
 
 }  // namespace
 
+template <typename Statement>
+void ProductSettings::perform(Statement statement) {
+  if (errors_ == Errors::Ignored) {
+    ignoringErrors(statement);
+  } else {
+    statement();
+  }
+}
+
 std::int32_t ProductSettings::read(TextView name, std::int32_t defaultNumber) {
-  return registry_.GetRegDword(HKEY_LOCAL_MACHINE, settingsKey, name, defaultNumber, normalChoice);
+  std::int32_t number = defaultNumber;
+  perform([&] {
+    number =
+        registry_.GetRegDword(HKEY_LOCAL_MACHINE, settingsKey, name, defaultNumber, normalChoice);
+  });
+  return number;
 }
 
 void ProductSettings::set(TextView name, std::int32_t number) {
-  registry_.SetRegDword(HKEY_LOCAL_MACHINE, settingsKey, name, number, normalChoice);
+  perform(
+      [&] { registry_.SetRegDword(HKEY_LOCAL_MACHINE, settingsKey, name, number, normalChoice); });
 }
 
 void ProductSettings::writeDirectory(TextView directory) {
-  registry_.SetRegString(HKEY_LOCAL_MACHINE, settingsKey, setting::Dizin, directory, normalChoice);
+  perform([&] {
+    registry_.SetRegString(HKEY_LOCAL_MACHINE, settingsKey, setting::Dizin, directory,
+                           normalChoice);
+  });
 }
 
 void ProductSettings::upgrade() {

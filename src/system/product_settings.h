@@ -29,8 +29,12 @@ inline constexpr std::int16_t productVersion = 21;
 /// user, and for every other profile. All calls in this order make one whole set.
 class ProductSettings {
  public:
+  /// What becomes of a run-time error: it reaches the caller, or the one read or write that it came
+  /// from counts for nothing.
+  enum class Errors { Raised, Ignored };
+
   /// Borrows the registry.
-  explicit ProductSettings(Registry& registry) : registry_(registry) {}
+  ProductSettings(Registry& registry, Errors errors) : registry_(registry), errors_(errors) {}
 
   void writeDirectory(TextView directory);
   /// Brings the settings of an earlier version along, by the version on record.
@@ -44,7 +48,11 @@ class ProductSettings {
   std::int32_t read(TextView name, std::int32_t defaultNumber);
   void set(TextView name, std::int32_t number);
 
+  template <typename Statement>
+  void perform(Statement statement);
+
   Registry& registry_;
+  Errors errors_;
 };
 
 }  // namespace zev

@@ -13,9 +13,12 @@ void UserRegistration::RegisterUsers(std::int16_t& result) {
   const std::vector<Text> names = base.empty() ? std::vector<Text>() : entriesOf(base);
   result = names.empty() ? -1 : 0;
   if (names.empty()) return;
+  const Text user(trim(userName(program_).value_or(Text())));
   const Text userData(trim(globals_.gUserData));
   const Text userDataAlt(trim(globals_.gUserDataAlt));
-  walk(base, names);
+  for (const Text& name : names) {
+    if (name != user) serve(base, name);  // the run has served the running user
+  }
   globals_.gUserData = userData;
   globals_.gUserDataAlt = userDataAlt;
 }
@@ -42,22 +45,16 @@ std::vector<Text> UserRegistration::entriesOf(TextView folder) {
   return names;
 }
 
-/// The running user has been served by the run.
-void UserRegistration::walk(TextView base, const std::vector<Text>& names) {
-  Text user;
-  ignoringErrors([&] { user = trim(userName(program_).value_or(Text())); });
-  for (const Text& name : names) {
-    if (name != user) serve(base, name);
-  }
-}
-
+/// Errors are ignored here, statement by statement.
 void UserRegistration::serve(TextView base, TextView name) {
   const Text profile = join(base, u"\\", name);
   const Text local = join(profile, profile_folder::local);
   clearAttributes(profile);
   if (!exists(local)) return;
   clearAttributes(local);
-  if (!writable(local) || !makeFolder(join(local, profile_folder::maker))) return;
+  if (!writable(local)) return;
+  makeFolder(join(local, profile_folder::maker));
+  if (!exists(join(local, profile_folder::maker))) return;
   makeFolder(join(local, profile_folder::product));
   globals_.gUserData = join(local, profile_folder::product);
   globals_.gUserDataAlt.clear();
@@ -72,11 +69,8 @@ bool UserRegistration::writable(TextView folder) {
   return true;
 }
 
-/// Makes a folder unless it is there, and tells whether it is there then.
-bool UserRegistration::makeFolder(TextView folder) {
-  if (exists(folder)) return true;
-  ignoringErrors([&] { files_.MkDir(folder); });
-  return exists(folder);
+void UserRegistration::makeFolder(TextView folder) {
+  if (!exists(folder)) ignoringErrors([&] { files_.MkDir(folder); });
 }
 
 bool UserRegistration::exists(TextView path) {
@@ -91,10 +85,10 @@ void UserRegistration::clearAttributes(TextView path) {
 }
 
 void UserRegistration::writeSettings() {
-  ignoringErrors([&] { settings_.writeDirectory(globals_.gInstallDir.trimmed()); });
-  ignoringErrors([&] { settings_.upgrade(); });
-  ignoringErrors([&] { settings_.write(globals_.gProductVersion); });
-  ignoringErrors([&] { settings_.writeLanguage(program_.form1.Combo1.ListIndex()); });
+  settings_.writeDirectory(globals_.gInstallDir.trimmed());
+  settings_.upgrade();
+  settings_.write(globals_.gProductVersion);
+  settings_.writeLanguage(program_.form1.Combo1.ListIndex());
 }
 
 }  // namespace zev

@@ -21,7 +21,7 @@ class UserRegistration {
         files_(program.platform.files),
         phrases_(phrases),
         report_(report),
-        settings_(registry) {}
+        settings_(registry, ProductSettings::Errors::Ignored) {}
 
   /// `result` becomes -1 if there was nothing to walk, else 0. `gUserData` and `gUserDataAlt` are
   /// borrowed for the walk and put back. Errors before the first profile reach the caller.
@@ -30,10 +30,9 @@ class UserRegistration {
  private:
   Text baseFolder();
   std::vector<Text> entriesOf(TextView folder);
-  void walk(TextView base, const std::vector<Text>& names);
   void serve(TextView base, TextView name);
   bool writable(TextView folder);
-  bool makeFolder(TextView folder);
+  void makeFolder(TextView folder);
   bool exists(TextView path);
   void clearAttributes(TextView path);
   void writeSettings();

@@ -127,7 +127,7 @@ bool StartMenu::readyFolder() {
   if (folder.empty() || !folderExists(folder)) return false;
   report_.setRunStep(step::makeFolder);
   folder = join(withoutTrailing(folder, u'\\'), u"\\", groupName);
-  if (!folderExists(folder)) platform_.files.MkDir(folder);
+  if (!folderExists(folder)) platform_.files.MkDir(trim(folder));
   return true;
 }
 
@@ -148,7 +148,7 @@ void StartMenu::makeOtherEntries() {
 
 void StartMenu::makeEntry(const GroupEntry& entry) {
   const auto shortcut =
-      shell().CreateShortcut(join(globals_.gStartMenuDir, u"\\", entry.fileName, u".lnk"));
+      shell().CreateShortcut(join(trim(globals_.gStartMenuDir), u"\\", entry.fileName, u".lnk"));
   shortcut->TargetPath(target(entry));
   shortcut->Arguments(entry.arguments);
   shortcut->WindowStyle(normalWindow);
