@@ -11,23 +11,25 @@
 
 namespace zev {
 
-/// Presses the default button of every box and keeps it.
+/// Presses the default button of every box, or the one told, and keeps the box.
 class QuietPerson final : public simulated::Person {
  public:
   bool next() override { return false; }
   BoxAnswer answer(const simulated::Box& box) override {
     boxes.push_back(box);
-    return simulated::defaultAnswer(box.style);
+    return reply.value_or(simulated::defaultAnswer(box.style));
   }
   Text input(TextView, TextView, TextView initial) override { return Text(initial); }
 
+  std::optional<BoxAnswer> reply;
   std::vector<simulated::Box> boxes;
 };
 
 /// A usual machine with the shared parts of the program on it, its form shown.
 class OnAMachine {
  public:
-  OnAMachine() {
+  /// With its calls the transcript holds every platform operation.
+  explicit OnAMachine(bool withCalls = false) : transcript(withCalls) {
     machine.startProgram();
     program.reset(new Program{.platform = machine.platform()});
     phrases.emplace(program->globals.gLanguage);
@@ -44,7 +46,7 @@ class OnAMachine {
   }
 
   QuietPerson person;
-  simulated::NoTranscript transcript;
+  simulated::TranscriptLog transcript;
   simulated::SimulatedMachine machine{person, transcript};
   std::unique_ptr<Program> program;
   std::optional<Phrases> phrases;
