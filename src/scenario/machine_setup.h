@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "scenario/machine_change.h"
+#include "script/machine_change.h"
 #include "simulated/simulated_machine.h"
 
 namespace zev::scenario {

@@ -92,6 +92,7 @@ void Player::play() {
 void Player::live() {
   program_.reset();
   ended_ = nullptr;
+  companion_.starts();
   machine_.startProgram();
   program_ = factory_(machine_.platform());
   runProgram();
@@ -111,6 +112,7 @@ void Player::runProgram() {
 
 void Player::end(Json how) {
   ended_ = std::move(how);
+  companion_.ended(ended_);
   if (!transcript_.wants("end")) return;
   Json event{{"event", "end"}, {"how", ended_.is_object() ? Json("error") : ended_}};
   if (ended_.is_object()) event.update(ended_);
@@ -157,8 +159,15 @@ bool Player::perform(const Step& step) {
     throw ScenarioError(step.path,
                         "the program has ended; only expect, change and restart can follow");
   }
-  if (!std::holds_alternative<Expect>(step.action)) tellStep(step);
+  if (!std::holds_alternative<Expect>(step.action)) {
+    companion_.stepBegins(*this, step);
+    tellStep(step);
+  }
   return std::visit([&](const auto& action) { return carryOut(action, step); }, step.action);
+}
+
+std::vector<Form*> Player::forms() {
+  return program_ && ended_.is_null() ? program_->forms() : std::vector<Form*>();
 }
 
 void Player::propertyWritten(PropertyBase& property) {
@@ -171,6 +180,7 @@ void Player::propertyWritten(PropertyBase& property) {
 
 /// Does what is to be done before a box is answered.
 void Player::openBox() {
+  companion_.boxOpens(*this);
   for (const Step* step : triggers_.boxOpens()) performGuarded(*step);
 }
 
@@ -211,9 +221,12 @@ Text Player::input(TextView prompt, TextView title, TextView initial) {
   openBox();
   const auto enter = [&](const Answer& answer) { return entered(answer, initial); };
   auto text = takeAnswer(enter);
-  if (text) return *text;
-  const auto asked = companion_.input(prompt, title, initial);
-  return asked ? enter(*asked) : Text(initial);
+  if (!text) {
+    const auto asked = companion_.input(prompt, title, initial);
+    text = asked ? enter(*asked) : Text(initial);
+  }
+  companion_.inputAnswered(prompt, title, *text);
+  return *text;
 }
 
 // Finding controls.

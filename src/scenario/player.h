@@ -7,8 +7,8 @@
 
 #include "scenario/expectation.h"
 #include "scenario/played_program.h"
-#include "scenario/scenario.h"
 #include "scenario/triggers.h"
+#include "script/scenario.h"
 #include "simulated/simulated_machine.h"
 
 namespace zev::scenario {
@@ -21,9 +21,19 @@ class Companion {
  public:
   virtual ~Companion() = default;
 
+  /// The program is about to start, anew or for the first time.
+  virtual void starts() {}
+  /// A step of the script is about to be done; an `expect` is none.
+  virtual void stepBegins(Player& /*player*/, const Step& /*step*/) {}
+  virtual void ended(const Json& /*how*/) {}
+
   virtual void propertyWritten(const Form* /*form*/, const PropertyBase& /*property*/) {}
+  /// A message box or input box is open, and nothing has been done about it yet.
+  virtual void boxOpens(Player& /*player*/) {}
   /// A message box was answered.
   virtual void boxAnswered(const simulated::Box& /*box*/, BoxAnswer /*answer*/) {}
+  /// An input box was answered, with this text.
+  virtual void inputAnswered(TextView /*prompt*/, TextView /*title*/, TextView /*answer*/) {}
   virtual void judged(const KeyedValue& /*expectation*/, const Verdict& /*verdict*/) {}
 
   /// The program is at rest, or over, and the script has no more steps: one more; none to stop.
@@ -59,6 +69,8 @@ class Player final : private simulated::Person {
   simulated::SimulatedMachine& machine() { return machine_; }
   /// The running program, or the one that ran last; only from within and after play().
   PlayedProgram& program() { return *program_; }
+  /// The forms of the program that runs; none while there is none.
+  std::vector<Form*> forms();
   /// What an expectation would be held against now.
   Scene scene() { return {machine_, *program_, ended_, boxes_}; }
 

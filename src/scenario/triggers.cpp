@@ -1,7 +1,7 @@
 #include "scenario/triggers.h"
 
 #include "scenario/expectation.h"
-#include "scenario/matcher.h"
+#include "script/matcher.h"
 
 namespace zev::scenario {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "runtime/form.h"
-#include "scenario/script.h"
+#include "script/script.h"
 
 namespace zev::scenario {
 

@@ -5,11 +5,13 @@
 #include <iomanip>
 #include <memory>
 
+#include "scenario/boxes.h"
 #include "scenario/event_writer.h"
 #include "scenario/player.h"
 #include "scenario/progress.h"
 #include "scenario/prompt.h"
 #include "scenario/zevsim_options.h"
+#include "script/outside_view.h"
 
 namespace zev::scenario {
 namespace {
@@ -33,11 +35,14 @@ std::string shown(const Json& value) {
   return text;
 }
 
-/// Prints failed expectations, and hands on to the progress and the prompt as far as they are
-/// wanted.
+/// Prints failed expectations, and hands on to the progress, the prompt and the view from outside
+/// as far as they are wanted.
 class ZevsimCompanion final : public Companion {
  public:
-  ZevsimCompanion(const ZevsimOptions& options, const Console& console) : console_(console) {
+  /// `outside` null: nobody looks from outside.
+  ZevsimCompanion(const ZevsimOptions& options, const Console& console, std::ostream* outside)
+      : console_(console) {
+    if (outside != nullptr) outside_.emplace(*outside);
     if (options.progress) progress_.emplace(console.out, console.terminal);
     if (options.interactive) prompt_.emplace(console.in, console.out);
   }
@@ -46,12 +51,35 @@ class ZevsimCompanion final : public Companion {
     if (progress_) progress_->finish();
   }
 
+  void starts() override {
+    if (outside_) outside_->start();
+  }
+
+  void stepBegins(Player& player, const Step& step) override {
+    if (!outside_) return;
+    outside_->look(sightOf(player.forms()), false);
+    outside_->step(step.source);
+  }
+
+  void boxOpens(Player& player) override {
+    if (outside_) outside_->look(sightOf(player.forms()), true);
+  }
+
+  void ended(const Json& how) override {
+    if (outside_) outside_->end(how);
+  }
+
   void propertyWritten(const Form* form, const PropertyBase& property) override {
     if (progress_ && form != nullptr) progress_->propertyWritten(*form, property);
   }
 
   void boxAnswered(const simulated::Box& box, BoxAnswer answer) override {
     if (progress_ && !prompt_) progress_->boxAnswered(box, answer);
+    if (outside_) outside_->box(box.text, box.title, box.style, answerWord(answer));
+  }
+
+  void inputAnswered(TextView prompt, TextView title, TextView answer) override {
+    if (outside_) outside_->input(prompt, title, answer);
   }
 
   void judged(const KeyedValue& expectation, const Verdict& verdict) override {
@@ -64,6 +92,7 @@ class ZevsimCompanion final : public Companion {
 
   std::optional<Step> goOn(Player& player) override {
     finish();
+    if (outside_) outside_->look(sightOf(player.forms()), false);
     return prompt_ ? prompt_->nextStep(player) : std::nullopt;
   }
 
@@ -85,6 +114,7 @@ class ZevsimCompanion final : public Companion {
   const Console& console_;
   std::optional<Progress> progress_;
   std::optional<Prompt> prompt_;
+  std::optional<OutsideView> outside_;
 };
 
 /// The folder of the product's settings where they are files, one a value: its path ends so. In
@@ -155,7 +185,9 @@ int play(const ZevsimOptions& options, const ProgramFactory& factory, const Cons
   const bool outputTaken = options.interactive || options.progress || options.summary;
   std::ostream* lines = options.transcript ? &file : outputTaken ? nullptr : &console.out;
   EventWriter transcript(lines, options.events);
-  ZevsimCompanion companion(options, console);
+  std::ofstream outside;
+  if (options.outside) outside = openForWriting(*options.outside);
+  ZevsimCompanion companion(options, console, options.outside ? &outside : nullptr);
 
   const auto begin = RealClock::now();
   Player player(scenario, factory, transcript, companion);

@@ -45,6 +45,7 @@ void raise(const std::string&, ZevsimOptions& options) {
 constexpr OptionRow optionRows[] = {
     {"--package", true, take<&ZevsimOptions::package>},
     {"--transcript", true, take<&ZevsimOptions::transcript>},
+    {"--outside", true, take<&ZevsimOptions::outside>},
     {"--state", true, take<&ZevsimOptions::state>},
     {"--export", true, take<&ZevsimOptions::exportFolder>},
     {"--events", true, readEvents},
@@ -74,6 +75,7 @@ const char* const zevsimUsage =
     "                      unless that is taken by the prompt, --progress or --summary\n"
     "  --events KIND,...   writes these kinds of event only; `all` is every kind, calls of the\n"
     "                      platform included\n"
+    "  --outside FILE      writes what can be seen from outside at rest, as zevdrive does\n"
     "  --state FILE        writes the machine's state at the end, as JSON\n"
     "  --export DIR        lays drive C: out as DIR/C at the end, and the registry as\n"
     "                      DIR/registry.reg\n"

@@ -13,6 +13,7 @@ struct ZevsimOptions {
   std::optional<std::filesystem::path> scenario;
   std::optional<std::filesystem::path> package;     ///< in place of the scenario's own
   std::optional<std::filesystem::path> transcript;  ///< a file; none: standard output
+  std::optional<std::filesystem::path> outside;     ///< the transcript as seen from outside
   std::optional<std::filesystem::path> state;
   std::optional<std::filesystem::path> exportFolder;
   std::vector<std::string> events;  ///< kinds to write; none: all but calls

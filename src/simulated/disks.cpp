@@ -30,7 +30,11 @@ Path absolute(TextView text) {
 
 std::vector<std::uint8_t> readHostFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
-  std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(file)), {});
+  std::error_code failed;
+  const std::uintmax_t size = fs::file_size(path, failed);
+  if (failed) file.setstate(std::ios::failbit);
+  std::vector<std::uint8_t> bytes(file ? size : 0);
+  file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   if (!file) throw std::runtime_error("cannot read " + path.string());
   return bytes;
 }

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "simulated/operations.h"
+#include "platform/operations.h"
 
 namespace zev::simulated {
 namespace {

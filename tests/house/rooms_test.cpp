@@ -29,7 +29,8 @@ const Arrows allowed = {
     {"destination", {"system"}},
     {"wizard", {"package", "destination"}},
     {"simulated", {"runtime", "platform", "lz"}},
-    {"scenario", {"simulated"}},
+    {"script", {"platform"}},
+    {"scenario", {"script", "simulated"}},
     {"win32", {"runtime", "platform", "lz"}},
     {"posix", {"runtime", "platform"}},
 };

@@ -1,4 +1,4 @@
-#include "scenario/scenario.h"
+#include "script/scenario.h"
 
 #include <gtest/gtest.h>
 
@@ -261,6 +261,8 @@ TEST_F(ScenarioFiles, CutsLengthensAndInvertsThePackage) {
   write("p", "0123456789");
   EXPECT_EQ(installer(R"({"file": "p", "cutEnd": 3})"), "0123456");
   EXPECT_EQ(installer(R"({"file": "p", "cutStart": 2, "cutEnd": 1})"), "2345678");
+  EXPECT_EQ(installer(R"({"file": "p", "keepEnd": 3})"), "789");
+  EXPECT_EQ(installer(R"({"file": "p", "keepEnd": 3, "length": 4})"), std::string("\0", 1) + "789");
   EXPECT_EQ(installer(R"({"file": "p", "length": 4})"), "0123");
   EXPECT_EQ(installer(R"({"file": "p", "length": 12})"), std::string("\0\0", 2) + "0123456789");
   EXPECT_EQ(installer(R"({"file": "p", "cutEnd": 9, "length": 2})"), std::string("\0", 1) + "0");

@@ -7,9 +7,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "scenario/json_reader.h"
 #include "scenario/toy_program.h"
 #include "scenario/zevsim_options.h"
+#include "script/json_reader.h"
 
 namespace zev::scenario {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "platform/operations.h"
 #include "simulated/bench.h"
-#include "simulated/operations.h"
 
 namespace zev::simulated {
 namespace {

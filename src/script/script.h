@@ -7,8 +7,8 @@
 #include <variant>
 #include <vector>
 
-#include "scenario/json_reader.h"
-#include "scenario/machine_change.h"
+#include "script/json_reader.h"
+#include "script/machine_change.h"
 
 namespace zev::scenario {
 

@@ -1,12 +1,12 @@
-#include "scenario/machine_change.h"
+#include "script/machine_change.h"
 
 #include <algorithm>
 #include <array>
 
 #include "platform/file_system.h"
+#include "platform/operations.h"
 #include "platform/registry_api.h"
 #include "runtime/code_page.h"
-#include "simulated/operations.h"
 
 namespace zev::scenario {
 namespace {
@@ -353,13 +353,13 @@ void readNth(const JsonReader& value, FaultChange& fault) {
 }
 
 void readCall(const JsonReader& value, FaultChange& fault) {
-  const auto name = simulated::findOperation(value.utf8());
+  const auto name = findOperation(value.utf8());
   if (name) {
     fault.call = *name;
     return;
   }
   std::string known;
-  for (const std::string_view each : simulated::operationNames()) {
+  for (const std::string_view each : operationNames()) {
     known += (known.empty() ? " " : ", ") + std::string(each);
   }
   value.fail("no operation \"" + value.utf8() + "\"; there are" + known);

@@ -1,4 +1,4 @@
-#include "scenario/scenario.h"
+#include "script/scenario.h"
 
 #include <algorithm>
 #include <fstream>
@@ -22,6 +22,7 @@ constexpr KeyRow<Package> packageKeys[] = {
     {"file", [](const JsonReader& value, Package& to) { to.file = value.hostPath(); }},
     {"cutEnd", [](const JsonReader& value, Package& to) { to.cutEnd = readCount(value); }},
     {"cutStart", [](const JsonReader& value, Package& to) { to.cutStart = readCount(value); }},
+    {"keepEnd", [](const JsonReader& value, Package& to) { to.keepEnd = readCount(value); }},
     {"length", [](const JsonReader& value, Package& to) { to.length = readCount(value); }},
     {"flip", readFlips},
 };
@@ -46,7 +47,8 @@ std::vector<std::uint8_t> readBytes(const Package& package) {
   }
   std::ifstream in(*package.file, std::ios::binary);
   std::vector<std::uint8_t> bytes;
-  if (in) bytes.assign(std::istreambuf_iterator<char>(in), {});
+  if (in) bytes.resize(std::filesystem::file_size(*package.file));
+  in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   if (!in) throw ScenarioError(package.path, "cannot read " + package.file->string());
   return bytes;
 }
@@ -58,6 +60,14 @@ void cut(const Package& package, std::vector<std::uint8_t>& bytes) {
   }
   bytes.resize(bytes.size() - package.cutEnd);
   bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(package.cutStart));
+}
+
+void keepEnd(const Package& package, std::vector<std::uint8_t>& bytes) {
+  if (*package.keepEnd > bytes.size()) {
+    throw ScenarioError(package.path + ".keepEnd",
+                        "the file has only " + std::to_string(bytes.size()) + " bytes");
+  }
+  bytes.erase(bytes.begin(), bytes.end() - static_cast<std::ptrdiff_t>(*package.keepEnd));
 }
 
 void setLength(std::uint64_t length, std::vector<std::uint8_t>& bytes) {
@@ -99,6 +109,7 @@ Scenario readScenario(const std::filesystem::path& file) {
 std::vector<std::uint8_t> makeInstaller(const Package& package) {
   std::vector<std::uint8_t> bytes = readBytes(package);
   cut(package, bytes);
+  if (package.keepEnd) keepEnd(package, bytes);
   if (package.length) setLength(*package.length, bytes);
   invert(package, bytes);
   return bytes;

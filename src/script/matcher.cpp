@@ -1,4 +1,4 @@
-#include "scenario/matcher.h"
+#include "script/matcher.h"
 
 #include <algorithm>
 #include <regex>

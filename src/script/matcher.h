@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scenario/json_reader.h"
+#include "script/json_reader.h"
 
 namespace zev::scenario {
 

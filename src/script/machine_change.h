@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "scenario/json_reader.h"
+#include "script/json_reader.h"
 
 namespace zev::scenario {
 
@@ -100,7 +100,7 @@ struct ProgramChange {
 };
 
 struct FaultChange {
-  std::string call;                  ///< one of simulated::operationNames()
+  std::string call;                  ///< one of operationNames()
   std::optional<std::uint32_t> nth;  ///< from 1; absent: every call
   std::optional<Text> match;
   std::optional<std::int32_t> error;

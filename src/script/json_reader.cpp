@@ -1,4 +1,4 @@
-#include "scenario/json_reader.h"
+#include "script/json_reader.h"
 
 #include <algorithm>
 #include <array>

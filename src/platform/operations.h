@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-namespace zev::simulated {
+namespace zev {
 
 /// Names of all platform operations that are observed, as faults and counts name them: those that
 /// the instrumented services carry out, `DoEvents`, and the names that several share (`Open`).
@@ -15,4 +15,4 @@ std::span<const std::string_view> operationNames();
 /// operation.
 std::optional<std::string_view> findOperation(std::string_view written);
 
-}  // namespace zev::simulated
+}  // namespace zev

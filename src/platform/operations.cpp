@@ -1,11 +1,11 @@
-#include "simulated/operations.h"
+#include "platform/operations.h"
 
 #include <algorithm>
 #include <iterator>
 
 #include "runtime/text.h"
 
-namespace zev::simulated {
+namespace zev {
 namespace {
 
 constexpr std::string_view names[] = {
@@ -109,4 +109,4 @@ std::optional<std::string_view> findOperation(std::string_view written) {
   return found == std::end(names) ? std::nullopt : std::optional(*found);
 }
 
-}  // namespace zev::simulated
+}  // namespace zev

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "scenario/script.h"
+#include "script/script.h"
 
 namespace zev::scenario {
 
@@ -16,6 +16,7 @@ struct Package {
   std::optional<std::filesystem::path> file;  ///< none: a bare image; need not be there yet
   std::uint64_t cutEnd = 0;                   ///< bytes taken off the end
   std::uint64_t cutStart = 0;                 ///< bytes taken off the beginning
+  std::optional<std::uint64_t> keepEnd;       ///< keeps so many bytes at the end
   std::optional<std::uint64_t> length;        ///< keeps so many; a shorter file gets zeros in front
   std::vector<std::uint64_t> flip;            ///< offsets of bytes to invert
   std::string path;                           ///< in the document, for messages

@@ -1,11 +1,11 @@
-#include "scenario/script.h"
+#include "script/script.h"
 
 #include <algorithm>
 #include <array>
 #include <regex>
 
-#include "scenario/expectation.h"
-#include "scenario/matcher.h"
+#include "script/expectation.h"
+#include "script/matcher.h"
 
 namespace zev::scenario {
 namespace {
