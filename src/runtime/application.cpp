@@ -53,7 +53,12 @@ void Application::load(Form& form) {
   forms_.push_back(&form);
   form.observeAll(&engine_);
   engine_.loaded(form);
-  if (form.Load) form.Load();
+  try {
+    if (form.Load) form.Load();
+  } catch (const RuntimeError&) {
+    discard(form);
+    throw;
+  }
 }
 
 void Application::Show(Form& form) {
@@ -75,13 +80,18 @@ bool Application::Unload(Form& form, UnloadMode mode) {
   if (form.QueryUnload) form.QueryUnload(Cancel, mode);
   if (Cancel == 0 && form.Unload) form.Unload(Cancel);
   if (Cancel != 0) return false;
-  if (!form.loaded_) return true;  // an event that came in meanwhile has unloaded it
+  discard(form);
+  return true;
+}
+
+/// An event that came in meanwhile may have unloaded it.
+void Application::discard(Form& form) {
+  if (!form.loaded_) return;
   form.loaded_ = false;
   form.Visible.follow(false);
   std::erase(forms_, &form);
   engine_.unloaded(form);
   form.observeAll(nullptr);
-  return true;
 }
 
 }  // namespace zev

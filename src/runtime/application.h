@@ -51,7 +51,7 @@ class Application {
   void run(const EventProcedure& entry);
 
   /// Loads the form if need be (its Load event runs before it is visible) and shows it. A form that
-  /// its own Load unloaded is not shown.
+  /// its own Load unloaded is not shown; one whose Load fails is gone again.
   void Show(Form& form);
   void Hide(Form& form);
   /// Unloads a loaded form: the query, the unload event, then it is gone. True if it is gone.
@@ -72,6 +72,7 @@ class Application {
 
  private:
   void load(Form& form);
+  void discard(Form& form);
   void runQueue();
   void leaveIfOver() const;
 

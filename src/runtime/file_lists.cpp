@@ -26,9 +26,9 @@ void DriveListBox::setDrive(TextView drive) {
   if (Change) Change();
 }
 
-void DriveListBox::comeUpOn(TextView drive) { drive_.follow(driveOf(drive)); }
+void DriveListBox::comeUpOn(TextView drive) { drive_ = driveOf(drive); }
 
-void DirListBox::comeUpOn(TextView path) { path_.follow(folderOf(path)); }
+void DirListBox::comeUpOn(TextView path) { path_ = folderOf(path); }
 
 void DirListBox::setPath(TextView path) {
   const Text wanted = folderOf(path);

@@ -157,10 +157,15 @@ void Wizard::Command2_Click() {
 
 void Wizard::Command3_Click() { platform_.application.Unload(form1_); }
 
-/// The folder browser gives the form back when it closes.
+/// The folder browser gives the form back when it closes; one that cannot open never will.
 void Wizard::Command4_Click() {
   form1_.Enabled = false;
-  platform_.application.Show(program_.form3);
+  try {
+    platform_.application.Show(program_.form3);
+  } catch (const RuntimeError&) {
+    form1_.Enabled = true;
+    throw;
+  }
 }
 
 /// The options show the form again when they close.

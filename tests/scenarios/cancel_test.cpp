@@ -13,10 +13,6 @@ namespace {
 
 using simulated::Event;
 
-// One behind the temporary folder, one a member that is laid (all but ZEVUser.exe), one behind the
-// redistributable, one at the end.
-constexpr std::size_t passesOfARun = 1 + 55 + 1 + 1;
-
 std::string cancelAt(std::size_t pass, const std::string& answer) {
   return R"({"script": [{"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"},
              {"answer": [")" +

@@ -7,6 +7,7 @@
 #include "package/manifest.h"
 #include "runtime/text.h"
 #include "scenarios/whole_run.h"
+#include "support/table.h"
 
 namespace zev {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 const std::string installFolder = "C:\\Program Files\\ZEV Screen Recorder 6";
 const std::string temporaryFolder = "C:\\Users\\bob\\AppData\\Local\\Temp\\ZEVTMP";
 const std::string userFolder = "C:\\Users\\bob\\AppData\\Local";
+const std::string desktop = "C:\\Users\\bob\\Desktop";
 
 WholeRun install(const std::string& package) {
   return WholeRun(R"({"package": )" + package + R"(, "script": [)" + stepsToInstall + "]}");
@@ -24,6 +26,18 @@ std::string targetOf(const ManifestRow& row) {
   if (row.target == Target::System) return "C:\\Windows\\system32" + name;
   if (row.target == Target::Projects) return "C:\\Users\\bob\\Documents\\ZEV Projects" + name;
   return installFolder + name;
+}
+
+/// The folder of the group, its shortcuts and the one on the desktop.
+std::set<std::string> shortcutPaths() {
+  const std::string group =
+      "C:\\ProgramData\\Microsoft\\Windows\\Start Menu\\ZEV Screen Recorder 6";
+  std::set<std::string> paths = {group};
+  for (const test::Row& row : test::Table::read("shortcuts.tsv")) {
+    const std::string& folder = row.is("place", "desktop") ? desktop : group;
+    paths.insert(folder + "\\" + row.quoted("file"));
+  }
+  return paths;
 }
 
 /// All that a run may write to.
@@ -44,6 +58,7 @@ std::set<std::string> allowedPaths() {
        {"Dizin", "Version", "IncCur", "dwKFE", "RecSnd", "CapSpeed", "Language"}) {
     paths.insert(userFolder + "\\Tavorns\\ZEV5\\" + name);
   }
+  paths.merge(shortcutPaths());
   return paths;
 }
 

@@ -46,10 +46,13 @@ TEST(RunScreen, TheBarGrowsFromNothingToItsFrame) {
 TEST(RunScreen, TellsEachStageInItsOrder) {
   const char* const stages[] = {
       "Copying files into temporary folder and expanding into install directory...",
-      "Registry settings are being done...", "Temporary files are being deleted...",
+      "Registry settings are being done...",
+      "'.zrd' file type registry...",
+      "Temporary files are being deleted...",
+      "ZEV has been sucessfully installed into 'C:\\Program Files\\ZEV Screen Recorder 6' "
+      "directory.\r\n\r\nNow creating shortcuts...",
       "Installation of ZEV Screen Recorder has been successfully completed! You can launch ZEV "
-      "from "
-      "the Start Menu."};
+      "from the Start Menu."};
   EXPECT_THAT(written(cleanRun(), "Label11", "Caption"), ElementsAreArray(stages));
 }
 

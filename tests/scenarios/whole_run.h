@@ -36,4 +36,13 @@ class WholeRun {
 /// The steps from the welcome page to the run: the last one presses Install.
 extern const char* const stepsToInstall;
 
+/// How many passes of the message loop a run without failures makes on a usual machine, from the
+/// click on Install on: one for each level of the directory that the check makes (its folder alone:
+/// the one above it is there), one behind the temporary folder, one a member that is laid (all but
+/// ZEVUser.exe), one behind the redistributable, one for each entry that the listing of the
+/// profiles gives (".", ".." and bob), one at the end. The shortcuts are made without any.
+inline constexpr std::size_t passesOfARun = 1 + 1 + 55 + 1 + 3 + 1;
+/// Before Vista no profiles are listed.
+inline constexpr std::size_t passesBeforeVista = passesOfARun - 3;
+
 }  // namespace zev

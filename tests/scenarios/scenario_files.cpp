@@ -1,0 +1,148 @@
+#include "scenarios/scenario_files.h"
+
+#include <algorithm>
+#include <fstream>
+#include <optional>
+#include <sstream>
+
+#include "package/manifest.h"
+#include "programs/zevsim/setup_program.h"
+
+namespace zev {
+namespace {
+
+namespace fs = std::filesystem;
+using scenario::Json;
+
+const fs::path scenarios = ZEV_SCENARIOS;
+constexpr std::int64_t imageSize = 1000;
+const std::string usualInstaller = "C:\\Users\\bob\\Downloads\\ZEVSetup.exe";
+
+std::vector<std::string> findFiles() {
+  std::vector<std::string> files;
+  for (const fs::directory_entry& each : fs::recursive_directory_iterator(scenarios)) {
+    if (each.path().extension() == ".json") {
+      files.push_back(fs::relative(each.path(), scenarios).generic_string());
+    }
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+/// An expectation still stands between the steps around it, and nothing is expected there.
+void emptyExpectations(Json& steps) {
+  for (Json& step : steps) {
+    if (step.contains("expect")) step["expect"] = Json::object();
+  }
+}
+
+/// The length of a package of which nothing else is said; none for one whose bytes matter.
+std::optional<std::int64_t> lengthAlone(const Json& document) {
+  Json package = document.value("package", Json::object());
+  const std::int64_t length = package.value("length", std::int64_t{packageSize + imageSize});
+  package.erase("file");
+  package.erase("length");
+  return package.empty() ? std::optional(length) : std::nullopt;
+}
+
+bool liesOnSystemDrive(const Json& machine, const std::string& installer) {
+  const Json drives = machine.value("drives", Json::object());
+  return installer.starts_with("C:") && (!drives.contains("C") || !drives["C"].is_null());
+}
+
+/// The entries of the scenario's own come later and win.
+void layZeros(Json& document, const std::string& installer, std::int64_t length) {
+  document.erase("package");
+  Json& machine = document["machine"];
+  if (machine.is_null()) machine = Json::object();
+  Json files = {{installer, {{"size", length}}}};
+  const Json own = machine.value("files", Json::object());
+  for (const auto& [path, entry] : own.items()) files[path] = entry;
+  machine["files"] = std::move(files);
+}
+
+void layPackage(Json& document) {
+  const Json machine = document.value("machine", Json::object());
+  const std::string installer = machine.value("installer", usualInstaller);
+  const auto length = lengthAlone(document);
+  if (length && liesOnSystemDrive(machine, installer)) {
+    layZeros(document, installer, *length);
+  } else {
+    document["package"]["file"] = ZEV_PACKAGE;
+  }
+}
+
+/// Files that nobody reads: instead of their bytes their size is kept, so that a state is had
+/// without digests of them.
+void shrinkFiles(simulated::Disks& disks, const Text& folder) {
+  constexpr std::uint64_t largest = 65536;
+  for (const Text& name : disks.names(folder).value_or(std::vector<Text>())) {
+    const Text path = folder + (folder.back() == u'\\' ? u"" : u"\\") + name;
+    const auto entry = disks.find(path);
+    if (!entry) continue;
+    if ((entry->attributes & file_attribute::directory) != 0) {
+      shrinkFiles(disks, path);
+    } else if (entry->size > largest) {
+      disks.putText(path, "of " + std::to_string(entry->size) + " bytes");
+    }
+  }
+}
+
+Json stateOf(simulated::SimulatedMachine& machine) {
+  for (const char16_t letter : machine.disks().letters()) {
+    const bool onHost = machine.disks().drive(letter)->host.has_value();
+    if (!onHost) shrinkFiles(machine.disks(), Text{letter} + u":\\");
+  }
+  return machine.state();
+}
+
+void playInto(PlayedStory& story, const Json& document, const std::string& file) {
+  const auto scenario = scenario::parseScenario(document.dump(), (scenarios / file).parent_path());
+  simulated::TranscriptLog log;
+  scenario::Companion nobody;
+  scenario::Player player(scenario, makeSetupProgram, log, nobody);
+  player.play();
+  story.events = log.events();
+  story.state = stateOf(player.machine());
+  const auto language = player.program().global("gLanguage");
+  story.language = std::get<std::int32_t>(language.value());
+}
+
+}  // namespace
+
+const std::vector<std::string>& scenarioFiles() {
+  static const std::vector<std::string> files = findFiles();
+  return files;
+}
+
+void forEachSteps(Json& document, const std::function<void(Json&)>& change) {
+  const std::function<void(Json&)> visit = [&](Json& steps) {
+    change(steps);
+    for (Json& step : steps) {
+      if (step.contains("at")) visit(step["do"]);
+    }
+  };
+  if (document.contains("script")) visit(document["script"]);
+}
+
+Json readStory(const std::string& file) {
+  std::ifstream in(scenarios / file, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  Json document = Json::parse(text.str());
+  forEachSteps(document, emptyExpectations);
+  return document;
+}
+
+PlayedStory play(Json document, const std::string& file) {
+  PlayedStory story;
+  try {
+    layPackage(document);
+    playInto(story, document, file);
+  } catch (const scenario::ScenarioError& error) {
+    story.refusal = error.what();
+  }
+  return story;
+}
+
+}  // namespace zev
