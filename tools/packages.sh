@@ -2,12 +2,18 @@
 
 packages_to_run=(
   g++ cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev
-  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev gcc-mingw-w64-x86-64 fp-utils-3.2.2
+  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev g++-mingw-w64-x86-64-posix fp-utils-3.2.2
 )
 
 packages_to_test=(
   clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev
   libmspack-dev mscompress valgrind binutils file python3
+)
+
+# The Windows programs, their tests, and the machine that they run on.
+packages_for_windows=(
+  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest
+  wine64 fonts-wine xvfb imagemagick xdotool python3
 )
 
 as_root() {

@@ -24,6 +24,8 @@ class Bench {
   virtual char16_t freeLetter() = 0;
   /// Full path of a program that starts and ends by itself.
   virtual Text program() = 0;
+  /// True on Wine: where it is known to differ from Windows, a case says so and why.
+  virtual bool isWine() { return false; }
 };
 
 /// Defined once by each binding that the suite is linked with.

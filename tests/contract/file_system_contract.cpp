@@ -153,6 +153,7 @@ TEST_F(FileSystemContract, SharesNoFileThatIsOpenForItself) {
   EXPECT_EQ(second.error, success);
   EXPECT_EQ(open(path, FileAccess::Read, FileDisposition::OpenExisting, FileShare::Nothing).error,
             sharingViolation);
+  EXPECT_EQ(system().DeleteFileA(path), sharingViolation);
   system().CloseHandle(first.file);
   system().CloseHandle(second.file);
   EXPECT_EQ(system().DeleteFileA(path), success);
@@ -196,10 +197,12 @@ TEST_F(FileSystemContract, RefusesNamesThatTheSystemDoesNotAllow) {
 }
 
 TEST_F(FileSystemContract, FindsNothingOnADriveThatIsNotThere) {
+  // Wine takes the missing drive for a missing entry of the folder that holds its drives.
+  const SystemError missing = bench().isWine() ? fileNotFound : pathNotFound;
   const Text root = {bench().freeLetter(), u':', u'\\'};
   EXPECT_FALSE(system().rootExists(root));
-  EXPECT_EQ(lookUpError(root + u"x"), pathNotFound);
-  EXPECT_EQ(system().CreateDirectoryA(root + u"x"), pathNotFound);
+  EXPECT_EQ(lookUpError(root + u"x"), missing);
+  EXPECT_EQ(system().CreateDirectoryA(root + u"x"), missing);
   EXPECT_EQ(searchError(root + u"*.*"), pathNotFound);
 }
 
@@ -232,7 +235,11 @@ TEST_F(FileSystemContract, DeletesOnlyFiles) {
   EXPECT_EQ(system().DeleteFileA(in(u"none\\file")), pathNotFound);
 }
 
-TEST_F(FileSystemContract, SetsFourAttributesAndLeavesADirectoryOne) {
+TEST_F(FileSystemContract, SetsFourAttributesTogether) {
+  if (bench().isWine()) {
+    GTEST_SKIP() << "Wine cannot hide a file that it has just made read-only, and calls every file "
+                    "an archive";
+  }
   constexpr std::uint32_t four = file_attribute::readOnly | file_attribute::hidden |
                                  file_attribute::system | file_attribute::archive;
   const Text path = made(u"file");
@@ -240,6 +247,16 @@ TEST_F(FileSystemContract, SetsFourAttributesAndLeavesADirectoryOne) {
   EXPECT_EQ(attributesOf(path), four);
   EXPECT_EQ(system().SetFileAttributesA(path, file_attribute::normal), success);
   EXPECT_EQ(attributesOf(path), file_attribute::normal);
+}
+
+TEST_F(FileSystemContract, SetsAttributesAndLeavesADirectoryOne) {
+  const Text path = made(u"file");
+  for (const std::uint32_t set : {file_attribute::readOnly, file_attribute::hidden,
+                                  file_attribute::system, file_attribute::normal}) {
+    const std::uint32_t attributes = set | file_attribute::archive;
+    EXPECT_EQ(system().SetFileAttributesA(path, attributes), success);
+    EXPECT_EQ(attributesOf(path), attributes);
+  }
   ASSERT_EQ(system().CreateDirectoryA(in(u"d")), success);
   EXPECT_EQ(system().SetFileAttributesA(in(u"d"), file_attribute::hidden), success);
   EXPECT_EQ(attributesOf(in(u"d")), file_attribute::hidden | file_attribute::directory);
@@ -249,7 +266,9 @@ TEST_F(FileSystemContract, SetsFourAttributesAndLeavesADirectoryOne) {
 // ---- searches
 
 TEST_F(FileSystemContract, SearchesWithWildcards) {
-  for (const TextView name : {u"b.txt", u"a.TXT", u"plain", u"c.txtx"}) made(name);
+  // A longer extension that begins in the same way would match by its short name, on a drive that
+  // keeps such names.
+  for (const TextView name : {u"b.txt", u"a.TXT", u"plain", u"c.tx", u"d.xtxt"}) made(name);
   EXPECT_THAT(found(in(u"*.txt")), testing::UnorderedElementsAre(u"a.TXT", u"b.txt"));
   EXPECT_THAT(found(in(u"?.txt")), testing::UnorderedElementsAre(u"a.TXT", u"b.txt"));
   EXPECT_THAT(found(in(u"pl*n")), ElementsAre(u"plain"));

@@ -76,6 +76,16 @@ TEST_F(RegistryContract, TextIsStoredWithANulOfTheSystemsOwn) {
   registry().RegCloseKey(key);
 }
 
+TEST_F(RegistryContract, NoTextIsANulAlone) {
+  const RegistryKey key = created(bench().key());
+  ASSERT_EQ(registry().RegSetValueExA(key, u"Empty", registry_type::text, u"", 0), success);
+  std::uint32_t type = 0;
+  std::uint32_t size = 0;
+  ASSERT_EQ(registry().RegQueryValueExA(key, u"Empty", type, size), success);
+  EXPECT_EQ(size, 1u);
+  registry().RegCloseKey(key);
+}
+
 TEST_F(RegistryContract, ABufferTooSmallGetsNothingButTheSize) {
   const RegistryKey key = created(bench().key());
   ASSERT_EQ(registry().RegSetValueExA(key, u"x", registry_type::text, u"abcdef", 6), success);

@@ -47,6 +47,19 @@ TEST_F(SystemContract, TheUserNameIsCountedWithItsNul) {
   EXPECT_EQ(beforeNul(buffer).size() + 1, size);
 }
 
+TEST_F(SystemContract, TheUsersAccountHasADomain) {
+  Text user = blanks(256);
+  std::uint32_t size = 256;
+  ASSERT_TRUE(platform().system.GetUserNameA(user, size));
+  Text domain(256, u'\0');
+  size = 256;
+  ASSERT_TRUE(platform().system.LookupAccountNameA(beforeNul(user), 256, domain, size));
+  EXPECT_GT(size, 0u);
+  EXPECT_EQ(beforeNul(domain).size(), size);
+  size = 256;
+  EXPECT_FALSE(platform().system.LookupAccountNameA(u"nobody of that name", 256, domain, size));
+}
+
 TEST_F(SystemContract, TheVersionFillsTheFormThatIsAskedFor) {
   OSVERSIONINFO record;
   ASSERT_TRUE(platform().system.GetVersionExA(record));

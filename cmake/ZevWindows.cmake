@@ -1,0 +1,42 @@
+# What the builds for Windows need beyond the others.
+
+# No path of the machine that builds gets into an image.
+add_compile_options(
+  -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+
+# The JSON library is headers alone and serves every system, but the folder that it is installed in
+# holds the host's own headers too: a link makes a folder that holds nothing else.
+function(zev_find_json)
+  find_path(ZEV_JSON_FOLDER nlohmann/json.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  set(headers ${PROJECT_BINARY_DIR}/headers)
+  file(MAKE_DIRECTORY ${headers})
+  file(CREATE_LINK ${ZEV_JSON_FOLDER}/nlohmann ${headers}/nlohmann SYMBOLIC)
+  add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED GLOBAL)
+  target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${headers})
+endfunction()
+
+# The test library comes as source and is built along, without the project's warnings.
+function(zev_build_gtest)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  foreach(target gtest gtest_main gmock gmock_main)
+    target_compile_options(${target} PRIVATE -w)
+  endforeach()
+endfunction()
+
+# A program of tests of the Windows binding: one test of CTest's, which runs the program whole on a
+# fresh machine of Wine's. Wine runs 64-bit programs alone here, so 32-bit ones are only built.
+function(zev_wine_tests name)
+  if(ZEV_WINE AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+    add_test(
+      NAME Windows.${name}
+      COMMAND python3 ${PROJECT_SOURCE_DIR}/tests/windows/wine_machine.py run
+              ${PROJECT_BINARY_DIR}/wine $<TARGET_FILE:${name}> --gtest_brief=1)
+    set_tests_properties(Windows.${name} PROPERTIES TIMEOUT 600)
+  endif()
+endfunction()
+
+find_program(ZEV_WINE wine64 PATHS /usr/lib/wine)
+if(NOT ZEV_WINE AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  message(WARNING "Wine is not installed: the tests of the Windows binding are built and not run")
+endif()

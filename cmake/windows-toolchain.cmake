@@ -1,0 +1,17 @@
+# What both toolchains for Windows have in common. `zev_triplet` names the compilers.
+set(CMAKE_SYSTEM_NAME Windows)
+
+# The variant with the threads of the standard library.
+set(CMAKE_C_COMPILER ${zev_triplet}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${zev_triplet}-g++-posix)
+set(CMAKE_RC_COMPILER ${zev_triplet}-windres)
+
+set(CMAKE_FIND_ROOT_PATH /usr/${zev_triplet})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+# One file that needs no other beside it, at any address, with no time in it: two builds of the same
+# source give the same bytes.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-static -Wl,--nxcompat,--dynamicbase,--no-insert-timestamp")

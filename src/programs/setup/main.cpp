@@ -1,0 +1,45 @@
+// ZEVSetup.exe: the wizard on the Windows that it runs on.
+
+#include "win32/dialogs.h"
+#include "win32/form_engine.h"
+#include "win32/hardening.h"
+#include "win32/machine.h"
+#include "win32/windows_api.h"
+#include "wizard/setup.h"
+
+namespace zev {
+namespace {
+
+/// A run-time error that met no trap ends the program, behind the words that the run-time has for
+/// it.
+void tellError(Dialogs& dialogs, const RuntimeError& error) {
+  dialogs.MsgBox(join(u"Run-time error '", decimal(error.number()), u"':", lineEnd, lineEnd,
+                      error.description()),
+                 box_style::exclamation, dialogs.defaultTitle());
+}
+
+void runSetup() {
+  win32::WindowsEngine engine;
+  Application application(engine);
+  engine.serve(application);
+  win32::WindowsDialogs dialogs(engine);
+  win32::Machine machine;
+  Platform platform = machine.platform(application, dialogs);
+  Setup setup(platform);
+  try {
+    application.run([&] { setup.start(); });
+  } catch (const ProgramEnd&) {
+    return;
+  } catch (const UnhandledError& unhandled) {
+    tellError(dialogs, unhandled.error);
+  }
+}
+
+}  // namespace
+}  // namespace zev
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  zev::win32::harden();
+  zev::runSetup();
+  return 0;
+}

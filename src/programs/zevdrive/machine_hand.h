@@ -1,0 +1,43 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "programs/zevdrive/other_windows.h"
+#include "script/machine_change.h"
+
+namespace zev::drive {
+
+/// Why the Windows that this runs on cannot be changed so; none if it can. The files, the registry
+/// and the windows of other programs can be.
+std::optional<std::string> refusal(const scenario::MachineChange& change);
+
+/// Saves the keys Software of the machine and of the user in a folder, as the system saves keys:
+/// machine.reg and user.reg. Fails with std::runtime_error.
+void saveRegistry(const std::filesystem::path& folder);
+
+/// Makes the changes of a scenario on the Windows that this runs on.
+class MachineHand {
+ public:
+  /// Fails with a ScenarioError for what the system refuses.
+  void change(const scenario::MachineChange& change);
+  /// The same at the beginning, when the temporary folder can be another one as well: that of all
+  /// programs which are started from here.
+  void prepare(const scenario::MachineChange& machine);
+
+ private:
+  void change(const scenario::FileEntry& entry);
+  void occupy(const Text& path, bool inUse);
+
+  struct HandleCloser {
+    void operator()(void* handle) const { CloseHandle(handle); }
+  };
+  std::map<Text, std::unique_ptr<void, HandleCloser>> occupied_;  ///< files without sharing
+  std::unique_ptr<OtherWindows> windows_;
+};
+
+}  // namespace zev::drive

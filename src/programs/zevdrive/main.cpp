@@ -1,0 +1,108 @@
+// zevdrive: plays a scenario on the real program, through its windows.
+
+#include <fstream>
+#include <iostream>
+
+#include "programs/zevdrive/drive_options.h"
+#include "programs/zevdrive/driver.h"
+#include "programs/zevdrive/refusals.h"
+#include "state/form1.h"
+#include "state/form2.h"
+#include "state/form3.h"
+
+namespace zev::drive {
+namespace {
+
+namespace exit_status {
+constexpr int held = 0;
+constexpr int failed = 1;
+constexpr int unusable = 2;
+constexpr int broken = 3;
+constexpr int refused = 4;
+}  // namespace exit_status
+
+std::string shown(const scenario::Json& value) {
+  return value.dump(-1, ' ', false, scenario::Json::error_handler_t::replace);
+}
+
+int report(const Judgements& judgements) {
+  for (const auto& each : judgements.failures) {
+    std::cerr << "FAILED " << each.path << "\n  expected: " << shown(each.expected)
+              << "\n  found:    " << shown(each.found) << '\n';
+  }
+  std::cerr << "held: " << judgements.held << ", failed: " << judgements.failures.size() << '\n';
+  for (const auto& [key, count] : judgements.notSeen) {
+    std::cerr << "not seen: " << key << " (" << count << ")\n";
+  }
+  return judgements.failures.empty() ? exit_status::held : exit_status::failed;
+}
+
+Text textOf(const std::filesystem::path& path) {
+  const std::wstring name = std::filesystem::absolute(path).wstring();
+  return Text(name.begin(), name.end());
+}
+
+int play(const scenario::Scenario& scenario, const DriveOptions& options, MachineHand& machine) {
+  std::ofstream file;
+  if (options.transcript) {
+    file.open(*options.transcript, std::ios::binary | std::ios::trunc);
+    if (!file) throw UsageError("cannot write " + options.transcript->string());
+  } else {
+    std::ios::sync_with_stdio(false);
+  }
+  Form1 form1;
+  Form2 form2;
+  Form3 form3;
+  scenario::OutsideView view(options.transcript ? static_cast<std::ostream&>(file) : std::cout);
+  const auto length = std::chrono::duration_cast<RunningProgram::Clock::duration>(
+      std::chrono::duration<double>(options.timeout));
+  Driver driver(scenario, textOf(*options.program), {&form1, &form2, &form3}, view,
+                RunningProgram::Clock::now() + length);
+  driver.play(machine);
+  return report(driver.judgements());
+}
+
+int drive(const DriveOptions& options) {
+  const scenario::Scenario scenario = scenario::readScenario(*options.scenario);
+  if (const auto reason = refusal(scenario)) {
+    std::cerr << "not played: " << *reason << '\n';
+    return exit_status::refused;
+  }
+  if (options.check) return exit_status::held;
+  MachineHand machine;
+  if (options.prepare) machine.prepare(scenario.machine);
+  const int status = options.program ? play(scenario, options, machine) : exit_status::held;
+  if (options.registry) saveRegistry(*options.registry);
+  return status;
+}
+
+int driveReporting(const DriveOptions& options) {
+  try {
+    return drive(options);
+  } catch (const scenario::ScenarioError& error) {
+    std::cerr << options.scenario->string() << ": " << error.path() << ": " << error.reason()
+              << '\n';
+    return exit_status::unusable;
+  }
+}
+
+int driveMain(const std::vector<std::string>& arguments) {
+  try {
+    const DriveOptions options = parseOptions(arguments);
+    if (options.help) std::cout << driveUsage;
+    return options.help ? exit_status::held : driveReporting(options);
+  } catch (const UsageError& error) {
+    std::cerr << "zevdrive: " << error.what() << "\n\n" << driveUsage;
+    return exit_status::unusable;
+  } catch (const std::exception& error) {
+    std::cerr << "zevdrive: " << error.what() << '\n';
+    return exit_status::broken;
+  }
+}
+
+}  // namespace
+}  // namespace zev::drive
+
+int main(int argumentCount, char** arguments) {
+  return zev::drive::driveMain({arguments + 1, arguments + argumentCount});
+}

@@ -1,0 +1,107 @@
+#include "programs/zevdrive/message_box.h"
+
+#include <algorithm>
+
+#include "programs/zevdrive/program_windows.h"
+#include "win32/input_box.h"
+
+namespace zev::drive {
+namespace {
+
+constexpr int defaultButtonShift = 8;
+
+/// The buttons that the lowest digit of a style stands for, in their order.
+const std::vector<BoxAnswer> buttonSets[] = {
+    {BoxAnswer::OK},
+    {BoxAnswer::OK, BoxAnswer::Cancel},
+    {BoxAnswer::Abort, BoxAnswer::Retry, BoxAnswer::Ignore},
+    {BoxAnswer::Yes, BoxAnswer::No, BoxAnswer::Cancel},
+    {BoxAnswer::Yes, BoxAnswer::No},
+    {BoxAnswer::Retry, BoxAnswer::Cancel},
+};
+
+bool shows(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0; }
+
+BOOL CALLBACK readPart(HWND window, LPARAM box) {
+  auto& shown = *reinterpret_cast<ShownBox*>(box);
+  const Text name = classOf(window);
+  if (!shows(window)) return TRUE;
+  if (equalText(name, u"Button")) {
+    shown.buttons.push_back(static_cast<BoxAnswer>(GetDlgCtrlID(window)));
+  } else if (equalText(name, u"Static")) {
+    const bool icon = (GetWindowLongW(window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
+    if (icon) shown.icon = true;
+    if (!icon) shown.text += textOf(window).value_or(Text());
+  }
+  return TRUE;
+}
+
+void command(HWND box, int id) {
+  PostMessageW(box, WM_COMMAND, MAKEWPARAM(static_cast<WORD>(id), BN_CLICKED),
+               reinterpret_cast<LPARAM>(GetDlgItem(box, id)));
+}
+
+/// The default button has the focus when a box opens.
+BoxAnswer defaultButton(HWND box) {
+  GUITHREADINFO state{};
+  state.cbSize = sizeof state;
+  GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &state);
+  if (state.hwndFocus != nullptr && IsChild(box, state.hwndFocus)) {
+    return static_cast<BoxAnswer>(GetDlgCtrlID(state.hwndFocus));
+  }
+  return static_cast<BoxAnswer>(LOWORD(ask(box, DM_GETDEFID).value_or(0)));
+}
+
+/// A box with a single button gives it the number of Cancel on some systems.
+void nameSingleButton(ShownBox& box) {
+  if (box.buttons.size() != 1) return;
+  box.buttons = {BoxAnswer::OK};
+  box.byDefault = BoxAnswer::OK;
+}
+
+}  // namespace
+
+std::int32_t ShownBox::style() const {
+  const auto set =
+      std::find_if(std::begin(buttonSets), std::end(buttonSets), [&](const auto& each) {
+        return each.size() == buttons.size() &&
+               std::is_permutation(each.begin(), each.end(), buttons.begin());
+      });
+  if (set == std::end(buttonSets)) return -1;
+  const auto place = std::find(set->begin(), set->end(), byDefault) - set->begin();
+  return static_cast<std::int32_t>((set - std::begin(buttonSets)) | place << defaultButtonShift);
+}
+
+bool isInputBox(HWND box) { return GetDlgItem(box, win32::input_box::field) != nullptr; }
+
+ShownBox readBox(HWND box) {
+  ShownBox shown;
+  shown.window = box;
+  shown.title = textOf(box).value_or(Text());
+  EnumChildWindows(box, readPart, reinterpret_cast<LPARAM>(&shown));
+  shown.byDefault = defaultButton(box);
+  nameSingleButton(shown);
+  return shown;
+}
+
+void press(const ShownBox& box, BoxAnswer answer) {
+  const int id = static_cast<int>(answer);
+  const bool single = GetDlgItem(box.window, id) == nullptr;
+  command(box.window, single ? IDCANCEL : id);
+}
+
+ShownInput readInput(HWND box) {
+  const auto part = [&](int id) { return textOf(GetDlgItem(box, id)).value_or(Text()); };
+  return {box, part(win32::input_box::prompt), textOf(box).value_or(Text()),
+          part(win32::input_box::field)};
+}
+
+void enter(const ShownInput& box, const Text& text) {
+  SendMessageW(GetDlgItem(box.window, win32::input_box::field), WM_SETTEXT, 0,
+               reinterpret_cast<LPARAM>(text.c_str()));
+  command(box.window, IDOK);
+}
+
+void cancel(const ShownInput& box) { command(box.window, IDCANCEL); }
+
+}  // namespace zev::drive

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/dialogs.h"
+#include "win32/windows_api.h"
+
+namespace zev::drive {
+
+/// A message box on the screen, as far as it shows.
+struct ShownBox {
+  HWND window = nullptr;
+  Text text{};
+  Text title{};
+  std::vector<BoxAnswer> buttons{};  ///< from the left
+  BoxAnswer byDefault = BoxAnswer::OK;
+  bool icon = false;
+
+  /// Buttons and default button as the style's number has them.
+  std::int32_t style() const;
+};
+
+/// True for the box that asks for a text.
+bool isInputBox(HWND box);
+
+ShownBox readBox(HWND box);
+/// Presses a button of a message box.
+void press(const ShownBox& box, BoxAnswer answer);
+
+/// An input box on the screen.
+struct ShownInput {
+  HWND window = nullptr;
+  Text prompt{};
+  Text title{};
+  Text initial{};
+};
+
+ShownInput readInput(HWND box);
+/// Leaves the box with that text by OK.
+void enter(const ShownInput& box, const Text& text);
+/// Leaves the box by Cancel.
+void cancel(const ShownInput& box);
+
+}  // namespace zev::drive

@@ -1,0 +1,48 @@
+#include "programs/zevdrive/other_windows.h"
+
+#include "win32/form_metrics.h"
+
+namespace zev::drive {
+namespace {
+
+constexpr const wchar_t* className = L"ZevdriveOther";
+
+void makeWindow(const Text& title) {
+  CreateWindowExW(WS_EX_NOACTIVATE, className, win32::wide(title), WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                  0, 0, 200, 40, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+}
+
+}  // namespace
+
+OtherWindows::OtherWindows(std::vector<Text> titles) : titles_(std::move(titles)) {
+  if (titles_.empty()) return;
+  WNDCLASSW description{};
+  description.lpfnWndProc = DefWindowProcW;
+  description.hInstance = GetModuleHandleW(nullptr);
+  description.lpszClassName = className;
+  RegisterClassW(&description);
+  const HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  thread_ = std::thread([this, ready] {
+    threadId_ = GetCurrentThreadId();
+    run(ready);
+  });
+  constexpr DWORD forever = 0xFFFFFFFF;
+  WaitForSingleObject(ready, forever);
+  CloseHandle(ready);
+}
+
+OtherWindows::~OtherWindows() {
+  if (!thread_.joinable()) return;
+  PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
+  thread_.join();
+}
+
+/// The one made last lies on top, so that they are made from the last to the first.
+void OtherWindows::run(HANDLE ready) const {
+  for (auto title = titles_.rbegin(); title != titles_.rend(); ++title) makeWindow(*title);
+  SetEvent(ready);
+  MSG message{};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
+}
+
+}  // namespace zev::drive

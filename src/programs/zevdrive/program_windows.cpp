@@ -1,0 +1,150 @@
+#include "programs/zevdrive/program_windows.h"
+
+#include <algorithm>
+#include <array>
+
+#include "win32/control_windows.h"
+#include "win32/form_metrics.h"
+
+namespace zev::drive {
+namespace {
+
+constexpr TextView boxClass = u"#32770";
+
+/// Controls that keep their text themselves: only they can tell it.
+bool keepsItsText(HWND window) {
+  const Text name = classOf(window);
+  return equalText(name, u"Edit") || equalText(name, u"ComboBox");
+}
+
+Text storedText(HWND window) {
+  std::wstring buffer(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  const int length = InternalGetWindowText(window, buffer.data(), static_cast<int>(buffer.size()));
+  return Text(buffer.begin(), buffer.begin() + std::max(length, 0));
+}
+
+std::optional<Text> askedText(HWND window) {
+  const auto length = ask(window, WM_GETTEXTLENGTH);
+  if (!length) return std::nullopt;
+  std::wstring buffer(*length + 1, L'\0');
+  const auto copied =
+      ask(window, WM_GETTEXT, buffer.size(), reinterpret_cast<LPARAM>(buffer.data()));
+  if (!copied) return std::nullopt;
+  return Text(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(*copied));
+}
+
+bool isVisible(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0; }
+
+}  // namespace
+
+std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first, LPARAM second) {
+  DWORD_PTR answer = 0;
+  if (SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, patience, &answer) == 0) {
+    return std::nullopt;
+  }
+  return answer;
+}
+
+Text classOf(HWND window) {
+  std::array<wchar_t, 64> name{};
+  const int length = GetClassNameW(window, name.data(), static_cast<int>(name.size()));
+  return Text(name.begin(), name.begin() + length);
+}
+
+std::optional<Text> textOf(HWND window) {
+  return keepsItsText(window) ? askedText(window) : storedText(window);
+}
+
+ProgramWindows::ProgramWindows(DWORD thread, std::vector<Form*> forms)
+    : thread_(thread), forms_(std::move(forms)) {}
+
+void ProgramWindows::look() {
+  order_.clear();
+  box_ = nullptr;
+  EnumThreadWindows(thread_, addWindow, reinterpret_cast<LPARAM>(this));
+  for (auto& [form, window] : windows_) {
+    if (std::find(order_.begin(), order_.end(), window.window) == order_.end()) window = {};
+  }
+}
+
+BOOL CALLBACK ProgramWindows::addWindow(HWND window, LPARAM self) {
+  reinterpret_cast<ProgramWindows*>(self)->add(window);
+  return TRUE;
+}
+
+BOOL CALLBACK ProgramWindows::addControl(HWND window, LPARAM controls) {
+  auto& all = *reinterpret_cast<std::map<int, HWND>*>(controls);
+  all.emplace(GetDlgCtrlID(window), window);
+  return TRUE;
+}
+
+void ProgramWindows::add(HWND window) {
+  const Text name = classOf(window);
+  if (name == boxClass && box_ == nullptr && IsWindowVisible(window)) box_ = window;
+  for (const Form* form : forms_) {
+    if (name != join(u"ZEV.", form->name())) continue;
+    order_.push_back(window);
+    FormWindow& known = windows_[form];
+    if (known.window == window && known.whole) return;
+    known = {window, {}, isVisible(window)};
+    EnumChildWindows(window, addControl, reinterpret_cast<LPARAM>(&known.controls));
+  }
+}
+
+HWND ProgramWindows::windowOf(const Form& form) const {
+  const auto found = windows_.find(&form);
+  return found == windows_.end() ? nullptr : found->second.window;
+}
+
+HWND ProgramWindows::windowOf(const Form& form, const Control& control) const {
+  const auto found = windows_.find(&form);
+  if (found == windows_.end()) return nullptr;
+  const auto place = std::find(form.Controls().begin(), form.Controls().end(), &control);
+  const auto window = found->second.controls.find(
+      win32::firstControlId + static_cast<int>(place - form.Controls().begin()));
+  return window == found->second.controls.end() ? nullptr : window->second;
+}
+
+Form* ProgramWindows::activeForm() const {
+  Form* firstVisible = nullptr;
+  for (const HWND window : order_) {
+    const auto form = std::find_if(forms_.begin(), forms_.end(),
+                                   [&](const Form* each) { return windowOf(*each) == window; });
+    if (form == forms_.end() || !isVisible(window)) continue;
+    if (IsWindowEnabled(window)) return *form;
+    if (firstVisible == nullptr) firstVisible = *form;
+  }
+  return firstVisible;
+}
+
+std::optional<scenario::Sight> ProgramWindows::sight() const {
+  scenario::Sight sight;
+  for (const Form* form : forms_) {
+    auto seen = sightOf(*form);
+    if (!seen) return std::nullopt;
+    sight.push_back(std::move(*seen));
+  }
+  return sight;
+}
+
+std::optional<scenario::SeenForm> ProgramWindows::sightOf(const Form& form) const {
+  scenario::SeenForm seen;
+  seen.form = &form;
+  const HWND window = windowOf(form);
+  if (window == nullptr || !isVisible(window)) return seen;
+  seen.visible = true;
+  seen.caption = storedText(window);
+  seen.enabled = IsWindowEnabled(window);
+  for (std::size_t place = 0; place < form.Controls().size(); ++place) {
+    const Control& control = *form.Controls()[place];
+    if (!scenario::isSeen(control)) continue;
+    const HWND own = windowOf(form, control);
+    const bool hasText = !scenario::textPropertyOf(control).empty();
+    const auto text = hasText ? textOf(own) : Text();
+    if (!text) return std::nullopt;
+    seen.controls[place] = {*text, IsWindowEnabled(own) != FALSE, isVisible(own)};
+  }
+  return seen;
+}
+
+}  // namespace zev::drive

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "script/outside_view.h"
+#include "win32/windows_api.h"
+
+namespace zev::drive {
+
+/// Longest that a window is waited for before it counts as busy, in milliseconds.
+inline constexpr UINT patience = 50;
+
+/// Sends a message and waits for its answer; none if the window's program is busy or gone.
+std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);
+
+/// The name of a window's class.
+Text classOf(HWND window);
+
+/// The text of a window of another program, whatever kind of control it is; none if it is busy.
+std::optional<Text> textOf(HWND window);
+
+/// The windows of a running program, found anew by each look().
+class ProgramWindows {
+ public:
+  /// The forms serve for names, kinds and places alone. Borrows them.
+  ProgramWindows(DWORD thread, std::vector<Form*> forms);
+
+  void look();
+
+  /// The window of a form or control; null if the form is not loaded, or the control has none.
+  HWND windowOf(const Form& form) const;
+  HWND windowOf(const Form& form, const Control& control) const;
+  /// The open message box or input box; null if there is none.
+  HWND box() const { return box_; }
+  /// The visible form on top, of the enabled ones if there are any; null without one.
+  Form* activeForm() const;
+  const std::vector<Form*>& forms() const { return forms_; }
+
+  /// What the forms show; none if the program is too busy to tell.
+  std::optional<scenario::Sight> sight() const;
+
+ private:
+  struct FormWindow {
+    HWND window = nullptr;
+    std::map<int, HWND> controls{};  ///< by their numbers
+    bool whole = false;              ///< none will be added: the form has been shown
+  };
+  void add(HWND window);
+  static BOOL CALLBACK addWindow(HWND window, LPARAM self);
+  static BOOL CALLBACK addControl(HWND window, LPARAM controls);
+  std::optional<scenario::SeenForm> sightOf(const Form& form) const;
+
+  DWORD thread_;
+  std::vector<Form*> forms_;
+  std::vector<HWND> order_;  ///< of the forms, the one on top first
+  std::map<const Form*, FormWindow> windows_;
+  HWND box_ = nullptr;
+};
+
+}  // namespace zev::drive

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "script/scenario.h"
+
+namespace zev::drive {
+
+/// Why a scenario cannot be played from outside, in one line; none if it can.
+std::optional<std::string> refusal(const scenario::Scenario& scenario);
+
+}  // namespace zev::drive

@@ -1,0 +1,97 @@
+#include "programs/zevdrive/running_program.h"
+
+#include <algorithm>
+
+#include "win32/form_metrics.h"
+
+namespace zev::drive {
+namespace {
+
+/// Between two looks, in milliseconds, and how many must show the same.
+constexpr DWORD pause = 2;
+constexpr int quietLooks = 5;
+
+PROCESS_INFORMATION start(const Text& path) {
+  Text command = join(u"\"", path, u"\"");
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION process{};
+  if (!CreateProcessW(win32::wide(path), reinterpret_cast<wchar_t*>(command.data()), nullptr,
+                      nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+    throw DriveError("cannot start " + toUtf8(path) + ": error " + std::to_string(GetLastError()));
+  }
+  return process;
+}
+
+bool anyVisible(const scenario::Sight& sight) {
+  return std::any_of(sight.begin(), sight.end(), [](const auto& form) { return form.visible; });
+}
+
+}  // namespace
+
+RunningProgram::RunningProgram(const Text& path, std::vector<Form*> forms,
+                               Clock::time_point deadline)
+    : process_(start(path)), windows_(process_.dwThreadId, std::move(forms)), deadline_(deadline) {}
+
+RunningProgram::~RunningProgram() {
+  if (!over()) {
+    TerminateProcess(process_.hProcess, 1);
+    WaitForSingleObject(process_.hProcess, 5000);
+  }
+  CloseHandle(process_.hThread);
+  CloseHandle(process_.hProcess);
+}
+
+bool RunningProgram::over() const {
+  return WaitForSingleObject(process_.hProcess, 0) == WAIT_OBJECT_0;
+}
+
+void RunningProgram::requireTime(const char* what) const {
+  if (Clock::now() > deadline_) throw DriveError(std::string("in time ") + what);
+}
+
+/// Looks once more: true if nothing has changed and every window that shows answers.
+bool RunningProgram::looksTheSame() {
+  auto now = windows_.sight();
+  if (!now || !anyVisible(*now)) return false;
+  for (const Form* form : windows_.forms()) {
+    const HWND window = windows_.windowOf(*form);
+    if (window != nullptr && !ask(window, WM_NULL)) return false;
+  }
+  const bool same = *now == sight_;
+  sight_ = std::move(*now);
+  return same;
+}
+
+Course RunningProgram::settle() {
+  for (int quiet = 0; quiet < quietLooks; Sleep(pause)) {
+    requireTime("the program did not come to rest");
+    if (over()) return Course::Ended;
+    windows_.look();
+    if (windows_.box() != nullptr && ask(windows_.box(), WM_NULL)) {
+      if (auto now = windows_.sight()) {
+        sight_ = std::move(*now);
+        return Course::BoxOpen;
+      }
+    }
+    const bool same = windows_.box() == nullptr && looksTheSame();
+    quiet = same ? quiet + 1 : 0;
+  }
+  return Course::AtRest;
+}
+
+void RunningProgram::waitUntilGone(HWND box) {
+  while (IsWindow(box) && IsWindowVisible(box) && !over()) {
+    requireTime("a box did not close");
+    Sleep(1);
+  }
+}
+
+void RunningProgram::waitForEnd() {
+  while (!over()) {
+    requireTime("the program did not end");
+    Sleep(pause);
+  }
+}
+
+}  // namespace zev::drive

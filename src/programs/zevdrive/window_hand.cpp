@@ -1,0 +1,138 @@
+#include "programs/zevdrive/window_hand.h"
+
+#include "win32/form_metrics.h"
+
+namespace zev::drive {
+namespace {
+
+bool takesFocus(ControlKind kind) {
+  switch (kind) {
+    case ControlKind::CommandButton:
+    case ControlKind::OptionButton:
+    case ControlKind::CheckBox:
+    case ControlKind::TextBox:
+    case ControlKind::ComboBox:
+    case ControlKind::DriveListBox:
+    case ControlKind::DirListBox:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool isButton(ControlKind kind) {
+  return kind == ControlKind::CommandButton || kind == ControlKind::OptionButton ||
+         kind == ControlKind::CheckBox;
+}
+
+/// The messages of a list box and of a list that drops down.
+struct ListMessages {
+  UINT count, textLength, text, choice, choose;
+};
+constexpr ListMessages listBox{LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT, LB_GETCURSEL, LB_SETCURSEL};
+constexpr ListMessages comboBox{CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT, CB_GETCURSEL,
+                                CB_SETCURSEL};
+
+const ListMessages& messagesOf(const Control& control) {
+  return control.kind() == ControlKind::DirListBox ? listBox : comboBox;
+}
+
+}  // namespace
+
+bool WindowHand::reaches(const Form& form) const {
+  const HWND window = windows_.windowOf(form);
+  return window != nullptr && IsWindowVisible(window) && IsWindowEnabled(window) &&
+         windows_.box() == nullptr;
+}
+
+bool WindowHand::reaches(const Form& form, const Control& control) const {
+  const HWND own = windows_.windowOf(form, control);
+  if (own == nullptr || !reaches(form) || !IsWindowVisible(own)) return false;
+  for (HWND each = own; each != windows_.windowOf(form); each = GetParent(each)) {
+    if (!IsWindowEnabled(each)) return false;
+  }
+  return true;
+}
+
+/// A button takes the focus with the click itself. Of the others only those hear a click that the
+/// program listens to; the mouse button tells them.
+void WindowHand::click(const Form& form, const Control& control) const {
+  if (!reaches(form, control)) return;
+  const HWND window = windows_.windowOf(form, control);
+  if (isButton(control.kind())) {
+    PostMessageW(window, BM_CLICK, 0, 0);
+    return;
+  }
+  focus(form, control);
+  if (takesFocus(control.kind()) && control.kind() != ControlKind::TextBox) return;
+  PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
+  PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(1, 1));
+}
+
+/// The program hears of a new focus when its message loop turns.
+void WindowHand::focus(const Form& form, const Control& control) const {
+  if (!reaches(form, control) || !takesFocus(control.kind())) return;
+  const HWND window = windows_.windowOf(form, control);
+  const DWORD thread = GetWindowThreadProcessId(window, nullptr);
+  AttachThreadInput(GetCurrentThreadId(), thread, TRUE);
+  SetForegroundWindow(windows_.windowOf(form));
+  SetFocus(window);
+  AttachThreadInput(GetCurrentThreadId(), thread, FALSE);
+  PostMessageW(windows_.windowOf(form), WM_NULL, 0, 0);
+}
+
+void WindowHand::type(const Form& form, const Control& control, const Text& text) const {
+  const HWND window = windows_.windowOf(form, control);
+  if (!reaches(form, control)) return;
+  if ((GetWindowLongW(window, GWL_STYLE) & ES_READONLY) != 0) return;
+  focus(form, control);
+  SendMessageW(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  SendMessageW(window, EM_SETSEL, text.size(), static_cast<LPARAM>(text.size()));
+}
+
+void WindowHand::close(const Form& form) const {
+  if (reaches(form)) PostMessageW(windows_.windowOf(form), WM_CLOSE, 0, 0);
+}
+
+std::vector<Text> WindowHand::entries(const Form& form, const Control& control) const {
+  const HWND window = windows_.windowOf(form, control);
+  const ListMessages& messages = messagesOf(control);
+  std::vector<Text> all;
+  const LRESULT count = SendMessageW(window, messages.count, 0, 0);
+  for (LRESULT place = 0; place < count; ++place) {
+    const auto index = static_cast<WPARAM>(place);
+    const LRESULT length = SendMessageW(window, messages.textLength, index, 0);
+    std::wstring entry(static_cast<std::size_t>(length) + 1, L'\0');
+    SendMessageW(window, messages.text, index, reinterpret_cast<LPARAM>(entry.data()));
+    all.emplace_back(entry.begin(), entry.end() - 1);
+  }
+  return all;
+}
+
+int WindowHand::chosen(const Form& form, const Control& control) const {
+  return static_cast<int>(
+      SendMessageW(windows_.windowOf(form, control), messagesOf(control).choice, 0, 0));
+}
+
+void WindowHand::select(const Form& form, const Control& control, int place) const {
+  focus(form, control);
+  const HWND window = windows_.windowOf(form, control);
+  SendMessageW(window, CB_SETCURSEL, static_cast<WPARAM>(place), 0);
+  notify(window, CBN_SELCHANGE);
+}
+
+void WindowHand::open(const Form& form, const Control& control, int place) const {
+  focus(form, control);
+  const HWND window = windows_.windowOf(form, control);
+  SendMessageW(window, LB_SETCURSEL, static_cast<WPARAM>(place), 0);
+  notify(window, LBN_DBLCLK);
+}
+
+/// What the control itself would tell what it lies in.
+void WindowHand::notify(HWND window, int code) const {
+  PostMessageW(GetParent(window), WM_COMMAND,
+               MAKEWPARAM(static_cast<WORD>(GetDlgCtrlID(window)), static_cast<WORD>(code)),
+               reinterpret_cast<LPARAM>(window));
+}
+
+}  // namespace zev::drive

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "programs/zevdrive/program_windows.h"
+
+namespace zev::drive {
+
+/// What a person does to the windows of a program. Nothing at all happens on a control that is
+/// disabled or hidden or lies in such a container or form, and while a box is open. What sets the
+/// program to work is posted, so that it can open a box.
+class WindowHand {
+ public:
+  explicit WindowHand(const ProgramWindows& windows) : windows_(windows) {}
+
+  bool reaches(const Form& form) const;
+  bool reaches(const Form& form, const Control& control) const;
+
+  void click(const Form& form, const Control& control) const;
+  void focus(const Form& form, const Control& control) const;
+  /// Replaces the text of a text box that is not locked.
+  void type(const Form& form, const Control& control, const Text& text) const;
+  void close(const Form& form) const;
+
+  /// Entries of a list that drops down, or of a list box.
+  std::vector<Text> entries(const Form& form, const Control& control) const;
+  /// The chosen place; -1 for none.
+  int chosen(const Form& form, const Control& control) const;
+  /// Chooses a place of a list that drops down.
+  void select(const Form& form, const Control& control, int place) const;
+  /// Chooses a place of a list box and double-clicks it.
+  void open(const Form& form, const Control& control, int place) const;
+
+ private:
+  void notify(HWND window, int code) const;
+
+  const ProgramWindows& windows_;
+};
+
+}  // namespace zev::drive

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "runtime/text.h"
+
+namespace zev::win32 {
+
+/// Bytes of a text in the system's code page. What the page cannot represent becomes its default
+/// character, and never a character that merely looks alike.
+std::string toAnsi(TextView text);
+Text fromAnsi(std::string_view bytes);
+
+/// The argument of a call: the bytes of a text up to its first NUL.
+std::string ansiArgument(TextView text);
+
+/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. What the
+/// buffer cannot hold is dropped.
+void writeAnswer(Text& buffer, std::string_view answer);
+
+/// Texts and the system's wide ones have the same units.
+inline const wchar_t* wide(const Text& text) {
+  return reinterpret_cast<const wchar_t*>(text.c_str());
+}
+
+}  // namespace zev::win32

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "runtime/controls.h"
+#include "runtime/form.h"
+#include "win32/form_metrics.h"
+#include "win32/windows_api.h"
+
+namespace zev::win32 {
+
+/// The number of a control's window: its place among the controls of its form, counted from here.
+/// Who drives the program from outside finds the controls by it.
+inline constexpr int firstControlId = 1000;
+
+/// Makes the window of a control; null for a kind that has none of its own (a line, a bar), which
+/// its container draws.
+HWND makeControlWindow(const Control& control, HWND parent, int id);
+
+/// The height of a control's window in pixels where it differs from the control's: a list that
+/// drops down counts its list.
+int windowHeight(const Control& control, const RECT& place, int dpi);
+
+/// Shows the caption, text, state or entry that a control has now.
+void showContent(const Control& control, HWND window);
+
+/// Draws a control whose window leaves that to its form: a picture, a text on a progress bar.
+void drawControl(const Form& form, const Control& control, const DRAWITEMSTRUCT& item, int dpi,
+                 HFONT font);
+
+/// The text by which a control is found and measured: caption, text or chosen entry.
+Text contentText(const Control& control);
+
+/// The access key in a caption, in lower case; 0 if it has none.
+char16_t accessKey(TextView caption);
+
+/// Registers the class of the windows that hold other controls: they hand what they hear to the
+/// form.
+void registerContainerClass();
+inline constexpr const wchar_t* containerClass = L"ZEV.Container";
+
+}  // namespace zev::win32

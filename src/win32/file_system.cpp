@@ -1,0 +1,171 @@
+#include "win32/file_system.h"
+
+#include <algorithm>
+
+#include "win32/ansi.h"
+#include "win32/windows_api.h"
+
+namespace zev::win32 {
+namespace {
+
+constexpr std::uint32_t known = file_attribute::readOnly | file_attribute::hidden |
+                                file_attribute::system | file_attribute::volume |
+                                file_attribute::directory | file_attribute::archive;
+constexpr std::uint32_t settable = file_attribute::readOnly | file_attribute::hidden |
+                                   file_attribute::system | file_attribute::archive;
+
+/// The most that one call is given to read or write.
+constexpr std::size_t largestPiece = std::size_t{1} << 26;
+
+HANDLE handleOf(FileHandle file) { return reinterpret_cast<HANDLE>(file); }
+
+SystemError resultOf(BOOL succeeded) {
+  return succeeded != FALSE ? system_error::success : ::GetLastError();
+}
+
+DirectoryEntry entryOf(const WIN32_FIND_DATAA& found) {
+  DirectoryEntry entry;
+  entry.name = fromAnsi(found.cFileName);
+  entry.attributes = found.dwFileAttributes & known;
+  const bool directory = (entry.attributes & file_attribute::directory) != 0;
+  entry.size = directory ? 0 : (std::uint64_t{found.nFileSizeHigh} << 32) | found.nFileSizeLow;
+  return entry;
+}
+
+DWORD accessOf(FileAccess access) {
+  if (access == FileAccess::Read) return GENERIC_READ;
+  if (access == FileAccess::Write) return GENERIC_WRITE;
+  return GENERIC_READ | GENERIC_WRITE;
+}
+
+DWORD dispositionOf(FileDisposition disposition) {
+  if (disposition == FileDisposition::OpenExisting) return OPEN_EXISTING;
+  return disposition == FileDisposition::OpenAlways ? OPEN_ALWAYS : CREATE_ALWAYS;
+}
+
+/// Sets the place of the next reading or writing.
+SystemError seek(FileHandle file, std::uint64_t offset) {
+  LARGE_INTEGER place;
+  place.QuadPart = static_cast<LONGLONG>(offset);
+  return resultOf(::SetFilePointerEx(handleOf(file), place, nullptr, FILE_BEGIN));
+}
+
+DWORD pieceOf(std::size_t left) { return static_cast<DWORD>(std::min(left, largestPiece)); }
+
+}  // namespace
+
+// ---- searches
+
+SystemError Win32FileSystem::FindFirstFileA(TextView pattern, DirectoryEntry& entry,
+                                            FileHandle& search) {
+  WIN32_FIND_DATAA found{};
+  HANDLE handle = ::FindFirstFileA(ansiArgument(pattern).c_str(), &found);
+  if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
+  search = reinterpret_cast<FileHandle>(handle);
+  entry = entryOf(found);
+  return system_error::success;
+}
+
+SystemError Win32FileSystem::FindNextFileA(FileHandle search, DirectoryEntry& entry) {
+  WIN32_FIND_DATAA found{};
+  const SystemError error = resultOf(::FindNextFileA(handleOf(search), &found));
+  if (error == system_error::success) entry = entryOf(found);
+  return error;
+}
+
+void Win32FileSystem::FindClose(FileHandle search) { ::FindClose(handleOf(search)); }
+
+// ---- open files
+
+SystemError Win32FileSystem::CreateFileA(TextView path, FileAccess access, FileShare share,
+                                         FileDisposition disposition, FileHandle& file) {
+  const DWORD shared = share == FileShare::All ? FILE_SHARE_READ | FILE_SHARE_WRITE : 0;
+  HANDLE handle = ::CreateFileA(ansiArgument(path).c_str(), accessOf(access), shared, nullptr,
+                                dispositionOf(disposition), FILE_ATTRIBUTE_ARCHIVE, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
+  file = reinterpret_cast<FileHandle>(handle);
+  return system_error::success;
+}
+
+SystemError Win32FileSystem::ReadFile(FileHandle file, std::uint64_t offset,
+                                      std::span<std::uint8_t> into, std::size_t& read) {
+  read = 0;
+  if (const SystemError error = seek(file, offset)) return error;
+  while (read < into.size()) {
+    DWORD got = 0;
+    const DWORD wanted = pieceOf(into.size() - read);
+    if (!::ReadFile(handleOf(file), into.data() + read, wanted, &got, nullptr)) {
+      return ::GetLastError();
+    }
+    if (got == 0) break;
+    read += got;
+  }
+  return system_error::success;
+}
+
+/// The system fills a gap behind the end with zeros. A full disk shows as an error or as fewer
+/// bytes than were given.
+SystemError Win32FileSystem::WriteFile(FileHandle file, std::uint64_t offset,
+                                       std::span<const std::uint8_t> from, std::size_t& written) {
+  written = 0;
+  if (const SystemError error = seek(file, offset)) return error;
+  while (written < from.size()) {
+    DWORD put = 0;
+    const DWORD wanted = pieceOf(from.size() - written);
+    if (!::WriteFile(handleOf(file), from.data() + written, wanted, &put, nullptr)) {
+      return ::GetLastError();
+    }
+    if (put == 0) return system_error::diskFull;
+    written += put;
+  }
+  return system_error::success;
+}
+
+SystemError Win32FileSystem::GetFileSize(FileHandle file, std::uint64_t& size) {
+  LARGE_INTEGER length{};
+  const SystemError error = resultOf(::GetFileSizeEx(handleOf(file), &length));
+  if (error == system_error::success) size = static_cast<std::uint64_t>(length.QuadPart);
+  return error;
+}
+
+void Win32FileSystem::CloseHandle(FileHandle file) { ::CloseHandle(handleOf(file)); }
+
+// ---- entries by name
+
+SystemError Win32FileSystem::DeleteFileA(TextView path) {
+  return resultOf(::DeleteFileA(ansiArgument(path).c_str()));
+}
+
+SystemError Win32FileSystem::CreateDirectoryA(TextView path) {
+  return resultOf(::CreateDirectoryA(ansiArgument(path).c_str(), nullptr));
+}
+
+SystemError Win32FileSystem::RemoveDirectoryA(TextView path) {
+  return resultOf(::RemoveDirectoryA(ansiArgument(path).c_str()));
+}
+
+SystemError Win32FileSystem::GetFileAttributesA(TextView path, std::uint32_t& attributes) {
+  const DWORD answer = ::GetFileAttributesA(ansiArgument(path).c_str());
+  if (answer == INVALID_FILE_ATTRIBUTES) return ::GetLastError();
+  attributes = answer & known;
+  return system_error::success;
+}
+
+SystemError Win32FileSystem::SetFileAttributesA(TextView path, std::uint32_t attributes) {
+  const DWORD wanted = attributes & settable;
+  return resultOf(::SetFileAttributesA(ansiArgument(path).c_str(),
+                                       wanted != 0 ? wanted : FILE_ATTRIBUTE_NORMAL));
+}
+
+bool Win32FileSystem::rootExists(TextView root) {
+  const Text path = join(withoutTrailing(beforeNul(root), u'\\'), u"\\");
+  return ::GetFileAttributesA(ansiArgument(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// ---- text
+
+std::string Win32FileSystem::toAnsi(TextView text) { return win32::toAnsi(text); }
+
+Text Win32FileSystem::fromAnsi(std::string_view bytes) { return win32::fromAnsi(bytes); }
+
+}  // namespace zev::win32

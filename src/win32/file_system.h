@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/file_system.h"
+
+namespace zev::win32 {
+
+/// The file calls of Windows.
+class Win32FileSystem final : public FileSystem {
+ public:
+  SystemError FindFirstFileA(TextView pattern, DirectoryEntry& entry, FileHandle& search) override;
+  SystemError FindNextFileA(FileHandle search, DirectoryEntry& entry) override;
+  void FindClose(FileHandle search) override;
+
+  SystemError CreateFileA(TextView path, FileAccess access, FileShare share,
+                          FileDisposition disposition, FileHandle& file) override;
+  SystemError ReadFile(FileHandle file, std::uint64_t offset, std::span<std::uint8_t> into,
+                       std::size_t& read) override;
+  SystemError WriteFile(FileHandle file, std::uint64_t offset, std::span<const std::uint8_t> from,
+                        std::size_t& written) override;
+  SystemError GetFileSize(FileHandle file, std::uint64_t& size) override;
+  void CloseHandle(FileHandle file) override;
+
+  SystemError DeleteFileA(TextView path) override;
+  SystemError CreateDirectoryA(TextView path) override;
+  SystemError RemoveDirectoryA(TextView path) override;
+  SystemError GetFileAttributesA(TextView path, std::uint32_t& attributes) override;
+  SystemError SetFileAttributesA(TextView path, std::uint32_t attributes) override;
+  bool rootExists(TextView root) override;
+
+  std::string toAnsi(TextView text) override;
+  Text fromAnsi(std::string_view bytes) override;
+};
+
+}  // namespace zev::win32

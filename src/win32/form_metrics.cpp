@@ -1,0 +1,69 @@
+#include "win32/form_metrics.h"
+
+namespace zev::win32 {
+namespace {
+
+constexpr int fontPoints = 8;
+constexpr int pointsPerInch = 72;
+
+/// Letters that Turkish has and the western set has not.
+constexpr TextView turkishLetters = u"ĞğİıŞş";
+
+HFONT makeFont(int dpi, DWORD charset) {
+  return CreateFontW(-MulDiv(fontPoints, dpi, pointsPerInch), 0, 0, 0, FW_NORMAL, FALSE, FALSE,
+                     FALSE, charset, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                     DEFAULT_PITCH | FF_DONTCARE, L"MS Sans Serif");
+}
+
+}  // namespace
+
+RECT pixelPlace(const Control& control, int dpi) {
+  return {pixels(control.Left, dpi), pixels(control.Top, dpi),
+          pixels(control.Left + control.Width, dpi), pixels(control.Top + control.Height, dpi)};
+}
+
+int systemDpi() {
+  const HDC screen = GetDC(nullptr);
+  const int dpi = screen == nullptr ? usualDpi : GetDeviceCaps(screen, LOGPIXELSX);
+  if (screen != nullptr) ReleaseDC(nullptr, screen);
+  return dpi > 0 ? dpi : usualDpi;
+}
+
+int windowDpi(HWND window) {
+  using GetDpiForWindow = UINT(WINAPI*)(HWND);
+  const auto ask = reinterpret_cast<GetDpiForWindow>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
+  const UINT dpi = ask == nullptr ? 0 : ask(window);
+  return dpi == 0 ? systemDpi() : static_cast<int>(dpi);
+}
+
+FormFonts::FormFonts(int dpi)
+    : usual_(makeFont(dpi, DEFAULT_CHARSET)), turkish_(makeFont(dpi, TURKISH_CHARSET)) {}
+
+FormFonts::~FormFonts() {
+  DeleteObject(usual_);
+  DeleteObject(turkish_);
+}
+
+HFONT FormFonts::fontFor(TextView text) const {
+  return text.find_first_of(turkishLetters) == TextView::npos ? usual_ : turkish_;
+}
+
+int textWidth(HFONT font, TextView text) {
+  const HDC screen = GetDC(nullptr);
+  const HGDIOBJ before = SelectObject(screen, font);
+  SIZE size{};
+  GetTextExtentPoint32W(screen, reinterpret_cast<const wchar_t*>(text.data()),
+                        static_cast<int>(text.size()), &size);
+  SelectObject(screen, before);
+  ReleaseDC(nullptr, screen);
+  return size.cx;
+}
+
+Text windowText(HWND window) {
+  std::wstring buffer(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+  const int length = GetWindowTextW(window, buffer.data(), static_cast<int>(buffer.size()));
+  return Text(buffer.begin(), buffer.begin() + length);
+}
+
+}  // namespace zev::win32

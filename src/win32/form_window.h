@@ -1,0 +1,78 @@
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "runtime/form.h"
+#include "win32/form_metrics.h"
+#include "win32/windows_api.h"
+
+namespace zev::win32 {
+
+/// Who hears what a person does at a form. Calls come in the midst of a dispatch: they are to
+/// queue, not to run.
+class FormListener {
+ public:
+  virtual ~FormListener() = default;
+  virtual void clicked(Control& control) = 0;
+  virtual void chosen(Control& list, int place) = 0;
+  virtual void closed(Form& form) = 0;
+  /// The list of a drive list is about to drop down.
+  virtual void dropsDown(Control& list) = 0;
+};
+
+/// The window of one loaded form with the windows of its controls.
+class FormWindow {
+ public:
+  /// Makes them all, hidden. Borrows both.
+  FormWindow(Form& form, FormListener& listener);
+  ~FormWindow();
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  HWND handle() const { return window_; }
+  Form& form() const { return form_; }
+  int dpi() const { return dpi_; }
+  HFONT font() const { return fonts_->fontFor({}); }
+
+  void show(HWND owner);
+  void hide();
+  /// Takes a property over to the screen.
+  void showProperty(const PropertyBase& property);
+  void refresh(const Component& component);
+
+  HWND windowOf(const Control& control) const;
+  /// The control of a window of this form; null for any other.
+  Control* controlOf(HWND window) const;
+  /// Gives a control the focus, now if the form is in use, else when it will be.
+  void setFocus(Control* control);
+  /// The control that has the focus, or will have it when the form is in use; null without one.
+  Control* focused() const { return focused_; }
+  /// The person moved the focus there.
+  void followFocus(Control& control) { focused_ = &control; }
+
+ private:
+  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+  LRESULT handle(UINT message, WPARAM first, LPARAM second);
+  void makeControls();
+  void layOut();
+  void place(const Control& control);
+  void takeFont(const Control& control);
+  void centre();
+  void command(int id, int code, HWND from);
+  void drawItem(const DRAWITEMSTRUCT& item);
+  void drawContainer(HDC canvas, HWND window);
+  void changeDpi(int dpi, const RECT& suggested);
+  HWND parentOf(const Control& control) const;
+  Control* controlOf(int id) const;
+
+  Form& form_;
+  FormListener& listener_;
+  HWND window_ = nullptr;
+  int dpi_ = usualDpi;
+  std::unique_ptr<FormFonts> fonts_;
+  std::map<const Control*, HWND> windows_;
+  Control* focused_ = nullptr;
+};
+
+}  // namespace zev::win32

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "lz/lz_files.h"
+#include "platform/platform.h"
+#include "platform/runtime_files.h"
+#include "win32/dde.h"
+#include "win32/desktop_windows.h"
+#include "win32/drives.h"
+#include "win32/file_system.h"
+#include "win32/processes.h"
+#include "win32/registry_api.h"
+#include "win32/shell_folders.h"
+#include "win32/shortcuts.h"
+#include "win32/system_information.h"
+
+namespace zev::win32 {
+
+/// The machine that the program runs on: all its services but forms and dialogs. One a process,
+/// made on the thread of the forms, since it settles how libraries are found and absent media are
+/// met.
+class Machine {
+ public:
+  Machine();
+  Machine(const Machine&) = delete;
+  Machine& operator=(const Machine&) = delete;
+
+  /// The services, with the forms and dialogs of somebody else. All that is borrowed outlives every
+  /// use of the answer.
+  Platform platform(Application& application, Dialogs& dialogs);
+
+  FileSystem& fileSystem() { return fileSystem_; }
+
+ private:
+  Win32FileSystem fileSystem_;
+  RuntimeFiles files_{fileSystem_};
+  lz::LzFiles lz_{fileSystem_};
+  Win32Registry registry_;
+  Win32System system_;
+  Win32Drives drives_;
+  Win32Windows windows_;
+  Win32Processes processes_;
+  Win32ShellFolders shellFolders_;
+  Win32Shortcuts shortcuts_;
+  Win32Dde dde_;
+};
+
+}  // namespace zev::win32

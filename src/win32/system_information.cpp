@@ -1,0 +1,144 @@
+#include "win32/system_information.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "win32/ansi.h"
+#include "win32/system_library.h"
+#include "win32/windows_api.h"
+
+namespace zev::win32 {
+namespace {
+
+/// A function of kernel32 that older systems do not have; null there.
+template <typename Function>
+Function* kernelFunction(const char* name) {
+  return SystemLibrary("kernel32.dll").find<Function>(name);
+}
+
+std::vector<char> bytesFor(std::uint32_t size) {
+  return std::vector<char>(std::max<std::size_t>(size, 1));
+}
+
+/// Hands a path on that a call wrote, if it wrote one.
+std::uint32_t pathAnswer(const std::vector<char>& answer, std::uint32_t length, std::uint32_t size,
+                         Text& buffer) {
+  if (length > 0 && length < size) writeAnswer(buffer, {answer.data(), length});
+  return length;
+}
+
+void copyRecord(const OSVERSIONINFOEXA& system, OSVERSIONINFO& record) {
+  record.dwMajorVersion = system.dwMajorVersion;
+  record.dwMinorVersion = system.dwMinorVersion;
+  record.dwBuildNumber = system.dwBuildNumber;
+  record.dwPlatformId = system.dwPlatformId;
+  record.szCSDVersion.assign(sizeof system.szCSDVersion, u'\0');
+  writeAnswer(record.szCSDVersion, system.szCSDVersion);
+  if (record.dwOSVersionInfoSize != OSVERSIONINFO::extendedForm) return;
+  record.wSuiteMask = system.wSuiteMask;
+  record.wProductType = system.wProductType;
+}
+
+static_assert(sizeof(OSVERSIONINFOA) == OSVERSIONINFO::shortForm);
+static_assert(sizeof(OSVERSIONINFOEXA) == OSVERSIONINFO::extendedForm);
+
+}  // namespace
+
+// ---- folders
+
+std::uint32_t Win32System::GetTempPathA(std::uint32_t size, Text& buffer) {
+  std::vector<char> answer = bytesFor(size);
+  return pathAnswer(answer, ::GetTempPathA(size, answer.data()), size, buffer);
+}
+
+std::uint32_t Win32System::GetWindowsDirectoryA(Text& buffer, std::uint32_t size) {
+  std::vector<char> answer = bytesFor(size);
+  return pathAnswer(answer, ::GetWindowsDirectoryA(answer.data(), size), size, buffer);
+}
+
+std::uint32_t Win32System::GetSystemDirectoryA(Text& buffer, std::uint32_t size) {
+  std::vector<char> answer = bytesFor(size);
+  return pathAnswer(answer, ::GetSystemDirectoryA(answer.data(), size), size, buffer);
+}
+
+// ---- the user
+
+/// Systems that do not tell the language of their own texts have one language for all.
+std::uint16_t Win32System::GetSystemDefaultUILanguage() {
+  const auto call =
+      kernelFunction<decltype(::GetSystemDefaultUILanguage)>("GetSystemDefaultUILanguage");
+  return call != nullptr ? call() : ::GetSystemDefaultLangID();
+}
+
+bool Win32System::GetUserNameA(Text& buffer, std::uint32_t& size) {
+  std::vector<char> answer = bytesFor(size);
+  DWORD units = size;
+  const bool found = ::GetUserNameA(answer.data(), &units) != FALSE;
+  if (found) writeAnswer(buffer, answer.data());
+  size = units;
+  return found;
+}
+
+bool Win32System::LookupAccountNameA(TextView account, std::uint32_t sidSize, Text& domain,
+                                     std::uint32_t& domainSize) {
+  std::vector<char> identifier = bytesFor(sidSize);
+  std::vector<char> answer = bytesFor(domainSize);
+  DWORD identifierBytes = sidSize;
+  DWORD units = domainSize;
+  SID_NAME_USE use{};
+  const bool found = ::LookupAccountNameA(nullptr, ansiArgument(account).c_str(), identifier.data(),
+                                          &identifierBytes, answer.data(), &units, &use) != FALSE;
+  if (found) writeAnswer(domain, answer.data());
+  domainSize = units;
+  return found;
+}
+
+// ---- the system
+
+bool Win32System::GetVersionExA(OSVERSIONINFO& record) {
+  OSVERSIONINFOEXA system{};
+  system.dwOSVersionInfoSize = record.dwOSVersionInfoSize;
+  if (!::GetVersionExA(reinterpret_cast<OSVERSIONINFOA*>(&system))) return false;
+  copyRecord(system, record);
+  return true;
+}
+
+std::int32_t Win32System::GetSystemMetrics(std::int32_t index) { return ::GetSystemMetrics(index); }
+
+std::uintptr_t Win32System::GetCurrentProcess() {
+  return reinterpret_cast<std::uintptr_t>(::GetCurrentProcess());
+}
+
+bool Win32System::IsWow64Process(std::uintptr_t process, bool& emulated) {
+  const auto call = kernelFunction<decltype(::IsWow64Process)>("IsWow64Process");
+  BOOL answer = FALSE;
+  if (call == nullptr || !call(reinterpret_cast<HANDLE>(process), &answer)) return false;
+  emulated = answer != FALSE;
+  return true;
+}
+
+std::uint16_t Win32System::GetNativeSystemInfo() {
+  const auto call = kernelFunction<decltype(::GetNativeSystemInfo)>("GetNativeSystemInfo");
+  if (call == nullptr) return GetSystemInfo();
+  SYSTEM_INFO information{};
+  call(&information);
+  return information.wProcessorArchitecture;
+}
+
+std::uint16_t Win32System::GetSystemInfo() {
+  SYSTEM_INFO information{};
+  ::GetSystemInfo(&information);
+  return information.wProcessorArchitecture;
+}
+
+bool Win32System::GetProductInfo(std::uint32_t major, std::uint32_t minor, std::uint32_t packMajor,
+                                 std::uint32_t packMinor, std::uint32_t& code) {
+  const auto call =
+      kernelFunction<BOOL WINAPI(DWORD, DWORD, DWORD, DWORD, PDWORD)>("GetProductInfo");
+  DWORD answer = 0;
+  if (call == nullptr || !call(major, minor, packMajor, packMinor, &answer)) return false;
+  code = answer;
+  return true;
+}
+
+}  // namespace zev::win32

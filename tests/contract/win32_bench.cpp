@@ -1,0 +1,114 @@
+#include "contract/bench.h"
+#include "support/fake_dialogs.h"
+#include "support/fake_form_engine.h"
+#include "win32/machine.h"
+#include "win32/windows_api.h"
+
+namespace zev::contract {
+namespace {
+
+/// A name that no other run of these tests has at the same time.
+Text uniqueName() { return join(u"ZevContract", decimal(GetCurrentProcessId())); }
+
+std::vector<DirectoryEntry> entriesOf(FileSystem& files, const Text& folder) {
+  std::vector<DirectoryEntry> entries;
+  DirectoryEntry entry;
+  FileHandle search = 0;
+  if (files.FindFirstFileA(folder + u"\\*.*", entry, search) != 0) return entries;
+  do {
+    if (entry.name != u"." && entry.name != u"..") entries.push_back(entry);
+  } while (files.FindNextFileA(search, entry) == 0);
+  files.FindClose(search);
+  return entries;
+}
+
+void removeFolder(FileSystem& files, const Text& folder) {
+  for (const DirectoryEntry& entry : entriesOf(files, folder)) {
+    const Text path = join(folder, u"\\", entry.name);
+    files.SetFileAttributesA(path, file_attribute::normal);
+    if ((entry.attributes & file_attribute::directory) != 0) {
+      removeFolder(files, path);
+    } else {
+      files.DeleteFileA(path);
+    }
+  }
+  files.RemoveDirectoryA(folder);
+}
+
+std::vector<Text> subkeysOf(RegistryApi& registry, const Text& key) {
+  std::vector<Text> names;
+  RegistryKey handle = 0;
+  if (registry.RegOpenKeyA(HKEY_CURRENT_USER, key, handle) != 0) return names;
+  Text name = blanks(MAX_PATH);
+  while (registry.RegEnumKeyA(handle, static_cast<std::uint32_t>(names.size()), name, MAX_PATH) ==
+         0) {
+    names.emplace_back(beforeNul(name));
+  }
+  registry.RegCloseKey(handle);
+  return names;
+}
+
+void removeKey(RegistryApi& registry, const Text& key) {
+  for (const Text& name : subkeysOf(registry, key)) removeKey(registry, join(key, u"\\", name));
+  registry.RegDeleteKeyA(HKEY_CURRENT_USER, key);
+}
+
+/// What one process owns; it goes before the test is tidied up, so that no file is open then.
+struct Process {
+  test::FakeFormEngine engine;
+  test::FakeDialogs dialogs;
+  Application application{engine};
+  win32::Machine machine;
+  Platform platform = machine.platform(application, dialogs);
+};
+
+class Win32Bench final : public Bench {
+ public:
+  Win32Bench() { platform().files.MkDir(folder_); }
+  ~Win32Bench() override {
+    process_.reset();
+    win32::Win32FileSystem files;
+    win32::Win32Registry registry;
+    removeFolder(files, folder_);
+    removeKey(registry, key());
+  }
+
+  Platform& platform() override { return process_->platform; }
+  FileSystem& fileSystem() override { return process_->machine.fileSystem(); }
+  Text folder() override { return folder_; }
+  Text key() override { return join(u"Software\\", uniqueName()); }
+  Text program() override { return join(systemFolder(), u"\\hostname.exe"); }
+
+  char16_t freeLetter() override {
+    const std::uint32_t taken = platform().drives.GetLogicalDrives();
+    char16_t letter = u'Q';
+    while ((taken & (1u << (letter - u'A'))) != 0) ++letter;
+    return letter;
+  }
+
+  bool isWine() override {
+    return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+  }
+
+ private:
+  Text temporaryFolder() {
+    Text buffer = blanks(MAX_PATH);
+    const std::uint32_t length = platform().system.GetTempPathA(MAX_PATH, buffer);
+    return buffer.substr(0, length);
+  }
+
+  Text systemFolder() {
+    Text buffer = blanks(MAX_PATH);
+    const std::uint32_t length = platform().system.GetSystemDirectoryA(buffer, MAX_PATH);
+    return buffer.substr(0, length);
+  }
+
+  std::unique_ptr<Process> process_ = std::make_unique<Process>();
+  Text folder_ = join(temporaryFolder(), uniqueName());
+};
+
+}  // namespace
+
+std::unique_ptr<Bench> makeBench() { return std::make_unique<Win32Bench>(); }
+
+}  // namespace zev::contract
