@@ -25,8 +25,7 @@ bool isFloppy(TextView drive) { return drive == u"a:" || drive == u"b:"; }
 }  // namespace
 
 FolderBrowser::FolderBrowser(Program& program, Phrases& phrases, Form1Procedures& wizard)
-    : program_(program),
-      globals_(program.globals),
+    : globals_(program.globals),
       form1_(program.form1),
       form3_(program.form3),
       platform_(program.platform),

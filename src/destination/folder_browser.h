@@ -42,7 +42,6 @@ class FolderBrowser {
   Text proposal() const { return globals_.gInstallDir.trimmed(); }
   Text proposedDrive() const;
 
-  Program& program_;
   Globals& globals_;
   Form1& form1_;
   Form3& form3_;

@@ -128,10 +128,13 @@ void FormWindow::centre() {
 
 // ---- showing
 
+/// The owner that it is first shown with stays: the one who is shown again by a form must not belong
+/// to that form and go with it.
 void FormWindow::show(HWND owner) {
-  if (owner != nullptr && owner != window_) {
+  if (!everShown_ && owner != nullptr && owner != window_) {
     SetWindowLongPtrW(window_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
   }
+  everShown_ = true;
   ShowWindow(window_, SW_SHOWNORMAL);
   setFocus(nextFocusable(form_, nullptr));
   SetForegroundWindow(window_);

@@ -73,6 +73,7 @@ class FormWindow {
   std::unique_ptr<FormFonts> fonts_;
   std::map<const Control*, HWND> windows_;
   Control* focused_ = nullptr;
+  bool everShown_ = false;
 };
 
 }  // namespace zev::win32
