@@ -27,6 +27,8 @@ SIZES = {96: "1024x768", 144: "1280x1024", 192: "1600x1200"}
 TABS_FROM_CHANGE_DIR = 1
 TABS_FROM_INSTALL = 3
 
+TURKISH = "1"  # by its number: the wizard's list does not have it
+
 # The window of the new group would lie over the form: folders are opened by a program without one.
 NO_WINDOW = "C:\\\\windows\\\\system32\\\\hostname.exe"
 
@@ -60,7 +62,7 @@ def display(options, size):
 class Sitting:
     """One person at one machine with the program started."""
 
-    def __init__(self, options, language, dpi, windows="win7"):
+    def __init__(self, options, language, dpi, windows="win7", arguments=()):
         self.language, self.dpi = language, dpi
         self.folder = wine_machine.Template(options.work).copy()
         self.machine = wine_machine.Machine(self.folder)
@@ -71,7 +73,7 @@ class Sitting:
         try:
             self.prepare(windows)
             self.program = self.machine.put(options.package, "C:\\Downloads\\ZEVSetup.exe")
-            self.process = self.machine.start(self.program)
+            self.process = self.machine.start(self.program, *arguments)
             self.rest(FIRST_WAIT)
         except BaseException:
             self.close()
@@ -91,7 +93,7 @@ class Sitting:
         user = wine_machine.user().pw_name
         values = f"C:\\users\\{user}\\AppData\\Local\\Tavorns\\ZEV5\\Language"
         path = self.machine.path(values)
-        path.write_text(f"{LANGUAGES[self.language]}\r\n")
+        path.write_text(f"{LANGUAGES.get(self.language, 0)}\r\n")
         wine_machine.give(self.machine.drive / "users")
 
     def close(self):
@@ -211,16 +213,26 @@ def look_at_options(options, language, dpi):
         sitting.picture("options")
 
 
+def look_at_gallery(options):
+    """A page in the language that the wizard does not offer: the program is another one."""
+    with Sitting(options, "turkish", options.dpi, arguments=[TURKISH]) as sitting:
+        sitting.picture("1-welcome")
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("work")
     parser.add_argument("package")
     parser.add_argument("folder")
     parser.add_argument("--languages", default=",".join(LANGUAGES))
+    parser.add_argument("--gallery", action="store_true",
+                        help="the program shows a page alone: form_gallery.exe")
     parser.add_argument("--here", action="store_true", help="use the present display")
     parser.add_argument("--dpi", type=int, default=96, choices=list(SIZES))
     options = parser.parse_args()
     pathlib.Path(options.folder).mkdir(parents=True, exist_ok=True)
+    if options.gallery:
+        return look_at_gallery(options)
     for language in options.languages.split(","):
         walk(options, language, options.dpi)
         look_at_options(options, language, options.dpi)
