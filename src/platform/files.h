@@ -31,7 +31,8 @@ class Files {
   /// The next entry of the query that was begun last; error 5 when it has ended.
   virtual Text Dir() = 0;
 
-  /// Deletes all files that match; 53 if none does, 75 or 70 if one cannot be deleted.
+  /// Deletes all files that match; 53 if none does. One that cannot be deleted keeps none of the
+  /// others; the first of them is told by 75 or 70.
   virtual void Kill(TextView pattern) = 0;
   /// Makes a directory: 75 if the name is taken or refused, 76 if its parent is missing.
   virtual void MkDir(TextView path) = 0;

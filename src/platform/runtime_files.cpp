@@ -137,7 +137,12 @@ void RuntimeFiles::Kill(TextView pattern) {
   } while (system_.FindNextFileA(search, entry) == system_error::success);
   system_.FindClose(search);
   if (names.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
-  for (const Text& name : names) require(system_.DeleteFileA(join(folderOf(pattern), name)));
+  SystemError refusal = system_error::success;
+  for (const Text& name : names) {
+    const SystemError error = system_.DeleteFileA(join(folderOf(pattern), name));
+    if (refusal == system_error::success) refusal = error;
+  }
+  require(refusal);
 }
 
 void RuntimeFiles::MkDir(TextView path) { require(system_.CreateDirectoryA(path)); }

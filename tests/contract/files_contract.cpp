@@ -91,6 +91,17 @@ TEST_F(FilesContract, KillTakesAllThatMatch) {
   EXPECT_NE(files().Dir(in(u"d.tmp"), 16), u"");
 }
 
+TEST_F(FilesContract, KillTakesWhatItCanBesideWhatItCannot) {
+  const Text kept = made(u"b.tmp");
+  made(u"a.tmp");
+  made(u"c.tmp");
+  files().SetFileAttributesA(kept, file_attribute::readOnly);
+  EXPECT_EQ(errorOf([&] { files().Kill(in(u"*.tmp")); }), 75);
+  EXPECT_EQ(files().Dir(in(u"*.tmp"), 38), u"b.tmp");
+  EXPECT_EQ(files().Dir(), u"");
+  files().SetFileAttributesA(kept, file_attribute::normal);
+}
+
 TEST_F(FilesContract, KillTellsWhyItCannot) {
   EXPECT_EQ(errorOf([&] { files().Kill(in(u"none")); }), 53);
   EXPECT_EQ(errorOf([&] { files().Kill(in(u"*.none")); }), 53);

@@ -70,6 +70,15 @@ static void waitForFile(const char* path) {
 
 static void press(HWND window) { PostMessageA(window, BM_CLICK, 0, 0); }
 
+// Without a file the program sees neither click before both are posted.
+static void pressBoth(HWND first, HWND second, const char* file) {
+  if (file == NULL) SuspendThread(program.hThread);
+  press(first);
+  if (file != NULL) waitForFile(file);
+  press(second);
+  if (file == NULL) ResumeThread(program.hThread);
+}
+
 static void start(const char* path) {
   STARTUPINFOA startup = {sizeof startup};
   if (!CreateProcessA(path, NULL, NULL, NULL, FALSE, 0, NULL, NULL, &startup, &program)) {
@@ -120,9 +129,7 @@ int main(int count, char** arguments) {
   for (int step = 0; step < 3; ++step) press(waitForButton(wayToTheDirectory[step]));
   HWND install = waitForButton("Install");
   HWND cancel = waitForButton("Cancel");
-  press(install);
-  if (count > 4) waitForFile(arguments[4]);
-  press(cancel);
+  pressBoth(install, cancel, count > 4 ? arguments[4] : NULL);
   answerBox(arguments[2], arguments[3]);
   if (strcmp(arguments[2], "no") == 0) {
     press(waitForButton("Finish"));

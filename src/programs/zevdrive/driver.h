@@ -18,6 +18,12 @@
 
 namespace zev::drive {
 
+/// The scenario cannot be played from outside, which shows only now.
+class Refused : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 /// What came of the expectations of a play.
 struct Judgements {
   struct Failure {
@@ -83,9 +89,10 @@ class Driver {
   Form* formOf(std::string_view name) const;
   Place listOf(ControlKind kind, const Step& step) const;
   void chooseDrive(const Place& list, char16_t letter, const Step& step);
-  void openFolder(const Place& tree, const Text& folder, const Step& step);
+  void openFolder(const Place& tree, const Text& folder);
 
   void judge(const scenario::KeyedValue& expectation);
+  std::optional<scenario::Verdict> verdictIfSeen(const scenario::KeyedValue& expectation) const;
   std::optional<scenario::Verdict> verdictOn(const scenario::KeyedValue& expectation) const;
   std::optional<scenario::Verdict> judgeEnded(const Json& expected) const;
   std::optional<Json> propertyOf(const scenario::KeyedValue& expectation) const;

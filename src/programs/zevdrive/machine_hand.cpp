@@ -76,9 +76,12 @@ void remove(const Text& path) {
   fs::remove_all(hostPath(path));
 }
 
+/// Read-only comes last: what a file may keep beside it is no longer taken then on some systems.
 void setAttributes(const Text& path, std::uint32_t wanted) {
-  const DWORD present = GetFileAttributesW(wide(path));
-  SetFileAttributesW(wide(path), (present & ~settable) | wanted);
+  const DWORD present = GetFileAttributesW(wide(path)) & ~settable;
+  const DWORD others = wanted & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY);
+  SetFileAttributesW(wide(path), present | others);
+  if (others != wanted) SetFileAttributesW(wide(path), present | wanted);
 }
 
 // The registry.

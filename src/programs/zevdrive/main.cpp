@@ -62,6 +62,19 @@ int play(const scenario::Scenario& scenario, const DriveOptions& options, Machin
   return report(driver.judgements());
 }
 
+/// Saves the registry in the end, whatever came of the play.
+struct RegistrySaver {
+  const DriveOptions& options;
+
+  ~RegistrySaver() {
+    try {
+      if (options.registry) saveRegistry(*options.registry);
+    } catch (const std::exception& error) {
+      std::cerr << "zevdrive: " << error.what() << '\n';
+    }
+  }
+};
+
 int drive(const DriveOptions& options) {
   const scenario::Scenario scenario = scenario::readScenario(*options.scenario);
   if (const auto reason = refusal(scenario)) {
@@ -71,14 +84,16 @@ int drive(const DriveOptions& options) {
   if (options.check) return exit_status::held;
   MachineHand machine;
   if (options.prepare) machine.prepare(scenario.machine);
-  const int status = options.program ? play(scenario, options, machine) : exit_status::held;
-  if (options.registry) saveRegistry(*options.registry);
-  return status;
+  const RegistrySaver saver{options};
+  return options.program ? play(scenario, options, machine) : exit_status::held;
 }
 
 int driveReporting(const DriveOptions& options) {
   try {
     return drive(options);
+  } catch (const Refused& reason) {
+    std::cerr << "not played: " << reason.what() << '\n';
+    return exit_status::refused;
   } catch (const scenario::ScenarioError& error) {
     std::cerr << options.scenario->string() << ": " << error.path() << ": " << error.reason()
               << '\n';

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "programs/zevdrive/box_icon.h"
 #include "programs/zevdrive/program_windows.h"
 #include "win32/input_box.h"
 
@@ -30,7 +31,7 @@ BOOL CALLBACK readPart(HWND window, LPARAM box) {
     shown.buttons.push_back(static_cast<BoxAnswer>(GetDlgCtrlID(window)));
   } else if (equalText(name, u"Static")) {
     const bool icon = (GetWindowLongW(window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
-    if (icon) shown.icon = true;
+    if (icon) shown.icon = iconShownBy(window);
     if (!icon) shown.text += textOf(window).value_or(Text());
   }
   return TRUE;
@@ -52,6 +53,14 @@ BoxAnswer defaultButton(HWND box) {
   return static_cast<BoxAnswer>(LOWORD(ask(box, DM_GETDEFID).value_or(0)));
 }
 
+/// A box that is wider than the screen has its icon beside it.
+void bringOntoScreen(HWND box) {
+  RECT place{};
+  GetWindowRect(box, &place);
+  if (place.left >= 0 && place.top >= 0) return;
+  SetWindowPos(box, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 /// A box with a single button gives it the number of Cancel on some systems.
 void nameSingleButton(ShownBox& box) {
   if (box.buttons.size() != 1) return;
@@ -69,12 +78,14 @@ std::int32_t ShownBox::style() const {
       });
   if (set == std::end(buttonSets)) return -1;
   const auto place = std::find(set->begin(), set->end(), byDefault) - set->begin();
-  return static_cast<std::int32_t>((set - std::begin(buttonSets)) | place << defaultButtonShift);
+  return static_cast<std::int32_t>((set - std::begin(buttonSets)) | place << defaultButtonShift) |
+         icon;
 }
 
 bool isInputBox(HWND box) { return GetDlgItem(box, win32::input_box::field) != nullptr; }
 
 ShownBox readBox(HWND box) {
+  bringOntoScreen(box);
   ShownBox shown;
   shown.window = box;
   shown.title = textOf(box).value_or(Text());

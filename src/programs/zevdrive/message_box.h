@@ -15,9 +15,9 @@ struct ShownBox {
   Text title{};
   std::vector<BoxAnswer> buttons{};  ///< from the left
   BoxAnswer byDefault = BoxAnswer::OK;
-  bool icon = false;
+  std::int32_t icon = 0;  ///< as the style has it
 
-  /// Buttons and default button as the style's number has them.
+  /// Buttons, icon and default button as the style's number has them.
   std::int32_t style() const;
 };
 

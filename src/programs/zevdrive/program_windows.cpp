@@ -117,6 +117,17 @@ Form* ProgramWindows::activeForm() const {
   return firstVisible;
 }
 
+bool ProgramWindows::paints() const {
+  for (const auto& [form, known] : windows_) {
+    if (known.window == nullptr || !isVisible(known.window)) continue;
+    if (GetUpdateRect(known.window, nullptr, FALSE)) return true;
+    for (const auto& [id, window] : known.controls) {
+      if (IsWindowVisible(window) && GetUpdateRect(window, nullptr, FALSE)) return true;
+    }
+  }
+  return false;
+}
+
 std::optional<scenario::Sight> ProgramWindows::sight() const {
   scenario::Sight sight;
   for (const Form* form : forms_) {

@@ -38,6 +38,8 @@ class ProgramWindows {
   Form* activeForm() const;
   const std::vector<Form*>& forms() const { return forms_; }
 
+  /// True while some window of a visible form waits to be painted.
+  bool paints() const;
   /// What the forms show; none if the program is too busy to tell.
   std::optional<scenario::Sight> sight() const;
 

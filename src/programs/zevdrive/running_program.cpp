@@ -9,7 +9,8 @@ namespace {
 
 /// Between two looks, in milliseconds, and how many must show the same.
 constexpr DWORD pause = 2;
-constexpr int quietLooks = 5;
+constexpr int quietLooks = 6;
+constexpr std::chrono::seconds longestUnseen{10};
 
 PROCESS_INFORMATION start(const Text& path) {
   Text command = join(u"\"", path, u"\"");
@@ -47,10 +48,20 @@ bool RunningProgram::over() const {
 }
 
 void RunningProgram::requireTime(const char* what) const {
-  if (Clock::now() > deadline_) throw DriveError(std::string("in time ") + what);
+  if (Clock::now() > deadline_) throw DriveError(std::string(what) + " in time");
 }
 
-/// Looks once more: true if nothing has changed and every window that shows answers.
+/// A program without any window is lost to the person in front of the screen.
+void RunningProgram::requireWindow() {
+  const bool shows = windows_.activeForm() != nullptr || windows_.box() != nullptr;
+  if (shows) lastShown_ = Clock::now();
+  if (Clock::now() - lastShown_ > longestUnseen) {
+    throw DriveError("the program runs on without a window");
+  }
+}
+
+/// Looks once more: true if nothing has changed, nothing waits to be painted and every window
+/// answers.
 bool RunningProgram::looksTheSame() {
   auto now = windows_.sight();
   if (!now || !anyVisible(*now)) return false;
@@ -58,16 +69,18 @@ bool RunningProgram::looksTheSame() {
     const HWND window = windows_.windowOf(*form);
     if (window != nullptr && !ask(window, WM_NULL)) return false;
   }
-  const bool same = *now == sight_;
+  const bool same = *now == sight_ && !windows_.paints();
   sight_ = std::move(*now);
   return same;
 }
 
 Course RunningProgram::settle() {
+  lastShown_ = Clock::now();
   for (int quiet = 0; quiet < quietLooks; Sleep(pause)) {
     requireTime("the program did not come to rest");
     if (over()) return Course::Ended;
     windows_.look();
+    requireWindow();
     if (windows_.box() != nullptr && ask(windows_.box(), WM_NULL)) {
       if (auto now = windows_.sight()) {
         sight_ = std::move(*now);

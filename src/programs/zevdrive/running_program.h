@@ -41,12 +41,14 @@ class RunningProgram {
 
  private:
   void requireTime(const char* what) const;
+  void requireWindow();
   bool looksTheSame();
 
   PROCESS_INFORMATION process_;
   ProgramWindows windows_;
   scenario::Sight sight_;
   Clock::time_point deadline_;
+  Clock::time_point lastShown_ = Clock::now();
 };
 
 }  // namespace zev::drive
