@@ -13,7 +13,7 @@ packages_to_test=(
 # The Windows programs, their tests, and the machine that they run on.
 packages_for_windows=(
   g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest
-  wine64 fonts-wine xvfb imagemagick xdotool python3
+  wine64 fonts-wine xvfb imagemagick xdotool locales python3
 )
 
 as_root() {

@@ -47,7 +47,7 @@ std::vector<std::uint8_t> readBytes(const Package& package) {
   }
   std::ifstream in(*package.file, std::ios::binary);
   std::vector<std::uint8_t> bytes;
-  if (in) bytes.resize(std::filesystem::file_size(*package.file));
+  if (in) bytes.resize(static_cast<std::size_t>(std::filesystem::file_size(*package.file)));
   in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
   if (!in) throw ScenarioError(package.path, "cannot read " + package.file->string());
   return bytes;
@@ -58,7 +58,7 @@ void cut(const Package& package, std::vector<std::uint8_t>& bytes) {
     throw ScenarioError(package.path, "more is cut off than the " + std::to_string(bytes.size()) +
                                           " bytes that the file has");
   }
-  bytes.resize(bytes.size() - package.cutEnd);
+  bytes.resize(bytes.size() - static_cast<std::size_t>(package.cutEnd));
   bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(package.cutStart));
 }
 
@@ -70,7 +70,7 @@ void keepEnd(const Package& package, std::vector<std::uint8_t>& bytes) {
   bytes.erase(bytes.begin(), bytes.end() - static_cast<std::ptrdiff_t>(*package.keepEnd));
 }
 
-void setLength(std::uint64_t length, std::vector<std::uint8_t>& bytes) {
+void setLength(std::size_t length, std::vector<std::uint8_t>& bytes) {
   if (length <= bytes.size()) {
     bytes.resize(length);
   } else {
@@ -85,7 +85,8 @@ void invert(const Package& package, std::vector<std::uint8_t>& bytes) {
                                                       " is behind the end of " +
                                                       std::to_string(bytes.size()) + " bytes");
     }
-    bytes[offset] = static_cast<std::uint8_t>(~bytes[offset]);
+    std::uint8_t& byte = bytes[static_cast<std::size_t>(offset)];
+    byte = static_cast<std::uint8_t>(~byte);
   }
 }
 
@@ -110,7 +111,7 @@ std::vector<std::uint8_t> makeInstaller(const Package& package) {
   std::vector<std::uint8_t> bytes = readBytes(package);
   cut(package, bytes);
   if (package.keepEnd) keepEnd(package, bytes);
-  if (package.length) setLength(*package.length, bytes);
+  if (package.length) setLength(static_cast<std::size_t>(*package.length), bytes);
   invert(package, bytes);
   return bytes;
 }

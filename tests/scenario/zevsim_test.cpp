@@ -152,6 +152,32 @@ TEST_F(Zevsim, WritesTheTranscriptToAFile) {
   EXPECT_EQ(read("t"), "{\"event\":\"start\"}\n{\"event\":\"end\",\"how\":\"exit\"}\n");
 }
 
+TEST_F(Zevsim, WritesWhatIsSeenFromOutsideBeforeEachStepAndBox) {
+  const std::string scenario = write("a.json", R"({"script": [{"answer": ["no"]},
+      {"focus": "Command3"}, {"click": "Command3"}, {"click": "Command6"}]})");
+  EXPECT_EQ(run({scenario, "--transcript", file("t"), "--outside", file("o")}), 0);
+  const std::string lines = read("o");
+  const std::size_t firstStep = lines.find(R"({"event":"step","step":{"focus":"Command3"}})");
+  ASSERT_NE(firstStep, std::string::npos);
+  EXPECT_THAT(lines, StartsWith(R"({"event":"step","step":{"answer":["no"]}})"
+                                "\n"
+                                R"({"event":"show","form":"Form1"})"
+                                "\n"
+                                R"({"event":"set","control":"Form1","property":"Caption",)"));
+  EXPECT_EQ(lines.substr(firstStep),
+            R"({"event":"step","step":{"focus":"Command3"}})"
+            "\n"
+            R"({"event":"step","step":{"click":"Command3"}})"
+            "\n"
+            R"({"event":"box","text":"Do you want to leave?","title":"Toy","style":36,)"
+            R"("answer":"no"})"
+            "\n"
+            R"({"event":"step","step":{"click":"Command6"}})"
+            "\n"
+            R"({"event":"end"})"
+            "\n");
+}
+
 TEST_F(Zevsim, WritesTheStateOfTheMachine) {
   const std::string scenario = write("a.json", R"({"machine": {"files": {"C:\\a.txt": "hello"}}})");
   EXPECT_EQ(run({scenario, "--state", file("state.json")}), 0);

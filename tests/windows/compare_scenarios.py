@@ -506,7 +506,8 @@ def judge(settings, plan, session, result, mapping):
     result.differences += compare_registry(session.registry, simulation.state)
     result.differences += compare_links(session.files, simulation.state)
     for place in sorted(failed_expectations(told) - failed_expectations(simulation.told)):
-        rule = next((rule for rule, pattern in OWN_EXPECTATIONS if pattern.search(place)), None)
+        rule = next((rule for rule, pattern in [*OWN_EXPECTATIONS, *plan.own_expectations]
+                     if pattern.search(place)), None)
         if rule:
             mapping.used(rule)
             continue
@@ -526,6 +527,7 @@ class Runner:
         self.results = []
         self.lock = threading.Lock()
         self.machines = 0
+        self.played_again = set()
         self.thrown_away = collections.Counter()  # by the first thing that stayed
 
     def run(self, plans, jobs, tell):
@@ -550,6 +552,13 @@ class Runner:
             if session:
                 session.close()
 
+    def play_again(self, plan, result):
+        """A machine can fail to start a program at all, now and then: such a play, not one that came
+        to its end and differs, gets a second machine. It is told."""
+        self.played_again.add(plan.path)
+        print(f"PLAYED AGAIN {short(plan.path)}: {result.differences[0]}", flush=True)
+        self.work.put(plan)
+
     def session_for(self, plan, session):
         if session and session.configuration == plan.configuration():
             return session
@@ -568,10 +577,14 @@ class Runner:
         except (OSError, subprocess.SubprocessError, ValueError, KeyError) as error:
             result.differences.append(f"not compared: {type(error).__name__}: {error}")
             stays = ["an unknown state"]
+            result.failed = True
         result.seconds = time.monotonic() - begin
         with self.lock:
-            self.results.append(result)
-            tell(result)
+            if result.failed and plan.path not in self.played_again:
+                self.play_again(plan, result)
+            else:
+                self.results.append(result)
+                tell(result)
         if stays:
             self.thrown_away[stays[0]] += 1
             session.close()

@@ -38,6 +38,8 @@ SHELL_FOLDERS = {"documents": "Personal", "desktop": "Desktop", "localAppData": 
 SPECIAL_FOLDERS = {"2": "Programs", "5": "Personal", "16": "Desktop", "28": "Local AppData"}
 USER_SHELL_FOLDERS = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders"
 
+USUAL_PLACES = {"temp": "\\AppData\\Local\\Temp", "documents": "\\Documents"}
+
 USUAL_FOLDERS = (
     USER_HOME + "\\AppData\\Local\\Temp", USER_HOME + "\\Documents", USER_HOME + "\\Desktop",
     USER_HOME + "\\AppData\\Roaming\\Microsoft\\Windows\\Start Menu\\Programs",
@@ -88,6 +90,7 @@ class Plan:
         self.package = dict(document.get("package", {}))
         self.machine = {"files": {}, "registry": {}}  # as the driver prepares it
         self.without_members = False  # the package was cut to less than the image
+        self.own_expectations = []  # (rule, pattern) of those that cannot hold for this one
 
     def configuration(self):
         """Scenarios with the same one can share a machine."""
@@ -146,12 +149,24 @@ def take_folders(folders, plan):
             set_folder(SHELL_FOLDERS[name], folder, plan)
         else:
             raise LeftOut("another Windows or system folder")
+        move_away(name, folder, plan)
         plan.machine["files"][folder.rstrip("\\")] = {"directory": True}
     for number, folder in folders.get("special", {}).items():
         if folder is None or number not in SPECIAL_FOLDERS:
             raise LeftOut("a folder that the system does not know")
         set_folder(SPECIAL_FOLDERS[number], folder, plan)
         plan.machine["files"][folder.rstrip("\\")] = {"directory": True}
+
+
+def move_away(name, folder, plan):
+    """The usual folder is not there if the system names another one. That of the desktop stays:
+    Wine's own desktop has it open."""
+    if name == "desktop":
+        plan.own_expectations.append(("the folder of the desktop, which Wine has open",
+                                      re.compile(r"dir:C:\\+Users\\+bob\\+Desktop\"")))
+    usual = USER_HOME + USUAL_PLACES.get(name, "")
+    if name in USUAL_PLACES and not (folder.upper() + "\\").startswith(usual.upper() + "\\"):
+        plan.machine["files"][usual] = None
 
 
 def set_folder(name, folder, plan):

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "programs/zevdrive/folder_tree.h"
+#include "programs/zevdrive/shown_property.h"
 #include "script/answers.h"
 #include "script/matcher.h"
 
@@ -436,104 +437,8 @@ Json Driver::focus() const {
   return nullptr;
 }
 
-// Properties of controls.
-
-namespace {
-
-/// A control as its window tells of it.
-struct ShownControl {
-  const WindowHand& hand;
-  const Form& form;
-  const Control& control;
-  HWND window;
-};
-
-using Property = std::optional<Json> (*)(const ShownControl& shown);
-
-std::optional<Json> shownText(const ShownControl& shown) {
-  const auto text = textOf(shown.window);
-  return text ? std::optional<Json>(toUtf8(*text)) : std::nullopt;
-}
-
-std::optional<Json> caption(const ShownControl& shown) {
-  return scenario::textPropertyOf(shown.control) == "Caption" ? shownText(shown) : std::nullopt;
-}
-
-std::optional<Json> text(const ShownControl& shown) {
-  return scenario::textPropertyOf(shown.control) == "Text" ? shownText(shown) : std::nullopt;
-}
-
-std::optional<Json> enabled(const ShownControl& shown) {
-  return IsWindowEnabled(shown.window) != FALSE;
-}
-
-std::optional<Json> visible(const ShownControl& shown) {
-  return (GetWindowLongW(shown.window, GWL_STYLE) & WS_VISIBLE) != 0;
-}
-
-std::optional<Json> value(const ShownControl& shown) {
-  const LRESULT check = SendMessageW(shown.window, BM_GETCHECK, 0, 0);
-  if (shown.control.kind() == ControlKind::OptionButton) return check == BST_CHECKED;
-  if (shown.control.kind() == ControlKind::CheckBox) return static_cast<int>(check);
-  return std::nullopt;
-}
-
-std::optional<Json> listIndex(const ShownControl& shown) {
-  if (shown.control.kind() != ControlKind::ComboBox) return std::nullopt;
-  return shown.hand.chosen(shown.form, shown.control);
-}
-
-std::optional<Json> list(const ShownControl& shown) {
-  if (shown.control.kind() != ControlKind::ComboBox) return std::nullopt;
-  Json entries = Json::array();
-  for (const Text& each : shown.hand.entries(shown.form, shown.control)) {
-    entries.push_back(toUtf8(each));
-  }
-  return entries;
-}
-
-std::optional<Json> listCount(const ShownControl& shown) {
-  const auto entries = list(shown);
-  return entries ? std::optional<Json>(entries->size()) : std::nullopt;
-}
-
-std::optional<Json> drive(const ShownControl& shown) {
-  if (shown.control.kind() != ControlKind::DriveListBox) return std::nullopt;
-  const int place = shown.hand.chosen(shown.form, shown.control);
-  if (place < 0) return Json("");
-  const auto entries = shown.hand.entries(shown.form, shown.control);
-  return toUtf8(left(entries.at(static_cast<std::size_t>(place)), 2));
-}
-
-std::optional<Json> path(const ShownControl& shown) {
-  if (shown.control.kind() != ControlKind::DirListBox) return std::nullopt;
-  return toUtf8(FolderTree(shown.hand.entries(shown.form, shown.control),
-                           shown.hand.chosen(shown.form, shown.control))
-                    .path());
-}
-
-struct PropertyRow {
-  TextView name;
-  Property read;
-};
-
-constexpr PropertyRow propertyRows[] = {
-    {u"Caption", caption}, {u"Text", text},           {u"Enabled", enabled},
-    {u"Visible", visible}, {u"Value", value},         {u"ListIndex", listIndex},
-    {u"List", list},       {u"ListCount", listCount}, {u"Drive", drive},
-    {u"Path", path},
-};
-
-}  // namespace
-
 std::optional<Json> Driver::controlProperty(const Place& place, const std::string& property) const {
-  const WindowHand hand(program_->windows());
-  const HWND window = program_->windows().windowOf(*place.form, *place.control);
-  if (window == nullptr) return std::nullopt;
-  for (const PropertyRow& row : propertyRows) {
-    if (sameName(row.name, property)) return row.read({hand, *place.form, *place.control, window});
-  }
-  return std::nullopt;
+  return shownProperty(program_->windows(), *place.form, *place.control, property);
 }
 
 }  // namespace zev::drive
