@@ -26,7 +26,7 @@ constexpr AviKey aviKeys[] = {
     {u"AVIFile\\CLSID", u"{00022602-0000-0000-C000-000000000046}"},
 };
 
-constexpr TextView defaultValue = u"";
+constexpr TextView defaultValue = {};
 
 }  // namespace
 

@@ -27,7 +27,7 @@ void UserRegistration::RegisterUsers(std::int16_t& result) {
 /// fall out for want of a local folder of their own.
 Text UserRegistration::baseFolder() {
   const Text drive = systemDrive(program_);
-  const Text base(withoutTrailing(GetKnownFolder(program_, known_folder::localAppData), u'\\'));
+  Text base(withoutTrailing(GetKnownFolder(program_, known_folder::localAppData), u'\\'));
   if (base.empty() || !zev::exists(files_, base, dir_mask::anyEntry)) return base;
   const Text profiles = lowerCase(join(drive, u"\\Users"));
   return inStrText(lowerCase(base), profiles) > 0 ? profiles : base;
