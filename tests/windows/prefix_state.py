@@ -6,13 +6,42 @@ import os
 import pathlib
 import re
 import shutil
+import stat
 import struct
 
 HIDDEN, READ_ONLY, SYSTEM = 2, 1, 4
 ATTRIBUTES = (("hidden", HIDDEN), ("readonly", READ_ONLY), ("system", SYSTEM))
 
 
+DOS_ATTRIBUTES = "user.DOSATTRIB"  # where Wine keeps what the host's mode does not tell
+
+
 # ---- files
+
+
+def mark_of(host_path):
+    """What tells a changed entry from an unchanged one; mode and attributes first."""
+    state = os.lstat(host_path)
+    mark = (state.st_mode, stored_attributes(host_path))
+    if stat.S_ISDIR(state.st_mode):
+        return mark
+    return (*mark, state.st_size, state.st_mtime_ns, state.st_ino)
+
+
+def stored_attributes(host_path):
+    try:
+        return os.getxattr(host_path, DOS_ATTRIBUTES, follow_symlinks=False)
+    except OSError:
+        return b""
+
+
+def take_back_mark(host_path, mark):
+    """Gives an entry the mode and the attributes that it had."""
+    os.chmod(host_path, stat.S_IMODE(mark[0]))
+    if mark[1]:
+        os.setxattr(host_path, DOS_ATTRIBUTES, mark[1])
+    elif stored_attributes(host_path):
+        os.removexattr(host_path, DOS_ATTRIBUTES)
 
 
 class Drive:
@@ -35,12 +64,8 @@ class Drive:
             for entry in entries:
                 if entry.path in self.left_out:
                     continue
-                state = entry.stat(follow_symlinks=False)
-                is_folder = entry.is_dir(follow_symlinks=False)
-                mark = (state.st_mode,) if is_folder else (
-                    state.st_mode, state.st_size, state.st_mtime_ns, state.st_ino)
-                found[entry.path] = mark
-                if is_folder:
+                found[entry.path] = mark_of(entry.path)
+                if entry.is_dir(follow_symlinks=False):
                     self._add(entry.path, found)
 
     def windows_path(self, host_path):
@@ -50,11 +75,8 @@ class Drive:
 
 def attributes_of(host_path):
     """Names of the attributes that Windows sees on an entry."""
-    bits = 0
-    try:
-        bits = int(os.getxattr(host_path, "user.DOSATTRIB").rstrip(b"\0"), 16)
-    except (OSError, ValueError):
-        pass
+    stored = stored_attributes(host_path).rstrip(b"\0")
+    bits = int(stored, 16) if stored else 0
     if not os.stat(host_path).st_mode & 0o222:
         bits |= READ_ONLY
     return [name for name, bit in ATTRIBUTES if bits & bit]
@@ -109,9 +131,9 @@ class Files:
             for path in sorted(first):
                 if not os.path.lexists(path):
                     self._restore(drive, path)
-                    first[path] = self._mark(path)
+                    first[path] = mark_of(path)
                 elif first[path] != now.get(path):
-                    os.chmod(path, first[path][0] & 0o7777)
+                    take_back_mark(path, first[path])
 
     @staticmethod
     def _remove(path, keep_folder):
@@ -131,13 +153,6 @@ class Files:
             shutil.copy2(source, path)
         owner = os.stat(os.path.dirname(path))
         os.chown(path, owner.st_uid, owner.st_gid)
-
-    @staticmethod
-    def _mark(path):
-        state = os.lstat(path)
-        if os.path.isdir(path):
-            return (state.st_mode,)
-        return (state.st_mode, state.st_size, state.st_mtime_ns, state.st_ino)
 
 
 # ---- the registry
