@@ -9,7 +9,6 @@
 namespace zev {
 namespace {
 
-constexpr std::int32_t normalWindow = 1;
 constexpr TextView boxTitle = u"ZEV Install";
 
 /// An older generation on record under HKEY_LOCAL_MACHINE.

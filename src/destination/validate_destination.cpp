@@ -1,7 +1,5 @@
 #include "destination/validate_destination.h"
 
-#include <algorithm>
-
 #include "destination/drive_refusal.h"
 #include "runtime/error.h"
 #include "system/attributes.h"
@@ -10,7 +8,6 @@
 namespace zev {
 namespace {
 
-constexpr std::int32_t normalChoice = 0;
 constexpr std::size_t shortestPath = 4;
 constexpr TextView forbiddenCharacters = u"*?<>\"|/";
 constexpr TextView productFolder = u":\\ZEV Screen Recorder 6";
@@ -83,10 +80,7 @@ void DestinationCheck::readInstalledDirectory() {
   }
   const KeyList keys = registry_.EnumRegKeys(HKEY_LOCAL_MACHINE, makerKey);
   if (std::holds_alternative<std::int32_t>(keys)) globals_.gInstalledDir.clear();
-  const auto* names = std::get_if<std::vector<Text>>(&keys);
-  if (names != nullptr && std::find(names->begin(), names->end(), productKey) != names->end()) {
-    globals_.gInstalledDir = directoryOnRecord();
-  }
+  if (lists(keys, productKey)) globals_.gInstalledDir = directoryOnRecord();
 }
 
 Text DestinationCheck::directoryOnRecord() {

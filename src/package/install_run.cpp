@@ -20,8 +20,6 @@ namespace {
 
 constexpr std::int32_t lastTick = 60;
 constexpr std::size_t systemDirectorySize = 255;
-constexpr std::int32_t normalChoice = 0;
-constexpr std::int32_t normalWindow = 1;
 
 /// Diagnostic steps, printed by the trap. Members have theirs in the manifest; the user's folders,
 /// the file type and the shortcuts in their own modules.

@@ -10,6 +10,9 @@ namespace zev {
 inline constexpr std::uint32_t SYNCHRONIZE = 1048576;
 inline constexpr std::uint32_t INFINITE = 0xFFFFFFFF;
 
+/// Style of the window that a program is started with: normal, with the focus.
+inline constexpr std::int32_t normalWindow = 1;
+
 /// A handle of a process; 0 is none.
 using ProcessHandle = std::uintptr_t;
 

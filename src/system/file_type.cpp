@@ -1,6 +1,6 @@
 #include "system/file_type.h"
 
-#include <algorithm>
+#include "system/installed_files.h"
 
 namespace zev {
 namespace {
@@ -30,9 +30,7 @@ void FileType::registerType() {
 
 /// A key that differs only in case does not count.
 bool FileType::present() {
-  const KeyList keys = registry_.EnumRegKeys(HKEY_CLASSES_ROOT, u"");
-  const auto* names = std::get_if<std::vector<Text>>(&keys);
-  return names != nullptr && std::find(names->begin(), names->end(), extensionKey) != names->end();
+  return lists(registry_.EnumRegKeys(HKEY_CLASSES_ROOT, u""), extensionKey);
 }
 
 bool FileType::ownedByAnother() {
@@ -49,8 +47,7 @@ bool FileType::personKeepsTheOther() {
 }
 
 void FileType::writeKeys() {
-  const Text program =
-      join(globals_.gInstallDir.trimmed(), u"\\", trim(globals_.gProductExe), u".exe");
+  const Text program = mainProgram(globals_);
   write(extensionKey, programId);
   write(programId, u"ZEV ReelDesk Project File");
   write(join(programId, u"\\shell\\open\\command"), join(u"\"", program, u"\" /reeldesk %1"));

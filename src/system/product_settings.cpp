@@ -6,7 +6,6 @@ namespace zev {
 namespace {
 
 constexpr std::int32_t absent = -99;
-constexpr std::int32_t normalChoice = 0;
 
 /// A setting that an upgrade from below a version gets.
 struct Upgrade {

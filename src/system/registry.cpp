@@ -1,5 +1,7 @@
 #include "system/registry.h"
 
+#include <algorithm>
+
 #include "runtime/number.h"
 #include "system/attributes.h"
 
@@ -11,6 +13,11 @@ constexpr std::uint32_t mostKeys = 1024;
 constexpr std::int32_t noList = -2;
 
 }  // namespace
+
+bool lists(const KeyList& keys, TextView name) {
+  const auto* names = std::get_if<std::vector<Text>>(&keys);
+  return names != nullptr && std::find(names->begin(), names->end(), name) != names->end();
+}
 
 Registry::Registry(Program& program, Phrases& phrases)
     : program_(program),

@@ -11,12 +11,16 @@
 
 namespace zev {
 
-/// The selector that asks for the registry itself, whatever the class of the machine. Any other
-/// selector takes the normal choice of store.
+/// Selectors: the normal choice of store, which any other number takes too, and the registry
+/// itself, whatever the class of the machine.
+inline constexpr std::int32_t normalChoice = 0;
 inline constexpr std::int32_t ForceRegistry = 999999;
 
 /// What EnumRegKeys gives: a list of names, an error code, or nothing at all.
 using KeyList = std::variant<std::monostate, std::int32_t, std::vector<Text>>;
+
+/// True if it is a list with that name in it, case included.
+bool lists(const KeyList& keys, TextView name);
 
 /// The one door to persistent settings. On machines whose class is `profileClass` values without
 /// `ForceRegistry` are the value files of `gUserData` and `gUserDataAlt`, where hive and key count

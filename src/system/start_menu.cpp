@@ -2,6 +2,7 @@
 
 #include "runtime/error.h"
 #include "system/attributes.h"
+#include "system/installed_files.h"
 #include "system/special_folders.h"
 
 namespace zev {
@@ -19,7 +20,6 @@ struct GroupEntry {
 
 namespace {
 
-constexpr std::int32_t normalWindow = 1;
 constexpr TextView groupName = u"ZEV Screen Recorder 6";
 
 /// Diagnostic steps of the run; the entries behind the first have theirs in the table.
@@ -51,7 +51,7 @@ constexpr GroupEntry groupEntries[] = {
     {168, u"Film Works",                  u"",                                u" /filmworks", u", 0", u"ZEV Film Works",                  u"Film Works"},
     {169, u"Reel Desk",                   u"",                                u" /reeldesk",  u", 0", u"ZEV Reel Desk",                   u"Reel Desk"},
     {170, u"Screen Recorder 6 Help",      u"ZEV6.chm",                        u"",            u"",    u"ZEV Screen Recorder 6 Help",      u"Screen Recorder 6 Help"},
-    {171, u"Uninstall Screen Recorder 6", u"Uninstall Screen Recorder 6.exe", u"",            u", 0", u"Uninstall ZEV Screen Recorder 6", u"Uninstall Screen Recorder 6"},
+    {171, u"Uninstall Screen Recorder 6", uninstallProgram,                   u"",            u", 0", u"Uninstall ZEV Screen Recorder 6", u"Uninstall Screen Recorder 6"},
 };
 // clang-format on
 
@@ -163,9 +163,9 @@ void StartMenu::makeDesktopShortcut() {
   const Text desktop(trim(shell().SpecialFolders(u"Desktop")));
   if (desktop.empty()) return;
   const auto shortcut = shell().CreateShortcut(join(desktop, u"\\", groupName, u".lnk"));
-  shortcut->TargetPath(mainProgram());
+  shortcut->TargetPath(mainProgram(globals_));
   shortcut->Arguments(u"");
-  shortcut->IconLocation(join(mainProgram(), u", 0"));
+  shortcut->IconLocation(join(mainProgram(globals_), u", 0"));
   shortcut->Description(u"ZEV Screen Recorder 6");
   shortcut->WorkingDirectory(install());
   shortcut->Save();
@@ -227,12 +227,9 @@ void StartMenu::letReplyCome(std::uint32_t milliseconds) {
 
 // ---- paths
 
-Text StartMenu::mainProgram() const {
-  return join(install(), u"\\", trim(globals_.gProductExe), u".exe");
-}
-
 Text StartMenu::target(const GroupEntry& entry) const {
-  return entry.ownProgram.empty() ? mainProgram() : join(install(), u"\\", entry.ownProgram);
+  return entry.ownProgram.empty() ? mainProgram(globals_)
+                                  : installedFile(globals_, entry.ownProgram);
 }
 
 bool StartMenu::folderExists(TextView folder) {

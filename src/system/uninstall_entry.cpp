@@ -1,6 +1,6 @@
 #include "system/uninstall_entry.h"
 
-#include "system/product_settings.h"
+#include "system/installed_files.h"
 
 namespace zev {
 namespace {
@@ -16,8 +16,7 @@ void enterUninstall(Registry& registry, const Globals& globals) {
   };
   registry.CreateRegKey(HKEY_LOCAL_MACHINE, entryKey, ForceRegistry);
   set(u"DisplayName", u"ZEV Screen Recorder 6");
-  set(u"UninstallString",
-      join(globals.gInstallDir.trimmed(), u"\\Uninstall Screen Recorder 6.exe"));
+  set(u"UninstallString", installedFile(globals, uninstallProgram));
 }
 
 }  // namespace zev

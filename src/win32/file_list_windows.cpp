@@ -73,28 +73,14 @@ bool shown(const WIN32_FIND_DATAA& entry) {
          name.find('?') == std::string::npos;  // a name that the code page cannot write
 }
 
-Text fromSystemPage(const char* bytes) {
-  const int length = MultiByteToWideChar(CP_ACP, 0, bytes, -1, nullptr, 0);
-  std::wstring text(static_cast<std::size_t>(std::max(length, 1)), L'\0');
-  MultiByteToWideChar(CP_ACP, 0, bytes, -1, text.data(), length);
-  return Text(text.begin(), text.end() - 1);
-}
-
-std::string toSystemPage(const Text& text) {
-  const int length = WideCharToMultiByte(CP_ACP, 0, wide(text), -1, nullptr, 0, nullptr, nullptr);
-  std::string bytes(static_cast<std::size_t>(std::max(length, 1)), '\0');
-  WideCharToMultiByte(CP_ACP, 0, wide(text), -1, bytes.data(), length, nullptr, nullptr);
-  return bytes;
-}
-
 std::vector<Text> foldersIn(const Text& path) {
   std::vector<Text> names;
   WIN32_FIND_DATAA entry{};
-  const std::string pattern = toSystemPage(join(withoutTrailing(path, u'\\'), u"\\*"));
+  const std::string pattern = toAnsi(join(withoutTrailing(path, u'\\'), u"\\*"));
   const HANDLE search = FindFirstFileA(pattern.c_str(), &entry);
   if (search == INVALID_HANDLE_VALUE) return names;
   do {
-    if (shown(entry)) names.push_back(fromSystemPage(entry.cFileName));
+    if (shown(entry)) names.push_back(fromAnsi(entry.cFileName));
   } while (FindNextFileA(search, &entry));
   FindClose(search);
   std::sort(names.begin(), names.end(), [](const Text& first, const Text& second) {

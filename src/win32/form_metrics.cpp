@@ -1,5 +1,7 @@
 #include "win32/form_metrics.h"
 
+#include "win32/system_library.h"
+
 namespace zev::win32 {
 namespace {
 
@@ -30,9 +32,8 @@ int systemDpi() {
 }
 
 int windowDpi(HWND window) {
-  using GetDpiForWindow = UINT(WINAPI*)(HWND);
-  const auto ask = reinterpret_cast<GetDpiForWindow>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
+  SystemLibrary user32("user32.dll");
+  const auto ask = user32.find<UINT WINAPI(HWND)>("GetDpiForWindow");
   const UINT dpi = ask == nullptr ? 0 : ask(window);
   return dpi == 0 ? systemDpi() : static_cast<int>(dpi);
 }

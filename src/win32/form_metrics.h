@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "runtime/controls.h"
+#include "win32/ansi.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
@@ -39,10 +40,6 @@ class FormFonts {
 
 /// Width of a text in a font, in pixels.
 int textWidth(HFONT font, TextView text);
-
-inline const wchar_t* wide(const Text& text) {
-  return reinterpret_cast<const wchar_t*>(text.c_str());
-}
 
 /// The text of a window.
 Text windowText(HWND window);

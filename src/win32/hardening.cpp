@@ -1,5 +1,6 @@
 #include "win32/hardening.h"
 
+#include "win32/system_library.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
@@ -7,23 +8,18 @@ namespace {
 
 constexpr DWORD searchSystemFolderAlone = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
 
-template <typename Function>
-Function newerCall(const char* name) {
-  return reinterpret_cast<Function>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
-}
-
 /// True if the system can keep all searches to its own folder, and does so from now on.
 bool restrictSearch() {
-  using SetDefaultDllDirectories = BOOL(WINAPI*)(DWORD);
-  const auto limit = newerCall<SetDefaultDllDirectories>("SetDefaultDllDirectories");
+  SystemLibrary kernel32("kernel32.dll");
+  const auto limit = kernel32.find<BOOL WINAPI(DWORD)>("SetDefaultDllDirectories");
   return limit != nullptr && limit(searchSystemFolderAlone) != 0;
 }
 
 /// The manifest names the version of the controls, and the system takes it from the store of its
 /// versions. Systems without that store have no themes either.
 void loadThemedControls(bool restricted) {
-  if (newerCall<void*>("CreateActCtxW") == nullptr) return;
+  SystemLibrary kernel32("kernel32.dll");
+  if (kernel32.find<void()>("CreateActCtxW") == nullptr) return;
   const DWORD search = restricted ? searchSystemFolderAlone : 0;
   if (restricted) {  // what the controls and the themes look for by its bare name
     LoadLibraryExW(L"msimg32.dll", nullptr, search);

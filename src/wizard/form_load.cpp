@@ -12,7 +12,6 @@ namespace {
 constexpr std::size_t pathSize = 145;
 constexpr TextView mainExecutable = u"Screen Recorder 6";
 constexpr std::int32_t noLanguage = -1;
-constexpr std::int32_t normalChoice = 0;
 
 /// Place in the language list for a language number; the numbers of the list are not those of the
 /// languages, and a machine keeps the former and reads them as the latter.

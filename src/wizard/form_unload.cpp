@@ -1,4 +1,5 @@
 #include "runtime/error.h"
+#include "system/installed_files.h"
 #include "wizard/wizard.h"
 
 namespace zev {
@@ -6,7 +7,6 @@ namespace {
 
 constexpr std::int16_t keepOpen = -1;
 constexpr std::int32_t checked = 1;
-constexpr std::int32_t normalWindow = 1;
 
 }  // namespace
 
@@ -33,8 +33,7 @@ void Wizard::closeOrderly() {
 }
 
 void Wizard::launchProduct() {
-  platform_.processes.Shell(
-      join(u"\"", installDirectory(), u"\\", trim(globals_.gProductExe), u".exe\""), normalWindow);
+  platform_.processes.Shell(join(u"\"", mainProgram(globals_), u"\""), normalWindow);
 }
 
 bool Wizard::cancelConfirmed() {

@@ -1,14 +1,10 @@
 #include "wizard/install_directory.h"
 
-#include <algorithm>
-
 #include "system/attributes.h"
 #include "system/product_settings.h"
 
 namespace zev {
 namespace {
-
-constexpr std::int32_t normalChoice = 0;
 
 bool folderExists(Program& program, TextView folder) {
   const TextView trimmed = trim(folder);
@@ -29,10 +25,7 @@ void proposeByRegistry(Program& program, Registry& registry) {
     if (code == -1 || code == -2) globals.gInstallDir = defaultDirectory(globals);
     return;
   }
-  const auto* names = std::get_if<std::vector<Text>>(&keys);
-  if (names == nullptr || std::find(names->begin(), names->end(), productKey) == names->end()) {
-    return;
-  }
+  if (!lists(keys, productKey)) return;
   globals.gInstallDir = recordedDirectory(globals, registry);
   if (!folderExists(program, globals.gInstallDir.trimmed())) {
     globals.gInstallDir = defaultDirectory(globals);
