@@ -54,6 +54,7 @@ void Application::load(Form& form) {
   form.observeAll(&engine_);
   engine_.loaded(form);
   try {
+    if (form.Initialize) form.Initialize();
     if (form.Load) form.Load();
   } catch (const RuntimeError&) {
     discard(form);
@@ -92,6 +93,7 @@ void Application::discard(Form& form) {
   std::erase(forms_, &form);
   engine_.unloaded(form);
   form.observeAll(nullptr);
+  if (form.Terminate) form.Terminate();
 }
 
 }  // namespace zev

@@ -57,10 +57,13 @@ class Form : public Component {
     return dynamic_cast<T&>(designed(name));
   }
 
-  /// Event procedures. `Cancel` set to -1 keeps the form open.
+  /// Event procedures. `Cancel` set to -1 keeps the form open. `Initialize` runs before `Load`,
+  /// with the controls on the form, `Terminate` when it is gone.
+  EventProcedure Initialize;
   EventProcedure Load;
   std::function<void(std::int16_t& Cancel, UnloadMode mode)> QueryUnload;
   std::function<void(std::int16_t& Cancel)> Unload;
+  EventProcedure Terminate;
 
   /// Lets an observer learn of the form and of all its controls.
   void observeAll(FormObserver* observer);

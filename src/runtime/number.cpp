@@ -93,13 +93,15 @@ std::int32_t toLong(double number) {
   return static_cast<std::int32_t>(whole);
 }
 
-std::int32_t toLong(TextView text) {
+double toDouble(TextView text) {
   const std::string plain = withoutSpace(ascii(text));
   if (plain.size() > 2 && plain[0] == '&') {
     if (plain[1] == 'H' || plain[1] == 'h') return radixNumber(plain.substr(2), 16);
     if (plain[1] == 'O' || plain[1] == 'o') return radixNumber(plain.substr(2), 8);
   }
-  return toLong(decimalNumber(plain));
+  return decimalNumber(plain);
 }
+
+std::int32_t toLong(TextView text) { return toLong(toDouble(text)); }
 
 }  // namespace zev

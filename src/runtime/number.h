@@ -15,6 +15,10 @@ std::int32_t multiply(std::int32_t first, std::int32_t second);
 /// at all, it is error 6.
 std::int32_t toLong(double number);
 
+/// The number that a text spells: as for toLong, without the limits of a whole number. Error 13 and
+/// error 6 as there.
+double toDouble(TextView text);
+
 /// The whole number that a text spells: blanks, tabs and line ends around it, a sign, digits with a
 /// decimal point and an exponent, or &H and &O forms. A text that is no number is error 13, a
 /// number out of the 32-bit range is error 6; fractions round half to even.

@@ -1,0 +1,122 @@
+#include "runtime/variant.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "runtime/error.h"
+
+namespace zev {
+namespace {
+
+constexpr auto types = std::to_array<VariantType>({
+    VariantType::Empty,
+    VariantType::Null,
+    VariantType::Integer,
+    VariantType::Long,
+    VariantType::Single,
+    VariantType::Double,
+    VariantType::Currency,
+    VariantType::Date,
+    VariantType::String,
+    VariantType::Object,
+    VariantType::Error,
+    VariantType::Boolean,
+    VariantType::Byte,
+    VariantType::LongArray,
+    VariantType::ByteArray,
+});
+static_assert(types.size() == std::variant_size_v<Variant::Value>);
+
+constexpr double currencyScale = 10000;
+constexpr int singleDigits = 7;
+constexpr int doubleDigits = 15;
+
+[[noreturn]] void mismatch() { throw RuntimeError(ErrorNumber::TypeMismatch); }
+
+bool spellsNumber(TextView text) {
+  try {
+    toDouble(text);
+    return true;
+  } catch (const RuntimeError& error) {
+    return error.number() == static_cast<std::int32_t>(ErrorNumber::Overflow);
+  }
+}
+
+/// The number of each type that has one.
+struct ToDouble {
+  double operator()(std::monostate) const { return 0; }
+  double operator()(Variant::Null) const { throw RuntimeError(ErrorNumber::InvalidUseOfNull); }
+  double operator()(std::int16_t value) const { return value; }
+  double operator()(std::int32_t value) const { return value; }
+  double operator()(float value) const { return value; }
+  double operator()(double value) const { return value; }
+  double operator()(Currency value) const {
+    return static_cast<double>(value.scaled) / currencyScale;
+  }
+  double operator()(Date value) const { return value.days; }
+  double operator()(const Text& value) const { return toDouble(TextView(value)); }
+  double operator()(bool value) const { return value ? -1 : 0; }
+  double operator()(std::uint8_t value) const { return value; }
+  template <typename Other>
+  double operator()(const Other&) const {
+    mismatch();
+  }
+};
+
+Text numberText(double number, int digits) {
+  std::array<char, 32> buffer;
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                 std::chars_format::general, digits);
+  std::replace(buffer.data(), end.ptr, 'e', 'E');
+  return Text(buffer.data(), end.ptr);
+}
+
+}  // namespace
+
+VariantType Variant::type() const { return types[value_.index()]; }
+
+bool isNumeric(const Variant& value) {
+  switch (value.type()) {
+    case VariantType::Empty:
+    case VariantType::Integer:
+    case VariantType::Long:
+    case VariantType::Single:
+    case VariantType::Double:
+    case VariantType::Currency:
+    case VariantType::Boolean:
+    case VariantType::Byte:
+      return true;
+    case VariantType::String:
+      return spellsNumber(*value.get<Text>());
+    default:
+      return false;
+  }
+}
+
+double Variant::number() const { return std::visit(ToDouble{}, value_); }
+
+Text toText(const Variant& value) {
+  switch (value.type()) {
+    case VariantType::Empty:
+      return {};
+    case VariantType::String:
+      return *value.get<Text>();
+    case VariantType::Boolean:
+      return *value.get<bool>() ? u"True" : u"False";
+    case VariantType::Single:
+      return numberText(toDouble(value), singleDigits);
+    case VariantType::Integer:
+    case VariantType::Long:
+    case VariantType::Double:
+    case VariantType::Currency:
+    case VariantType::Byte:
+      return numberText(toDouble(value), doubleDigits);
+    case VariantType::Null:
+      throw RuntimeError(ErrorNumber::InvalidUseOfNull);
+    default:
+      mismatch();
+  }
+}
+
+}  // namespace zev

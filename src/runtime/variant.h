@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "runtime/number.h"
+#include "runtime/text.h"
+
+namespace zev {
+
+/// Types of a variant, as the language numbers them.
+enum class VariantType : std::int32_t {
+  Empty = 0,
+  Null = 1,
+  Integer = 2,
+  Long = 3,
+  Single = 4,
+  Double = 5,
+  Currency = 6,
+  Date = 7,
+  String = 8,
+  Object = 9,
+  Error = 10,
+  Boolean = 11,
+  Byte = 17,
+  LongArray = 8195,
+  ByteArray = 8209,
+};
+
+/// An amount in ten-thousandths.
+struct Currency {
+  std::int64_t scaled = 0;
+  bool operator==(const Currency&) const = default;
+};
+
+/// Days since 30 December 1899 and, behind the point, the time of the day.
+struct Date {
+  double days = 0;
+  bool operator==(const Date&) const = default;
+};
+
+/// A value that carries its type. The alternatives stand in the order of `types` in variant.cpp.
+class Variant {
+  template <typename T, typename... Types>
+  static constexpr bool isOneOf(const std::variant<Types...>*) {
+    return (std::is_same_v<T, Types> || ...);
+  }
+
+ public:
+  struct Null {
+    bool operator==(const Null&) const = default;
+  };
+  /// A reference to some object, which nothing here can look into.
+  struct Object {
+    bool operator==(const Object&) const = default;
+  };
+  /// An optional argument that the caller has left out.
+  struct Missing {
+    bool operator==(const Missing&) const = default;
+  };
+  using Value = std::variant<std::monostate, Null, std::int16_t, std::int32_t, float, double,
+                             Currency, Date, Text, Object, Missing, bool, std::uint8_t,
+                             std::vector<std::int32_t>, std::vector<std::uint8_t>>;
+
+  /// Empty.
+  Variant() = default;
+  template <typename T>
+  requires(isOneOf<T>(static_cast<const Value*>(nullptr))) Variant(T value)
+      : value_(std::in_place_type<T>, std::move(value)) {}
+  Variant(TextView text) : value_(Text(text)) {}
+  Variant(const char16_t* text) : value_(Text(text)) {}
+
+  static Variant missing() { return Variant(Missing{}); }
+
+  VariantType type() const;
+  bool isMissing() const { return std::holds_alternative<Missing>(value_); }
+
+  /// The value if it is of that type, else null.
+  template <typename T>
+  const T* get() const {
+    return std::get_if<T>(&value_);
+  }
+  /// Takes a value of that type out; the variant keeps the type. std::bad_variant_access otherwise.
+  template <typename T>
+  T take() {
+    return std::exchange(std::get<T>(value_), T{});
+  }
+  const Value& value() const { return value_; }
+  /// See toDouble.
+  double number() const;
+
+  bool operator==(const Variant&) const = default;
+
+ private:
+  Value value_;
+};
+
+/// Whether the language takes the value for a number: the number types, Boolean and Empty, and
+/// texts that spell one; a Date is none.
+bool isNumeric(const Variant& value);
+
+/// The number that a value stands for; True is -1, Empty 0. Error 13 for what is none, error 94 for
+/// Null. For variants alone: a text by itself has a conversion of its own.
+template <std::same_as<Variant> V>
+double toDouble(const V& value) {
+  return value.number();
+}
+
+/// The same as a whole number, halves to the even one; error 6 out of the 32-bit range.
+template <std::same_as<Variant> V>
+std::int32_t toLong(const V& value) {
+  return toLong(value.number());
+}
+
+/// The text of a value: a text as it is, a number in decimal with up to 15 digits, "True" and
+/// "False", empty for Empty. Error 94 for Null, error 13 for what has no text (dates, whose text
+/// depends on the system's settings, among them).
+Text toText(const Variant& value);
+
+}  // namespace zev
