@@ -22,7 +22,7 @@ const Arrows allowed = {
     {"platform", {"runtime"}},
     {"lz", {"runtime", "platform"}},
     {"socket", {"runtime", "platform"}},
-    {"state", {"platform"}},
+    {"state", {"platform", "socket"}},
     {"localisation", {"state"}},
     {"system", {"localisation"}},
     {"package", {"system"}},

@@ -1,0 +1,331 @@
+#include <algorithm>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "socket/event_socket.h"
+#include "socket/wire_format.h"
+
+namespace zev {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::size_t longestBuffer = INT32_MAX;
+
+std::span<const std::uint8_t> bytesOf(const std::string& text) {
+  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+std::string_view charactersOf(std::span<const std::uint8_t> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// At most what is at hand, however large the number that is asked for.
+std::int32_t amountToFetch(std::int32_t atHand, const Variant& maxLen) {
+  return maxLen.isMissing() || toDouble(maxLen) > atHand ? atHand : toLong(maxLen);
+}
+
+/// Does something that takes memory; error 7 if there is none.
+template <typename Work>
+auto withMemory(TextView source, Work work) {
+  try {
+    return work();
+  } catch (const std::bad_alloc&) {
+    raiseOutOfMemory(source);
+  }
+}
+
+bool holdsMany(VariantType type) {
+  return type == VariantType::String || type == VariantType::ByteArray;
+}
+
+}  // namespace
+
+// ---- sending
+
+void CEventSocket::SendData(const Variant& data) {
+  constexpr TextView source = u"CEventSocket.SendData";
+  const auto alive = shared_from_this();
+  if (isUdp()) {
+    if (!SocketExists() || !BindInternal()) return;
+    setState(sckOpen);
+  } else if (state_ != sckConnected) {
+    raiseWrongProtocolOrState(source);
+  }
+  withMemory(source, [&] { queueValue(data); });
+}
+
+void CEventSocket::queueValue(const Variant& data) {
+  if (const Text* const text = data.get<Text>()) {
+    queueBytes(bytesOf(module_.services().kernel.toAnsi(*text)));
+  } else if (const Bytes* const bytes = data.get<Bytes>()) {
+    queueBytes(*bytes);
+  } else if (wireSize(data.type())) {
+    queueBytes(toWire(data));
+  } else {
+    raiseUnsupportedVariant(u"CEventSocket.SendData");
+  }
+}
+
+/// Bytes that find others waiting follow them once there is room. Those that find none go out from
+/// where they are, and only the rest is copied, before anybody else can touch them.
+void CEventSocket::queueBytes(std::span<const std::uint8_t> bytes) {
+  if (bytes.empty()) return;
+  if (bytes.size() > longestBuffer - sendBuffer_.size()) {
+    raiseOutOfMemory(u"CEventSocket.SendData");
+  }
+  if (!sendBuffer_.empty()) return sendBuffer_.append(bytes);
+  sendBuffer_.borrow(bytes);
+  try {
+    FlushSendBuffer();
+  } catch (...) {
+    sendBuffer_.keep();
+    throw;
+  }
+}
+
+void CEventSocket::FlushSendBuffer() {
+  if (isUdp()) {
+    SendBufferedDataUDP();
+  } else {
+    SendBufferedData();
+  }
+}
+
+void CEventSocket::SendBufferedDataUDP() {
+  constexpr TextView source = u"CEventSocket.SendBufferedDataUDP";
+  const Address host = HostToAddress(remoteHost_);
+  if (host.error != 0) {
+    sendBuffer_.clear();
+    if (host.error == winsock::error::familyNotSupported) raiseWinsockError(host.error, source);
+    raiseInvalidArgument(source);
+  }
+  SocketAddress receiver;
+  receiver.port = htons(UnsignedToInteger(remotePort_));
+  receiver.address = host.value;
+  const Bytes datagram = sendBuffer_.take(sendBuffer_.size());
+  if (sockets_.sendto(socketHandle_, datagram, 0, receiver) == winsock::failed) {
+    Report(lastError(), source);
+  }
+}
+
+void CEventSocket::SendBufferedData() {
+  std::int32_t counter = 0;
+  while (!sendBuffer_.empty() && sendChunk(counter)) {
+  }
+}
+
+/// One piece, at most as long as the system's own buffer. False once the system takes no more.
+bool CEventSocket::sendChunk(std::int32_t& counter) {
+  const std::size_t most =
+      sendChunkSize_ > 0 ? static_cast<std::size_t>(sendChunkSize_) : sendBuffer_.size();
+  const std::int32_t sent = sockets_.send(socketHandle_, sendBuffer_.front(most), 0);
+  if (sent == winsock::failed) {
+    chunkRefused(lastError(), counter);
+    return false;
+  }
+  module_.trace().line(u"OK Bytes sent: ", sent);
+  chunkSent(sent, counter);
+  return true;
+}
+
+void CEventSocket::chunkSent(std::int32_t amount, std::int32_t& counter) {
+  counter += amount;
+  if (sendBufferLength() > amount) return sendBuffer_.drop(static_cast<std::size_t>(amount));
+  sendBuffer_.drop(sendBuffer_.size());
+  module_.trace().line(u"OK Finished SENDING");
+  const std::int32_t whole = std::exchange(counter, 0);
+  raiseEvent(events.SendProgress, whole, 0);
+  raiseEvent(events.SendComplete);
+}
+
+/// Without memory for the rest the stream has a gap.
+void CEventSocket::keepRest() {
+  try {
+    sendBuffer_.keep();
+  } catch (const std::bad_alloc&) {
+    setState(sckError);
+    throw;
+  }
+}
+
+void CEventSocket::chunkRefused(std::int32_t reason, std::int32_t counter) {
+  keepRest();
+  if (reason != winsock::error::wouldBlock) {
+    return Report(reason, u"CEventSocket.SendBufferedData");
+  }
+  module_.trace().line(u"WARNING: Send buffer full, waiting...");
+  if (counter >= 1) raiseEvent(events.SendProgress, counter, sendBufferLength());
+}
+
+std::int32_t CEventSocket::sendBufferLength() const {
+  return static_cast<std::int32_t>(sendBuffer_.size());
+}
+
+// ---- receiving
+
+std::int32_t CEventSocket::recvBufferLength() const {
+  return static_cast<std::int32_t>(recvBuffer_.size());
+}
+
+/// Before bytes leave the system: there they are safe.
+void CEventSocket::makeRoom(std::vector<std::uint8_t>& scratch, std::size_t most) {
+  try {
+    if (scratch.size() < most) scratch.resize(most);
+    if (!recvBuffer_.empty()) recvBuffer_.reserve(most);
+  } catch (const std::bad_alloc&) {
+    setState(sckError);
+    raiseOutOfMemory(u"CEventSocket.RecvDataToBuffer");
+  }
+}
+
+std::int32_t CEventSocket::RecvDataToBuffer() {
+  constexpr TextView source = u"CEventSocket.RecvDataToBuffer";
+  const auto most = static_cast<std::size_t>(std::max(recvChunkSize_, 1));
+  if (most > longestBuffer - recvBuffer_.size()) {
+    setState(sckError);
+    raiseOutOfMemory(source);
+  }
+  Bytes& bytes = module_.scratch();
+  makeRoom(bytes, most);
+  const std::int32_t amount = sockets_.recv(socketHandle_, std::span(bytes).first(most), 0);
+  if (amount == winsock::failed) {
+    const std::int32_t reason = lastError();
+    setState(sckError);
+    raiseWinsockError(reason, source);
+  }
+  recvBuffer_.adopt(bytes, static_cast<std::size_t>(amount));
+  return amount;
+}
+
+std::int32_t CEventSocket::BytesReceived() const { return available(); }
+
+std::int32_t CEventSocket::available() const {
+  return isUdp() ? PendingBytes() : recvBufferLength();
+}
+
+std::int32_t CEventSocket::PendingBytes() const {
+  std::int32_t bytes = 0;
+  const std::int32_t result = sockets_.ioctlsocket(socketHandle_, winsock::bytesWaiting, bytes);
+  return result == winsock::failed ? 0 : bytes;
+}
+
+void CEventSocket::ClearPendingDatagram() {
+  std::uint8_t byte = 0;
+  sockets_.recv(socketHandle_, {&byte, 1}, 0);
+}
+
+// ---- fetching
+
+std::int32_t CEventSocket::GetData(Variant& data) {
+  Variant varType = Variant::missing();
+  return GetData(data, varType);
+}
+
+std::int32_t CEventSocket::GetData(Variant& data, Variant& varType) {
+  Variant maxLen = Variant::missing();
+  return GetData(data, varType, maxLen);
+}
+
+std::int32_t CEventSocket::GetData(Variant& data, Variant& varType, Variant& maxLen) {
+  constexpr TextView source = u"CEventSocket.GetData";
+  if (!isUdp() && state_ != sckConnected && !acceptClass_) raiseWrongProtocolOrState(source);
+  return fetch(data, varType, maxLen, Peek::No, source);
+}
+
+std::int32_t CEventSocket::PeekData(Variant& data) {
+  Variant varType = Variant::missing();
+  return PeekData(data, varType);
+}
+
+std::int32_t CEventSocket::PeekData(Variant& data, Variant& varType) {
+  Variant maxLen = Variant::missing();
+  return PeekData(data, varType, maxLen);
+}
+
+std::int32_t CEventSocket::PeekData(Variant& data, Variant& varType, Variant& maxLen) {
+  constexpr TextView source = u"CEventSocket.PeekData";
+  if (!isUdp() && state_ != sckConnected) raiseWrongProtocolOrState(source);
+  return fetch(data, varType, maxLen, Peek::Yes, source);
+}
+
+std::int32_t CEventSocket::fetch(Variant& data, Variant& varType, Variant& maxLen, Peek peek,
+                                 TextView source) {
+  if (isUdp() && state_ != sckOpen) raiseWrongProtocolOrState(source);
+  if (isUdp() && PendingBytes() == 0) return 0;
+  if (!maxLen.isMissing()) {
+    if (!isNumeric(maxLen)) maxLen = available();
+    if (toDouble(maxLen) < 0) raiseArgumentOutOfRange(source);
+  }
+  return RecvData(data, peek, varType, maxLen);
+}
+
+/// The type that the target has already counts more than the one that is asked for.
+std::int32_t CEventSocket::RecvData(Variant& data, Peek peek, Variant& varType,
+                                    const Variant& maxLen) {
+  VariantType type = VariantType::ByteArray;
+  if (data.type() != VariantType::Empty) {
+    type = data.type();
+    if (!varType.isMissing()) varType = static_cast<std::int32_t>(type);
+  } else if (!varType.isMissing()) {
+    type = static_cast<VariantType>(toLong(varType));
+  }
+  return withMemory(u"CEventSocket.RecvData", [&] {
+    return holdsMany(type) ? fetchBytes(data, type, peek, maxLen) : fetchNumber(data, type, peek);
+  });
+}
+
+std::int32_t CEventSocket::fetchBytes(Variant& data, VariantType type, Peek peek,
+                                      const Variant& maxLen) {
+  constexpr TextView source = u"CEventSocket.RecvData";
+  const std::int32_t atHand = available();
+  const std::int32_t amount = amountToFetch(atHand, maxLen);
+  if (amount == 0) {
+    data = Bytes();
+    if (maxLen.isMissing() || !isUdp()) return 0;
+    ClearPendingDatagram();
+    raiseWinsockError(winsock::error::messageTooLong, source);
+  }
+  std::int32_t error = 0;
+  Bytes bytes = ReadBytes(amount, peek, error);
+  if (type == VariantType::String) {
+    data = module_.services().kernel.fromAnsi(charactersOf(bytes));
+  } else {
+    data = std::move(bytes);
+  }
+  if (error != 0) raiseWinsockError(error, source);
+  return amount;
+}
+
+std::int32_t CEventSocket::fetchNumber(Variant& data, VariantType type, Peek peek) {
+  constexpr TextView source = u"CEventSocket.RecvData";
+  const auto size = wireSize(type);
+  if (!size) raiseUnsupportedVariant(source);
+  if (available() < *size) return 0;
+  std::int32_t error = 0;
+  data = fromWire(type, ReadBytes(*size, peek, error));
+  if (error != 0) raiseWinsockError(error, source);
+  return *size;
+}
+
+std::vector<std::uint8_t> CEventSocket::ReadBytes(std::int32_t count, Peek peek,
+                                                  std::int32_t& error) {
+  const auto size = static_cast<std::size_t>(count);
+  if (isUdp()) {
+    Bytes bytes(size);
+    SocketAddress sender;
+    const std::int32_t flags = peek == Peek::Yes ? winsock::peek : 0;
+    if (sockets_.recvfrom(socketHandle_, bytes, flags, sender) == winsock::failed) {
+      error = lastError();
+    }
+    ReadAddressRecord(sender, remotePort_, remoteHostIp_);
+    return bytes;
+  }
+  module_.trace().line(u"OK Bytes obtained from buffer: ", count);
+  if (peek == Peek::No) return recvBuffer_.take(size);
+  const auto first = recvBuffer_.front(size);
+  return Bytes(first.begin(), first.end());
+}
+
+}  // namespace zev

@@ -1,0 +1,116 @@
+#include "socket/instances.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "runtime/error.h"
+
+// The calling convention of window procedures and of methods on 32-bit x86: the called one clears
+// its arguments off the stack, and finds a stack that is aligned to four bytes only. Elsewhere
+// there is one convention only.
+#if defined(__i386__)
+#define ZEV_STDCALL __attribute__((stdcall, force_align_arg_pointer))
+#else
+#define ZEV_STDCALL
+#endif
+
+namespace zev {
+namespace {
+
+constexpr bool addressesFit = sizeof(void*) == sizeof(InstancePointer);
+
+}  // namespace
+
+/// The methods of an entry. Seven stand before the one that routing code enters.
+struct MethodTable {
+  static std::int32_t ZEV_STDCALL wndProc(void* instance, std::int32_t hwnd, std::int32_t uMsg,
+                                          std::int32_t wParam, std::int32_t lParam) {
+    const WindowMessage message{static_cast<std::uint32_t>(hwnd), static_cast<std::uint32_t>(uMsg),
+                                static_cast<std::uint32_t>(wParam), lParam};
+    return Instances::enterEntry(*static_cast<Instances::Entry*>(instance), message);
+  }
+  static std::int32_t ZEV_STDCALL reserved(void*) { return 0; }
+
+  static const void* const* methods() {
+    static const std::array<const void*, 8> table = {
+        address(&reserved), address(&reserved), address(&reserved), address(&reserved),
+        address(&reserved), address(&reserved), address(&reserved), address(&wndProc)};
+    return table.data();
+  }
+
+  template <typename Function>
+  static const void* address(Function* function) {
+    return reinterpret_cast<const void*>(function);
+  }
+};
+
+InstancePointer Instances::add(std::weak_ptr<NotificationTarget> target) {
+  if (free_.empty()) {
+    free_.push_back(entries_.size());
+    entries_.emplace_back();
+  }
+  const std::size_t place = free_.back();
+  free_.pop_back();
+  entries_[place] = {MethodTable::methods(), this, std::move(target), place, false};
+  return pointerTo(place);
+}
+
+InstancePointer Instances::pointerTo(std::size_t place) {
+  if constexpr (addressesFit) {
+    return static_cast<InstancePointer>(reinterpret_cast<std::uintptr_t>(&entries_[place]));
+  } else {
+    return static_cast<InstancePointer>(place + 1);
+  }
+}
+
+Instances::Entry* Instances::find(InstancePointer pointer) {
+  if constexpr (addressesFit) {
+    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) {
+      return static_cast<InstancePointer>(reinterpret_cast<std::uintptr_t>(&each)) == pointer;
+    });
+    return found == entries_.end() ? nullptr : &*found;
+  } else {
+    if (pointer < 1 || static_cast<std::size_t>(pointer) > entries_.size()) return nullptr;
+    return &entries_[static_cast<std::size_t>(pointer) - 1];
+  }
+}
+
+void Instances::ended(InstancePointer pointer, bool held) {
+  Entry* const entry = find(pointer);
+  if (entry == nullptr) return;
+  entry->target.reset();
+  entry->ended = held;
+  if (!held) free_.push_back(entry->place);
+}
+
+void Instances::forgetEnded() {
+  for (Entry& entry : entries_) {
+    if (std::exchange(entry.ended, false)) free_.push_back(entry.place);
+  }
+}
+
+std::int32_t Instances::enter(InstancePointer pointer, const WindowMessage& message) {
+  Entry* const entry = find(pointer);
+  return entry == nullptr ? 0 : enterEntry(*entry, message);
+}
+
+/// A run-time error of an event procedure ends the notification and reaches nobody: there is no
+/// caller.
+std::int32_t Instances::enterEntry(Entry& entry, const WindowMessage& message) {
+  const std::shared_ptr<NotificationTarget> target = entry.target.lock();
+  if (!target) return 0;
+  Instances& owner = *entry.owner;
+  try {
+    return target->WndProc(
+        static_cast<std::int32_t>(message.window), static_cast<std::int32_t>(message.message),
+        static_cast<std::int32_t>(message.wParam), static_cast<std::int32_t>(message.lParam));
+  } catch (const RuntimeError&) {
+    return 0;
+  } catch (...) {
+    owner.escape_(std::current_exception());
+    return 0;
+  }
+}
+
+}  // namespace zev
