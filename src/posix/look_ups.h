@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "posix/host_record.h"
+
+namespace zev::posix {
+
+/// Look-ups that run beside the thread that dispatches, a few at once; the others wait their turn.
+/// All calls are on that thread.
+class LookUps {
+ public:
+  using Resolver = std::function<Host(const std::string&)>;
+
+  struct Answer {
+    std::int32_t handle = 0;
+    Host host;
+  };
+
+  /// Look-ups that run at once.
+  static constexpr std::size_t mostThreads = 4;
+
+  /// The resolver is called on several threads. Throws std::system_error if the system has no room.
+  explicit LookUps(Resolver resolver);
+  LookUps(const LookUps&) = delete;
+  LookUps& operator=(const LookUps&) = delete;
+  /// Ends the threads. One whose system call does not return within two seconds is left behind; it
+  /// touches nothing any more.
+  ~LookUps();
+
+  /// Can be read from while answers wait.
+  int descriptor() const;
+  /// The handle of a new look-up; 0 if the system has no thread for it. Handles count up from 1.
+  std::int32_t start(std::string name);
+  /// Takes back a look-up, if it has not begun.
+  void forget(std::int32_t handle);
+  /// The look-ups that have ended since the last call.
+  std::vector<Answer> take();
+
+ private:
+  struct Shared;
+
+  static void work(const std::shared_ptr<Shared>& shared);
+  bool provideThread();
+
+  std::shared_ptr<Shared> shared_;
+  std::vector<std::thread> threads_;
+  std::int32_t lastHandle_ = 0;
+};
+
+}  // namespace zev::posix

@@ -1,0 +1,203 @@
+#include "posix/selection.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "posix/error_numbers.h"
+
+namespace zev::posix {
+namespace {
+
+constexpr std::uint32_t changes = EPOLLIN | EPOLLOUT | EPOLLPRI | EPOLLRDHUP | EPOLLET;
+constexpr short looks = POLLIN | POLLPRI | POLLRDHUP;
+static_assert(EPOLLIN == POLLIN && EPOLLPRI == POLLPRI && EPOLLOUT == POLLOUT &&
+              EPOLLERR == POLLERR && EPOLLHUP == POLLHUP && EPOLLRDHUP == POLLRDHUP);
+
+constexpr int errorShift = 16;
+
+/// Takes the error that the system keeps for a socket; 0 if it keeps none.
+int takeError(const OpenSocket& socket) {
+  int error = 0;
+  socklen_t size = sizeof error;
+  const int result = ::getsockopt(socket.descriptor.get(), SOL_SOCKET, SO_ERROR, &error, &size);
+  return result == 0 ? error : errno;
+}
+
+bool makeNonBlocking(int descriptor) {
+  const int flags = ::fcntl(descriptor, F_GETFL);
+  return flags >= 0 && ::fcntl(descriptor, F_SETFL, flags | O_NONBLOCK) == 0;
+}
+
+Token tokenOf(const OpenSocket& socket) {
+  return {Subject::socket, static_cast<std::uint32_t>(socket.handle)};
+}
+
+/// A peer that has reset what had been a connection.
+bool isReset(int error) { return error == ECONNRESET || error == EPIPE; }
+
+}  // namespace
+
+// ---- selecting
+
+bool Selection::select(OpenSocket& socket, WindowHandle window, std::uint32_t message,
+                       std::int32_t mask) {
+  const int descriptor = socket.descriptor.get();
+  if (!socket.nonBlocking && !makeNonBlocking(descriptor)) return false;
+  socket.nonBlocking = true;
+  socket.window = window;
+  socket.message = message;
+  socket.mask = mask;
+  socket.posted = 0;
+  const bool done = socket.watched ? poller_.renew(descriptor, changes, tokenOf(socket))
+                                   : poller_.add(descriptor, changes, tokenOf(socket));
+  socket.watched = socket.watched || done;
+  return done;
+}
+
+bool Selection::inherit(OpenSocket& accepted, const OpenSocket& listener) {
+  accepted.nonBlocking = listener.nonBlocking;
+  return !listener.nonBlocking ||
+         select(accepted, listener.window, listener.message, listener.mask);
+}
+
+// ---- what the system tells
+
+void Selection::notice(std::int32_t handle, std::uint32_t events) {
+  OpenSocket* const socket = table_.find(handle);
+  if (socket != nullptr) examine(*socket, events);
+}
+
+void Selection::examineAgain() {
+  if (listed_.empty()) return;
+  examined_.clear();
+  polled_.clear();
+  for (const std::int32_t handle : listed_) {
+    OpenSocket* const socket = table_.find(handle);
+    if (socket == nullptr) continue;
+    socket->listed = false;
+    examined_.push_back(handle);
+    polled_.push_back({socket->descriptor.get(), looks, 0});
+  }
+  listed_.clear();
+  if (::poll(polled_.data(), polled_.size(), 0) <= 0) return;
+  for (std::size_t i = 0; i < polled_.size(); ++i) {
+    if (polled_[i].revents != 0) {
+      notice(examined_[i], static_cast<std::uint32_t>(polled_[i].revents));
+    }
+  }
+}
+
+void Selection::examine(OpenSocket& socket, std::uint32_t events) {
+  if (!socket.stream) return examineDatagrams(socket, events);
+  if (socket.phase == Phase::connecting && (events & (EPOLLOUT | EPOLLERR | EPOLLHUP)) != 0) {
+    concludeConnecting(socket);
+  }
+  if (socket.phase == Phase::connected) examineConnection(socket, events);
+  if (socket.phase == Phase::listening && (events & EPOLLIN) != 0) {
+    offer(socket, winsock::fdAccept);
+  }
+}
+
+void Selection::examineConnection(OpenSocket& socket, std::uint32_t events) {
+  if ((events & EPOLLERR) != 0 && socket.failure == 0) {
+    const int error = takeError(socket);
+    if (error != 0) socket.failure = winsockError(error);
+  }
+  if ((events & EPOLLPRI) != 0) socket.urgent = true;
+  if ((events & (EPOLLRDHUP | EPOLLHUP)) != 0) socket.hungUp = true;
+  if ((events & EPOLLOUT) != 0 && (events & EPOLLHUP) == 0) offer(socket, winsock::fdWrite);
+  if (socket.hungUp) {
+    offerRest(socket);
+  } else if ((events & EPOLLIN) != 0) {
+    offer(socket, winsock::fdRead);
+  }
+}
+
+/// An error of a datagram socket is told by the next read.
+void Selection::examineDatagrams(OpenSocket& socket, std::uint32_t events) {
+  if ((events & EPOLLOUT) != 0) offer(socket, winsock::fdWrite);
+  if ((events & (EPOLLIN | EPOLLERR)) != 0) offer(socket, winsock::fdRead);
+}
+
+/// A connection that was there and is reset already counts: what came over it can be read.
+void Selection::concludeConnecting(OpenSocket& socket) {
+  const int error = takeError(socket);
+  if (isReset(error)) socket.failure = winsockError(error);
+  connected(socket, error == 0 || isReset(error) ? 0 : winsockError(error));
+}
+
+// ---- what the calls tell
+
+void Selection::connecting(OpenSocket& socket) {
+  socket.phase = Phase::connecting;
+  socket.posted = 0;
+  socket.hungUp = false;
+  socket.failure = 0;
+}
+
+void Selection::connected(OpenSocket& socket, std::int32_t error) {
+  socket.phase = error == 0 ? Phase::connected : Phase::idle;
+  offer(socket, winsock::fdConnect, error);
+}
+
+void Selection::accepted(OpenSocket& socket) {
+  socket.posted &= ~winsock::fdAccept;
+  examineLater(socket);
+}
+
+void Selection::read(OpenSocket& socket, bool exhausted) {
+  socket.posted &= ~winsock::fdRead;
+  if (!exhausted || socket.urgent) {
+    examineLater(socket);
+  } else if (socket.hungUp) {
+    offer(socket, winsock::fdClose, socket.failure);
+  }
+}
+
+void Selection::ended(OpenSocket& socket, std::int32_t error) {
+  socket.hungUp = true;
+  if (socket.failure == 0) socket.failure = error;
+}
+
+void Selection::full(OpenSocket& socket) { socket.posted &= ~winsock::fdWrite; }
+
+// ---- posting
+
+void Selection::offer(OpenSocket& socket, std::int32_t event, std::int32_t error) {
+  if ((socket.mask & event) == 0 || (socket.posted & event) != 0) return;
+  socket.posted |= event;
+  queue_.post({socket.window, socket.message, static_cast<std::uintptr_t>(socket.handle),
+               static_cast<std::intptr_t>(static_cast<std::uint32_t>(error) << errorShift |
+                                          static_cast<std::uint32_t>(event))});
+}
+
+/// Nothing more will come: the data first that are there, and the end behind them.
+void Selection::offerRest(OpenSocket& socket) {
+  if (hasUnread(socket)) {
+    offer(socket, winsock::fdRead);
+  } else {
+    offer(socket, winsock::fdClose, socket.failure);
+  }
+}
+
+void Selection::examineLater(OpenSocket& socket) {
+  if (socket.mask == 0 || socket.listed) return;
+  socket.listed = true;
+  listed_.push_back(socket.handle);
+}
+
+/// Looks at the next byte. Behind the last one that is where the system tells of a reset.
+bool Selection::hasUnread(OpenSocket& socket) {
+  char next = 0;
+  const ssize_t count =
+      ::recv(socket.descriptor.get(), &next, sizeof next, MSG_PEEK | MSG_DONTWAIT);
+  if (count < 0 && errno != EAGAIN && errno != EINTR && socket.failure == 0) {
+    socket.failure = winsockError(errno);
+  }
+  return count > 0;
+}
+
+}  // namespace zev::posix
