@@ -15,22 +15,19 @@ function(zev_find_json)
   target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${headers})
 endfunction()
 
-# The test library comes as source and is built along, without the project's warnings.
-function(zev_build_gtest)
-  set(INSTALL_GTEST OFF)
-  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-  foreach(target gtest gtest_main gmock gmock_main)
-    target_compile_options(${target} PRIVATE -w)
-  endforeach()
-endfunction()
-
 # A program of tests of the Windows binding: one test of CTest's, which runs the program whole on a
-# fresh machine of Wine's. Wine runs 64-bit programs alone here, so 32-bit ones are only built.
+# fresh machine of Wine's. Wine runs 64-bit programs alone here, so 32-bit ones are only built. With
+# ALONE the machine has a network of its own, with nobody else on it.
 function(zev_wine_tests name)
+  cmake_parse_arguments(TESTS "ALONE" "" "" ${ARGN})
+  set(alone "")
+  if(TESTS_ALONE)
+    set(alone ${PROJECT_SOURCE_DIR}/tests/network/alone.sh)
+  endif()
   if(ZEV_WINE AND CMAKE_SIZEOF_VOID_P EQUAL 8)
     add_test(
       NAME Windows.${name}
-      COMMAND python3 ${PROJECT_SOURCE_DIR}/tests/windows/wine_machine.py run
+      COMMAND ${alone} python3 ${PROJECT_SOURCE_DIR}/tests/windows/wine_machine.py run
               ${PROJECT_BINARY_DIR}/wine $<TARGET_FILE:${name}> --gtest_brief=1)
     set_tests_properties(Windows.${name} PROPERTIES TIMEOUT 600)
   endif()

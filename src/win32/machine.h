@@ -7,10 +7,13 @@
 #include "win32/desktop_windows.h"
 #include "win32/drives.h"
 #include "win32/file_system.h"
+#include "win32/kernel.h"
+#include "win32/message_windows.h"
 #include "win32/processes.h"
 #include "win32/registry_api.h"
 #include "win32/shell_folders.h"
 #include "win32/shortcuts.h"
+#include "win32/sockets.h"
 #include "win32/system_information.h"
 
 namespace zev::win32 {
@@ -29,6 +32,9 @@ class Machine {
   Platform platform(Application& application, Dialogs& dialogs);
 
   FileSystem& fileSystem() { return fileSystem_; }
+  Sockets& sockets() { return sockets_; }
+  MessageWindows& messageWindows() { return messageWindows_; }
+  Kernel& kernel() { return kernel_; }
 
  private:
   Win32FileSystem fileSystem_;
@@ -42,6 +48,9 @@ class Machine {
   Win32ShellFolders shellFolders_;
   Win32Shortcuts shortcuts_;
   Win32Dde dde_;
+  Win32MessageWindows messageWindows_;
+  Win32Sockets sockets_;
+  Win32Kernel kernel_;
 };
 
 }  // namespace zev::win32

@@ -81,6 +81,8 @@ void Win32Processes::CloseHandle(ProcessHandle process) { ::CloseHandle(handleOf
 
 void Win32Processes::Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }
 
+std::uint32_t Win32Processes::GetTickCount() { return ::GetTickCount(); }
+
 // ---- the own program
 
 Text Win32Processes::ownFolder() {
