@@ -4,11 +4,14 @@
 #include "platform/dialogs.h"
 #include "platform/drives.h"
 #include "platform/files.h"
+#include "platform/kernel.h"
 #include "platform/lz_services.h"
+#include "platform/message_windows.h"
 #include "platform/processes.h"
 #include "platform/registry_api.h"
 #include "platform/shell_folders.h"
 #include "platform/shortcuts.h"
+#include "platform/sockets.h"
 #include "platform/system_information.h"
 #include "platform/windows.h"
 #include "runtime/application.h"
@@ -29,6 +32,9 @@ struct Platform {
   ShellFolders& shellFolders;
   Shortcuts& shortcuts;
   Dde& dde;
+  Sockets& sockets;
+  MessageWindows& messageWindows;
+  Kernel& kernel;
 };
 
 }  // namespace zev

@@ -30,6 +30,8 @@ class Processes {
   virtual std::uint32_t WaitForSingleObject(ProcessHandle process, std::uint32_t milliseconds) = 0;
   virtual void CloseHandle(ProcessHandle process) = 0;
   virtual void Sleep(std::uint32_t milliseconds) = 0;
+  /// Milliseconds since the system was started, modulo 2^32.
+  virtual std::uint32_t GetTickCount() = 0;
   /// Opens a file or folder with the program of its type. Above 32 for success.
   virtual std::intptr_t ShellExecuteA(WindowHandle window, TextView verb, TextView file,
                                       TextView parameters, TextView directory,

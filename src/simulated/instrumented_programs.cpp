@@ -83,6 +83,12 @@ void InstrumentedProcesses::Sleep(std::uint32_t milliseconds) {
       [] {});
 }
 
+std::uint32_t InstrumentedProcesses::GetTickCount() {
+  return instrumentation_.perform(
+      {"GetTickCount"}, {}, [&] { return processes_.GetTickCount(); },
+      [](std::int32_t) { return std::uint32_t{0}; }, [] { return std::uint32_t{0}; });
+}
+
 std::intptr_t InstrumentedProcesses::ShellExecuteA(WindowHandle window, TextView verb,
                                                    TextView file, TextView parameters,
                                                    TextView directory, std::int32_t show) {

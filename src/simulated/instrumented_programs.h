@@ -22,6 +22,7 @@ class InstrumentedProcesses final : public Processes {
   std::uint32_t WaitForSingleObject(ProcessHandle process, std::uint32_t milliseconds) override;
   void CloseHandle(ProcessHandle process) override;
   void Sleep(std::uint32_t milliseconds) override;
+  std::uint32_t GetTickCount() override;
   std::intptr_t ShellExecuteA(WindowHandle window, TextView verb, TextView file,
                               TextView parameters, TextView directory, std::int32_t show) override;
   Text ownFolder() override;

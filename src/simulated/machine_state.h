@@ -7,6 +7,7 @@
 #include "runtime/code_page.h"
 #include "simulated/disks.h"
 #include "simulated/machine_settings.h"
+#include "simulated/network/simulated_network.h"
 #include "simulated/registry_tree.h"
 #include "simulated/shortcut_properties.h"
 #include "simulated/transcript.h"
@@ -31,7 +32,10 @@ struct MachineState {
   std::map<Text, ShortcutProperties> shortcuts;  ///< by upper-case path of the file
   std::set<Text> running;                        ///< upper-case paths of programs in use
   Records records;
-  std::uint64_t clock = 0;  ///< milliseconds
+  SimulatedNetwork network;  ///< and the clock of the machine
+
+  /// Milliseconds since the machine was made.
+  std::uint64_t clock() const { return network.now(); }
 
   std::uint32_t codePage() const { return settings.system.codePage; }
   std::string toAnsi(TextView text) const { return toCodePage(text, codePage()); }

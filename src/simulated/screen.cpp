@@ -83,9 +83,9 @@ void Screen::beginPass() {
       {"DoEvents"}, {}, [&] { person_.passBegins(); }, [](std::int32_t) {}, [] {});
 }
 
-bool Screen::pump() { return person_.duringPass(); }
+bool Screen::pump() { return queue_->dispatch() || person_.duringPass(); }
 
-bool Screen::wait() { return person_.next(); }
+bool Screen::wait() { return queue_->dispatch() || person_.next(); }
 
 // ---- measures
 

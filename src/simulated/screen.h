@@ -5,6 +5,7 @@
 #include <set>
 #include <vector>
 
+#include "platform/message_queue.h"
 #include "runtime/application.h"
 #include "simulated/instrumentation.h"
 #include "simulated/person.h"
@@ -20,8 +21,12 @@ class Screen final : public FormEngine {
   /// Borrows all three.
   Screen(Person& person, Transcript& transcript, Instrumentation& instrumentation)
       : person_(person), transcript_(transcript), instrumentation_(instrumentation) {}
-  /// The program whose screen this is; before anything else is called.
-  void serve(Application& application) { application_ = &application; }
+  /// The program whose screen this is, and the messages of its hidden windows; before anything else
+  /// is called.
+  void serve(Application& application, MessageQueue& queue) {
+    application_ = &application;
+    queue_ = &queue;
+  }
 
   // FormEngine
   void loaded(Form& form) override;
@@ -68,6 +73,7 @@ class Screen final : public FormEngine {
   Transcript& transcript_;
   Instrumentation& instrumentation_;
   Application* application_ = nullptr;
+  MessageQueue* queue_ = nullptr;
   std::map<const Component*, Form*> forms_;  ///< of every component of a loaded form
   std::map<const Form*, std::uintptr_t> handles_;
   std::map<const Form*, Control*> focus_;

@@ -9,7 +9,10 @@
 #include "simulated/instrumented_lz.h"
 #include "simulated/instrumented_programs.h"
 #include "simulated/instrumented_registry.h"
+#include "simulated/instrumented_sockets.h"
 #include "simulated/instrumented_system.h"
+#include "simulated/network/simulated_kernel.h"
+#include "simulated/network/simulated_sockets.h"
 #include "simulated/registry_export.h"
 #include "simulated/simulated_dde.h"
 #include "simulated/simulated_dialogs.h"
@@ -38,13 +41,15 @@ struct SimulatedMachine::State {
 struct SimulatedMachine::Process {
   explicit Process(State& state)
       : machine(state.machine), watch(state.instrumentation), person(state.person) {
-    screen.serve(application);
+    screen.serve(application, queue);
+    plainKernel.setCodePage(machine.codePage());
   }
 
   MachineState& machine;
   Instrumentation& watch;
   Person& person;
 
+  MessageQueue queue;
   Screen screen{person, machine.transcript, watch};
   Application application{screen};
   Hand hand{screen};
@@ -61,6 +66,8 @@ struct SimulatedMachine::Process {
   SimulatedShortcuts plainShortcuts{machine, fileSystem};
   SimulatedDde plainDde{machine};
   SimulatedDialogs plainDialogs{machine, person, screen};
+  SimulatedSockets plainSockets{machine.network, queue};
+  SimulatedKernel plainKernel;
 
   InstrumentedFiles files{runtimeFiles, watch};
   InstrumentedLz lz{lzFiles, watch};
@@ -73,9 +80,13 @@ struct SimulatedMachine::Process {
   InstrumentedShortcuts shortcuts{plainShortcuts, watch};
   InstrumentedDde dde{plainDde, watch};
   InstrumentedDialogs dialogs{plainDialogs, watch};
+  InstrumentedSockets sockets{plainSockets, watch};
+  InstrumentedMessageWindows messageWindows{queue, watch};
+  InstrumentedKernel kernel{plainKernel, watch};
 
-  Platform platform{application, dialogs, files,     registry,     lz,        system,
-                    drives,      windows, processes, shellFolders, shortcuts, dde};
+  Platform platform{application, dialogs, files,   registry,       lz,
+                    system,      drives,  windows, processes,      shellFolders,
+                    shortcuts,   dde,     sockets, messageWindows, kernel};
 };
 
 SimulatedMachine::SimulatedMachine(Person& person, Transcript& transcript)
@@ -141,7 +152,8 @@ void SimulatedMachine::setFaults(std::vector<Fault> faults) {
   state_->instrumentation.setFaults(std::move(faults));
 }
 
-std::uint64_t SimulatedMachine::clock() const { return state_->machine.clock; }
+std::uint64_t SimulatedMachine::clock() const { return state_->machine.clock(); }
+SimulatedNetwork& SimulatedMachine::network() { return state_->machine.network; }
 
 // ---- what happened
 

@@ -67,8 +67,10 @@ class SimulatedMachine {
   const RegistryTree& registry() const;
   /// Replaces all faults; they count the calls from here on.
   void setFaults(std::vector<Fault> faults);
-  /// Milliseconds since the machine was made; moves by sleeping and waiting only.
+  /// Milliseconds since the machine was made; moves by sleeping, waiting and asking for it only.
   std::uint64_t clock() const;
+  /// What is around the machine. Its clock is the machine's own.
+  SimulatedNetwork& network();
 
   // ---- what happened
 

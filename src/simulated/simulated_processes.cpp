@@ -73,7 +73,7 @@ std::int32_t SimulatedProcesses::start(const Text& program, TextView commandLine
     machine_.running.insert(upperCase(path.text()));
   }
   lastProcess_ += processStep;
-  started_[lastProcess_] = {Text(commandLine), settings, machine_.clock + settings.duration};
+  started_[lastProcess_] = {Text(commandLine), settings, machine_.clock() + settings.duration};
   return lastProcess_;
 }
 
@@ -116,18 +116,24 @@ std::uint32_t SimulatedProcesses::WaitForSingleObject(ProcessHandle handle,
   if (machine_.transcript.wants("wait")) {
     machine_.transcript.add({{"event", "wait"}, {"command", toUtf8(started.commandLine)}});
   }
-  const bool inTime = milliseconds == INFINITE || machine_.clock + milliseconds >= started.ends;
-  machine_.clock = inTime ? std::max(machine_.clock, started.ends) : machine_.clock + milliseconds;
+  const bool inTime = milliseconds == INFINITE || machine_.clock() + milliseconds >= started.ends;
+  const std::uint64_t left = started.ends - std::min(started.ends, machine_.clock());
+  machine_.network.advance(inTime ? left : milliseconds);
   return inTime ? waitDone : waitTimeout;
 }
 
 void SimulatedProcesses::CloseHandle(ProcessHandle process) { handles_.erase(process); }
 
 void SimulatedProcesses::Sleep(std::uint32_t milliseconds) {
-  machine_.clock += milliseconds;
+  machine_.network.advance(milliseconds);
   if (machine_.transcript.wants("sleep")) {
     machine_.transcript.add({{"event", "sleep"}, {"ms", milliseconds}});
   }
+}
+
+std::uint32_t SimulatedProcesses::GetTickCount() {
+  machine_.network.advance(1);
+  return static_cast<std::uint32_t>(machine_.clock());
 }
 
 std::intptr_t SimulatedProcesses::ShellExecuteA(WindowHandle, TextView, TextView file, TextView,

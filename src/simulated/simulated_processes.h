@@ -9,7 +9,8 @@
 namespace zev::simulated {
 
 /// Starting programs. What the machine's settings say nothing of starts if it is a file, and ends
-/// at once. The clock moves by sleeping, and by waiting for a program that takes its time.
+/// at once. The clock moves by sleeping, by waiting for a program that takes its time, and by a
+/// millisecond for each time that it is asked: whoever asks again and again waits.
 class SimulatedProcesses final : public Processes {
  public:
   /// Borrows both.
@@ -20,6 +21,7 @@ class SimulatedProcesses final : public Processes {
   std::uint32_t WaitForSingleObject(ProcessHandle process, std::uint32_t milliseconds) override;
   void CloseHandle(ProcessHandle process) override;
   void Sleep(std::uint32_t milliseconds) override;
+  std::uint32_t GetTickCount() override;
   std::intptr_t ShellExecuteA(WindowHandle window, TextView verb, TextView file,
                               TextView parameters, TextView directory, std::int32_t show) override;
   Text ownFolder() override;

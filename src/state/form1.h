@@ -1,6 +1,7 @@
 #pragma once
 
 #include "runtime/form.h"
+#include "state/socket_array.h"
 
 namespace zev {
 
@@ -40,6 +41,8 @@ class Form1 final : public Form {
   CommandButton& Command3 = control<CommandButton>(u"Command3");
   CommandButton& Command1 = control<CommandButton>(u"Command1");
   CommandButton& Command2 = control<CommandButton>(u"Command2");
+
+  SocketArray WS;
 
   /// The frames of the pages, a control array indexed from 1 to 4.
   Frame& Frame1(int index) const;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <exception>
+
 #include "platform/platform.h"
+#include "socket/event_socket_module.h"
 #include "state/form1.h"
 #include "state/form2.h"
 #include "state/form3.h"
@@ -22,6 +25,12 @@ class Form1Procedures {
 struct Program {
   Platform& platform;
   Globals globals{};
+  /// What an event procedure of a socket lets out goes on from the top of the message loop.
+  modEventSocket sockets{
+      {platform.sockets, platform.messageWindows, platform.kernel, platform.dialogs},
+      [this](std::exception_ptr error) {
+        platform.application.post([error] { std::rethrow_exception(error); });
+      }};
   Form1 form1{};
   Form2 form2{};
   Form3 form3{};

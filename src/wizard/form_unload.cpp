@@ -23,6 +23,14 @@ void Wizard::Form_Unload(std::int16_t& Cancel) {
   showStatus(u"Deleting temporary files...");
   RemoveTempFiles();
   platform_.application.Unload(program_.form3);
+  unloadSockets();
+}
+
+/// Element 0 goes with the form.
+void Wizard::unloadSockets() {
+  SocketArray& sockets = form1_.WS;
+  if (sockets.UBound() >= 2) sockets.Unload(2);
+  if (sockets.UBound() >= 1) sockets.Unload(1);
 }
 
 void Wizard::closeOrderly() {

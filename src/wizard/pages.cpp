@@ -47,6 +47,8 @@ Wizard::Wizard(Program& program, Phrases& phrases, Registry& registry)
       platform_(program.platform),
       phrases_(phrases),
       registry_(registry) {
+  form1_.Initialize = [this] { form1_.WS.formLoaded(); };
+  form1_.Terminate = [this] { form1_.WS.formUnloaded(); };
   form1_.Load = [this] { Form_Load(); };
   form1_.Unload = [this](std::int16_t& Cancel) { Form_Unload(Cancel); };
   form1_.Command1.Click = [this] { Command1_Click(); };

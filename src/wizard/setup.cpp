@@ -17,6 +17,7 @@ Setup::Setup(Platform& platform)
       wizard_(program_, phrases_, registry_),
       options_(program_, phrases_),
       browser_(program_, phrases_, wizard_) {
+  program_.form1.WS.serve(program_.sockets);
   program_.form1.Text1.Text_.design(hardWrapped(agreementText(language::English), agreementWidth));
 }
 

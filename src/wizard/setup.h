@@ -22,6 +22,7 @@ class Setup {
 
   Globals& globals() { return program_.globals; }
   Form1& form1() { return program_.form1; }
+  Program& program() { return program_; }
   Phrases& phrases() { return phrases_; }
   Registry& registry() { return registry_; }
   /// All forms, loaded or not.

@@ -70,6 +70,8 @@ constexpr CodeRow codeRows[] = {
     {"OpenProcess|WaitForSingleObject|SetForegroundWindow|BringWindowToTop", none},
     {"SHGetPathFromIDList|lstrlenW", none},
     {"CloseHandle|CoTaskMemFree|DoEvents|LZClose", none},
+    {"WSAStartup|WSACleanup", 10091},
+    {"VirtualAlloc|VirtualLock|VirtualFree|GetProcAddress", none},
 };
 // clang-format on
 
@@ -129,7 +131,8 @@ constexpr Outcome Stopped = Outcome::Stopped;
 constexpr Rule rules[] = {
     // Without the folder of Windows the proposal has no drive, which its check does not accept.
     {"GetWindowsDirectoryA", Phase::Load, anyPath, Outcome::Refused, "drive"},
-    // The folders of the user have a second way; all else that fails at the start shows nothing.
+    // The folders of the user have a second way; all else that fails at the start, the
+    // sockets of the form among it, shows nothing.
     {"*", Phase::Load, anyPath, Finished, ""},
 
     {"GetDriveTypeA", Phase::Check, anyPath, Outcome::Refused, "drive"},

@@ -1,0 +1,122 @@
+#include "programs/zevnet/connection.h"
+
+#include <utility>
+#include <vector>
+
+namespace zev::netcat {
+
+Connection::Connection(modEventSocket& module, Terminal& terminal)
+    : module_(module), terminal_(terminal), socket_(CEventSocket::create(module)) {
+  followEvents();
+}
+
+Connection::~Connection() { socket_->events = {}; }
+
+void Connection::followEvents() {
+  SocketEvents& events = socket_->events;
+  events.Connect = [this] { begun("connected to "); };
+  events.DataArrival = [this](std::int32_t) { takeArrived(); };
+  events.CloseSck = [this] { peerClosed_ = true; };
+  // Comes before each SendComplete, too, with nothing remaining.
+  events.SendProgress = [this](std::int32_t, std::int32_t remaining) {
+    sent_ = given_ - static_cast<std::uint64_t>(remaining);
+  };
+  events.Error = [this](const SocketErrorArguments& error) {
+    fail({error.Number, toUtf8(error.Description), toUtf8(error.Source)});
+  };
+}
+
+void Connection::connect(const std::string& host, std::int32_t port) {
+  terminal_.tell("connecting to " + host + " " + std::to_string(port));
+  socket_->Connect(fromUtf8(host), port);
+}
+
+void Connection::accept(std::int32_t requestID) {
+  try {
+    socket_->Accept(requestID);
+  } catch (const RuntimeError& error) {
+    return fail(Failure(error));
+  }
+  begun("connected from ");
+}
+
+void Connection::begun(const char* how) {
+  peer_ = toUtf8(socket_->RemoteHostIP()) + " " + std::to_string(socket_->RemotePort());
+  terminal_.tell(how + peer_);
+}
+
+void Connection::send(BytesView bytes) {
+  given_ += bytes.size();
+  if (!stands()) return;
+  try {
+    socket_->SendData(std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+  } catch (const RuntimeError& error) {
+    fail(Failure(error));
+  }
+}
+
+void Connection::takeArrived() {
+  Variant data;
+  try {
+    socket_->GetData(data);
+  } catch (const RuntimeError& error) {
+    return fail(Failure(error));
+  }
+  const auto bytes = data.take<std::vector<std::uint8_t>>();
+  received_ += bytes.size();
+  terminal_.write(bytes);
+}
+
+/// The first failure counts.
+void Connection::fail(Failure failure) {
+  if (!failure_) failure_ = std::move(failure);
+}
+
+/// What was raised inside a notification, where nobody hears of it, shows by the state alone.
+std::optional<Failure> Connection::unreportedFailure() const {
+  const std::int32_t reason = module_.services().sockets.WSAGetLastError();
+  const auto because = [&](const char* source) {
+    return Failure(reason, toUtf8(WinsockErrorText(reason)), source);
+  };
+  switch (socket_->State()) {
+    case sckError:
+      return because("CEventSocket.RecvDataToBuffer");
+    case sckHostResolved:
+      return because("CEventSocket.BindInternal");
+    case sckConnecting:
+      if (reason == winsock::error::addressNotAvailable) return because("CEventSocket.ConnectToIP");
+      return {};
+    default:
+      return {};
+  }
+}
+
+void Connection::settle() {
+  if (ended_) return;
+  if (!failure_) failure_ = unreportedFailure();
+  const bool finished = closeWhenSent_ && stands() && !waits();
+  if (failure_ || peerClosed_ || finished) end();
+}
+
+void Connection::end() {
+  if (std::exchange(ended_, true)) return;
+  try {
+    socket_->CloseSck();
+  } catch (const RuntimeError& error) {
+    fail(Failure(error));
+  }
+  if (waits()) {
+    const std::string lost = std::to_string(given_ - sent_);
+    fail({winsock::error::connectionAborted, lost + " bytes were not sent.", "zevnet"});
+  }
+  tellEnd();
+}
+
+void Connection::tellEnd() {
+  if (failure_) terminal_.tell(failure_->what());
+  if (peer_.empty()) return;
+  terminal_.tell("closed " + peer_ + ": sent " + std::to_string(sent_) + " bytes, received " +
+                 std::to_string(received_) + " bytes");
+}
+
+}  // namespace zev::netcat

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "programs/zevnet/failure.h"
+#include "programs/zevnet/terminal.h"
+#include "socket/event_socket.h"
+
+namespace zev::netcat {
+
+/// One TCP connection: what comes goes to standard output, how it ends is told.
+class Connection {
+ public:
+  /// Both are borrowed.
+  Connection(modEventSocket& module, Terminal& terminal);
+  ~Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  /// Throws RuntimeError for what the socket raises.
+  void connect(const std::string& host, std::int32_t port);
+  /// Takes a connection over, within ConnectionRequest.
+  void accept(std::int32_t requestID);
+
+  bool stands() const { return socket_->State() == sckConnected; }
+  /// Whether some bytes have not gone out yet.
+  bool waits() const { return sent_ < given_; }
+  void send(BytesView bytes);
+  /// Closes as soon as everything has gone out.
+  void closeWhenSent() { closeWhenSent_ = true; }
+
+  /// Ends it if it is over. From the top of the loop, after a dispatch.
+  void settle();
+  void end();
+  bool ended() const { return ended_; }
+  bool failed() const { return failure_.has_value(); }
+  std::uint64_t traffic() const { return sent_ + received_; }
+
+ private:
+  void followEvents();
+  void begun(const char* how);
+  void takeArrived();
+  void fail(Failure failure);
+  std::optional<Failure> unreportedFailure() const;
+  void tellEnd();
+
+  modEventSocket& module_;
+  Terminal& terminal_;
+  std::shared_ptr<CEventSocket> socket_;
+  std::string peer_;         ///< address and port, once the connection stands
+  std::uint64_t given_ = 0;  ///< bytes to send
+  std::uint64_t sent_ = 0;   ///< of those
+  std::uint64_t received_ = 0;
+  bool closeWhenSent_ = false;
+  bool peerClosed_ = false;
+  bool ended_ = false;
+  std::optional<Failure> failure_;
+};
+
+}  // namespace zev::netcat

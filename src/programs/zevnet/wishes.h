@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zev::netcat {
+
+/// What a person asks of zevnet.
+struct Wishes {
+  bool listen = false;    ///< wait for others instead of connecting
+  std::string host;       ///< whom to connect to
+  std::int32_t port = 0;  ///< to connect to or to listen on; 0 for one of the system's choice
+  std::string address = "127.0.0.1";  ///< to listen on
+  bool udp = false;
+  bool keep = false;           ///< go on listening behind a connection
+  bool close = false;          ///< close once the whole input is sent
+  std::optional<double> idle;  ///< seconds without traffic after which all ends
+  bool trace = false;
+};
+
+}  // namespace zev::netcat
