@@ -6,8 +6,9 @@ packages_to_run=(
 )
 
 packages_to_test=(
-  clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev libbenchmark-dev
-  libmspack-dev mscompress valgrind binutils file python3
+  g++-multilib clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev googletest
+  libbenchmark-dev libmspack-dev mscompress valgrind binutils file python3
+  curl nginx-light ncat socat
 )
 
 # The Windows programs, their tests, and the machine that they run on.

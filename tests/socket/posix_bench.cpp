@@ -1,0 +1,29 @@
+#include "posix/machine.h"
+#include "socket/bench.h"
+
+namespace zev::socket_bench {
+namespace {
+
+/// Real sockets on the loopback of this machine.
+class PosixBench final : public Bench {
+ public:
+  std::string name() const override { return "posix"; }
+  Sockets& sockets() override { return machine_.sockets(); }
+  MessageWindows& windows() override { return machine_.windows(); }
+  Kernel& kernel() override { return machine_.kernel(); }
+
+  bool pump(int milliseconds) override { return machine_.dispatch(milliseconds); }
+  void post(const WindowMessage& message) override { machine_.windows().post(message); }
+
+  int openSockets() override { return static_cast<int>(machine_.sockets().openSockets()); }
+  int openWindows() override { return static_cast<int>(machine_.windows().openWindows()); }
+
+ private:
+  posix::Machine machine_;
+};
+
+}  // namespace
+
+std::unique_ptr<Bench> makeBench() { return std::make_unique<PosixBench>(); }
+
+}  // namespace zev::socket_bench
