@@ -1,0 +1,569 @@
+"""zevnet on a network of its own: against curl, nginx, ncat, socat and plain sockets.
+
+Run by tests/network/alone.sh, with the programs in ZEVNET, HTTP_SERVER, DOCUMENT_SERVER and
+DOCUMENT_CLIENT.
+"""
+
+import hashlib
+import os
+import socket
+import struct
+import subprocess
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+from processes import PATIENCE, Running, free_port, tool, wait_for_port
+
+ZEVNET = os.environ["ZEVNET"]
+LARGE = 100 * 1024 * 1024
+MEDIUM = 8 * 1024 * 1024
+
+
+def digest(data):
+    return hashlib.sha256(data).hexdigest()
+
+
+class Case:
+    """What every class has: a folder, and processes that end with the case."""
+
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = Path(holder.name)
+
+    def start(self, *command, **streams):
+        running = Running(*command, **streams)
+        self.addCleanup(running.stop)
+        return running
+
+    def zevnet(self, *arguments, **streams):
+        return self.start(ZEVNET, *arguments, **streams)
+
+    def listening(self, *arguments, **streams):
+        """zevnet listening on a port of the system's choice, and the port."""
+        running = self.zevnet("listen", 0, *arguments, **streams)
+        return running, int(running.line(r"^listening on 127\.0\.0\.1 (\d+)$")[1])
+
+    def random_file(self, size):
+        path = self.folder / f"random-{size}"
+        path.write_bytes(os.urandom(size))
+        return path
+
+    def open(self, path):
+        file = open(path, "rb")
+        self.addCleanup(file.close)
+        return file
+
+    def listener(self):
+        """A plain listening socket, and its port."""
+        plain = socket.create_server(("127.0.0.1", 0))
+        plain.settimeout(PATIENCE)
+        self.addCleanup(plain.close)
+        return plain, plain.getsockname()[1]
+
+    def accept(self, listener):
+        connection, _ = listener.accept()
+        connection.settimeout(PATIENCE)
+        self.addCleanup(connection.close)
+        return connection
+
+    def assert_sent(self, data, received):
+        self.assertEqual((len(received), digest(received)), (len(data), digest(data)))
+
+
+class Http(Case, unittest.TestCase):
+    NGINX = """
+daemon off; master_process off; pid {folder}/pid; error_log stderr;
+events {{ worker_connections 16; }}
+http {{
+  access_log off; client_body_temp_path {folder}/body; proxy_temp_path {folder}/proxy;
+  fastcgi_temp_path {folder}/fastcgi; uwsgi_temp_path {folder}/uwsgi; scgi_temp_path {folder}/scgi;
+  server {{ listen 127.0.0.1:{port}; root {folder}/www; }}
+}}
+"""
+
+    def test_fetches_a_large_file_from_nginx(self):
+        data = os.urandom(LARGE)
+        (self.folder / "www").mkdir()
+        (self.folder / "www" / "file").write_bytes(data)
+        port = free_port()
+        settings = self.folder / "nginx.conf"
+        settings.write_text(self.NGINX.format(folder=self.folder, port=port))
+        self.start(tool("nginx"), "-e", "stderr", "-p", self.folder, "-c", settings)
+        wait_for_port(port)
+        client = self.zevnet("connect", "127.0.0.1", port)
+        client.write(b"GET /file HTTP/1.0\r\nHost: localhost\r\n\r\n")
+        status, answer = client.ends()
+        head, _, body = answer.partition(b"\r\n\r\n")
+        self.assertEqual(status, 0, client.lines)
+        self.assertTrue(head.startswith(b"HTTP/1.1 200 OK"), head)
+        self.assert_sent(data, body)
+
+    def fetch(self, port, name):
+        target = self.folder / name
+        fetching = self.start(tool("curl"), "--silent", "--show-error", "--fail", "--max-time",
+                              PATIENCE, "--output", target, f"http://127.0.0.1:{port}/file")
+        return fetching, target
+
+    def serve(self, path):
+        server = self.start(os.environ["HTTP_SERVER"], path)
+        return int(server.process.stdout.readline())
+
+    def test_serves_a_large_file_to_curl(self):
+        path = self.random_file(LARGE)
+        fetching, target = self.fetch(self.serve(path), "fetched")
+        self.assertEqual(fetching.ends()[0], 0, fetching.lines)
+        self.assert_sent(path.read_bytes(), target.read_bytes())
+
+    def test_serves_several_at_once(self):
+        path = self.random_file(MEDIUM)
+        port = self.serve(path)
+        for fetching, target in [self.fetch(port, f"fetched-{i}") for i in range(5)]:
+            self.assertEqual(fetching.ends()[0], 0, fetching.lines)
+            self.assert_sent(path.read_bytes(), target.read_bytes())
+
+
+class Streams(Case, unittest.TestCase):
+    """Whole files in each direction, with either side listening. No peer closes its own direction
+    before it has what it waits for, since that ends both of zevnet's."""
+
+    def peer(self, name, role, port):
+        """The command of a peer: it listens or connects, and sends or receives."""
+        commands = {
+            "ncat listens receives": f"ncat -l --no-shutdown 127.0.0.1 {port}",
+            "ncat listens sends": f"ncat -l --send-only 127.0.0.1 {port}",
+            "ncat connects receives": f"ncat --recv-only 127.0.0.1 {port}",
+            "ncat connects sends": f"ncat --send-only 127.0.0.1 {port}",
+            "socat listens receives": f"socat -u TCP-LISTEN:{port},bind=127.0.0.1 STDOUT",
+            "socat listens sends": f"socat -u STDIN TCP-LISTEN:{port},bind=127.0.0.1",
+            "socat connects receives": f"socat -u TCP:127.0.0.1:{port} STDOUT",
+            "socat connects sends": f"socat -u STDIN TCP:127.0.0.1:{port}",
+        }
+        program, *arguments = commands[f"{name} {role}"].split()
+        return [tool(program), *arguments]
+
+    def check(self, zevnet, receiver, path):
+        """The receiver gets the file; zevnet ends well."""
+        status, received = receiver.ends()
+        self.assertEqual(status, 0, receiver.lines)
+        if receiver is not zevnet:
+            self.assertEqual(zevnet.ends()[0], 0, zevnet.lines)
+        self.assert_sent(path.read_bytes(), received)
+
+    def to_listening_peer(self, name):
+        path, port = self.random_file(MEDIUM), free_port()
+        peer = self.start(*self.peer(name, "listens receives", port))
+        wait_for_port(port)
+        zevnet = self.zevnet("connect", "--close", "127.0.0.1", port, stdin=self.open(path))
+        self.check(zevnet, peer, path)
+        self.assertIn(f"closed 127.0.0.1 {port}: sent {MEDIUM} bytes, received 0 bytes",
+                      zevnet.lines)
+
+    def from_listening_peer(self, name):
+        path, port = self.random_file(MEDIUM), free_port()
+        self.start(*self.peer(name, "listens sends", port), stdin=self.open(path))
+        wait_for_port(port)
+        zevnet = self.zevnet("connect", "127.0.0.1", port, stdin=subprocess.DEVNULL)
+        self.check(zevnet, zevnet, path)
+        self.assertIn(f"closed 127.0.0.1 {port}: sent 0 bytes, received {MEDIUM} bytes",
+                      zevnet.lines)
+
+    def to_connecting_peer(self, name):
+        path = self.random_file(MEDIUM)
+        zevnet, port = self.listening("--close", stdin=self.open(path))
+        peer = self.start(*self.peer(name, "connects receives", port), stdin=subprocess.DEVNULL)
+        self.check(zevnet, peer, path)
+
+    def from_connecting_peer(self, name):
+        path = self.random_file(MEDIUM)
+        zevnet, port = self.listening(stdin=subprocess.DEVNULL)
+        self.start(*self.peer(name, "connects sends", port), stdin=self.open(path))
+        self.check(zevnet, zevnet, path)
+
+    def test_to_a_listening_ncat(self):
+        self.to_listening_peer("ncat")
+
+    def test_to_a_listening_socat(self):
+        self.to_listening_peer("socat")
+
+    def test_from_a_listening_ncat(self):
+        self.from_listening_peer("ncat")
+
+    def test_from_a_listening_socat(self):
+        self.from_listening_peer("socat")
+
+    def test_to_a_connecting_ncat(self):
+        self.to_connecting_peer("ncat")
+
+    def test_to_a_connecting_socat(self):
+        self.to_connecting_peer("socat")
+
+    def test_from_a_connecting_ncat(self):
+        self.from_connecting_peer("ncat")
+
+    def test_from_a_connecting_socat(self):
+        self.from_connecting_peer("socat")
+
+    def test_both_ways_at_once(self):
+        path, port = self.random_file(MEDIUM), free_port()
+        # Pieces that a pipe takes whole once it takes anything: socat must not wait for itself.
+        self.start(tool("socat"), "-b", 4096, f"TCP-LISTEN:{port},bind=127.0.0.1", "PIPE",
+                   stdin=subprocess.DEVNULL)
+        wait_for_port(port)
+        zevnet = self.zevnet("connect", "--idle", 3, "localhost", port, stdin=self.open(path))
+        self.check(zevnet, zevnet, path)
+
+
+class Datagrams(Case, unittest.TestCase):
+    """Pieces of several sizes there and back, each one when the one before has arrived."""
+
+    SIZES = [1, 2, 100, 1400, 4096, 8000]
+
+    def exchange(self, first, second):
+        there, back, sent = b"", b"", b""
+        for size in self.SIZES * 5:
+            piece = os.urandom(size)
+            sent += piece
+            first.write(piece)
+            there += second.read(size)
+            second.write(piece)
+            back += first.read(size)
+        self.assert_sent(sent, there)
+        self.assert_sent(sent, back)
+        return sent
+
+    def with_listening_peer(self, *command, port):
+        peer = self.start(*command)
+        wait_for_port(port, "udp")
+        zevnet = self.zevnet("connect", "--udp", "localhost", port)
+        zevnet.line(rf"^sending to localhost {port} from 127\.0\.0\.1 \d+$")
+        self.exchange(zevnet, peer)
+
+    def with_connecting_peer(self, *command):
+        zevnet, port = self.listening("--udp", "--close")
+        peer = self.start(*[str(part).format(port=port) for part in command])
+        sent = self.exchange(peer, zevnet)
+        self.assertEqual(zevnet.ends()[0], 0, zevnet.lines)
+        self.assertIn(f"closed: sent {len(sent)} bytes, received {len(sent)} bytes", zevnet.lines)
+
+    def test_with_a_listening_ncat(self):
+        port = free_port(socket.SOCK_DGRAM)
+        self.with_listening_peer(tool("ncat"), "-u", "-l", "127.0.0.1", port, port=port)
+
+    def test_with_a_listening_socat(self):
+        port = free_port(socket.SOCK_DGRAM)
+        self.with_listening_peer(tool("socat"), "-", f"UDP-LISTEN:{port},bind=127.0.0.1",
+                                 port=port)
+
+    def test_with_a_connecting_ncat(self):
+        self.with_connecting_peer(tool("ncat"), "-u", "127.0.0.1", "{port}")
+
+    def test_with_a_connecting_socat(self):
+        self.with_connecting_peer(tool("socat"), "-", "UDP:127.0.0.1:{port}")
+
+    def test_answers_whoever_sent_last(self):
+        zevnet, port = self.listening("--udp")
+        senders = [self.start(tool("socat"), "-", f"UDP:127.0.0.1:{port}") for _ in range(2)]
+        for sender in senders + senders:
+            sender.write(b"question")
+            self.assertEqual(zevnet.read(8), b"question")
+            zevnet.write(b"answer")
+            self.assertEqual(sender.read(6), b"answer")
+
+    def test_ends_when_nothing_comes(self):
+        zevnet, _ = self.listening("--udp", "--idle", 0.3, stdin=subprocess.DEVNULL)
+        self.assertEqual(zevnet.ends(), (0, b""), zevnet.lines)
+
+    def test_takes_what_came_in_one_burst(self):
+        zevnet, port = self.listening("--udp")
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as sender:
+            # Nothing is dispatched while the process is stopped.
+            os.kill(zevnet.process.pid, 19)
+            for i in range(50):
+                sender.sendto(b"%03d" % i, ("127.0.0.1", port))
+            os.kill(zevnet.process.pid, 18)
+        self.assertEqual(zevnet.read(150), b"".join(b"%03d" % i for i in range(50)))
+
+
+class Failures(Case, unittest.TestCase):
+    def assert_fails(self, running, line):
+        status, _ = running.ends()
+        self.assertEqual(status, 1, running.lines)
+        self.assertIn(line, running.lines)
+
+    def test_a_refused_port(self):
+        self.assert_fails(self.zevnet("connect", "127.0.0.1", free_port()),
+                          "10061: Connection refused. (CEventSocket.PostSocket)")
+
+    def test_an_unknown_host(self):
+        self.assert_fails(self.zevnet("connect", "nobody.invalid", 80),
+                          "11001: Host not found. (CEventSocket.ConnectToIP)")
+
+    def test_an_unknown_host_of_datagrams(self):
+        zevnet = self.zevnet("connect", "--udp", "nobody.invalid", 80)
+        zevnet.write(b"x")
+        self.assert_fails(zevnet, "40014: Invalid argument (CEventSocket.SendBufferedDataUDP)")
+
+    def test_an_address_that_is_none_for_connecting(self):
+        self.assert_fails(
+            self.zevnet("connect", "0.0.0.0", 80),
+            "10049: Cannot assign requested address. (CEventSocket.ConnectToIP)")
+
+    def test_a_port_in_use(self):
+        _, port = self.listener()
+        self.assert_fails(self.zevnet("listen", port),
+                          "10048: Address already in use. (CEventSocket.BindInternal)")
+
+    def test_a_port_of_datagrams_in_use(self):
+        _, port = self.listening("--udp")
+        self.assert_fails(self.zevnet("listen", "--udp", port),
+                          "10048: Address already in use. (CEventSocket.BindInternal)")
+
+    def test_an_address_of_another_machine(self):
+        self.assert_fails(self.zevnet("listen", 0, "--bind", "192.0.2.1"),
+                          "10049: Cannot assign requested address. (CEventSocket.BindInternal)")
+
+    def test_a_peer_that_resets(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "127.0.0.1", port)
+        connection = self.accept(listener)
+        zevnet.line("^connected to")
+        connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        connection.close()
+        self.assert_fails(zevnet, "10054: Connection reset by peer. (CEventSocket.PostSocket)")
+
+    def test_a_peer_that_closes_before_it_has_read_everything(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "127.0.0.1", port, stdin=self.open("/dev/zero"))
+        connection = self.accept(listener)
+        time.sleep(1)  # until both sides of the system are full
+        connection.shutdown(socket.SHUT_WR)
+        self.assertEqual(zevnet.ends()[0], 1, zevnet.lines)
+        self.assertRegex("\n".join(zevnet.lines), r"(?m)^10053: \d+ bytes were not sent\. \(zevnet\)$")
+
+    def test_a_peer_that_closes_before_the_end_of_the_input_is_told(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "127.0.0.1", port)
+        connection = self.accept(listener)
+        zevnet.line("^connected to")
+        connection.close()
+        zevnet.line("^the input was not read to its end$")
+        self.assertEqual(zevnet.ends(), (0, b""))
+
+    def test_a_closed_standard_output(self):
+        listener, port = self.listener()
+        reading, writing = os.pipe()
+        zevnet = self.zevnet("connect", "127.0.0.1", port, stdout=writing)
+        os.close(writing)
+        os.close(reading)
+        self.accept(listener).sendall(b"x")
+        self.assert_fails(zevnet, "32: Broken pipe (standard output)")
+
+    def test_streams_that_were_never_open(self):
+        listener, port = self.listener()
+        zevnet = self.start("sh", "-c", 'exec "$0" connect 127.0.0.1 "$1" <&- >&-', ZEVNET, port)
+        self.accept(listener).sendall(b"x")
+        self.assert_fails(zevnet, "9: Bad file descriptor (standard output)")
+
+    def test_wrong_use(self):
+        for arguments in ([], ["connect"], ["connect", "localhost"], ["listen"],
+                          ["connect", "localhost", "0"], ["connect", "localhost", "65536"],
+                          ["connect", "localhost", "http"], ["listen", "-1"], ["listen", "65536"],
+                          ["connect", "localhost", "80", "--keep"], ["listen", "0", "--idle", "x"],
+                          ["listen", "0", "--nothing"], ["speak"]):
+            with self.subTest(arguments):
+                zevnet = self.zevnet(*arguments)
+                self.assertEqual(zevnet.ends(), (2, b""))
+                self.assertTrue(zevnet.lines)
+
+    def test_help_is_no_failure(self):
+        status, text = self.zevnet("connect", "--help").ends()
+        self.assertEqual(status, 0)
+        self.assertIn(b"--close", text)
+
+
+class Listening(Case, unittest.TestCase):
+    def call(self, port):
+        connection = socket.create_connection(("127.0.0.1", port), timeout=PATIENCE)
+        self.addCleanup(connection.close)
+        return connection
+
+    def test_takes_one_connection_and_ends_with_it(self):
+        zevnet, port = self.listening()
+        connection = self.call(port)
+        zevnet.line(r"^connected from 127\.0\.0\.1 \d+$")
+        with self.assertRaises(ConnectionRefusedError):
+            self.call(port)
+        connection.sendall(b"all")
+        connection.close()
+        zevnet.line(r"^closed 127\.0\.0\.1 \d+: sent 0 bytes, received 3 bytes$")
+        self.assertEqual(zevnet.ends(), (0, b"all"), zevnet.lines)
+
+    def test_keeps_on_one_after_the_other(self):
+        zevnet, port = self.listening("--keep")
+        for i in range(3):
+            connection = self.call(port)
+            connection.sendall(b"call %d" % i)
+            connection.close()
+            self.assertEqual(zevnet.read(6), b"call %d" % i)
+            zevnet.line(r"^closed 127\.0\.0\.1 \d+: sent 0 bytes, received 6 bytes$")
+        self.assertIsNone(zevnet.process.poll())
+
+    def test_keeps_several_at_once(self):
+        zevnet, port = self.listening("--keep")
+        connections = [self.call(port) for _ in range(3)]
+        for _ in connections:
+            zevnet.line("^connected from")
+        zevnet.write(b"to all")
+        for connection in connections:
+            self.assertEqual(connection.recv(100), b"to all")
+        for i, connection in reversed(list(enumerate(connections))):
+            connection.sendall(b"%d" % i)
+            self.assertEqual(zevnet.read(1), b"%d" % i)
+
+    def test_keeps_on_behind_a_failed_connection(self):
+        zevnet, port = self.listening("--keep", "--idle", 5)
+        connection = self.call(port)
+        zevnet.line("^connected from")
+        connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        connection.close()
+        zevnet.line("^10054: ")
+        self.call(port).sendall(b"next")
+        self.assertEqual(zevnet.read(4), b"next")
+        self.assertEqual(zevnet.ends()[0], 1, "an error was told")
+
+    def test_leaves_the_input_to_the_first_connection(self):
+        zevnet, port = self.listening("--close")
+        zevnet.write(b"early")
+        zevnet.process.stdin.close()
+        connection = self.call(port)
+        self.assertEqual(connection.recv(100), b"early")
+        self.assertEqual(connection.recv(100), b"")
+
+    def test_goes_on_reading_behind_the_end_of_the_input(self):
+        zevnet, port = self.listening(stdin=subprocess.DEVNULL)
+        connection = self.call(port)
+        zevnet.line("^connected from")
+        for _ in range(3):
+            time.sleep(0.1)
+            connection.sendall(b"late")
+            self.assertEqual(zevnet.read(4), b"late")
+        connection.close()
+        self.assertEqual(zevnet.ends()[0], 0)
+
+    def test_refuses_a_port_that_it_listens_on(self):
+        _, port = self.listening("--keep")
+        second = self.zevnet("listen", port)
+        self.assertEqual(second.ends()[0], 1)
+        self.assertIn("10048: Address already in use. (CEventSocket.BindInternal)", second.lines)
+
+
+class Tracing(Case, unittest.TestCase):
+    def test_tells_the_steps_in_their_order(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "--trace", "--close", "localhost", port)
+        zevnet.write(b"12345")
+        zevnet.process.stdin.close()
+        self.assertEqual(self.accept(listener).recv(100), b"12345")
+        self.assertEqual(zevnet.ends()[0], 0, zevnet.lines)
+        steps = iter(zevnet.lines)
+        for step in (f"connecting to localhost {port}", "OK Created socket: ",
+                     "STATE: sckResolvingHost", "Resolving host localhost with handle ",
+                     "STATE: sckHostResolved", "OK Bind HOST: 127.0.0.1 PORT: 0",
+                     "OK Connecting to: localhost", "STATE: sckConnecting", "FD_CONNECT ",
+                     "STATE: sckConnected", f"connected to 127.0.0.1 {port}",
+                     "OK Bytes sent: 5", "OK Finished SENDING", "STATE: sckClosing",
+                     "OK Destroyed socket ", "STATE: sckClosed",
+                     f"closed 127.0.0.1 {port}: sent 5 bytes, received 0 bytes"):
+            self.assertTrue(any(line.startswith(step) for line in steps),
+                            f"{step!r} is not there, or too early: {zevnet.lines}")
+
+    def test_is_silent_without_being_asked(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "--close", "localhost", port, stdin=subprocess.DEVNULL)
+        self.accept(listener)
+        self.assertEqual(zevnet.ends()[0], 0)
+        self.assertEqual(zevnet.lines, [
+            f"connecting to localhost {port}", f"connected to 127.0.0.1 {port}",
+            f"closed 127.0.0.1 {port}: sent 0 bytes, received 0 bytes"])
+
+
+class Pressure(Case, unittest.TestCase):
+    """Nobody holds more than the system's own buffers while the other side is slow."""
+
+    MOST = 48 * 1024 * 1024  # far above the buffers of the system, far below what is offered
+
+    def fill(self, write):
+        """Writes until no more is taken for a second; how much that was."""
+        taken, since = 0, time.monotonic()
+        while taken < LARGE and time.monotonic() - since < 1:
+            try:
+                taken += write(b"\xa5" * 65536)
+                since = time.monotonic()
+            except BlockingIOError:
+                time.sleep(0.01)
+        return taken
+
+    def test_leaves_the_input_unread_while_the_peer_does_not_read(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "--close", "127.0.0.1", port)
+        connection = self.accept(listener)
+        zevnet.line("^connected to")
+        pipe = zevnet.process.stdin.fileno()
+        os.set_blocking(pipe, False)
+        taken = self.fill(lambda piece: os.write(pipe, piece))
+        self.assertLess(taken, self.MOST)
+        self.assertGreater(taken, 0)
+        zevnet.process.stdin.close()
+        received = 0
+        while piece := connection.recv(1 << 20):
+            self.assertEqual(piece.count(b"\xa5"), len(piece))
+            received += len(piece)
+        self.assertEqual(received, taken)
+        self.assertEqual(zevnet.ends()[0], 0)
+
+    def test_takes_no_more_while_the_output_is_not_read(self):
+        zevnet, port = self.listening(stdin=subprocess.DEVNULL)
+        with socket.create_connection(("127.0.0.1", port), timeout=PATIENCE) as connection:
+            connection.setblocking(False)
+            taken = self.fill(connection.send)
+            self.assertLess(taken, self.MOST)
+            connection.setblocking(True)
+        status, output = zevnet.ends()
+        self.assertEqual((status, len(output)), (0, taken))
+
+    def test_does_not_spin_while_it_waits(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "127.0.0.1", port, stdin=subprocess.DEVNULL)
+        self.accept(listener)
+        zevnet.line("^connected to")
+        time.sleep(0.5)
+        before = self.processor_time(zevnet)
+        time.sleep(1)
+        self.assertLess(self.processor_time(zevnet) - before, 20)
+
+    def processor_time(self, running):
+        """Hundredths of a second."""
+        fields = Path(f"/proc/{running.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+        return int(fields[11]) + int(fields[12])
+
+
+class Document(Case, unittest.TestCase):
+    """The two programs of docs/sockets.md, as they stand there."""
+
+    def test_its_programs_talk_with_each_other(self):
+        self.start(os.environ["DOCUMENT_SERVER"])
+        wait_for_port(5000)
+        for _ in range(2):
+            client = self.start(os.environ["DOCUMENT_CLIENT"])
+            self.assertEqual(client.ends(), (0, b"You said: Hello\n"), client.lines)
+
+    def test_its_client_tells_why_it_cannot_connect(self):
+        client = self.start(os.environ["DOCUMENT_CLIENT"])
+        self.assertEqual(client.ends(), (0, b"Connection refused.\n"), client.lines)
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=2)
