@@ -1,6 +1,7 @@
 #include "socket/thunk.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "socket/winsock_errors.h"
@@ -159,7 +160,7 @@ void Thunk::PatchSocketTable() {
 
 std::intptr_t Thunk::enter(const WindowMessage& message) {
   if (!guardInForce()) return route(message);
-  const std::int32_t mode = reinterpret_cast<ModeFunction*>(ebMode_)();
+  const std::int32_t mode = std::bit_cast<ModeFunction*>(ebMode_)();
   if (mode == modePaused) return forward(message);
   if (mode != modeStopped) return route(message);
   return static_cast<std::intptr_t>(

@@ -28,7 +28,7 @@ struct Program {
   /// What an event procedure of a socket lets out goes on from the top of the message loop.
   modEventSocket sockets{
       {platform.sockets, platform.messageWindows, platform.kernel, platform.dialogs},
-      [this](std::exception_ptr error) {
+      [this](const std::exception_ptr& error) {
         platform.application.post([error] { std::rethrow_exception(error); });
       }};
   Form1 form1{};
