@@ -35,12 +35,7 @@ constexpr int doubleDigits = 15;
 [[noreturn]] void mismatch() { throw RuntimeError(ErrorNumber::TypeMismatch); }
 
 bool spellsNumber(TextView text) {
-  try {
-    toDouble(text);
-    return true;
-  } catch (const RuntimeError& error) {
-    return error.number() == static_cast<std::int32_t>(ErrorNumber::Overflow);
-  }
+  return ignoringErrors([&] { toDouble(text); });
 }
 
 /// The number of each type that has one.

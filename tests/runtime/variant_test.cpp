@@ -119,12 +119,15 @@ TEST(Variant, IsMadeOfTextsOfEveryKind) {
 
 TEST(Variant, TakesTextsThatSpellNumbersForNumbers) {
   for (const TextView text :
-       {u"0", u"-1", u" 12 ", u"1.5", u"1E3", u"&H10", u"&O7", u"+4", u".5", u"1e999"}) {
+       {u"0", u"-1", u" 12 ", u"1.5", u"1E3", u"&H10", u"&O7", u"+4", u".5", u"1e308"}) {
     EXPECT_TRUE(isNumeric(Variant(text))) << toUtf8(text);
   }
   for (const TextView text : {u"", u" ", u"abc", u"12a", u"1 2", u"&H", u"-", u"."}) {
     EXPECT_FALSE(isNumeric(Variant(text))) << toUtf8(text);
     EXPECT_EQ(raisedBy([&] { toDouble(Variant(text)); }), typeMismatch) << toUtf8(text);
+  }
+  for (const TextView text : {u"1e999", u"-1e999", u"&HFFFFFFFFF"}) {
+    EXPECT_FALSE(isNumeric(Variant(text))) << "beyond every number type: " << toUtf8(text);
   }
   EXPECT_EQ(toDouble(Variant(u"-12.5")), -12.5);
   EXPECT_EQ(toDouble(Variant(u"&H10")), 16);
