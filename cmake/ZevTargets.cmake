@@ -14,49 +14,174 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
 endif()
 string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
+# Files of a target are compiled together, so many at once, and headers that many include are compiled
+# once. Names without a namespace of their own must then differ within a room. Off, each file is
+# compiled by itself, which shows that it includes what it needs.
+set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
+# Kinds of code that cost more to compile than they gain by it get flags of their own.
+foreach(kind room fast json test)
+  string(TOUPPER ${kind} upper)
+  set(ZEV_${upper}_FLAGS "" CACHE STRING "Flags for code of the kind ${kind}: optimisation, sanitizers")
+  separate_arguments(zev_${kind}_flags NATIVE_COMMAND "${ZEV_${upper}_FLAGS}")
+endforeach()
+
+set(zev_common_headers
+  <algorithm> <array> <cstdint> <deque> <filesystem> <fstream> <functional> <limits> <map> <memory>
+  <optional> <set> <span> <sstream> <stdexcept> <string> <string_view> <utility> <variant> <vector>)
+
+# Compiles a target as all code of its kind is: the flags, files in units of eight, and the headers
+# that many include, common ones and those named, precompiled once for the kind.
+function(zev_code name kind)
+  cmake_parse_arguments(CODE "" "" "FLAGS;HEADERS;KNOWS" ${ARGN})
+  target_compile_options(${name} PRIVATE ${CODE_FLAGS})
+  if(NOT ZEV_FEW_UNITS OR (ZEV_FEW_UNITS STREQUAL "TESTS" AND NOT kind STREQUAL "test"))
+    return()
+  endif()
+  # What one file names for itself, another one in the same unit may name again within a function.
+  target_compile_options(${name} PRIVATE -Wno-shadow)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  # With g++ a precompiled header costs more than it saves.
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    return()
+  endif()
+  set(headers zev_${kind}_headers)
+  if(NOT TARGET ${headers})
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/${headers}.cpp CONTENT "")
+    add_library(${headers} OBJECT ${PROJECT_BINARY_DIR}/${headers}.cpp)
+    target_compile_options(${headers} PRIVATE ${CODE_FLAGS})
+    target_link_libraries(${headers} PRIVATE ${CODE_KNOWS})
+    target_precompile_headers(${headers} PRIVATE ${zev_common_headers} ${CODE_HEADERS})
+  endif()
+  target_precompile_headers(${name} REUSE_FROM ${headers})
+endfunction()
+
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
-# may know. Headers are included by their path from src/.
+# may know. Headers are included by their path from src/. With JSON its files include that library.
 function(zev_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;KNOWS" ${ARGN})
+  cmake_parse_arguments(ROOM "JSON;FAST" "" "SOURCES;KNOWS" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PUBLIC ${ROOM_KNOWS})
+  if(ROOM_JSON)
+    zev_code(${name} json FLAGS ${zev_json_flags} HEADERS <nlohmann/json.hpp>
+      KNOWS nlohmann_json::nlohmann_json)
+  elseif(ROOM_FAST)
+    zev_code(${name} fast FLAGS ${zev_fast_flags})
+  else()
+    zev_code(${name} room FLAGS ${zev_room_flags})
+  endif()
 endfunction()
+
+set(zev_gtest_source /usr/src/googletest)
 
 # The test library of a system other than the host's: it comes as source and is built along, without
 # the project's warnings.
 function(zev_build_gtest)
   set(INSTALL_GTEST OFF)
-  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+  add_subdirectory(${zev_gtest_source} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
   foreach(target gtest gtest_main gmock gmock_main)
-    target_compile_options(${target} PRIVATE -w)
+    target_compile_options(${target} PRIVATE -w -O0)
   endforeach()
 endfunction()
 
-# A program of unit tests.
-function(zev_test_program name)
-  cmake_parse_arguments(TESTS "" "" "SOURCES;KNOWS" ${ARGN})
-  add_executable(${name} ${TESTS_SOURCES})
+# What all code of tests is compiled with.
+function(zev_test_code name)
+  zev_code(${name} test FLAGS ${zev_test_flags} HEADERS <gmock/gmock.h> <gtest/gtest.h>
+    KNOWS GTest::gtest GTest::gmock)
+endfunction()
+
+# Cases that several programs of tests share.
+function(zev_cases name)
+  cmake_parse_arguments(CASES "" "" "SOURCES;KNOWS" ${ARGN})
+  add_library(${name} OBJECT ${CASES_SOURCES})
+  zev_test_code(${name})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  target_link_libraries(${name} PRIVATE ${TESTS_KNOWS} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE ${CASES_KNOWS} GTest::gtest GTest::gmock)
+endfunction()
+
+# A program of unit tests, with shared cases. With FAST it is optimised as what it tests.
+function(zev_test_program name)
+  cmake_parse_arguments(TESTS "FAST" "" "SOURCES;CASES;KNOWS" ${ARGN})
+  add_executable(${name} ${TESTS_SOURCES})
+  if(TESTS_FAST)
+    zev_code(${name} fast FLAGS ${zev_fast_flags})
+  else()
+    zev_test_code(${name})
+  endif()
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE
+    ${TESTS_CASES} ${TESTS_KNOWS} GTest::gtest GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE ZEV_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
 endfunction()
 
-# A program of unit tests, each test known to CTest by itself if it can run where it is built.
-function(zev_tests name)
-  zev_test_program(${name} ${ARGN})
-  if(NOT CMAKE_CROSSCOMPILING)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+# Tells ./test of a suite: a command that runs tests, a line of suites.json in the build's folder.
+# KIND says how it tells of its cases: gtest, unittest (Python's), or script, which is one case. ROOM
+# is the folder of tests that it is found by; TARGETS are what has to be built for it; in SHARDS
+# processes a gtest program can run beside itself. CORE suites are those of ./test without words.
+function(zev_suite name)
+  cmake_parse_arguments(SUITE "CORE" "KIND;ROOM;SHARDS;TIMEOUT" "COMMAND;TARGETS;ENVIRONMENT" ${ARGN})
+  foreach(default "KIND script" "SHARDS 1" "TIMEOUT 300")
+    string(REPLACE " " ";" default "${default}")
+    list(GET default 0 key)
+    if(NOT DEFINED SUITE_${key})
+      list(GET default 1 SUITE_${key})
+    endif()
+  endforeach()
+  if(NOT SUITE_ROOM)
+    file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR}/tests ${CMAKE_CURRENT_SOURCE_DIR})
+    string(REGEX REPLACE "/.*" "" SUITE_ROOM "${folder}")
   endif()
+  set(core false)
+  if(SUITE_CORE)
+    set(core true)
+  endif()
+  foreach(list COMMAND TARGETS ENVIRONMENT)
+    list(TRANSFORM SUITE_${list} PREPEND "\"")
+    list(TRANSFORM SUITE_${list} APPEND "\"")
+    list(JOIN SUITE_${list} ", " SUITE_${list})
+  endforeach()
+  set_property(GLOBAL APPEND_STRING PROPERTY zev_suites "{\"name\": \"${name}\", \"room\": \"${SUITE_ROOM}\", \
+\"kind\": \"${SUITE_KIND}\", \"core\": ${core}, \"shards\": ${SUITE_SHARDS}, \"timeout\": ${SUITE_TIMEOUT}, \
+\"targets\": [${SUITE_TARGETS}], \"environment\": [${SUITE_ENVIRONMENT}], \"command\": [${SUITE_COMMAND}]}\n")
 endfunction()
 
-# A program of unit tests that use the network: each one runs on a network of its own. What its tests
-# are is asked when they are to be run, since a machine that grants no such network can still build.
-function(zev_network_tests name)
-  zev_test_program(${name} ${ARGN})
-  if(NOT CMAKE_CROSSCOMPILING)
-    set_target_properties(${name} PROPERTIES
-      CROSSCOMPILING_EMULATOR ${PROJECT_SOURCE_DIR}/tests/network/alone.sh)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+# Writes what zev_suite was told, a suite a line.
+function(zev_write_suites)
+  get_property(suites GLOBAL PROPERTY zev_suites)
+  file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/suites.json CONTENT "${suites}")
+endfunction()
+
+# A program of unit tests, each test known to CTest by itself if it can run where it is built. CTest
+# asks what they are when they are to be run. With a NETWORK each process has one of its own, with
+# nobody else on it.
+function(zev_tests name)
+  cmake_parse_arguments(TESTS "NETWORK;ALL_ONLY;FAST" "SHARDS;TIMEOUT"
+    "SOURCES;CASES;KNOWS;ENVIRONMENT" ${ARGN})
+  set(fast "")
+  if(TESTS_FAST)
+    set(fast FAST)
   endif()
+  zev_test_program(${name} ${fast}
+    SOURCES ${TESTS_SOURCES} CASES ${TESTS_CASES} KNOWS ${TESTS_KNOWS})
+  if(CMAKE_CROSSCOMPILING)
+    return()
+  endif()
+  set(alone "")
+  if(TESTS_NETWORK)
+    set(alone ${PROJECT_SOURCE_DIR}/tests/network/alone.sh)
+    set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR ${alone})
+  endif()
+  set(options "")
+  foreach(option SHARDS TIMEOUT)
+    if(TESTS_${option})
+      list(APPEND options ${option} ${TESTS_${option}})
+    endif()
+  endforeach()
+  if(NOT TESTS_ALL_ONLY)
+    list(APPEND options CORE)
+  endif()
+  zev_suite(${name} KIND gtest ${options} TARGETS ${name} ENVIRONMENT ${TESTS_ENVIRONMENT}
+    COMMAND ${alone} $<TARGET_FILE:${name}>)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 600 ENVIRONMENT "${TESTS_ENVIRONMENT}")
 endfunction()

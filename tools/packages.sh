@@ -1,12 +1,12 @@
 # Installs what the project needs from Debian's packages. Sourced by ./run and ./test.
 
 packages_to_run=(
-  g++ cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev
+  g++ clang cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev
   libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev g++-mingw-w64-x86-64-posix fp-utils-3.2.2
 )
 
 packages_to_test=(
-  g++-multilib clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev googletest
+  g++-multilib clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev googletest
   libbenchmark-dev libmspack-dev mscompress valgrind binutils file python3
   curl nginx-light ncat socat
 )

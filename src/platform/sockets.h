@@ -36,6 +36,13 @@ inline constexpr std::int32_t fdAccept = 8;
 inline constexpr std::int32_t fdConnect = 16;
 inline constexpr std::int32_t fdClose = 32;
 
+/// The lParam of a notification: an error number, or 0, in the upper word; in the lower one the
+/// event, or the size of a host record.
+constexpr std::intptr_t reply(std::int32_t error, std::uint32_t lowWord) {
+  constexpr unsigned highWord = 16;
+  return static_cast<std::intptr_t>((static_cast<std::uint32_t>(error) << highWord) | lowWord);
+}
+
 /// Error numbers that somebody compares with. All others only pass through.
 namespace error {
 inline constexpr std::int32_t accessDenied = 10013;

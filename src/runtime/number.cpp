@@ -21,7 +21,7 @@ std::int32_t checked(std::int64_t wide) {
 [[noreturn]] void noNumber() { throw RuntimeError(ErrorNumber::TypeMismatch); }
 
 /// The ASCII image of a text; anything beyond ASCII can stand in no number.
-std::string ascii(TextView text) {
+std::string asciiOf(TextView text) {
   std::string plain;
   for (const char16_t unit : text) {
     if (unit == 0 || unit >= 0x80) noNumber();
@@ -94,7 +94,7 @@ std::int32_t toLong(double number) {
 }
 
 double toDouble(TextView text) {
-  const std::string plain = withoutSpace(ascii(text));
+  const std::string plain = withoutSpace(asciiOf(text));
   if (plain.size() > 2 && plain[0] == '&') {
     if (plain[1] == 'H' || plain[1] == 'h') return radixNumber(plain.substr(2), 16);
     if (plain[1] == 'O' || plain[1] == 'o') return radixNumber(plain.substr(2), 8);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
 
 #include "runtime/code_page.h"
 #include "script/matcher.h"
@@ -444,8 +443,8 @@ Json normalShortcut(const Json& expected) {
 }
 
 bool isPropertyKey(std::string_view key) {
-  static const std::regex name(R"([A-Za-z_]\w*(\(\d+\))?(\.[A-Za-z_]\w*(\(\d+\))?){1,2})");
-  return std::regex_match(key.begin(), key.end(), name);
+  const auto parts = partsOfName(key);
+  return parts && (parts->size() == 2 || parts->size() == 3);
 }
 
 void checkExpectation(const std::string& key, const JsonReader& expected) {

@@ -223,7 +223,7 @@ struct HiveName {
   TextView brief;
 };
 
-constexpr HiveName hives[] = {
+constexpr HiveName hiveNames[] = {
     {u"HKEY_CLASSES_ROOT", u"HKCR"},
     {u"HKEY_CURRENT_USER", u"HKCU"},
     {u"HKEY_LOCAL_MACHINE", u"HKLM"},
@@ -427,7 +427,7 @@ constexpr KeyRow<MachineChange> machineKeys[] = {
 }  // namespace
 
 Text hiveName(TextView written) {
-  for (const HiveName& hive : hives) {
+  for (const HiveName& hive : hiveNames) {
     if (equalText(hive.full, written) || equalText(hive.brief, written)) return Text(hive.full);
   }
   return {};

@@ -1,7 +1,8 @@
 #include "script/matcher.h"
 
 #include <algorithm>
-#include <regex>
+
+#include "script/pattern.h"
 
 namespace zev::scenario {
 namespace {
@@ -21,8 +22,8 @@ bool contains(const Json& wanted, const Json& found) {
 }
 
 bool matchesExpression(const Json& expression, const Json& found) {
-  return found.is_string() && std::regex_search(found.get_ref<const std::string&>(),
-                                                std::regex(expression.get<std::string>()));
+  return found.is_string() &&
+         Pattern(expression.get<std::string>()).isIn(found.get_ref<const std::string&>());
 }
 
 struct Condition {
@@ -63,8 +64,8 @@ bool objectMatches(const Json& expected, const Json& found) {
 
 void checkExpression(const JsonReader& expression) {
   try {
-    std::regex(expression.utf8());
-  } catch (const std::regex_error& error) {
+    Pattern(expression.utf8());
+  } catch (const std::invalid_argument& error) {
     expression.fail(std::string("no regular expression: ") + error.what());
   }
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
 
+#include "script/answers.h"
 #include "script/expectation.h"
 #include "script/matcher.h"
 
@@ -30,12 +30,9 @@ Action readType(const JsonReader& value) {
   return Type{readName(parts[0], controlParts), parts[1].text()};
 }
 
-constexpr std::string_view answerWords[] = {"ok",     "cancel", "abort", "retry",
-                                            "ignore", "yes",    "no"};
-
-std::string answerWord(const JsonReader& value) {
+std::string readButton(const JsonReader& value) {
   std::string word = value.utf8();
-  if (std::find(std::begin(answerWords), std::end(answerWords), word) == std::end(answerWords)) {
+  if (!answerOf(word)) {
     value.fail("no answer \"" + word +
                "\"; there are ok, cancel, abort, retry, ignore, yes, no and {\"text\": ..}");
   }
@@ -48,7 +45,7 @@ Answer readAnswer(const JsonReader& value) {
   Answer answer;
   answer.path = value.path();
   if (value.isText()) {
-    answer.button = answerWord(value);
+    answer.button = readButton(value);
     return answer;
   }
   readObject(value, answerKeys, answer);
@@ -62,7 +59,7 @@ Action readAnswers(const JsonReader& value) {
   return all;
 }
 
-std::int32_t readCount(const JsonReader& value) {
+std::int32_t readOrdinal(const JsonReader& value) {
   return static_cast<std::int32_t>(value.whole(1, largestCount));
 }
 
@@ -75,9 +72,9 @@ AtSet readSetTrigger(const JsonReader& value) {
 }
 
 constexpr KeyRow<At> triggerKeys[] = {
-    {"yield", [](const JsonReader& value, At& at) { at.when = AtPass{readCount(value)}; }},
+    {"yield", [](const JsonReader& value, At& at) { at.when = AtPass{readOrdinal(value)}; }},
     {"set", [](const JsonReader& value, At& at) { at.when = readSetTrigger(value); }},
-    {"box", [](const JsonReader& value, At& at) { at.when = AtBox{readCount(value)}; }},
+    {"box", [](const JsonReader& value, At& at) { at.when = AtBox{readOrdinal(value)}; }},
 };
 
 void readTrigger(const JsonReader& value, At& at) {
@@ -179,6 +176,26 @@ Action readAction(const JsonReader& step) {
   step.fail("a step has one verb, not " + std::to_string(members.size()));
 }
 
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
+bool beginsIdentifier(char letter) {
+  return letter == '_' || (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
+}
+
+/// An index: digits in parentheses.
+bool isIndex(std::string_view text) {
+  return text.size() > 2 && text.front() == '(' && text.back() == ')' &&
+         std::all_of(text.begin() + 1, text.end() - 1, isDigit);
+}
+
+bool isPartOfName(std::string_view part) {
+  if (part.empty() || !beginsIdentifier(part.front())) return false;
+  const auto end = std::find_if(part.begin(), part.end(), [](char letter) {
+    return !beginsIdentifier(letter) && !isDigit(letter);
+  });
+  const std::string_view rest = part.substr(static_cast<std::size_t>(end - part.begin()));
+  return rest.empty() || isIndex(rest);
+}
+
 }  // namespace
 
 std::string Name::written() const {
@@ -188,24 +205,26 @@ std::string Name::written() const {
 }
 
 Name readName(const JsonReader& name, std::size_t mostParts) {
-  static const std::regex part(R"([A-Za-z_]\w*(\(\d+\))?)");
   const std::string written = name.utf8();
-  Name read;
-  for (std::size_t start = 0; start <= written.size();) {
-    const std::size_t end = std::min(written.find('.', start), written.size());
-    read.parts.push_back(written.substr(start, end - start));
-    start = end + 1;
-  }
-  const bool good = std::all_of(read.parts.begin(), read.parts.end(), [&](const std::string& each) {
-    return std::regex_match(each, part);
-  });
-  if (!good || read.parts.size() > mostParts) {
+  auto parts = partsOfName(written);
+  if (!parts || parts->size() > mostParts) {
     name.fail("\"" + written + "\" is no name such as " +
               (mostParts == 1   ? "Form1"
                : mostParts == 2 ? "Form1.Command2"
                                 : "Form1.Label1.Caption"));
   }
-  return read;
+  return {std::move(*parts)};
+}
+
+std::optional<std::vector<std::string>> partsOfName(std::string_view written) {
+  std::vector<std::string> parts;
+  for (std::size_t start = 0; start <= written.size();) {
+    const std::size_t end = std::min(written.find('.', start), written.size());
+    parts.emplace_back(written.substr(start, end - start));
+    if (!isPartOfName(parts.back())) return std::nullopt;
+    start = end + 1;
+  }
+  return parts;
 }
 
 bool preparesOnly(const Step& step) {

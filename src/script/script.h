@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -117,5 +118,9 @@ Step readStep(const JsonReader& step);
 /// Reads a name of one to `mostParts` parts; the index of a control array stays with its part, as
 /// in `Form1.Frame1(2)`.
 Name readName(const JsonReader& name, std::size_t mostParts);
+
+/// The parts of a text between its points, each an identifier that an index in parentheses may
+/// follow, as in "Form1.Label3(2).Caption". None if one is something else.
+std::optional<std::vector<std::string>> partsOfName(std::string_view written);
 
 }  // namespace zev::scenario

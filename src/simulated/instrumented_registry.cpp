@@ -3,7 +3,7 @@
 namespace zev::simulated {
 namespace {
 
-std::int64_t shown(RegistryKey key) { return static_cast<std::int64_t>(key); }
+std::int64_t shownKey(RegistryKey key) { return static_cast<std::int64_t>(key); }
 
 }  // namespace
 
@@ -17,67 +17,67 @@ SystemError InstrumentedRegistry::call(std::string_view name, Arguments argument
 
 SystemError InstrumentedRegistry::RegOpenKeyA(RegistryKey hive, TextView key, RegistryKey& handle) {
   handle = 0;
-  return call("RegOpenKeyA", {shown(hive), key},
+  return call("RegOpenKeyA", {shownKey(hive), key},
               [&] { return registry_.RegOpenKeyA(hive, key, handle); });
 }
 
 SystemError InstrumentedRegistry::RegCreateKeyA(RegistryKey hive, TextView key,
                                                 RegistryKey& handle) {
   handle = 0;
-  return call("RegCreateKeyA", {shown(hive), key},
+  return call("RegCreateKeyA", {shownKey(hive), key},
               [&] { return registry_.RegCreateKeyA(hive, key, handle); });
 }
 
 SystemError InstrumentedRegistry::RegCloseKey(RegistryKey handle) {
-  return call("RegCloseKey", {shown(handle)}, [&] { return registry_.RegCloseKey(handle); });
+  return call("RegCloseKey", {shownKey(handle)}, [&] { return registry_.RegCloseKey(handle); });
 }
 
 SystemError InstrumentedRegistry::RegDeleteKeyA(RegistryKey hive, TextView key) {
-  return call("RegDeleteKeyA", {shown(hive), key},
+  return call("RegDeleteKeyA", {shownKey(hive), key},
               [&] { return registry_.RegDeleteKeyA(hive, key); });
 }
 
 SystemError InstrumentedRegistry::RegDeleteValueA(RegistryKey handle, TextView name) {
-  return call("RegDeleteValueA", {shown(handle), name},
+  return call("RegDeleteValueA", {shownKey(handle), name},
               [&] { return registry_.RegDeleteValueA(handle, name); });
 }
 
 SystemError InstrumentedRegistry::RegEnumKeyA(RegistryKey handle, std::uint32_t index, Text& buffer,
                                               std::uint32_t size) {
-  return call("RegEnumKeyA", {shown(handle), index, size},
+  return call("RegEnumKeyA", {shownKey(handle), index, size},
               [&] { return registry_.RegEnumKeyA(handle, index, buffer, size); });
 }
 
 SystemError InstrumentedRegistry::RegQueryValueExA(RegistryKey handle, TextView name,
                                                    std::uint32_t& type, std::uint32_t& size) {
-  return call("RegQueryValueExA", {shown(handle), name},
+  return call("RegQueryValueExA", {shownKey(handle), name},
               [&] { return registry_.RegQueryValueExA(handle, name, type, size); });
 }
 
 SystemError InstrumentedRegistry::RegQueryValueExA(RegistryKey handle, TextView name,
                                                    std::uint32_t& type, Text& buffer,
                                                    std::uint32_t& size) {
-  return call("RegQueryValueExA", {shown(handle), name, size},
+  return call("RegQueryValueExA", {shownKey(handle), name, size},
               [&] { return registry_.RegQueryValueExA(handle, name, type, buffer, size); });
 }
 
 SystemError InstrumentedRegistry::RegQueryValueExA(RegistryKey handle, TextView name,
                                                    std::uint32_t& type, std::int32_t& data,
                                                    std::uint32_t& size) {
-  return call("RegQueryValueExA", {shown(handle), name, size},
+  return call("RegQueryValueExA", {shownKey(handle), name, size},
               [&] { return registry_.RegQueryValueExA(handle, name, type, data, size); });
 }
 
 SystemError InstrumentedRegistry::RegSetValueExA(RegistryKey handle, TextView name,
                                                  std::uint32_t type, TextView data,
                                                  std::uint32_t size) {
-  return call("RegSetValueExA", {shown(handle), name, type, data, size},
+  return call("RegSetValueExA", {shownKey(handle), name, type, data, size},
               [&] { return registry_.RegSetValueExA(handle, name, type, data, size); });
 }
 
 SystemError InstrumentedRegistry::RegSetValueExA(RegistryKey handle, TextView name,
                                                  std::uint32_t type, std::int32_t data) {
-  return call("RegSetValueExA", {shown(handle), name, type, data},
+  return call("RegSetValueExA", {shownKey(handle), name, type, data},
               [&] { return registry_.RegSetValueExA(handle, name, type, data); });
 }
 

@@ -3,7 +3,7 @@
 namespace zev::simulated {
 namespace {
 
-std::int64_t shown(std::uintptr_t handle) { return static_cast<std::int64_t>(handle); }
+std::int64_t shownHandle(std::uintptr_t handle) { return static_cast<std::int64_t>(handle); }
 
 /// A call whose failure is the zero of its result, and whose success without the deed is `done`.
 template <typename Forward>
@@ -79,7 +79,7 @@ std::uintptr_t InstrumentedSystem::GetCurrentProcess() {
 
 bool InstrumentedSystem::IsWow64Process(std::uintptr_t process, bool& emulated) {
   return call(
-      instrumentation_, "IsWow64Process", {shown(process)},
+      instrumentation_, "IsWow64Process", {shownHandle(process)},
       [&] { return system_.IsWow64Process(process, emulated); }, true);
 }
 
@@ -124,30 +124,30 @@ Text InstrumentedDrives::volumeLabel(TextView root) {
 // ---- windows
 
 WindowHandle InstrumentedWindows::GetWindow(WindowHandle window, std::uint32_t command) {
-  return call(instrumentation_, "GetWindow", {shown(window), command},
+  return call(instrumentation_, "GetWindow", {shownHandle(window), command},
               [&] { return windows_.GetWindow(window, command); });
 }
 
 std::int32_t InstrumentedWindows::GetWindowTextLengthA(WindowHandle window) {
-  return call(instrumentation_, "GetWindowTextLengthA", {shown(window)},
+  return call(instrumentation_, "GetWindowTextLengthA", {shownHandle(window)},
               [&] { return windows_.GetWindowTextLengthA(window); });
 }
 
 std::int32_t InstrumentedWindows::GetWindowTextA(WindowHandle window, Text& buffer,
                                                  std::int32_t size) {
-  return call(instrumentation_, "GetWindowTextA", {shown(window), size},
+  return call(instrumentation_, "GetWindowTextA", {shownHandle(window), size},
               [&] { return windows_.GetWindowTextA(window, buffer, size); });
 }
 
 bool InstrumentedWindows::SetForegroundWindow(WindowHandle window) {
   return call(
-      instrumentation_, "SetForegroundWindow", {shown(window)},
+      instrumentation_, "SetForegroundWindow", {shownHandle(window)},
       [&] { return windows_.SetForegroundWindow(window); }, true);
 }
 
 bool InstrumentedWindows::BringWindowToTop(WindowHandle window) {
   return call(
-      instrumentation_, "BringWindowToTop", {shown(window)},
+      instrumentation_, "BringWindowToTop", {shownHandle(window)},
       [&] { return windows_.BringWindowToTop(window); }, true);
 }
 
@@ -157,7 +157,7 @@ std::int32_t InstrumentedShellFolders::SHGetSpecialFolderLocation(WindowHandle w
                                                                   std::int32_t csidl,
                                                                   ItemIdList& list) {
   list = nullptr;
-  return callWithCode(instrumentation_, "SHGetSpecialFolderLocation", {shown(window), csidl},
+  return callWithCode(instrumentation_, "SHGetSpecialFolderLocation", {shownHandle(window), csidl},
                       [&] { return folders_.SHGetSpecialFolderLocation(window, csidl, list); });
 }
 
@@ -175,7 +175,7 @@ std::int32_t InstrumentedShellFolders::CLSIDFromString(TextView text, Guid& iden
 std::int32_t InstrumentedShellFolders::SHGetKnownFolderPath(const Guid& folder, std::uint32_t flags,
                                                             std::uintptr_t token, char16_t*& path) {
   path = nullptr;
-  return callWithCode(instrumentation_, "SHGetKnownFolderPath", {flags, shown(token)},
+  return callWithCode(instrumentation_, "SHGetKnownFolderPath", {flags, shownHandle(token)},
                       [&] { return folders_.SHGetKnownFolderPath(folder, flags, token, path); });
 }
 

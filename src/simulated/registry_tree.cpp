@@ -8,7 +8,7 @@
 namespace zev::simulated {
 namespace {
 
-constexpr char16_t separator = u'\\';
+constexpr char16_t keySeparator = u'\\';
 constexpr TextView classes = u"Software\\Classes";
 
 struct HiveRow {
@@ -38,7 +38,7 @@ struct Address {
 std::vector<Text> split(TextView key) {
   std::vector<Text> names;
   while (!key.empty()) {
-    const std::size_t end = std::min(key.find(separator), key.size());
+    const std::size_t end = std::min(key.find(keySeparator), key.size());
     if (end > 0) names.emplace_back(key.substr(0, end));
     key.remove_prefix(std::min(end + 1, key.size()));
   }
@@ -54,8 +54,8 @@ Address addressOf(RegistryKey hive, TextView key) {
 Text fullKey(RegistryKey hive, TextView key) {
   const Address address = addressOf(hive, key);
   Text full = hexadecimal(static_cast<std::uint32_t>(address.hive));
-  for (const Text& name : address.names) full.append(1, separator).append(upperCase(name));
-  return full + separator;
+  for (const Text& name : address.names) full.append(1, keySeparator).append(upperCase(name));
+  return full + keySeparator;
 }
 
 }  // namespace

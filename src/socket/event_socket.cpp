@@ -5,8 +5,6 @@
 namespace zev {
 namespace {
 
-constexpr std::int32_t highestPort = 65535;
-
 bool isPort(std::int32_t port) { return port >= 0 && port <= highestPort; }
 
 TextView nameOf(SocketState state) {

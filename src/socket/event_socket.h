@@ -25,6 +25,9 @@ enum SocketState : std::int32_t {
 
 enum SocketProtocol : std::int32_t { ProtocolTCP = 0, ProtocolUDP = 1 };
 
+/// Largest number of a port.
+inline constexpr std::int32_t highestPort = 65535;
+
 /// Bytes of the block that a look-up fills.
 inline constexpr std::int32_t resolveBufferSize = 1024;
 

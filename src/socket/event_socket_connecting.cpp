@@ -11,7 +11,6 @@ constexpr std::int32_t connectDestination = 0;  ///< the only one that a look-up
 constexpr std::int32_t notAnAddress = -1;       ///< of inet_addr
 constexpr std::int32_t noAddress = 1;           ///< stands for an address that is not known
 constexpr std::int32_t lowestRemotePort = 1;
-constexpr std::int32_t highestPort = 65535;
 constexpr std::int32_t hostNameSize = 256;
 constexpr std::int32_t listenBacklog = 5;
 

@@ -8,7 +8,7 @@ namespace {
 using Kind = ControlKind;
 
 // clang-format off
-constexpr ControlDesign controls[] = {
+constexpr ControlDesign form1Controls[] = {
     {.name = u"Frame2", .kind = Kind::Frame, .place = {90, 0, 795, 4065}, .tabIndex = 0},
     {.name = u"Picture1", .kind = Kind::PictureBox, .container = u"Frame2", .place = {135, 270, 555, 555}, .tabIndex = 1, .border = false},
     {.name = u"Image1", .kind = Kind::Image, .container = u"Picture1", .place = {15, 15, 435, 435}},
@@ -49,20 +49,20 @@ constexpr ControlDesign controls[] = {
 };
 // clang-format on
 
-constexpr FormDesign formDesign = {.name = u"Form1",
-                                   .caption = u"ZEV Screen Recorder - Install",
-                                   .icon = u"Form1",
-                                   .width = 6450,
-                                   .height = 4635,
-                                   .cancelButton = u"Command3",
-                                   .controls = controls};
+constexpr FormDesign form1Design = {.name = u"Form1",
+                                    .caption = u"ZEV Screen Recorder - Install",
+                                    .icon = u"Form1",
+                                    .width = 6450,
+                                    .height = 4635,
+                                    .cancelButton = u"Command3",
+                                    .controls = form1Controls};
 
 /// The items of the language list, in their order.
 constexpr TextView languages[] = {u"English", u"Deutsch", u"Français", u"Espanol"};
 
 }  // namespace
 
-Form1::Form1() : Form(formDesign) {
+Form1::Form1() : Form(form1Design) {
   Combo1.designList({std::begin(languages), std::end(languages)});
 }
 

@@ -7,7 +7,7 @@ using Kind = ControlKind;
 
 /// In the order of the form's controls; the tab order runs from the top of the form down.
 // clang-format off
-constexpr ControlDesign controls[] = {
+constexpr ControlDesign form3Controls[] = {
     {.name = u"Command3", .kind = Kind::CommandButton, .place = {3480, 3690, 1215, 375}, .tabIndex = 7, .text = u"Cancel"},
     {.name = u"Command2", .kind = Kind::CommandButton, .place = {2145, 3690, 1215, 375}, .tabIndex = 6},
     {.name = u"Command1", .kind = Kind::CommandButton, .place = {120, 3690, 1905, 375}, .tabIndex = 5},
@@ -19,15 +19,15 @@ constexpr ControlDesign controls[] = {
 };
 // clang-format on
 
-constexpr FormDesign formDesign = {.name = u"Form3",
-                                   .caption = u"Screen Recorder",
-                                   .width = 4815,
-                                   .height = 4185,
-                                   .cancelButton = u"Command3",
-                                   .controls = controls};
+constexpr FormDesign form3Design = {.name = u"Form3",
+                                    .caption = u"Screen Recorder",
+                                    .width = 4815,
+                                    .height = 4185,
+                                    .cancelButton = u"Command3",
+                                    .controls = form3Controls};
 
 }  // namespace
 
-Form3::Form3() : Form(formDesign) {}
+Form3::Form3() : Form(form3Design) {}
 
 }  // namespace zev

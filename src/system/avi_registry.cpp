@@ -26,8 +26,6 @@ constexpr AviKey aviKeys[] = {
     {u"AVIFile\\CLSID", u"{00022602-0000-0000-C000-000000000046}"},
 };
 
-constexpr TextView defaultValue = {};
-
 }  // namespace
 
 bool CheckAviRegistry(Registry& registry) {

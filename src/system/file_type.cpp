@@ -7,7 +7,6 @@ namespace {
 
 constexpr TextView extensionKey = u".zrd";
 constexpr TextView programId = u"ZEV.ReelDeskProject";
-constexpr TextView defaultValue = {};
 
 /// Diagnostic steps of the run.
 namespace step {

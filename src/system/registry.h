@@ -16,6 +16,9 @@ namespace zev {
 inline constexpr std::int32_t normalChoice = 0;
 inline constexpr std::int32_t ForceRegistry = 999999;
 
+/// The name of a key's default value.
+inline constexpr TextView defaultValue = {};
+
 /// What EnumRegKeys gives: a list of names, an error code, or nothing at all.
 using KeyList = std::variant<std::monostate, std::int32_t, std::vector<Text>>;
 

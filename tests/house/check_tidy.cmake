@@ -8,7 +8,7 @@ if(NOT commands MATCHES "\"file\": \"${pattern}")
 endif()
 
 execute_process(
-  COMMAND ${RUN_CLANG_TIDY} -clang-tidy-binary ${CLANG_TIDY} -p ${BUILD} -j 2 -quiet "^${pattern}"
+  COMMAND ${RUN_CLANG_TIDY} -clang-tidy-binary ${CLANG_TIDY} -p ${BUILD} -j 1 -quiet "^${pattern}"
   WORKING_DIRECTORY ${ROOT}
   RESULT_VARIABLE result
   OUTPUT_VARIABLE output

@@ -10,6 +10,7 @@
 
 #include "localisation/addresses.h"
 #include "localisation/agreement.h"
+#include "localisation/languages.h"
 #include "support/table.h"
 
 namespace zev {
@@ -20,10 +21,6 @@ using test::Table;
 
 constexpr std::size_t rowCount = 191;
 constexpr std::size_t agreementRow = 9;
-constexpr std::int32_t turkish = 1;
-constexpr std::int32_t german = 2;
-constexpr std::int32_t french = 3;
-constexpr std::int32_t spanish = 4;
 
 /// The two rows without a translation in one language, as they are meant to be.
 bool isGap(std::size_t row, std::int32_t language) {

@@ -8,6 +8,7 @@
 
 #include "localisation/agreement.h"
 #include "localisation/catalogue.h"
+#include "localisation/languages.h"
 #include "support/raised.h"
 #include "support/table.h"
 
@@ -18,10 +19,6 @@ using test::raisedBy;
 using test::Row;
 using test::Table;
 using Kind = ControlKind;
-
-constexpr std::int32_t english = 0;
-constexpr std::int32_t german = 2;
-constexpr std::int32_t french = 3;
 
 /// The settled width of the agreement's lines at design time, in characters.
 constexpr std::size_t agreementWidth = 50;

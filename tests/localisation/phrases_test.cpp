@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "localisation/catalogue.h"
+#include "localisation/languages.h"
 #include "support/raised.h"
 #include "support/table.h"
 
@@ -11,9 +12,6 @@ namespace {
 
 using test::raisedBy;
 
-constexpr std::int32_t english = 0;
-constexpr std::int32_t german = 2;
-constexpr std::int32_t french = 3;
 constexpr std::int32_t rows = 191;
 
 class PhrasesTest : public testing::Test {

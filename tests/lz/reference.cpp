@@ -9,7 +9,7 @@
 namespace zev::lz {
 namespace {
 
-constexpr Bytes::value_type kMagic[] = {0x53, 0x5A, 0x44, 0x44, 0x88, 0xF0, 0x27, 0x33};
+constexpr Bytes::value_type kReferenceMagic[] = {0x53, 0x5A, 0x44, 0x44, 0x88, 0xF0, 0x27, 0x33};
 
 class Ring {
  public:
@@ -66,7 +66,8 @@ std::ostream& operator<<(std::ostream& out, const Expanded& expanded) {
 }
 
 Expanded expandByRing(std::span<const std::uint8_t> bytes) {
-  if (bytes.size() < 8 || !std::equal(std::begin(kMagic), std::end(kMagic), bytes.begin())) {
+  if (bytes.size() < 8 ||
+      !std::equal(std::begin(kReferenceMagic), std::end(kReferenceMagic), bytes.begin())) {
     return {static_cast<std::int32_t>(bytes.size()), Bytes(bytes.begin(), bytes.end())};
   }
   if (bytes.size() < 14) return {-3, {}};

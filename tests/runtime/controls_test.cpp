@@ -79,13 +79,13 @@ constexpr ControlDesign treeControls[] = {
     {.name = u"Option4", .kind = Kind::OptionButton},
 };
 
-struct Tree : Form {
-  Tree() : Form({.name = u"Tree", .caption = u"Tree", .controls = treeControls}) {}
+struct TreeForm : Form {
+  TreeForm() : Form({.name = u"Tree", .caption = u"Tree", .controls = treeControls}) {}
   OptionButton& option(TextView name) { return control<OptionButton>(name); }
 };
 
 TEST(OptionButton, GoesOffWhenAnotherInItsContainerIsChosen) {
-  Tree tree;
+  TreeForm tree;
   for (const TextView name : {u"Option1", u"Option3", u"Option4"}) tree.option(name).Value = true;
   choose(tree.option(u"Option2"), tree.Controls());
   EXPECT_FALSE(tree.option(u"Option1").Value);
@@ -95,14 +95,14 @@ TEST(OptionButton, GoesOffWhenAnotherInItsContainerIsChosen) {
 }
 
 TEST(OptionButton, StaysOnWhenItIsChosenAgain) {
-  Tree tree;
+  TreeForm tree;
   choose(tree.option(u"Option1"), tree.Controls());
   choose(tree.option(u"Option1"), tree.Controls());
   EXPECT_TRUE(tree.option(u"Option1").Value);
 }
 
 TEST(Control, ShowsOnlyIfAllThatItLiesInShows) {
-  Tree tree;
+  TreeForm tree;
   auto& frame = tree.control<Frame>(u"Frame1(1)");
   EXPECT_TRUE(tree.option(u"Option1").showing());
   frame.Visible = false;
@@ -112,7 +112,7 @@ TEST(Control, ShowsOnlyIfAllThatItLiesInShows) {
 }
 
 TEST(Control, TakesTheFocusIfItsKindDoesAndNothingIsDisabledOrHidden) {
-  Tree tree;
+  TreeForm tree;
   auto& frame = tree.control<Frame>(u"Frame1(1)");
   EXPECT_TRUE(tree.option(u"Option1").canTakeFocus());
   EXPECT_FALSE(tree.control<Label>(u"Label1").canTakeFocus());

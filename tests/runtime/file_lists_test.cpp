@@ -86,8 +86,8 @@ TEST(DriveListBox, KeepsTheDriveWhenTheChangeFails) {
 }
 
 /// A tree of a few folders.
-struct Tree {
-  Tree() {
+struct FolderTree {
+  FolderTree() {
     tree.exists = [](TextView folder) {
       return folder == u"C:\\" || folder == u"C:\\Windows" || folder == u"D:\\";
     };
@@ -111,7 +111,7 @@ TEST(DirListBox, ShowsARootWithItsBackslashAndAFolderWithout) {
       {u"C:\\Windows\\", u"C:\\Windows"},
   };
   for (const PathRow& row : rows) {
-    Tree folders;
+    FolderTree folders;
     folders.tree.setPath(row.set);
     EXPECT_EQ(toUtf8(folders.tree.Path()), toUtf8(row.path)) << toUtf8(row.set);
     EXPECT_EQ(folders.changes, Texts{Text(row.path)}) << toUtf8(row.set);
@@ -119,7 +119,7 @@ TEST(DirListBox, ShowsARootWithItsBackslashAndAFolderWithout) {
 }
 
 TEST(DirListBox, FiresNoChangeForTheFolderThatIsOpen) {
-  Tree folders;
+  FolderTree folders;
   folders.tree.setPath(u"C:\\Windows");
   folders.tree.setPath(u"C:\\Windows\\");
   EXPECT_EQ(folders.changes.size(), 1u);
@@ -129,7 +129,7 @@ TEST(DirListBox, FiresNoChangeForTheFolderThatIsOpen) {
 }
 
 TEST(DirListBox, StaysWhereItIsForAFolderThatDoesNotExist) {
-  Tree folders;
+  FolderTree folders;
   folders.tree.setPath(u"C:\\Windows");
   folders.tree.setPath(u"C:\\nowhere");
   folders.tree.setPath(u"X:");
@@ -138,7 +138,7 @@ TEST(DirListBox, StaysWhereItIsForAFolderThatDoesNotExist) {
 }
 
 TEST(DirListBox, FiresNoChangeWhenItComesUp) {
-  Tree folders;
+  FolderTree folders;
   folders.tree.comeUpOn(u"C:\\Users\\");
   EXPECT_EQ(folders.tree.Path(), u"C:\\Users");
   folders.tree.comeUpOn(u"d:");

@@ -9,14 +9,14 @@ namespace {
 
 using Kind = ControlKind;
 
-constexpr ControlDesign controls[] = {
+constexpr ControlDesign form9Controls[] = {
     {.name = u"Frame1", .index = 1, .kind = Kind::Frame, .text = u"first"},
     {.name = u"Frame1", .index = 2, .kind = Kind::Frame, .container = u"Frame1(1)"},
     {.name = u"Label1", .kind = Kind::Label, .container = u"Frame1(2)", .text = u"text"},
     {.name = u"Line1", .kind = Kind::Line},
 };
 constexpr FormDesign design = {
-    .name = u"Form9", .caption = u"Nine", .width = 10, .height = 20, .controls = controls};
+    .name = u"Form9", .caption = u"Nine", .width = 10, .height = 20, .controls = form9Controls};
 
 TEST(Form, HasTheControlsOfItsDesignInOrder) {
   const Form form(design);

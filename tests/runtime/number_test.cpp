@@ -9,10 +9,10 @@
 namespace zev {
 namespace {
 
+using test::overflow;
 using test::raisedBy;
+using test::typeMismatch;
 
-constexpr std::int32_t overflow = 6;
-constexpr std::int32_t typeMismatch = 13;
 constexpr std::int32_t largest = 2147483647;
 constexpr std::int32_t smallest = -2147483647 - 1;
 

@@ -9,10 +9,10 @@
 namespace zev {
 namespace {
 
+using test::overflow;
 using test::raisedBy;
+using test::typeMismatch;
 
-constexpr std::int32_t overflow = 6;
-constexpr std::int32_t typeMismatch = 13;
 constexpr std::int32_t invalidUseOfNull = 94;
 
 using Bytes = std::vector<std::uint8_t>;

@@ -1,4 +1,4 @@
-#include "sample/sample_product.h"
+#include "sample/made_product.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,68 +24,6 @@
 
 namespace zev {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-using Cells = std::vector<std::string>;
-
-constexpr std::size_t kRows = 56;
-constexpr std::size_t kPackedTotal = 15246584;
-
-/// The rows of a table of tab-separated cells, behind the line of column names.
-std::vector<Cells> readTable(const std::string& name) {
-  std::ifstream file(std::string(ZEV_TEST_DATA) + "/" + name);
-  std::vector<Cells> rows;
-  for (std::string line; std::getline(file, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    Cells cells;
-    std::istringstream rest(line);
-    for (std::string cell; std::getline(rest, cell, '\t');) {
-      std::erase(cell, '"');
-      cells.push_back(cell);
-    }
-    rows.push_back(cells);
-  }
-  if (!rows.empty()) rows.erase(rows.begin());
-  return rows;
-}
-
-std::vector<SampleRow> manifestRows() {
-  std::map<std::string, std::string> installedNames;
-  for (const Cells& cells : readTable("manifest_targets.tsv")) {
-    installedNames[cells.at(0)] = cells.at(1);
-  }
-  std::vector<SampleRow> rows;
-  for (const Cells& cells : readTable("manifest_packing.tsv")) {
-    if (cells.at(3) == "-") continue;
-    rows.push_back({cells.at(2), installedNames.at(cells.at(3)), std::stoul(cells.at(1))});
-  }
-  return rows;
-}
-
-/// The product of the manifest. A file is made when a test first asks for it.
-class SampleProductTest : public testing::Test {
- protected:
-  static const SampleProduct& product() {
-    static const SampleProduct made(manifestRows());
-    return made;
-  }
-
-  static const SampleFile& file(std::size_t index) {
-    static std::map<std::size_t, SampleFile> made;
-    const auto found = made.find(index);
-    return found != made.end() ? found->second
-                               : made.emplace(index, product().make(index)).first->second;
-  }
-
-  static std::vector<const SampleFile*> filesEnding(std::string_view ending) {
-    std::vector<const SampleFile*> found;
-    for (std::size_t i = 0; i < product().count(); ++i) {
-      if (product().row(i).installedName.ends_with(ending)) found.push_back(&file(i));
-    }
-    return found;
-  }
-  static const Bytes& bytesOf(std::string_view name) { return filesEnding(name).at(0)->bytes; }
-};
 
 std::uint32_t numberAt(const Bytes& bytes, std::size_t offset, std::size_t length = 4) {
   std::uint32_t value = 0;
@@ -117,34 +55,11 @@ class TemporaryFile {
   std::filesystem::path path_;
 };
 
-TEST_F(SampleProductTest, PacksEveryRowToItsExactSize) {
-  ASSERT_EQ(product().count(), kRows);
-  std::size_t total = 0;
-  std::size_t expanded = 0;
-  for (std::size_t i = 0; i < kRows; ++i) {
-    const std::size_t size = lz::compress(file(i).bytes, product().nameByte(i)).size();
-    EXPECT_EQ(size, product().row(i).packedSize) << file(i).installedName;
-    EXPECT_EQ(file(i).installedName, product().row(i).installedName);
-    EXPECT_EQ(file(i).packedName, product().row(i).packedName);
-    total += size;
-    expanded += file(i).bytes.size();
-  }
-  EXPECT_EQ(total, kPackedTotal);
-  EXPECT_GE(expanded, 25'000'000u);
-  EXPECT_LE(expanded, 35'000'000u);
-}
-
 TEST_F(SampleProductTest, TakesTheNameByteFromWhereTheUnderscoreStands) {
   const SampleProduct names({{"MCD28m.wa_", "MCD28m.wav", 194},
                              {"Screen Recorder 6.exe.ma_", "Screen Recorder 6.exe.manifest", 667}});
   EXPECT_EQ(names.nameByte(0), 'v');
   EXPECT_EQ(names.nameByte(1), 'n');
-}
-
-TEST_F(SampleProductTest, MakesTheSameBytesAgain) {
-  for (std::size_t i = 0; i < kRows; ++i) {
-    EXPECT_TRUE(product().make(i).bytes == file(i).bytes) << file(i).installedName;
-  }
 }
 
 TEST_F(SampleProductTest, RefusesAnUnknownName) {

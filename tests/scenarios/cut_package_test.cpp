@@ -12,9 +12,6 @@
 namespace zev {
 namespace {
 
-const std::string installFolder = "C:\\Program Files\\ZEV Screen Recorder 6";
-const std::string temporaryFolder = "C:\\Users\\bob\\AppData\\Local\\Temp\\ZEVTMP";
-const std::string userFolder = "C:\\Users\\bob\\AppData\\Local";
 const std::string desktop = "C:\\Users\\bob\\Desktop";
 
 WholeRun install(const std::string& package) {

@@ -11,11 +11,11 @@
 namespace zev {
 namespace {
 
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 
 const std::string usualDirectory = "C:\\Program Files\\ZEV Screen Recorder 6";
 const std::string finish = R"({"click": "Command2"})";
-const std::string install = std::string(stepsToInstall) + "," + finish;
+const std::string installing = std::string(stepsToInstall) + "," + finish;
 
 /// A scenario played to its end, with the state of its machine before and behind it.
 class Story {
@@ -28,8 +28,8 @@ class Story {
     player_.play();
   }
 
-  const Json& before() const { return before_; }
-  Json behind() { return comparable(stateNow()); }
+  const SortedJson& before() const { return before_; }
+  SortedJson behind() { return comparable(stateNow()); }
   const scenario::Json& ended() const { return player_.ended(); }
   std::vector<ToldBox> boxes() const { return shownBoxes(log_.of("box")); }
 
@@ -41,16 +41,16 @@ class Story {
     return scenario;
   }
 
-  Json stateNow() { return Json::parse(player_.machine().state().dump()); }
+  SortedJson stateNow() { return SortedJson::parse(player_.machine().state().dump()); }
 
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
   scenario::Companion companion_;
   scenario::Player player_;
-  Json before_;
+  SortedJson before_;
 };
 
-void expectState(const Json& found, const Json& expected) {
+void expectState(const SortedJson& found, const SortedJson& expected) {
   EXPECT_EQ(found, expected) << differences(found, expected);
 }
 
@@ -67,14 +67,15 @@ const std::string windows7 = "{}";
 const std::string windowsXp = R"({"version": {"platform": 2, "major": 5, "minor": 1}})";
 const std::string windows8 = R"({"version": {"platform": 2, "major": 6, "minor": 2}})";
 
-TEST(EndState, OfAnInstallOnAnUntouchedMachine) { expectQuietInstall(windows7, install, {}); }
+TEST(EndState, OfAnInstallOnAnUntouchedMachine) { expectQuietInstall(windows7, installing, {}); }
 
 TEST(EndState, OfAnInstallBeforeVista) {
-  expectQuietInstall(windowsXp, install, {.profileClass = false});
+  expectQuietInstall(windowsXp, installing, {.profileClass = false});
 }
 
 TEST(EndState, OfAnInstallInSpanish) {
-  expectQuietInstall(windows7, R"({"select": ["Combo1", "Espanol"]},)" + install, {.listIndex = 3});
+  expectQuietInstall(windows7, R"({"select": ["Combo1", "Espanol"]},)" + installing,
+                     {.listIndex = 3});
 }
 
 TEST(EndState, OfAnInstallIntoATypedDirectory) {
@@ -87,17 +88,17 @@ TEST(EndState, OfAnInstallIntoATypedDirectory) {
 
 // On this system alone the redistributable is left out unless it is asked for, and the shortcuts
 // can be switched off.
-TEST(EndState, OfAnInstallOnNt62) { expectQuietInstall(windows8, install, {}); }
+TEST(EndState, OfAnInstallOnNt62) { expectQuietInstall(windows8, installing, {}); }
 
 TEST(EndState, OfAnInstallOnNt62WithoutShortcuts) {
   const std::string script = R"({"click": "Command6"}, {"click": "Form2.Check2"},
       {"click": "Form2.Check3"}, {"click": "Form2.Command1"},)" +
-                             install;
+                             installing;
   expectQuietInstall(windows8, script, {.group = false, .desktop = false});
 }
 
 TEST(EndState, OfASecondInstallOverTheFirst) {
-  const std::string twice = install + R"(, {"restart": true},)" + install;
+  const std::string twice = installing + R"(, {"restart": true},)" + installing;
   expectQuietInstall(windows7, twice, {});
   expectQuietInstall(windowsXp, twice, {.profileClass = false});
 }
@@ -120,7 +121,7 @@ TEST(EndState, OfAnUpgrade) {
                               R"(RecSnd": "0\r\n", ")" + own + R"(Own": "1\r\n", ")" + own +
                               R"(Dizin": "C:\\Program Files\\ZEV Screen Recorder 6\r\n", ")" + own +
                               R"(Language": "0\r\n"}, "registry": {)" + olderClasses + "}}";
-  expectQuietInstall(machine, install, {});
+  expectQuietInstall(machine, installing, {});
 }
 
 TEST(EndState, OfAnUpgradeBeforeVista) {
@@ -129,7 +130,7 @@ TEST(EndState, OfAnUpgradeBeforeVista) {
                               R"(, "HKEY_LOCAL_MACHINE": {
            "Software\\Tavorns\\ZEV5": {"Version": 16, "AutoCodec": 1, "IncCur": 0, "Own": "kept",
              "dwKFE": 0, "Language": 0, "Dizin": "C:\\Program Files\\ZEV Screen Recorder 6"}}}})";
-  expectQuietInstall(machine, install, {.profileClass = false});
+  expectQuietInstall(machine, installing, {.profileClass = false});
 }
 
 // One profile of an older version, one that has never had the product, one without a local folder,
@@ -142,25 +143,25 @@ TEST(EndState, OfAnInstallBesideOtherUsers) {
       "C:\\Users\\carl\\AppData\\Local": {"directory": true},
       "C:\\Users\\Public": {"directory": true},
       "C:\\Users\\desktop.ini": "a file"}})";
-  expectQuietInstall(machine, install, {});
+  expectQuietInstall(machine, installing, {});
 }
 
 /// Behind an install into the usual folder the user moves on to another one.
 TEST(EndState, OfAMoveToAnotherFolder) {
   const std::string moved = "C:\\Tools\\ZEV Screen Recorder 6";
-  Story story(windows7, install + R"(, {"restart": true}, {"answer": ["yes"]},
+  Story story(windows7, installing + R"(, {"restart": true}, {"answer": ["yes"]},
       {"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"},
       {"type": ["Text2", "C:\\Tools\\ZEV Screen Recorder 6"]}, {"click": "Command2"},)" +
                             finish);
   EXPECT_EQ(story.boxes(), std::vector<ToldBox>{toldBox("destination.other_directory")});
   EXPECT_EQ(story.ended(), "unload");
-  const Json first = installedOn(story.before(), {});
+  const SortedJson first = installedOn(story.before(), {});
   expectState(story.behind(), installedOn(first, {.directory = moved}));
 }
 
 /// Refused, the same move installs where the product is.
 TEST(EndState, OfARefusedMove) {
-  Story story(windows7, install + R"(, {"restart": true}, {"answer": ["no"]},
+  Story story(windows7, installing + R"(, {"restart": true}, {"answer": ["no"]},
       {"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"},
       {"type": ["Text2", "C:\\Tools\\ZEV Screen Recorder 6"]}, {"click": "Command2"},
       {"click": "Command2"},)" +
@@ -183,7 +184,7 @@ void expectInstallBehindACancel(const std::string& machine, std::size_t pass,
                            std::to_string(pass) +
                            R"(}, "do": [{"click": "Command3"}]}, {"click": "Command2"},
       {"restart": true},)" +
-                           install);
+                           installing);
   EXPECT_EQ(story.boxes(), std::vector<ToldBox>{toldBox("unload.cancel")});
   EXPECT_EQ(story.ended(), "unload");
   expectState(story.behind(), installedOn(story.before(), order));

@@ -15,7 +15,7 @@
 namespace zev {
 namespace {
 
-using Json = nlohmann::json;
+using SortedJson = nlohmann::json;
 using test::Row;
 using test::Table;
 
@@ -23,7 +23,7 @@ const std::string profiles = "C:\\Users";
 const std::string user = "bob";
 const std::string local = "\\AppData\\Local";
 const std::string product = "\\Tavorns\\ZEV5";
-const std::string userFolder = profiles + "\\" + user + local;
+const std::string ownFolder = profiles + "\\" + user + local;
 const std::string systemFolder = "C:\\Windows\\system32";
 const std::string projects = profiles + "\\" + user + "\\Documents\\ZEV Projects";
 const std::string startMenu = "C:\\ProgramData\\Microsoft\\Windows\\Start Menu";
@@ -65,9 +65,9 @@ std::string memberBytes(const std::string& name) {
 }
 
 /// The entry of a member; the project names its video. Each is read once a process.
-Json memberEntry(const std::string& name, const std::string& video) {
-  static std::map<std::string, Json> entries;
-  Json& entry = entries[name + "|" + video];
+SortedJson memberEntry(const std::string& name, const std::string& video) {
+  static std::map<std::string, SortedJson> entries;
+  SortedJson& entry = entries[name + "|" + video];
   if (!entry.is_null()) return entry;
   std::string bytes = memberBytes(name);
   if (!video.empty()) {
@@ -81,7 +81,7 @@ Json memberEntry(const std::string& name, const std::string& video) {
 
 // ---- entries of a state
 
-void addDirectory(Json& state, const std::string& path) {
+void addDirectory(SortedJson& state, const std::string& path) {
   constexpr std::size_t root = 2;
   if (path.size() <= root || state["files"].contains(path)) return;
   addDirectory(state, parentOf(path));
@@ -89,19 +89,20 @@ void addDirectory(Json& state, const std::string& path) {
 }
 
 /// A file that is written anew keeps its attributes, but those that the writing itself takes away.
-void addFile(Json& state, const std::string& path, const std::string& bytes) {
-  Json& entry = state["files"][path] = {{"size", bytes.size()}, {"sha256", digestOf(bytes)}};
+void addFile(SortedJson& state, const std::string& path, const std::string& bytes) {
+  SortedJson& entry = state["files"][path] = {{"size", bytes.size()}, {"sha256", digestOf(bytes)}};
   if (path.find(product + "\\") != std::string::npos) entry["text"] = bytes;
 }
 
-void addKey(Json& state, const std::string& key) {
-  Json& keys = state["registry"]["HKEY_LOCAL_MACHINE"];
+void addKey(SortedJson& state, const std::string& key) {
+  SortedJson& keys = state["registry"]["HKEY_LOCAL_MACHINE"];
   if (keys.contains(key)) return;
   if (key.find('\\') != std::string::npos) addKey(state, parentOf(key));
-  keys[key] = Json::object();
+  keys[key] = SortedJson::object();
 }
 
-void addValue(Json& state, const std::string& key, const std::string& name, const Json& data) {
+void addValue(SortedJson& state, const std::string& key, const std::string& name,
+              const SortedJson& data) {
   addKey(state, key);
   state["registry"]["HKEY_LOCAL_MACHINE"][key][name] = {
       {"type", data.is_string() ? textType : numberType}, {"value", data}};
@@ -115,7 +116,7 @@ bool isLaid(int row, const InstallOrder& order) {
   return row != redistributable;  // it is deleted behind its run, or not laid
 }
 
-void layMembers(Json& state, const InstallOrder& order) {
+void layMembers(SortedJson& state, const InstallOrder& order) {
   const std::map<std::string, std::string> folders = {
       {"install", order.directory}, {"system", systemFolder}, {"projects", projects}};
   addDirectory(state, order.directory);
@@ -127,7 +128,7 @@ void layMembers(Json& state, const InstallOrder& order) {
     state["files"][folders.at(row.word("target")) + "\\" + name] =
         memberEntry(name, patched ? order.directory + "\\SampleAVI.avi" : "");
   }
-  if (order.profileClass) addFile(state, order.directory + "\\UserF.dat", userFolder + "\r\n");
+  if (order.profileClass) addFile(state, order.directory + "\\UserF.dat", ownFolder + "\r\n");
 }
 
 // ---- settings
@@ -136,53 +137,53 @@ void layMembers(Json& state, const InstallOrder& order) {
 class Store {
  public:
   virtual ~Store() = default;
-  virtual Json read(const std::string& name) const = 0;  ///< null if absent
-  virtual void write(const std::string& name, const Json& data) = 0;
+  virtual SortedJson read(const std::string& name) const = 0;  ///< null if absent
+  virtual void write(const std::string& name, const SortedJson& data) = 0;
 };
 
 /// A folder of files, one a value.
 class ValueFiles final : public Store {
  public:
-  ValueFiles(Json& state, std::string folder) : state_(state), folder_(std::move(folder)) {
+  ValueFiles(SortedJson& state, std::string folder) : state_(state), folder_(std::move(folder)) {
     addDirectory(state_, folder_);
   }
 
-  Json read(const std::string& name) const override {
+  SortedJson read(const std::string& name) const override {
     const std::string path = folder_ + "\\" + name;
     if (!state_["files"].contains(path)) return nullptr;
     return std::stoi(state_["files"][path]["text"].get<std::string>());
   }
 
-  void write(const std::string& name, const Json& data) override {
+  void write(const std::string& name, const SortedJson& data) override {
     const std::string text = data.is_string() ? data.get<std::string>() : data.dump();
     addFile(state_, folder_ + "\\" + name, text + "\r\n");
   }
 
  private:
-  Json& state_;
+  SortedJson& state_;
   std::string folder_;
 };
 
 class RegistryValues final : public Store {
  public:
-  explicit RegistryValues(Json& state) : state_(state) { addKey(state_, key_); }
+  explicit RegistryValues(SortedJson& state) : state_(state) { addKey(state_, key_); }
 
-  Json read(const std::string& name) const override {
-    const Json& values = state_["registry"]["HKEY_LOCAL_MACHINE"][key_];
-    return values.contains(name) ? values[name]["value"] : Json();
+  SortedJson read(const std::string& name) const override {
+    const SortedJson& values = state_["registry"]["HKEY_LOCAL_MACHINE"][key_];
+    return values.contains(name) ? values[name]["value"] : SortedJson();
   }
 
-  void write(const std::string& name, const Json& data) override {
+  void write(const std::string& name, const SortedJson& data) override {
     addValue(state_, key_, name, data);
   }
 
  private:
-  Json& state_;
+  SortedJson& state_;
   const std::string key_ = "Software\\Tavorns\\ZEV5";
 };
 
 /// Whether a row of the settings is written, by the version that stood there before.
-bool isWritten(const Row& row, const Json& version, const Store& store, int listIndex) {
+bool isWritten(const Row& row, const SortedJson& version, const Store& store, int listIndex) {
   const std::string& condition = row.word("condition");
   if (condition == "always") return true;
   if (condition == "Version present and below 16, AutoCodec absent") {
@@ -190,7 +191,7 @@ bool isWritten(const Row& row, const Json& version, const Store& store, int list
   }
   if (condition == "Version present and below 17") return !version.is_null() && version < 17;
   if (condition == "dwKFE is 0 or absent") {
-    const Json frames = store.read("dwKFE");
+    const SortedJson frames = store.read("dwKFE");
     return frames.is_null() || frames == 0;
   }
   if (condition == "Combo1.ListIndex above -1") return listIndex > -1;
@@ -198,7 +199,7 @@ bool isWritten(const Row& row, const Json& version, const Store& store, int list
 }
 
 void writeSettings(Store& store, const std::string& table, const InstallOrder& order) {
-  const Json version = store.read("Version");
+  const SortedJson version = store.read("Version");
   for (const Row& row : Table::read(table)) {
     if (!isWritten(row, version, store, order.listIndex)) continue;
     const std::string& name = row.word("value");
@@ -211,9 +212,9 @@ void writeSettings(Store& store, const std::string& table, const InstallOrder& o
   }
 }
 
-void writeOwnSettings(Json& state, const InstallOrder& order) {
+void writeOwnSettings(SortedJson& state, const InstallOrder& order) {
   if (order.profileClass) {
-    ValueFiles store(state, userFolder + product);
+    ValueFiles store(state, ownFolder + product);
     writeSettings(store, "run_settings.tsv", order);
   } else {
     RegistryValues store(state);
@@ -222,7 +223,7 @@ void writeOwnSettings(Json& state, const InstallOrder& order) {
 }
 
 /// Every other profile that has a local folder gets settings of its own.
-void writeOtherProfiles(Json& state, const InstallOrder& order) {
+void writeOtherProfiles(SortedJson& state, const InstallOrder& order) {
   std::set<std::string> names;
   for (const auto& [path, entry] : state["files"].items()) {
     if (parentOf(path) == profiles) names.insert(path.substr(profiles.size() + 1));
@@ -240,7 +241,7 @@ void writeOtherProfiles(Json& state, const InstallOrder& order) {
 
 Filling fillingOf(const InstallOrder& order) { return {{"gInstallDir", order.directory}}; }
 
-void writeSystem(Json& state, const InstallOrder& order) {
+void writeSystem(SortedJson& state, const InstallOrder& order) {
   for (const Row& row : Table::read("uninstall_entry.tsv")) {
     addValue(state, row.quoted("key"), row.word("value"),
              filled(row.quoted("contents"), fillingOf(order)));
@@ -251,7 +252,8 @@ void writeSystem(Json& state, const InstallOrder& order) {
   }
 }
 
-void addShortcut(Json& state, const std::string& path, const Row& row, const InstallOrder& order) {
+void addShortcut(SortedJson& state, const std::string& path, const Row& row,
+                 const InstallOrder& order) {
   constexpr int usualWindow = 1;
   const auto text = [&](const char* column) {
     return filled(row.quoted(column), fillingOf(order));
@@ -266,7 +268,7 @@ void addShortcut(Json& state, const std::string& path, const Row& row, const Ins
       {"WorkingDirectory", text("working_directory")}};
 }
 
-void makeShortcuts(Json& state, const InstallOrder& order) {
+void makeShortcuts(SortedJson& state, const InstallOrder& order) {
   if (order.group) addDirectory(state, groupFolder);
   for (const Row& row : Table::read("shortcuts.tsv")) {
     const bool onDesktop = row.is("place", "desktop");
@@ -278,9 +280,9 @@ void makeShortcuts(Json& state, const InstallOrder& order) {
 
 }  // namespace
 
-Json comparable(const Json& state) {
-  Json result = state;
-  for (Json& drive : result["drives"]) drive.erase("free");
+SortedJson comparable(const SortedJson& state) {
+  SortedJson result = state;
+  for (SortedJson& drive : result["drives"]) drive.erase("free");
   for (auto& [path, entry] : result["files"].items()) {
     if (path.ends_with(".lnk")) entry = {{"shortcut", true}};
     if (path.find(product + "\\") == std::string::npos) entry.erase("text");
@@ -288,8 +290,8 @@ Json comparable(const Json& state) {
   return result;
 }
 
-Json installedOn(const Json& before, const InstallOrder& order) {
-  Json state = comparable(before);
+SortedJson installedOn(const SortedJson& before, const InstallOrder& order) {
+  SortedJson state = comparable(before);
   layMembers(state, order);
   writeOwnSettings(state, order);
   writeSystem(state, order);
@@ -298,11 +300,11 @@ Json installedOn(const Json& before, const InstallOrder& order) {
   return state;
 }
 
-std::string differences(const Json& found, const Json& expected) {
+std::string differences(const SortedJson& found, const SortedJson& expected) {
   std::string lines;
-  for (const Json& each : Json::diff(expected, found)) {
+  for (const SortedJson& each : SortedJson::diff(expected, found)) {
     lines += each["op"].get<std::string>() + " " + each["path"].get<std::string>() + " " +
-             each.value("value", Json()).dump() + "\n";
+             each.value("value", SortedJson()).dump() + "\n";
   }
   return lines;
 }

@@ -28,10 +28,7 @@ using scenario::Json;
 constexpr std::size_t everyCall = sanitized ? 10 : 1;
 constexpr std::size_t shards = 8;
 
-const std::string installFolder = "C:\\Program Files\\ZEV Screen Recorder 6";
-const std::string userFolder = "C:\\Users\\bob\\AppData\\Local";
 const std::string productFolder = userFolder + "\\Tavorns\\ZEV5";
-const std::string temporaryFolder = userFolder + "\\Temp\\ZEVTMP";
 /// Where the temporary folder comes to lie if the system names none.
 const std::string rootFolder = "C:\\ZEVTMP";
 
@@ -332,8 +329,8 @@ std::string machineOf(const std::string& version, const std::string& faults) {
          std::to_string(packageSize + imageSize) + R"(}}, "faults": [)" + faults + "]}";
 }
 
-const std::string windows7 = R"({"platform": 2, "major": 6, "minor": 1})";
-const std::string windowsXp = R"({"platform": 2, "major": 5, "minor": 1, "build": 2600})";
+const std::string profileVersion = R"({"platform": 2, "major": 6, "minor": 1})";
+const std::string registryVersion = R"({"platform": 2, "major": 5, "minor": 1, "build": 2600})";
 
 std::string faultOf(const Call& call) {
   constexpr int anyNumber = 1;
@@ -465,7 +462,7 @@ void failOne(const std::string& version, const Call& call, TallyTable& table) {
   EXPECT_EQ(temporaryOf(run), expectedTemporary(call));
   EXPECT_GE(run.player.machine().calls(call.operation), call.nth) << "the fault struck nothing";
   if (outcome == Finished && (call.phase == Phase::Extract || call.phase == Phase::Expand)) {
-    expectOtherMembers(run, call, version == windows7);
+    expectOtherMembers(run, call, version == profileVersion);
   }
   Tally& tally = table[{call.operation, call.phase}];
   ++tally.calls;
@@ -501,13 +498,13 @@ void print(const TallyTable& table, const std::string& name) {
 class FaultsOnWindows7 : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(FaultsOnWindows7, EachCallLeadsToWhatIsTold) {
-  const std::vector<Call>& calls = callsOf(windows7);
+  const std::vector<Call>& calls = callsOf(profileVersion);
   TallyTable table;
   for (std::size_t place = GetParam(); place < calls.size(); place += shards * everyCall) {
     const Call& call = calls[place];
     SCOPED_TRACE(faultOf(call) + " in " + nameOf(call.phase) + ", row " + std::to_string(call.row) +
                  ", " + call.path);
-    failOne(windows7, call, table);
+    failOne(profileVersion, call, table);
   }
   print(table, "windows-7-" + std::to_string(GetParam()));
 }
@@ -524,14 +521,14 @@ bool differs(const Call& call) {
 }
 
 TEST(FaultsOnWindowsXp, EachCallOfItsOwnLeadsToWhatIsTold) {
-  const std::vector<Call>& calls = callsOf(windowsXp);
+  const std::vector<Call>& calls = callsOf(registryVersion);
   TallyTable table;
   std::size_t place = 0;
   for (const Call& call : calls) {
     if (!differs(call) || place++ % everyCall != 0) continue;
     SCOPED_TRACE(faultOf(call) + " in " + nameOf(call.phase) + ", row " + std::to_string(call.row) +
                  ", " + call.path);
-    failOne(windowsXp, call, table);
+    failOne(registryVersion, call, table);
   }
   print(table, "windows-xp");
 }
@@ -542,7 +539,7 @@ TEST(FaultsOnWindowsXp, EachCallOfItsOwnLeadsToWhatIsTold) {
 TEST(FaultsOnWindows7, ARunMakesTheseCalls) {
   constexpr std::size_t members = 55;
   std::map<std::string, std::size_t> counts;
-  for (const Call& call : callsOf(windows7)) ++counts[call.operation];
+  for (const Call& call : callsOf(profileVersion)) ++counts[call.operation];
   const std::map<std::string, std::size_t> perMember = {
       {"LOF", 1},         {"Get", 1},    {"Put", 1},    {"OpenBinary", 2},
       {"LZOpenFileA", 2}, {"LZCopy", 1}, {"LZClose", 2}};

@@ -14,11 +14,13 @@ namespace {
 namespace fs = std::filesystem;
 using scenario::Json;
 
-const fs::path scenarios = ZEV_SCENARIOS;
 constexpr std::int64_t imageSize = 1000;
 const std::string usualInstaller = "C:\\Users\\bob\\Downloads\\ZEVSetup.exe";
 
+fs::path scenarioFolder() { return ZEV_SCENARIOS; }
+
 std::vector<std::string> findFiles() {
+  const fs::path scenarios = scenarioFolder();
   std::vector<std::string> files;
   for (const fs::directory_entry& each : fs::recursive_directory_iterator(scenarios)) {
     if (each.path().extension() == ".json") {
@@ -97,7 +99,8 @@ Json stateOf(simulated::SimulatedMachine& machine) {
 }
 
 void playInto(PlayedStory& story, const Json& document, const std::string& file) {
-  const auto scenario = scenario::parseScenario(document.dump(), (scenarios / file).parent_path());
+  const auto scenario =
+      scenario::parseScenario(document.dump(), (scenarioFolder() / file).parent_path());
   simulated::TranscriptLog log;
   scenario::Companion nobody;
   scenario::Player player(scenario, makeSetupProgram, log, nobody);
@@ -126,7 +129,7 @@ void forEachSteps(Json& document, const std::function<void(Json&)>& change) {
 }
 
 Json readStory(const std::string& file) {
-  std::ifstream in(scenarios / file, std::ios::binary);
+  std::ifstream in(scenarioFolder() / file, std::ios::binary);
   std::ostringstream text;
   text << in.rdbuf();
   Json document = Json::parse(text.str());

@@ -33,6 +33,11 @@ class WholeRun {
   std::size_t passes_ = 0;
 };
 
+/// Where things lie on the usual machine.
+inline const std::string installFolder = "C:\\Program Files\\ZEV Screen Recorder 6";
+inline const std::string userFolder = "C:\\Users\\bob\\AppData\\Local";
+inline const std::string temporaryFolder = userFolder + "\\Temp\\ZEVTMP";
+
 /// The steps from the welcome page to the run: the last one presses Install.
 extern const char* const stepsToInstall;
 

@@ -1,6 +1,7 @@
 #include <numeric>
 
 #include "socket/socket_fixture.h"
+#include "socket/variant_values.h"
 
 // Bytes over a connection: sending, arriving, fetching.
 namespace zev::socket_bench {
@@ -27,23 +28,6 @@ class DataTest : public ConnectedTest {
     return textOf(*data.get<Bytes>());
   }
 };
-
-const Variant numbers[] = {
-    std::int16_t{-1234}, std::int32_t{123456789}, 1.5F, -2.25,
-    Currency{-99999},    Date{36526.25},          true, std::uint8_t{200},
-};
-
-std::string typeName(const Variant& value) {
-  return "type " + std::to_string(static_cast<int>(value.type()));
-}
-
-/// An empty target of the same type.
-Variant blankOf(const Variant& value) {
-  return std::visit([](const auto& each) { return Variant(std::decay_t<decltype(each)>{}); },
-                    value.value());
-}
-
-Variant typeOf(const Variant& value) { return static_cast<std::int32_t>(value.type()); }
 
 // ---- SendData
 

@@ -1,4 +1,5 @@
 #include "socket/socket_fixture.h"
+#include "socket/variant_values.h"
 
 // Datagrams: sending, the one event for each, fetching within it.
 namespace zev::socket_bench {
@@ -37,18 +38,6 @@ class DatagramTest : public SocketTest {
   std::unique_ptr<Watched> receiver = std::make_unique<Watched>(module);
   std::unique_ptr<Watched> sender = std::make_unique<Watched>(module);
 };
-
-const Variant numbers[] = {
-    std::int16_t{-1234}, std::int32_t{123456789}, 1.5F, -2.25,
-    Currency{-99999},    Date{36526.25},          true, std::uint8_t{200},
-};
-
-Variant blankOf(const Variant& value) {
-  return std::visit([](const auto& each) { return Variant(std::decay_t<decltype(each)>{}); },
-                    value.value());
-}
-
-Variant typeOf(const Variant& value) { return static_cast<std::int32_t>(value.type()); }
 
 const char* const tooLong = "10040 CEventSocket.RecvData: Message too long.";
 

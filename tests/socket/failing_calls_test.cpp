@@ -43,11 +43,6 @@ class FailingCallsTest : public ScriptedTest {
   }
 };
 
-Lines operator+(Lines first, const Lines& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
-
 void connectFar(const Watched& socket) { socket->Connect(u"10.0.0.5", 80); }
 
 // ---- the order of calls

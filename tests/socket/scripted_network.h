@@ -36,6 +36,12 @@ class ScriptedBench final : public Bench {
   simulated::SimulatedSockets sockets_{network, queue};
 };
 
+/// Lines, and behind them others.
+inline Lines operator+(Lines first, const Lines& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
 /// The network of one machine, "BOBPC" at 192.168.1.20, and of whatever a test puts around it.
 template <typename Base>
 class OnScriptedNetwork : public Base {

@@ -32,11 +32,6 @@ class TraceTest : public ScriptedTest {
   }
 };
 
-Lines operator+(Lines first, const Lines& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
-
 TEST_F(TraceTest, AConnectionByName) {
   network.settings.sendBuffer = 5000;
   network.settings.receiveBuffer = 6000;

@@ -15,7 +15,7 @@ using test::Row;
 using test::Table;
 using Kind = ControlKind;
 
-const std::map<std::string, Kind> kinds = {
+const std::map<std::string, Kind> form2Kinds = {
     {"button", Kind::CommandButton}, {"frame", Kind::Frame}, {"check box", Kind::CheckBox}};
 
 class Form2Test : public testing::Test {
@@ -42,7 +42,7 @@ TEST_F(Form2Test, HasExactlyTheControlsOfItsTable) {
 TEST_F(Form2Test, HasEachControlOfItsKindInItsContainer) {
   for (const Row& each : controls) {
     const Control& found = control(each);
-    EXPECT_EQ(found.kind(), kinds.at(each.word("kind"))) << each.where();
+    EXPECT_EQ(found.kind(), form2Kinds.at(each.word("kind"))) << each.where();
     const std::string container =
         found.container() == nullptr ? "form" : toUtf8(found.container()->name());
     EXPECT_EQ(container, each.word("parent")) << each.where();

@@ -15,7 +15,7 @@ namespace {
 
 using posix::Peer;
 
-constexpr int calls = sanitized ? 10'000 : 100'000;
+constexpr int connections = sanitized ? 10'000 : 100'000;
 
 class CallsStorm : public Storm {
  protected:
@@ -24,7 +24,7 @@ class CallsStorm : public Storm {
   static Bytes bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
 
   /// Fewer under sanitizers, and said so.
-  void SetUp() override { std::printf("%d connections\n", calls); }
+  void SetUp() override { std::printf("%d connections\n", connections); }
 };
 
 /// The component is called: it echoes, and ends when its peer has.
@@ -46,7 +46,7 @@ TEST_F(CallsStorm, IsCalledAgainAndAgain) {
   std::string wrong;
   std::thread callers([&, port = portOf(*listener)] {
     try {
-      for (int i = 0; i < calls; ++i) {
+      for (int i = 0; i < connections; ++i) {
         const Wanderer caller(i, port);
         if (caller.ask(message(i)) != message(i)) throw std::runtime_error(message(i));
       }
@@ -54,10 +54,10 @@ TEST_F(CallsStorm, IsCalledAgainAndAgain) {
       wrong = error.what();
     }
   });
-  EXPECT_TRUE(pumpUntil([&] { return ended == calls; }));
+  EXPECT_TRUE(pumpUntil([&] { return ended == connections; }));
   callers.join();
   EXPECT_EQ(wrong, "");
-  EXPECT_EQ(ended, calls);
+  EXPECT_EQ(ended, connections);
   expectInUse(1, 1);
   EXPECT_LE(module->thunk().socketTable().count(), 8) << "slots that were left are taken again";
 }
@@ -68,7 +68,7 @@ TEST_F(CallsStorm, CallsAgainAndAgain) {
   std::string wrongThere;
   std::thread answering([&] {
     try {
-      for (int i = 0; i < calls; ++i) {
+      for (int i = 0; i < connections; ++i) {
         const Peer peer = listening.accept();
         peer.send(peer.receive(message(i).size()));
       }
@@ -89,17 +89,17 @@ TEST_F(CallsStorm, CallsAgainAndAgain) {
   socket->events.CloseSck = [&] {
     if (heard != message(number)) wrong = heard;
     socket->CloseSck();
-    if (++number < calls) call();
+    if (++number < connections) call();
   };
   socket->events.Error = [&](const SocketErrorArguments& arguments) {
     wrong = toUtf8(arguments.Description);
   };
   call();
-  EXPECT_TRUE(pumpUntil([&] { return number == calls || !wrong.empty(); })) << number;
+  EXPECT_TRUE(pumpUntil([&] { return number == connections || !wrong.empty(); })) << number;
   answering.join();
   EXPECT_EQ(wrong, "");
   EXPECT_EQ(wrongThere, "");
-  EXPECT_EQ(number, calls);
+  EXPECT_EQ(number, connections);
   expectInUse(0, 1);
 }
 

@@ -22,10 +22,6 @@ std::vector<std::size_t> interestingSizes() {
   return sizes;
 }
 
-std::string_view textOf(const Bytes& bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 class DatagramStorm : public Storm {
  protected:
   void SetUp() override {

@@ -26,7 +26,7 @@ constexpr std::array<const char*, eventKinds> eventNames = {
     "Connect",  "DataArrival",       "SendProgress", "SendComplete",
     "CloseSck", "ConnectionRequest", "Error"};
 
-enum Action {
+enum class Action {
   closes,        ///< CloseSck of its own socket
   sends,         ///< SendData
   calls,         ///< a new instance that connects
@@ -35,8 +35,8 @@ enum Action {
   closesOthers,  ///< CloseSck of some other socket
   dropsOthers,   ///< and the last reference to one
   behaves,
-  actionKinds
 };
+constexpr std::size_t actionKinds = static_cast<std::size_t>(Action::behaves) + 1;
 constexpr std::array<const char*, actionKinds> actionNames = {
     "CloseSck",           "SendData",           "a new instance",        "an error",
     "the last reference", "CloseSck elsewhere", "a reference elsewhere", "nothing"};
@@ -144,28 +144,27 @@ class HandlerStorm : public Storm, public testing::WithParamInterface<unsigned> 
 
   void act(Event event, Number number) {
     const auto action = static_cast<Action>(random() % actionKinds);
-    ++counts[event][action];
+    ++counts[event][static_cast<std::size_t>(action)];
     switch (action) {
-      case closes:
+      case Action::closes:
         if (const auto socket = socketOf(number)) socket->CloseSck();
         return;
-      case sends:
+      case Action::sends:
         return send(number);
-      case calls:
+      case Action::calls:
         return call();
-      case raises:
+      case Action::raises:
         throw RuntimeError(ErrorNumber::TypeMismatch);
-      case letsGo:
+      case Action::letsGo:
         ends.erase(number);
         return;
-      case closesOthers:
+      case Action::closesOthers:
         if (const auto socket = socketOf(anyOther(number))) socket->CloseSck();
         return;
-      case dropsOthers:
+      case Action::dropsOthers:
         ends.erase(anyOther(number));
         return;
-      case behaves:
-      case actionKinds:
+      case Action::behaves:
         return;
     }
   }
@@ -207,10 +206,10 @@ TEST_P(HandlerStorm, OutlivesWhateverProceduresDo) {
   }
   settle();
   for (int event = 0; event < eventKinds; ++event) {
-    for (int action = 0; action < actionKinds; ++action) {
-      EXPECT_GT(counts[static_cast<std::size_t>(event)][static_cast<std::size_t>(action)], 0)
+    for (std::size_t action = 0; action < actionKinds; ++action) {
+      EXPECT_GT(counts[static_cast<std::size_t>(event)][action], 0)
           << "no " << eventNames[static_cast<std::size_t>(event)] << " has done "
-          << actionNames[static_cast<std::size_t>(action)];
+          << actionNames[action];
     }
   }
   EXPECT_FALSE(module->AcceptCollectionCount());

@@ -18,9 +18,6 @@ namespace {
 using posix::Peer;
 using Random = std::minstd_rand;
 
-std::string_view textOf(const Bytes& bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
 Bytes bytesOf(const std::string& text) { return {text.begin(), text.end()}; }
 
 void dawdle(Random& random) {

@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,6 +34,10 @@ inline constexpr bool sanitized = false;
 #endif
 
 using Bytes = std::vector<std::uint8_t>;
+
+inline std::string_view textOf(const Bytes& bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
 
 /// What a stream carries: the byte at each place says where it is, so that one that is lost,
 /// doubled or out of order shows.

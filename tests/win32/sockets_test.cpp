@@ -24,7 +24,7 @@ constexpr std::int32_t allEvents =
 constexpr int longest = 5000;  // milliseconds that anything may take
 
 /// Notes the messages of the test's window.
-class Routine final : public MessageRoutine {
+class Listener final : public MessageRoutine {
  public:
   std::intptr_t enter(const WindowMessage& message) override {
     if (message.message == socketEvent || message.message == lookUpDone) seen.push_back(message);
@@ -103,7 +103,7 @@ class SocketsTest : public testing::Test {
     EXPECT_EQ(sockets_.WSAGetLastError(), reason);
   }
 
-  Routine routine_;
+  Listener routine_;
   std::unique_ptr<socket_bench::Bench> bench_ = socket_bench::makeBench();
   Sockets& sockets_ = bench_->sockets();
   WindowHandle window_ = 0;

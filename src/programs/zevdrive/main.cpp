@@ -37,7 +37,7 @@ int report(const Judgements& judgements) {
   return judgements.failures.empty() ? exit_status::held : exit_status::failed;
 }
 
-Text textOf(const std::filesystem::path& path) {
+Text pathText(const std::filesystem::path& path) {
   const std::wstring name = std::filesystem::absolute(path).wstring();
   return Text(name.begin(), name.end());
 }
@@ -56,7 +56,7 @@ int play(const scenario::Scenario& scenario, const DriveOptions& options, Machin
   scenario::OutsideView view(options.transcript ? static_cast<std::ostream&>(file) : std::cout);
   const auto length = std::chrono::duration_cast<RunningProgram::Clock::duration>(
       std::chrono::duration<double>(options.timeout));
-  Driver driver(scenario, textOf(*options.program), {&form1, &form2, &form3}, view,
+  Driver driver(scenario, pathText(*options.program), {&form1, &form2, &form3}, view,
                 RunningProgram::Clock::now() + length);
   driver.play(machine);
   return report(driver.judgements());

@@ -6,7 +6,6 @@ namespace zev::simulated {
 namespace {
 
 constexpr std::int32_t everyEvent = -1;
-constexpr unsigned highWord = 16;
 
 }  // namespace
 
@@ -59,10 +58,8 @@ void LocalSocket::select(const Selection& selection) {
 void LocalSocket::post(std::int32_t event, std::int32_t error) {
   if (!isArmed(event)) return;
   armed_ &= ~event;
-  const auto lParam =
-      (static_cast<std::uint32_t>(error) << highWord) | static_cast<std::uint32_t>(event);
   queue_.post({selection_.window, selection_.message, static_cast<std::uintptr_t>(handle_),
-               static_cast<std::intptr_t>(lParam)});
+               winsock::reply(error, static_cast<std::uint32_t>(event))});
 }
 
 // ---- options

@@ -5,11 +5,7 @@
 #include "simulated/network/host_record.h"
 
 namespace zev::simulated {
-namespace {
-
-constexpr unsigned highWord = 16;
-
-}  // namespace
+namespace {}  // namespace
 
 std::int32_t LookUps::begin(Request request) {
   const std::int32_t handle = ++lastHandle_;
@@ -29,10 +25,8 @@ void LookUps::end(std::int32_t handle) {
   const std::size_t size = found.error == 0 ? hostRecordSize(found) : 0;
   const std::int32_t error = size > request.length ? winsock::error::noBuffers : found.error;
   if (error == 0) writeHostRecord(found, request.buffer);
-  const auto lParam =
-      (static_cast<std::uint32_t>(error) << highWord) | static_cast<std::uint32_t>(size);
   queue_.post({request.window, request.message, static_cast<std::uintptr_t>(handle),
-               static_cast<std::intptr_t>(lParam)});
+               winsock::reply(error, static_cast<std::uint32_t>(size))});
 }
 
 }  // namespace zev::simulated

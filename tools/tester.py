@@ -1,0 +1,596 @@
+#!/usr/bin/env python3
+"""Builds the project and runs its tests: what ./test does once the packages are there.
+
+A stage is a preset: it is configured and built, and then its suites wait for a free worker, while the
+next stage is built. What suites there are, each build says itself (suites.json). Every case is told by
+its name in build/cases.tsv: preset, suite, case, result, seconds.
+"""
+
+import argparse
+import collections
+import json
+import os
+import pathlib
+import queue
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import threading
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BUILD = ROOT / "build"
+LOGS = BUILD / "logs"
+FLOORS = ROOT / "tests" / "floors.json"
+DURATIONS = BUILD / "durations.json"
+
+# A stage: its preset, what it is called, and what it builds besides its suites' programs.
+Stage = collections.namedtuple("Stage", "preset title also only_all")
+STAGES = [
+    Stage("run", "programs and package", ["zevpack", "zevsim", "sample_package"], False),
+    Stage("check", "suites under sanitizers", [], False),
+    Stage("windows-x64", "program for Windows", [], False),
+    Stage("linux-x86", "routing code on 32-bit x86", [], False),
+    Stage("release", "each file by itself, and benchmarks", ["all"], True),
+]
+
+# Rooms whose tests are found under another name.
+ALIASES = {"script": "scenario", "win32": "windows", "programs": "scenarios"}
+
+SPACE_NEEDED = 8 << 30  # bytes that the builds of `all` take, with room above
+
+
+def cores():
+    return len(os.sched_getaffinity(0))
+
+
+def clock(seconds):
+    return f"{int(seconds) // 60}:{int(seconds) % 60:02d}"
+
+
+# ---- what is told
+
+
+class Screen:
+    """Lines about stages and failures; on a terminal also one that moves."""
+
+    def __init__(self):
+        self.moving = sys.stdout.isatty()
+        self.lock = threading.RLock()
+        self.begin = time.monotonic()
+        self.shown = False
+
+    def line(self, text):
+        with self.lock:
+            self.wipe()
+            print(text, flush=True)
+
+    def wipe(self):
+        if self.shown:
+            print("\r\x1b[K", end="")
+            self.shown = False
+
+    def bar(self, part, text):
+        if not self.moving:
+            return
+        with self.lock:
+            width = 24
+            full = int(width * min(max(part, 0), 1))
+            line = f"[{'#' * full}{'.' * (width - full)}] {text}"
+            columns = shutil.get_terminal_size().columns - 1
+            print("\r\x1b[K" + line[:columns], end="", flush=True)
+            self.shown = True
+
+
+# ---- processes
+
+
+class Processes:
+    """All that runs, so that nothing is left running."""
+
+    def __init__(self):
+        self.lock = threading.Lock()
+        self.running = set()
+        self.over = False
+
+    def start(self, command, **options):
+        with self.lock:
+            if self.over:
+                raise KeyboardInterrupt
+            process = subprocess.Popen(command, cwd=ROOT, stdin=subprocess.DEVNULL,
+                                       start_new_session=True, **options)
+            self.running.add(process)
+        return process
+
+    def forget(self, process):
+        with self.lock:
+            self.running.discard(process)
+
+    @staticmethod
+    def end(process):
+        """Asks the process and its children to end, and then ends them."""
+        for kind, patience in ((signal.SIGTERM, 20), (signal.SIGKILL, 5)):
+            try:
+                os.killpg(process.pid, kind)
+            except ProcessLookupError:
+                return
+            try:
+                process.wait(patience)
+            except subprocess.TimeoutExpired:
+                continue
+        process.wait()
+
+    def end_all(self):
+        with self.lock:
+            self.over = True
+            left = list(self.running)
+        for process in left:
+            self.end(process)
+
+
+# ---- suites
+
+
+class Suite:
+    def __init__(self, preset, row):
+        self.preset = preset
+        self.name = row["name"]
+        self.room = row["room"]
+        self.kind = row["kind"]
+        self.core = row["core"]
+        self.shards = row["shards"]
+        self.timeout = row["timeout"]
+        self.targets = row["targets"]
+        self.environment = dict(each.split("=", 1) for each in row["environment"])
+        self.command = row["command"]
+
+    @property
+    def key(self):
+        return f"{self.preset}/{self.name}"
+
+
+def suites_of(preset):
+    path = BUILD / preset / "suites.json"
+    return [Suite(preset, json.loads(line)) for line in path.read_text().splitlines() if line]
+
+
+Case = collections.namedtuple("Case", "name result seconds output")
+
+RUN = re.compile(r"^\[ RUN      \] (.+)$")
+END = re.compile(r"^\[ +(OK|FAILED|SKIPPED) +\] (.+?)(?:, where .*)? \((\d+) ms\)$")
+ENDED = re.compile(r"^\[==========\] \d+ tests? from \d+ test suites? ran\.")
+
+
+class GtestReader:
+    """Takes the lines of a GoogleTest program apart into cases."""
+
+    def __init__(self, tell):
+        self.tell = tell
+        self.name = None
+        self.output = []
+        self.done = []
+        self.ended = False
+
+    def read(self, line):
+        if match := RUN.match(line):
+            self.name, self.output = match[1], []
+        elif (match := END.match(line)) and match[2] == self.name:
+            self.finish(match[1].lower(), int(match[3]) / 1000)
+        elif ENDED.match(line):
+            self.ended = True
+        elif self.name:
+            self.output.append(line)
+
+    def finish(self, result, seconds):
+        self.done.append(self.name)
+        self.tell(Case(self.name, result, seconds, self.output))
+        self.name = None
+
+
+class Job:
+    """A suite, or one of its shards, run in a process of its own."""
+
+    def __init__(self, suite, shard, shards, words=()):
+        self.suite, self.shard, self.shards = suite, shard, shards
+        self.words = list(words)
+        number = f".{shard}" if shards > 1 else ""
+        self.key = f"{suite.key}{number}"
+        self.log = LOGS / suite.preset / f"{suite.name}{number}.log"
+
+    def environment(self):
+        own = dict(self.suite.environment, GTEST_COLOR="no")
+        if self.shards > 1:
+            own.update(GTEST_TOTAL_SHARDS=str(self.shards), GTEST_SHARD_INDEX=str(self.shard))
+        return {**os.environ, **own}
+
+    def run(self, processes, tell):
+        self.log.parent.mkdir(parents=True, exist_ok=True)
+        with open(self.log, "w", errors="replace") as log:
+            if self.suite.kind == "gtest":
+                self.run_gtest(processes, tell, log)
+            else:
+                self.run_script(processes, tell, log)
+
+    def process(self, processes, words, log, read):
+        """Runs the command to its end; its exit status, or None if it took too long."""
+        process = processes.start([*self.suite.command, *words], env=self.environment(),
+                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+                                  errors="replace")
+        late = threading.Event()
+
+        def stop():
+            late.set()
+            processes.end(process)
+
+        timer = threading.Timer(self.suite.timeout, stop)
+        timer.start()
+        try:
+            for line in process.stdout:
+                log.write(line)
+                read(line.rstrip("\r\n"))
+            status = process.wait()
+        finally:
+            timer.cancel()
+            processes.forget(process)
+        return None if late.is_set() else status
+
+    def run_gtest(self, processes, tell, log):
+        """A crash is the failure of the case that ran; the others are run all the same."""
+        done = []
+        while True:
+            reader = GtestReader(tell)
+            words = [*self.words, "--gtest_filter=-" + ":".join(done)] if done else self.words
+            status = self.process(processes, words, log, reader.read)
+            done += reader.done
+            if reader.name is None:
+                break
+            why = "took too long" if status is None else f"ended the process (status {status})"
+            reader.output.append(f"The case {why}.")
+            reader.finish("failed", 0)
+            done.append(reader.done[-1])
+            if status is None:
+                break
+        if not reader.ended and reader.name is None and status is not None and not done:
+            tell(Case("(start)", "failed", 0, [f"No case ran: {self.suite.command[0]} ended with "
+                                               f"status {status}; see {self.log}"]))
+        elif status not in (0, 1) and reader.ended:
+            tell(Case("(end)", "failed", 0, [f"The process ended with status {status} behind its "
+                                             f"last case."]))
+
+    def run_script(self, processes, tell, log):
+        begin = time.monotonic()
+        lines = collections.deque(maxlen=60)
+        status = self.process(processes, self.words, log, lines.append)
+        if status is None:
+            lines.append(f"It took longer than {self.suite.timeout} s.")
+        tell(Case(self.suite.name, "ok" if status == 0 else "failed", time.monotonic() - begin,
+                  list(lines)))
+
+
+# ---- the whole
+
+
+class Tester:
+    def __init__(self, chosen, everything, rooms):
+        self.stages, self.everything, self.rooms = chosen, everything, rooms
+        self.screen = Screen()
+        self.processes = Processes()
+        self.jobs = queue.PriorityQueue()
+        self.lock = threading.Lock()
+        self.counts = collections.Counter()
+        self.per_suite = collections.Counter()
+        self.durations = json.loads(DURATIONS.read_text()) if DURATIONS.exists() else {}
+        self.known = len(self.durations)
+        self.building = ""
+        self.build_part = (0, 1)
+        self.jobs_left = 0
+        self.order = 0
+        self.shown_failures = 0
+        self.cases = None
+        self.built = False
+        self.spent = {}
+
+    # -- telling
+
+    def told(self, suite, log, case):
+        with self.lock:
+            self.counts[case.result] += 1
+            self.per_suite[suite.key] += 1
+            self.cases.write(f"{suite.preset}\t{suite.name}\t{case.name}\t{case.result}\t"
+                             f"{case.seconds:.3f}\n")
+        if case.result == "failed":
+            self.show_failure(f"{suite.preset}: {suite.name}: {case.name}", case.output, log)
+
+    def show_failure(self, name, output, log):
+        with self.lock:
+            self.shown_failures += 1
+            number = self.shown_failures
+        if number > 20:
+            return
+        lines = [f"FAILED {name}"] + ["    " + line for line in output[-40:]]
+        lines.append(f"  The whole of it: {os.path.relpath(log, os.getcwd())}")
+        self.screen.line("\n".join(lines))
+
+    def fail(self, name, reason, log=None):
+        with self.lock:
+            self.counts["failed"] += 1
+        self.screen.line(f"FAILED {name}: {reason}")
+        if log and log.exists():
+            complaints = [line for line in log.read_text(errors="replace").splitlines()
+                          if re.search(r"error|FAILED|Error|undefined reference", line)]
+            tail = complaints[:20] or log.read_text(errors="replace").splitlines()[-20:]
+            self.screen.line("\n".join("    " + line for line in tail))
+            self.screen.line(f"  The whole of it: {os.path.relpath(log, os.getcwd())}")
+
+    def progress(self):
+        while not self.over.wait(0.5):
+            number, of = self.build_part
+            done = sum(self.counts.values())
+            text = f"{clock(time.monotonic() - self.screen.begin)}  {done} cases"
+            if self.counts["failed"]:
+                text += f", {self.counts['failed']} failed"
+            if self.building:
+                text += f"; building the {self.building} ({number}/{of})"
+            if self.jobs_left:
+                text += f"; {self.jobs_left} runs left"
+            self.screen.bar(self.part(), text)
+
+    def part(self):
+        whole = len(self.stages) * 2
+        built = self.stages_built + (self.build_part[0] / max(self.build_part[1], 1)
+                                     if self.building else 0)
+        tests = len(self.stages) * (1 - self.jobs_left / max(self.order, 1)) if self.order else 0
+        return (built + min(tests, built)) / whole
+
+    # -- building
+
+    def command(self, command, log, read=None):
+        with open(log, "a", errors="replace") as out:
+            process = self.processes.start(command, stdout=subprocess.PIPE,
+                                           stderr=subprocess.STDOUT, text=True, errors="replace")
+            try:
+                for line in process.stdout:
+                    out.write(line)
+                    if match := re.match(r"^\[(\d+)/(\d+)\]", line):
+                        self.build_part = (int(match[1]), int(match[2]))
+                return process.wait()
+            finally:
+                self.processes.forget(process)
+
+    def build(self, stage):
+        """Configures and builds a stage; its suites, or None if that failed."""
+        log = LOGS / f"{stage.preset}.build.log"
+        log.unlink(missing_ok=True)
+        begin, before = time.monotonic(), os.times()
+        self.building, self.build_part = stage.title, (0, 1)
+        if self.command(["cmake", "--preset", stage.preset], log) != 0:
+            return self.fail(stage.title, "the build could not be configured", log)
+        suites = self.choose(stage)
+        targets = sorted({target for suite in suites for target in suite.targets} |
+                         (set(stage.also) if not self.rooms else set()))
+        if self.rooms and not suites:
+            return []
+        if self.everything and "all" in stage.also:
+            targets = ["all"]
+        if self.command(["nice", "-n", "5", "cmake", "--build", str(BUILD / stage.preset), "-j",
+                         str(cores()), "--target", *targets], log) != 0:
+            return self.fail(stage.title, "the build failed", log)
+        after = os.times()
+        spent = (after.children_user + after.children_system - before.children_user -
+                 before.children_system)
+        self.spent[f"building the {stage.title}"] = (time.monotonic() - begin, spent)
+        self.screen.line(f"{clock(time.monotonic() - self.screen.begin):>6}  built the "
+                         f"{stage.title} ({time.monotonic() - begin:.0f} s)")
+        return suites
+
+    def choose(self, stage):
+        suites = suites_of(stage.preset)
+        if self.rooms:
+            return [each for each in suites if each.room in self.rooms and
+                    (each.core or each.kind == "gtest-room")
+                    and not (stage.preset == "check" and each.room in RUN_ROOMS)]
+        suites = [each for each in suites if each.kind != "gtest-room"]
+        if self.everything:
+            return suites
+        suites = [each for each in suites if each.core]
+        if stage.preset == "check":
+            suites = [each for each in suites if each.room not in RUN_ROOMS]
+        return suites
+
+    # -- running
+
+    def add(self, suites):
+        for suite in suites:
+            if suite.kind == "gtest-room":
+                suite.kind = "gtest"
+            shards = suite.shards if cores() > 1 else 1
+            for shard in range(shards):
+                job = Job(suite, shard, shards)
+                cost = self.durations.get(job.key, 60 if suite.timeout > 300 else 5)
+                with self.lock:
+                    self.order += 1
+                    self.jobs_left += 1
+                    self.jobs.put((-cost, self.order, job))
+
+    def work(self, number):
+        """Half of the workers rest while something is built."""
+        while True:
+            if not self.built and number >= max(1, cores() // 2):
+                if self.over.wait(0.2):
+                    return
+                continue
+            try:
+                _, _, job = self.jobs.get(timeout=0.2)
+            except queue.Empty:
+                if self.built or self.over.is_set():
+                    return
+                continue
+            begin = time.monotonic()
+            try:
+                job.run(self.processes, lambda case, job=job: self.told(job.suite, job.log, case))
+            except KeyboardInterrupt:
+                return
+            except OSError as error:
+                self.fail(job.key, str(error))
+            with self.lock:
+                self.durations[job.key] = round(time.monotonic() - begin, 2)
+                self.jobs_left -= 1
+
+    def hold_floors(self, ran):
+        """A suite that ran fewer cases than are known, or is not there, is a failure."""
+        if self.rooms or not FLOORS.exists():
+            return
+        floors = json.loads(FLOORS.read_text())
+        presets = {stage.preset for stage in self.stages}
+        for key, row in floors.items():
+            preset = key.split("/")[0]
+            if preset not in presets or (not self.everything and not row["core"]):
+                continue
+            found = self.per_suite[key]
+            if found < row["cases"] and preset not in self.failed_stages:
+                self.fail(key, f"{found} cases ran, {row['cases']} are known (tests/floors.json)")
+
+    def keep_floors(self, suites):
+        floors = json.loads(FLOORS.read_text()) if FLOORS.exists() else {}
+        for suite in suites:
+            core = suite.core and not (suite.preset == "check" and suite.room in RUN_ROOMS)
+            floors[suite.key] = {"cases": self.per_suite[suite.key], "core": core}
+        rows = [f"  {json.dumps(key)}: {json.dumps(floors[key])}" for key in sorted(floors)]
+        FLOORS.write_text("{\n" + ",\n".join(rows) + "\n}\n")
+
+    def run(self, keep):
+        LOGS.mkdir(parents=True, exist_ok=True)
+        self.over = threading.Event()
+        self.stages_built = 0
+        self.failed_stages = set()
+        ran = []
+        self.cases = open(BUILD / "cases.tsv", "w")
+        workers = [threading.Thread(target=self.work, args=[number], daemon=True)
+                   for number in range(cores())]
+        for each in workers:
+            each.start()
+        teller = threading.Thread(target=self.progress, daemon=True)
+        teller.start()
+        try:
+            for stage in self.stages:
+                suites = self.build(stage)
+                if suites is None:
+                    self.failed_stages.add(stage.preset)
+                    suites = []
+                self.stages_built += 1
+                ran += suites
+                self.add(suites)
+            self.building = ""
+            self.built = True
+            for each in workers:
+                while each.is_alive():
+                    each.join(0.5)
+        except KeyboardInterrupt:
+            self.screen.line("Ending what runs")
+            self.over.set()
+            self.processes.end_all()
+            return 130
+        self.over.set()
+        self.screen.wipe()
+        self.cases.close()
+        DURATIONS.write_text(json.dumps(self.durations, indent=0, sort_keys=True))
+        if keep:
+            self.keep_floors(ran)
+        else:
+            self.hold_floors(ran)
+        return self.conclude()
+
+    def conclude(self):
+        passed, failed = self.counts["ok"], self.counts["failed"]
+        times = os.times()
+        spent = times.user + times.system + times.children_user + times.children_system
+        print(f"{clock(time.monotonic() - self.screen.begin):>6}  {spent:.0f} s of processor time "
+              f"on {cores()} cores; each case: build/cases.tsv")
+        if self.shown_failures > 20:
+            print(f"{self.shown_failures} failures, of which 20 were shown")
+        if self.counts["skipped"]:
+            print(f"{self.counts['skipped']} skipped; why is told in build/logs")
+        if passed + failed == 0:
+            print("No case ran.")
+            failed = 1
+        print(f"{passed} passed, {failed} failed", flush=True)
+        return 0 if failed == 0 else 1
+
+
+# Rooms that the stage `run` tests, whose suites take much longer under a sanitizer.
+RUN_ROOMS = {"support", "sample", "zevpack", "scenarios"}
+
+
+def known_rooms():
+    return sorted({path.parent.name for path in (ROOT / "tests").glob("*/CMakeLists.txt")})
+
+
+def stages_for(rooms, everything, without_windows):
+    stages = [each for each in STAGES if everything or not each.only_all]
+    if without_windows:
+        stages = [each for each in stages if not each.preset.startswith("windows")]
+    if rooms and not rooms & {"windows", "win32"}:
+        stages = [each for each in stages if each.preset in ("run", "check")]
+    elif rooms:
+        stages = [each for each in stages if each.preset.startswith(("run", "windows"))]
+    return stages
+
+
+def complaints():
+    """What this machine lacks, each with what can therefore not be shown."""
+    free = shutil.disk_usage(ROOT).free
+    if free < SPACE_NEEDED:
+        yield (f"{free >> 20} MB are free where the project lies, and its builds take up to "
+               f"{SPACE_NEEDED >> 20}: the tests may not be built")
+    alone = subprocess.run([ROOT / "tests/network/alone.sh", "true"], stdout=subprocess.DEVNULL,
+                           stderr=subprocess.PIPE, text=True)
+    if alone.returncode != 0:
+        yield ("this machine grants no network namespaces "
+               f"({alone.stderr.strip().splitlines()[-1:] or ''}): the sockets over POSIX are not "
+               "tested, and their suites fail")
+
+
+def parse():
+    parser = argparse.ArgumentParser(
+        prog="./test", formatter_class=argparse.RawDescriptionHelpFormatter,
+        description="""Builds the project and runs its tests; the last line counts them.
+
+  ./test                what proves the product, in minutes
+  ./test all            also the other compilers, storms, tidy, all scenarios under Wine, pictures
+  ./test ROOM...        the tests of these rooms alone
+  ./test --list         which rooms there are""")
+    parser.add_argument("what", nargs="*", metavar="all | ROOM")
+    parser.add_argument("--list", action="store_true", help="name the rooms")
+    parser.add_argument("--keep-counts", action="store_true",
+                        help="take the number of cases of each suite as the least from now on")
+    parser.add_argument("--without-windows", action="store_true", help=argparse.SUPPRESS)
+    return parser.parse_args()
+
+
+def main():
+    options = parse()
+    if options.list:
+        print("\n".join(known_rooms()))
+        return 0
+    everything = options.what == ["all"]
+    rooms = set() if everything else {ALIASES.get(each, each) for each in options.what}
+    unknown = sorted(rooms - set(known_rooms()))
+    if unknown:
+        print(f"There is no room \"{unknown[0]}\"; there are: {', '.join(known_rooms())}",
+              file=sys.stderr)
+        return 2
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
+    tester = Tester(stages_for(rooms, everything, options.without_windows), everything, rooms)
+    if not rooms:
+        for each in complaints():
+            tester.fail("this machine", each)
+    if options.without_windows:
+        tester.fail("this machine", "the packages for Windows could not be installed: the program "
+                    "for Windows is neither built nor tested")
+    return tester.run(options.keep_counts)
+
+
+if __name__ == "__main__":
+    sys.exit(main())
