@@ -19,7 +19,7 @@ string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 # compiled by itself, which shows that it includes what it needs.
 set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
-foreach(kind room fast json test)
+foreach(kind room fast machine json test)
   string(TOUPPER ${kind} upper)
   set(ZEV_${upper}_FLAGS "" CACHE STRING "Flags for code of the kind ${kind}: optimisation, sanitizers")
   separate_arguments(zev_${kind}_flags NATIVE_COMMAND "${ZEV_${upper}_FLAGS}")
@@ -56,15 +56,18 @@ function(zev_code name kind)
 endfunction()
 
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
-# may know. Headers are included by their path from src/. With JSON its files include that library.
+# may know. Headers are included by their path from src/. Rooms are of four kinds: FAST ones work on
+# bytes, JSON ones include that library and run seldom, MACHINE ones include it and run often.
 function(zev_room name)
-  cmake_parse_arguments(ROOM "JSON;FAST" "" "SOURCES;KNOWS" ${ARGN})
+  cmake_parse_arguments(ROOM "FAST;JSON;MACHINE" "" "SOURCES;KNOWS" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PUBLIC ${ROOM_KNOWS})
+  set(json HEADERS <nlohmann/json.hpp> KNOWS nlohmann_json::nlohmann_json)
   if(ROOM_JSON)
-    zev_code(${name} json FLAGS ${zev_json_flags} HEADERS <nlohmann/json.hpp>
-      KNOWS nlohmann_json::nlohmann_json)
+    zev_code(${name} json FLAGS ${zev_json_flags} ${json})
+  elseif(ROOM_MACHINE)
+    zev_code(${name} machine FLAGS ${zev_machine_flags} ${json})
   elseif(ROOM_FAST)
     zev_code(${name} fast FLAGS ${zev_fast_flags})
   else()
@@ -84,17 +87,21 @@ function(zev_build_gtest)
   endforeach()
 endfunction()
 
-# What all code of tests is compiled with.
+# What all code of tests is compiled with; behind the name TRUE: as what it tests, which is fast.
 function(zev_test_code name)
+  if(ARGN STREQUAL "TRUE")
+    zev_code(${name} fast FLAGS ${zev_fast_flags})
+    return()
+  endif()
   zev_code(${name} test FLAGS ${zev_test_flags} HEADERS <gmock/gmock.h> <gtest/gtest.h>
     KNOWS GTest::gtest GTest::gmock)
 endfunction()
 
 # Cases that several programs of tests share.
 function(zev_cases name)
-  cmake_parse_arguments(CASES "" "" "SOURCES;KNOWS" ${ARGN})
+  cmake_parse_arguments(CASES "FAST" "" "SOURCES;KNOWS" ${ARGN})
   add_library(${name} OBJECT ${CASES_SOURCES})
-  zev_test_code(${name})
+  zev_test_code(${name} ${CASES_FAST})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${CASES_KNOWS} GTest::gtest GTest::gmock)
 endfunction()
@@ -103,11 +110,7 @@ endfunction()
 function(zev_test_program name)
   cmake_parse_arguments(TESTS "FAST" "" "SOURCES;CASES;KNOWS" ${ARGN})
   add_executable(${name} ${TESTS_SOURCES})
-  if(TESTS_FAST)
-    zev_code(${name} fast FLAGS ${zev_fast_flags})
-  else()
-    zev_test_code(${name})
-  endif()
+  zev_test_code(${name} ${TESTS_FAST})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE
     ${TESTS_CASES} ${TESTS_KNOWS} GTest::gtest GTest::gmock GTest::gtest_main)

@@ -520,7 +520,7 @@ class Tester:
 
 
 # Rooms that the stage `run` tests, whose suites take much longer under a sanitizer.
-RUN_ROOMS = {"support", "sample", "zevpack", "scenarios"}
+RUN_ROOMS = {"support", "sample", "zevpack", "scenarios", "zevnet"}
 
 
 def known_rooms():
