@@ -4,7 +4,7 @@
 // folders, and the medians are compared:
 //
 //   cmake --preset release && cmake --build build/release --target whole_run_benchmark zevpack
-//   ctest --test-dir build/release -R package.make        makes the package once
+//   tools/package        makes the package once
 //   build/release/benchmarks/whole_run_benchmark [package [rounds [folder]]]
 //
 // The package can also be named in ZEV_PACKAGE; without either it is the one of the build. 41

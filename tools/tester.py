@@ -3,7 +3,8 @@
 
 A stage is a preset: it is configured and built, and then its suites wait for a free worker, while the
 next stage is built. What suites there are, each build says itself (suites.json). Every case is told by
-its name in build/cases.tsv: preset, suite, case, result, seconds.
+its name in build/cases.tsv: preset, suite, case, result, seconds. build/times.md says where the time
+went.
 """
 
 import argparse
@@ -85,6 +86,16 @@ class Screen:
 
 
 # ---- processes
+
+
+def wait_for(process):
+    """Waits for a process; its exit status and the processor time of it and its children, seconds."""
+    try:
+        _, status, usage = os.wait4(process.pid, 0)
+    except ChildProcessError:  # somebody who ended it was first
+        return process.wait(), 0.0
+    process.returncode = os.waitstatus_to_exitcode(status)
+    return process.returncode, usage.ru_utime + usage.ru_stime
 
 
 class Processes:
@@ -195,6 +206,7 @@ class Job:
     def __init__(self, suite, shard, shards, words=()):
         self.suite, self.shard, self.shards = suite, shard, shards
         self.words = list(words)
+        self.spent = 0.0
         number = f".{shard}" if shards > 1 else ""
         self.key = f"{suite.key}{number}"
         self.log = LOGS / suite.preset / f"{suite.name}{number}.log"
@@ -214,7 +226,8 @@ class Job:
                 self.run_script(processes, tell, log)
 
     def process(self, processes, words, log, read):
-        """Runs the command to its end; its exit status, or None if it took too long."""
+        """Runs the command to its end; its exit status, or None if it took too long. The processor
+        time is added to `spent`."""
         process = processes.start([*self.suite.command, *words], env=self.environment(),
                                   stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
                                   errors="replace")
@@ -230,7 +243,8 @@ class Job:
             for line in process.stdout:
                 log.write(line)
                 read(line.rstrip("\r\n"))
-            status = process.wait()
+            status, spent = wait_for(process)
+            self.spent += spent
         finally:
             timer.cancel()
             processes.forget(process)
@@ -290,7 +304,8 @@ class Tester:
         self.shown_failures = 0
         self.cases = None
         self.built = False
-        self.spent = {}
+        self.spent = collections.Counter()
+        self.walls = {}
 
     # -- telling
 
@@ -346,7 +361,11 @@ class Tester:
 
     # -- building
 
-    def command(self, command, log, read=None):
+    def spend(self, what, seconds):
+        with self.lock:
+            self.spent[what] += seconds
+
+    def command(self, command, log):
         with open(log, "a", errors="replace") as out:
             process = self.processes.start(command, stdout=subprocess.PIPE,
                                            stderr=subprocess.STDOUT, text=True, errors="replace")
@@ -355,7 +374,9 @@ class Tester:
                     out.write(line)
                     if match := re.match(r"^\[(\d+)/(\d+)\]", line):
                         self.build_part = (int(match[1]), int(match[2]))
-                return process.wait()
+                status, spent = wait_for(process)
+                self.spend(self.building, spent)
+                return status
             finally:
                 self.processes.forget(process)
 
@@ -363,7 +384,7 @@ class Tester:
         """Configures and builds a stage; its suites, or None if that failed."""
         log = LOGS / f"{stage.preset}.build.log"
         log.unlink(missing_ok=True)
-        begin, before = time.monotonic(), os.times()
+        begin = time.monotonic()
         self.building, self.build_part = stage.title, (0, 1)
         if self.command(["cmake", "--preset", stage.preset], log) != 0:
             return self.fail(stage.title, "the build could not be configured", log)
@@ -377,10 +398,7 @@ class Tester:
         if self.command(["nice", "-n", "5", "cmake", "--build", str(BUILD / stage.preset), "-j",
                          str(cores()), "--target", *targets], log) != 0:
             return self.fail(stage.title, "the build failed", log)
-        after = os.times()
-        spent = (after.children_user + after.children_system - before.children_user -
-                 before.children_system)
-        self.spent[f"building the {stage.title}"] = (time.monotonic() - begin, spent)
+        self.walls[stage.title] = time.monotonic() - begin
         self.screen.line(f"{clock(time.monotonic() - self.screen.begin):>6}  built the "
                          f"{stage.title} ({time.monotonic() - begin:.0f} s)")
         return suites
@@ -436,6 +454,7 @@ class Tester:
                 self.fail(job.key, str(error))
             with self.lock:
                 self.durations[job.key] = round(time.monotonic() - begin, 2)
+                self.spent[job.suite.key] += job.spent
                 self.jobs_left -= 1
 
     def hold_floors(self, ran):
@@ -502,12 +521,31 @@ class Tester:
             self.hold_floors(ran)
         return self.conclude()
 
+    def write_times(self):
+        """Where the time went, as a table: each stage's build and its dearest suites."""
+        rows = ["| what | processor time, s | wall, s |", "|---|---:|---:|"]
+        for stage in self.stages:
+            wall = self.walls.get(stage.title)
+            if wall is None:
+                continue
+            rows.append(f"| `{stage.preset}`: building the {stage.title} | "
+                        f"{self.spent[stage.title]:.0f} | {wall:.0f} |")
+            suites = [(spent, key) for key, spent in self.spent.items()
+                      if key.startswith(stage.preset + "/")]
+            rows.append(f"| `{stage.preset}`: its {len(suites)} suites | "
+                        f"{sum(spent for spent, _ in suites):.0f} | |")
+            rows += [f"| &nbsp; {key.split('/')[1]} | {spent:.0f} | |"
+                     for spent, key in sorted(suites, reverse=True)[:4] if spent >= 10]
+        wall = time.monotonic() - self.screen.begin
+        rows.append(f"| **all** on {cores()} cores, load {os.getloadavg()[1]:.1f} | "
+                    f"**{sum(self.spent.values()):.0f}** | **{wall:.0f}** |")
+        (BUILD / "times.md").write_text("\n".join(rows) + "\n")
+
     def conclude(self):
+        self.write_times()
         passed, failed = self.counts["ok"], self.counts["failed"]
-        times = os.times()
-        spent = times.user + times.system + times.children_user + times.children_system
-        print(f"{clock(time.monotonic() - self.screen.begin):>6}  {spent:.0f} s of processor time "
-              f"on {cores()} cores; each case: build/cases.tsv")
+        print(f"{clock(time.monotonic() - self.screen.begin):>6}  {sum(self.spent.values()):.0f} s of "
+              f"processor time on {cores()} cores; each case: build/cases.tsv, times: build/times.md")
         if self.shown_failures > 20:
             print(f"{self.shown_failures} failures, of which 20 were shown")
         if self.counts["skipped"]:
