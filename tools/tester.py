@@ -407,8 +407,8 @@ class Tester:
         suites = suites_of(stage.preset)
         if self.rooms:
             return [each for each in suites if each.room in self.rooms and
-                    (each.core or each.kind == "gtest-room")
-                    and not (stage.preset == "check" and each.room in RUN_ROOMS)]
+                    (stage.preset == "run" if each.kind == "gtest-room" or each.room in RUN_ROOMS
+                     else each.core)]
         suites = [each for each in suites if each.kind != "gtest-room"]
         if self.everything:
             return suites
