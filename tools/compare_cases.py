@@ -4,7 +4,9 @@
     compare_cases.py PRESET=LIST... [build/cases.tsv]
 
 A LIST is what `ctest -N` printed in the build of an earlier state; PRESET is where its cases are run
-now. Each is looked for by its name, in the cases that the last ./test ran. Exit 1 if one is missing.
+now. Each is looked for by its name, in the cases that the last ./test ran, and there have to be at
+least as many of a name; of a case with parameters, which CTest names by their values, the number
+counts. Exit 1 if one is missing.
 """
 
 import collections
@@ -13,18 +15,28 @@ import re
 import sys
 
 
+def plain(name):
+    """The name without the value or number of a parameter."""
+    return name if name.startswith("scenario.") else re.sub(r"(\.[^/]+)/.*", r"\1", name)
+
+
 def earlier(path):
-    """The names in a listing of CTest's."""
-    found = re.findall(r"^ *Test +#\d+: (.+?)(?: \(Disabled\))?$", pathlib.Path(path).read_text(), re.M)
-    return set(found)
+    """How often each name stands in a listing of CTest's."""
+    lines = pathlib.Path(path).read_text().splitlines()
+    found = (re.match(r"^ *Test +#\d+: (.+)$", line) for line in lines)
+    return collections.Counter(plain(match[1]) for match in found if match)
 
 
 def present(path):
-    """The names of cases by preset; a suite's own name counts too."""
-    names = collections.defaultdict(set)
+    """How often each name was run, by preset; a suite's own name counts too."""
+    names = collections.defaultdict(collections.Counter)
+    suites = set()
     for line in pathlib.Path(path).read_text().splitlines():
         preset, suite, case, *_ = line.split("\t")
-        names[preset] |= {suite, case}
+        names[preset][plain(case)] += 1
+        if suite != case and (preset, suite) not in suites:
+            names[preset][suite] += 1
+            suites.add((preset, suite))
     return names
 
 
@@ -37,12 +49,11 @@ def main():
     missing = 0
     for preset, listing in pairs:
         before = earlier(listing)
-        gone = sorted(before - now[preset])
-        missing += len(gone)
-        print(f"{preset}: {len(before)} before, {len(before) - len(gone)} of them now, "
-              f"{len(now[preset] - before)} others")
-        for name in gone:
-            print(f"  {name}")
+        gone = before - now[preset]
+        missing += gone.total()
+        print(f"{preset}: {before.total()} before, {before.total() - gone.total()} of them now")
+        for name, count in sorted(gone.items()):
+            print(f"  {name} ({count})")
     return 1 if missing else 0
 
 
