@@ -266,10 +266,11 @@ class Job:
             done.append(reader.done[-1])
             if status is None:
                 break
-        if not reader.ended and reader.name is None and status is not None and not done:
-            tell(Case("(start)", "failed", 0, [f"No case ran: {self.suite.command[0]} ended with "
-                                               f"status {status}; see {self.log}"]))
-        elif status not in (0, 1) and reader.ended:
+        if not reader.ended:
+            tell(Case("(end)", "failed", 0, [f"{len(done)} cases ran and then no more: "
+                                             f"{self.suite.command[0]} ended with status {status}; "
+                                             f"see {self.log}"]))
+        elif status not in (0, 1):
             tell(Case("(end)", "failed", 0, [f"The process ended with status {status} behind its "
                                              f"last case."]))
 
