@@ -334,6 +334,8 @@ class Tester:
             self.counts["failed"] += 1
         self.screen.line(f"FAILED {name}: {reason}")
         if log and log.exists():
+            if "No space left on device" in log.read_text(errors="replace"):
+                self.screen.line("    The disk is full where the project lies.")
             complaints = [line for line in log.read_text(errors="replace").splitlines()
                           if re.search(r"error|FAILED|Error|undefined reference", line)]
             tail = complaints[:20] or log.read_text(errors="replace").splitlines()[-20:]
@@ -586,9 +588,9 @@ def complaints():
     alone = subprocess.run([ROOT / "tests/network/alone.sh", "true"], stdout=subprocess.DEVNULL,
                            stderr=subprocess.PIPE, text=True)
     if alone.returncode != 0:
-        yield ("this machine grants no network namespaces "
-               f"({alone.stderr.strip().splitlines()[-1:] or ''}): the sockets over POSIX are not "
-               "tested, and their suites fail")
+        reason = (alone.stderr.strip().splitlines() or ["no reason told"])[-1]
+        yield (f"this machine grants no network namespaces ({reason}): the sockets over POSIX are "
+               "not tested, and their suites fail")
 
 
 def parse():
