@@ -85,6 +85,21 @@ function(zev_build_gtest)
   foreach(target gtest gtest_main gmock gmock_main)
     target_compile_options(${target} PRIVATE -w -O0)
   endforeach()
+  if(WIN32)
+    zev_gtest_without_threads()
+  endif()
+endfunction()
+
+# The compiler for Windows has no threads of the standard library. Death tests, which no test here is,
+# would need them.
+function(zev_gtest_without_threads)
+  set(header ${PROJECT_BINARY_DIR}/googletest/no_death_tests.h)
+  file(CONFIGURE OUTPUT ${header} CONTENT
+    "#include <gtest/internal/gtest-port.h>\n#undef GTEST_HAS_DEATH_TEST\n")
+  foreach(target gtest gtest_main gmock gmock_main)
+    target_compile_definitions(${target} PUBLIC GTEST_IS_THREADSAFE=0)
+    target_compile_options(${target} PRIVATE -include ${header})
+  endforeach()
 endfunction()
 
 # What all code of tests is compiled with; behind the name TRUE: as what it tests, which is fast.

@@ -15,32 +15,41 @@ function(zev_find_json)
   target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${headers})
 endfunction()
 
-# A program of tests of the Windows binding, run whole on a fresh machine of Wine's. Wine runs 64-bit
-# programs alone here, so 32-bit ones are only built. With ALONE the machine has a network of its own,
-# with nobody else on it.
+# Machines of Wine's, one template of each kind kept for all builds of this tree. Wine itself comes from
+# the root that tools/wine-root makes, when the first machine is made.
+set(ZEV_WINE_MACHINES ${PROJECT_SOURCE_DIR}/build/wine)
+
+# A program of tests of the Windows binding, run whole on a fresh machine. The program that users get is
+# the one for 32 bits: its tests run on 64-bit Windows, with EVERY_WINDOWS on 32-bit Windows too. Those
+# of the 64-bit program run if they say EVERY_PROGRAM; the others are built there. With ALONE the
+# machine has a network of its own, with nobody else on it; ALL_ONLY leaves them to ./test all.
 function(zev_wine_tests name)
-  cmake_parse_arguments(TESTS "ALONE;ALL_ONLY" "" "" ${ARGN})
-  set(alone "")
-  if(TESTS_ALONE)
-    set(alone ${PROJECT_SOURCE_DIR}/tests/network/alone.sh)
-  endif()
+  cmake_parse_arguments(TESTS "ALONE;ALL_ONLY;EVERY_WINDOWS;EVERY_PROGRAM" "" "" ${ARGN})
   set(core CORE)
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    if(TESTS_EVERY_PROGRAM)
+      zev_wine_suite(Windows.${name} 64 ${name} "${TESTS_ALONE}")
+    endif()
+    return()
+  endif()
   if(TESTS_ALL_ONLY)
     set(core "")
   endif()
-  set(command ${alone} python3 ${PROJECT_SOURCE_DIR}/tests/windows/wine_machine.py run
-      ${ZEV_WINE_MACHINES} $<TARGET_FILE:${name}>)
-  if(ZEV_WINE AND CMAKE_SIZEOF_VOID_P EQUAL 8)
-    add_test(NAME Windows.${name} COMMAND ${command} --gtest_brief=1)
-    set_tests_properties(Windows.${name} PROPERTIES TIMEOUT 600)
-    zev_suite(Windows.${name} ${core} KIND gtest TIMEOUT 600 TARGETS ${name} COMMAND ${command})
+  zev_wine_suite(Windows.${name} 64 ${name} "${TESTS_ALONE}" ${core})
+  if(TESTS_EVERY_WINDOWS)
+    zev_wine_suite(Windows32.${name} 32 ${name} "${TESTS_ALONE}")
   endif()
 endfunction()
 
-# Machines of Wine's, one template of them kept for all builds of this tree.
-set(ZEV_WINE_MACHINES ${PROJECT_SOURCE_DIR}/build/wine)
-
-find_program(ZEV_WINE wine64 PATHS /usr/lib/wine)
-if(NOT ZEV_WINE AND CMAKE_SIZEOF_VOID_P EQUAL 8)
-  message(WARNING "Wine is not installed: the tests of the Windows binding are built and not run")
-endif()
+# Such a program on a Windows of so many bits.
+function(zev_wine_suite suite bits name is_alone)
+  set(alone "")
+  if(is_alone)
+    set(alone ${PROJECT_SOURCE_DIR}/tests/network/alone.sh)
+  endif()
+  set(command ${alone} python3 ${PROJECT_SOURCE_DIR}/tests/windows/wine_machine.py --width ${bits} run
+      ${ZEV_WINE_MACHINES} $<TARGET_FILE:${name}>)
+  add_test(NAME ${suite} COMMAND ${command} --gtest_brief=1)
+  set_tests_properties(${suite} PROPERTIES TIMEOUT 600)
+  zev_suite(${suite} ${ARGN} KIND gtest TIMEOUT 600 TARGETS ${name} COMMAND ${command})
+endfunction()

@@ -2,7 +2,7 @@
 
 packages_to_run=(
   g++ clang cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev
-  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev g++-mingw-w64-x86-64-posix fp-utils-3.2.2
+  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev g++-mingw-w64-i686-win32 fp-utils-3.2.2
 )
 
 packages_to_test=(
@@ -13,8 +13,8 @@ packages_to_test=(
 
 # The Windows programs, their tests, and the machine that they run on.
 packages_for_windows=(
-  g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix googletest
-  wine64 fonts-wine xvfb imagemagick xdotool locales python3
+  g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32 googletest
+  mmdebstrap arch-test xvfb imagemagick xdotool locales python3
 )
 
 as_root() {

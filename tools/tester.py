@@ -32,8 +32,9 @@ Stage = collections.namedtuple("Stage", "preset title also only_all")
 STAGES = [
     Stage("run", "programs and package", ["zevpack", "zevsim", "sample_package"], False),
     Stage("check", "suites under sanitizers", [], False),
-    Stage("windows-x64", "program for Windows", [], False),
+    Stage("windows-x86", "program for Windows", [], False),
     Stage("linux-x86", "routing code on 32-bit x86", [], False),
+    Stage("windows-x64", "program for 64-bit Windows", [], True),
     Stage("release", "each file by itself, and benchmarks", ["all"], True),
 ]
 

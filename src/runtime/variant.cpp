@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <cstdio>
 
 #include "runtime/error.h"
 
@@ -61,10 +61,10 @@ struct ToDouble {
 
 Text numberText(double number, int digits) {
   std::array<char, 32> buffer;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                 std::chars_format::general, digits);
-  std::replace(buffer.data(), end.ptr, 'e', 'E');
-  return Text(buffer.data(), end.ptr);
+  const int length = std::snprintf(buffer.data(), buffer.size(), "%.*g", digits, number);
+  const auto end = buffer.begin() + length;
+  std::replace(buffer.begin(), end, 'e', 'E');
+  return Text(buffer.begin(), end);
 }
 
 }  // namespace

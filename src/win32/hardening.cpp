@@ -8,6 +8,20 @@ namespace {
 
 constexpr DWORD searchSystemFolderAlone = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
 
+/// From a service pack of Windows XP on.
+void endOnBrokenHeap() {
+  SystemLibrary kernel32("kernel32.dll");
+  const auto set = kernel32.find<decltype(::HeapSetInformation)>("HeapSetInformation");
+  if (set != nullptr) set(nullptr, HeapEnableTerminationOnCorruption, nullptr, 0);
+}
+
+/// From a service pack of Windows XP on.
+void leaveOutCurrentFolder() {
+  SystemLibrary kernel32("kernel32.dll");
+  const auto set = kernel32.find<decltype(::SetDllDirectoryW)>("SetDllDirectoryW");
+  if (set != nullptr) set(L"");
+}
+
 /// True if the system can keep all searches to its own folder, and does so from now on.
 bool restrictSearch() {
   SystemLibrary kernel32("kernel32.dll");
@@ -31,8 +45,8 @@ void loadThemedControls(bool restricted) {
 }  // namespace
 
 void harden() {
-  HeapSetInformation(nullptr, HeapEnableTerminationOnCorruption, nullptr, 0);
-  SetDllDirectoryW(L"");
+  endOnBrokenHeap();
+  leaveOutCurrentFolder();
   const bool restricted = restrictSearch();
   loadThemedControls(restricted);
 }

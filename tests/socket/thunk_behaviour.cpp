@@ -42,20 +42,48 @@ std::uintptr_t addressOf(std::int32_t (*function)()) {
   return reinterpret_cast<std::uintptr_t>(function);
 }
 
+/// A program's own procedure, which the block is put before, and who hears of what it gets. Where
+/// code is really entered it is code; elsewhere nothing lies at its address.
+class PreviousProcedure {
+ public:
+  PreviousProcedure(MessageWindows& windows, MessageRoutine& routine) : windows_(windows) {
+#if defined(__i386__)
+    if (windows.entersMachineCode()) {
+      address_ = reinterpret_cast<std::uintptr_t>(&enter);
+      behind = &routine;
+      return;
+    }
+#endif
+    windows.standIn(address_, &routine);
+  }
+  ~PreviousProcedure() { windows_.standIn(address_, nullptr); }
+  PreviousProcedure(const PreviousProcedure&) = delete;
+  PreviousProcedure& operator=(const PreviousProcedure&) = delete;
+
+  std::uintptr_t address() const { return address_; }
+
+ private:
+#if defined(__i386__)
+  static std::intptr_t __attribute__((stdcall))
+  enter(WindowHandle window, std::uint32_t message, std::uintptr_t wParam, std::intptr_t lParam) {
+    return behind->enter({window, message, wParam, lParam});
+  }
+  static inline MessageRoutine* behind = nullptr;
+#endif
+
+  MessageWindows& windows_;
+  std::uintptr_t address_ = 0x401000;
+};
+
 class ThunkBehaviour : public testing::Test {
  protected:
-  /// A program's own procedure, which the block is put before. Nothing lies at that address.
-  static constexpr std::uintptr_t previous = 0x401000;
-
   ThunkBehaviour() {
     mode = {};
-    windows.standIn(previous, &previousRoutine);
     windows.SetWindowLongA(window, windowProcedureIndex, previous);
   }
 
   ~ThunkBehaviour() override {
-    windows.SetWindowLongA(window, windowProcedureIndex, 0);
-    windows.standIn(previous, nullptr);
+    windows.SetWindowLongA(window, windowProcedureIndex, bornWith);
     windows.DestroyWindow(window);
   }
 
@@ -141,7 +169,10 @@ class ThunkBehaviour : public testing::Test {
   FailingKernel kernel{bench->kernel(), calls};
   WatchedWindows windows{bench->windows()};
   RecordingRoutine previousRoutine;
+  PreviousProcedure previousProcedure{windows, previousRoutine};
+  const std::uintptr_t previous = previousProcedure.address();
   const WindowHandle window = windows.CreateWindowExA(u"STATIC", u"TEST");
+  const std::uintptr_t bornWith = windows.GetWindowLongA(window, windowProcedureIndex);
   std::vector<std::exception_ptr> escaped;
   Instances instances{[this](std::exception_ptr error) { escaped.push_back(error); }};
   std::map<const Target*, InstancePointer> pointers;

@@ -56,8 +56,8 @@ SERVICES = re.compile(
 class BobMachine(wine_machine.Machine):
     """A machine whose user is bob, as the simulated one's is."""
 
-    def __init__(self, folder, locale="", locales=None):
-        super().__init__(folder, f"{locale}.UTF-8" if locale else "C.UTF-8")
+    def __init__(self, folder, locale="", locales=None, width=64):
+        super().__init__(folder, f"{locale}.UTF-8" if locale else "C.UTF-8", width)
         self.locales = locales
 
     def environment(self):
@@ -71,18 +71,14 @@ class BobTemplate(wine_machine.Template):
     """The usual machine of the scenarios: its paths are spelled as there, and the values of the AVI
     file services are as they should be."""
 
-    def make(self):
-        shutil.rmtree(self.folder, ignore_errors=True)
-        for folder in ("prefix", "home"):
-            (self.folder / folder).mkdir(parents=True)
-        wine_machine.give(self.folder)
-        with BobMachine(self.folder) as machine:
-            if machine.run("wineboot", "-i", timeout=300, stdout=subprocess.DEVNULL,
-                           stderr=subprocess.DEVNULL) != 0:
-                raise RuntimeError("Wine could not make a machine")
-            machine.import_registry(wine_machine.SETTINGS + self.avi_values())
-        self.add_fonts(machine)
-        self.keep_to_itself(machine)
+    def machine(self):
+        return BobMachine(self.folder, width=self.width)
+
+    def settings(self):
+        return super().settings() + self.avi_values()
+
+    def keep_to_itself(self, machine):
+        super().keep_to_itself(machine)
         self.spell_as_usual(machine)
 
     @staticmethod
@@ -140,9 +136,10 @@ class Session:
         self.settings = settings
         self.configuration = configuration
         locale, drives = configuration
-        self.template = BobTemplate(settings.work / "usual")
+        self.template = BobTemplate(settings.work / "usual", settings.width)
         self.folder = self.template.copy()
-        self.machine = BobMachine(self.folder, locale, settings.locales if locale else None)
+        self.machine = BobMachine(self.folder, locale, settings.locales if locale else None,
+                                  settings.width)
         self.drives = [Drive("C", self.machine.drive, ["windows/zevtest"])]
         self.add_drives(drives)
         self.machine.__enter__()
@@ -156,10 +153,8 @@ class Session:
     def hold(self):
         """A program that waits for ever: as long as one runs, Wine keeps its services and its
         desktop."""
-        return subprocess.Popen(
-            [wine_machine.WINE, "cmd.exe"], env=self.machine.environment(),
-            cwd=self.machine.drive, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
-            stderr=subprocess.DEVNULL, **wine_machine.as_user())
+        return self.machine.start("cmd.exe", stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
+                                  stderr=subprocess.DEVNULL)
 
     def close(self):
         self.holder.stdin.close()
@@ -429,6 +424,7 @@ class Settings:
         self.program_sum = sha256_of(self.program)
         self.image_size = pathlib.Path(options.image).stat().st_size
         self.locales = self.work / "locales"
+        self.width = options.width
 
     def package_of(self, plan):
         """The bytes of a package that is not the usual one."""
@@ -643,6 +639,7 @@ def parse_arguments():
     parser.add_argument("--program", required=True, help="the packed ZEVSetup.exe")
     parser.add_argument("--image", required=True, help="the image in front of its package")
     parser.add_argument("--simulator", required=True, help="zevsim")
+    parser.add_argument("--width", type=int, choices=(32, 64), default=64, help="bits of Windows")
     parser.add_argument("--only", default="", help="only scenarios whose path matches this")
     parser.add_argument("--sample", type=int, default=1, help="only every n-th of them")
     parser.add_argument("--jobs", type=int, default=2, help="machines beside each other")

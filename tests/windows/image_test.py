@@ -3,6 +3,8 @@
 what it tells the system of itself.
 
     image_test.py IMAGE.exe...
+
+What an image may import stands in tests/data/windows_imports.tsv.
 """
 
 import pathlib
@@ -11,9 +13,12 @@ import subprocess
 import sys
 import unittest
 
-# Loaded from the system's folder before a program begins, whatever lies beside it.
-KNOWN_LIBRARIES = {"KERNEL32.DLL", "USER32.DLL", "GDI32.DLL", "ADVAPI32.DLL", "SHELL32.DLL",
-                   "OLE32.DLL", "OLEAUT32.DLL", "MSVCRT.DLL"}
+# Functions that the image may ask for, and the Windows that brought each. Their libraries are loaded
+# from the system's folder before a program begins, whatever lies beside it.
+IMPORTS = pathlib.Path(__file__).resolve().parent.parent / "data" / "windows_imports.tsv"
+EARLIEST = {32: (5, 1), 64: (5, 2)}  # Windows XP without a service pack; its edition for 64 bits
+
+LONGEST = 1_000_000  # bytes; a sixth of them is the icon
 
 PROTECTIONS = {"DYNAMIC_BASE", "NX_COMPAT"}
 PROTECTIONS_OF_64_BIT = PROTECTIONS | {"HIGH_ENTROPY_VA"}
@@ -32,8 +37,14 @@ class Image:
         self.dump = subprocess.run(["objdump", "-p", path], capture_output=True, text=True,
                                    check=True).stdout
 
-    def libraries(self):
-        return {name.upper() for name in re.findall(r"DLL Name: (\S+)", self.dump)}
+    def imports(self):
+        """The names of functions by library, as the system will look them up."""
+        found = {}
+        for part in self.dump.split("DLL Name: ")[1:]:
+            library, rest = part.split("\n", 1)
+            rows = rest.split("\n\n")[0]
+            found[library.upper()] = set(re.findall(r"^\t[0-9a-f]+\t *\d+ +(\S+)", rows, re.M))
+        return found
 
     def protections(self):
         lines = self.dump.split("DllCharacteristics", 1)[1].split("SizeOfStackReserve")[0]
@@ -50,6 +61,16 @@ class Image:
         return text.encode("utf-16-le") in self.bytes
 
 
+def allowed_imports():
+    """The version that brought it, by library and function."""
+    allowed = {}
+    for line in IMPORTS.read_text().splitlines()[1:]:
+        if not line.startswith("#"):
+            library, name, version = line.split("\t")
+            allowed[library.upper(), name] = tuple(int(part) for part in version.split("."))
+    return allowed
+
+
 class ImageTest(unittest.TestCase):
     paths = []
 
@@ -59,10 +80,19 @@ class ImageTest(unittest.TestCase):
             with self.subTest(image=path):
                 yield Image(path)
 
-    def test_links_known_libraries_alone(self):
+    def test_asks_for_nothing_that_windows_xp_lacks(self):
+        allowed = allowed_imports()
         for image in self.each():
-            self.assertIn("KERNEL32.DLL", image.libraries())
-            self.assertEqual(image.libraries() - KNOWN_LIBRARIES, set())
+            imports = image.imports()
+            self.assertIn("CreateFileA", imports.get("KERNEL32.DLL", set()))
+            asked = {(library, name) for library, names in imports.items() for name in names}
+            self.assertEqual(asked - set(allowed), set(), "not in the list of allowed functions")
+            earliest = EARLIEST[64 if image.is_64_bit() else 32]
+            self.assertEqual({each for each in asked if allowed[each] > earliest}, set())
+
+    def test_is_small(self):
+        for image in self.each():
+            self.assertLessEqual(len(image.bytes), LONGEST)
 
     def test_has_the_protections_of_the_system(self):
         for image in self.each():

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Two builds of one source in two folders give the same bytes.
 
-    reproducible_test.py SOURCE IMAGE.exe TOOLCHAIN.cmake WORK
+    reproducible_test.py SOURCE IMAGE.exe PRESET WORK
 
-builds the setup program once more, from a copy of SOURCE in a folder of another length and depth, and
-holds it against IMAGE.
+builds the setup program once more with that preset, from a copy of SOURCE in a folder of another length
+and depth, and holds it against IMAGE.
 """
 
 import hashlib
@@ -14,10 +14,10 @@ import subprocess
 import sys
 import tempfile
 
-NEEDED = ["CMakeLists.txt", "cmake", "src"]
+NEEDED = ["CMakeLists.txt", "CMakePresets.json", "cmake", "src"]
 
 
-def build(source, toolchain, folder):
+def build(source, preset, folder):
     copy = folder / "another" / "place" / "of the source"
     for name in NEEDED:
         origin = source / name
@@ -26,11 +26,9 @@ def build(source, toolchain, folder):
         else:
             copy.mkdir(parents=True, exist_ok=True)
             shutil.copy(origin, copy / name)
-    built = folder / "b"
-    quiet = {"stdout": subprocess.DEVNULL, "check": True}
-    subprocess.run(["cmake", "-S", str(copy), "-B", str(built), "-G", "Ninja",
-                    f"-DCMAKE_TOOLCHAIN_FILE={copy / toolchain.relative_to(source)}",
-                    "-DCMAKE_BUILD_TYPE=Release", "-DZEV_TESTS=OFF", "-DZEV_BENCHMARKS=OFF"], **quiet)
+    quiet = {"stdout": subprocess.DEVNULL, "check": True, "cwd": copy}
+    subprocess.run(["cmake", "--preset", preset, "-DZEV_TESTS=OFF"], **quiet)
+    built = copy / "build" / preset
     subprocess.run(["cmake", "--build", str(built), "-j", "2", "--target", "ZEVSetup"], **quiet)
     return built / "src" / "programs" / "setup" / "ZEVSetup.exe"
 
@@ -40,10 +38,10 @@ def digest(path):
 
 
 def main():
-    source, image, toolchain, work = (pathlib.Path(each).resolve() for each in sys.argv[1:])
+    source, image, work = (pathlib.Path(sys.argv[each]).resolve() for each in (1, 2, 4))
     work.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory(dir=work) as folder:
-        other = build(source, toolchain, pathlib.Path(folder))
+        other = build(source, sys.argv[3], pathlib.Path(folder))
         print(f"{digest(image)} {image}\n{digest(other)} {other}")
         return 0 if digest(image) == digest(other) else "the two builds differ"
 

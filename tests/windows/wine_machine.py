@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Windows machines for tests, made of Wine: a template is made once, each test gets a copy.
 
-    wine_machine.py run WORK PROGRAM.exe [ARGUMENT...]
+    wine_machine.py [--width 32] run WORK PROGRAM.exe [ARGUMENT...]
 
 runs a program on a fresh machine and ends with its exit code. All that is made lies in the folder
 WORK, which the machines of many tests can share. A machine has one fixed drive, C:, a display of its
 own without a window manager, and an ordinary user: under root everything runs as "nobody", since to
-root no file is read-only.
+root no file is read-only. It is a Windows of 64 bits, which runs programs of 32 bits too, or one of 32
+bits. Wine itself comes from the root that tools/wine-root makes.
 """
 
 import argparse
@@ -21,12 +22,12 @@ import sys
 import tempfile
 import time
 
-WINE = "/usr/lib/wine/wine64"
-WINESERVER = "/usr/lib/wine/wineserver64"
-FONTS = pathlib.Path("/usr/share/wine/fonts")
+WINE_ROOT = pathlib.Path(__file__).resolve().parents[2] / "tools" / "wine-root"
+LOADER = {64: "/usr/lib/wine/wine64", 32: "/usr/lib/wine/wine"}
+WINESERVER = {64: "/usr/lib/wine/wineserver64", 32: "/usr/lib/wine/wineserver32"}
 
 # To be raised when a template made by an older version of this file no longer fits.
-EDITION = 1
+EDITION = 2
 
 # A desktop of Wine's own gives title bars without a window manager; a crash shows no box; menus,
 # .NET and the browser's engine stay away.
@@ -68,6 +69,14 @@ def give(path):
         subprocess.run(["chown", "-R", f"{user().pw_uid}:{user().pw_gid}", str(path)], check=True)
 
 
+def wine_root():
+    """Where the root with Wine is; it is made first if there is none."""
+    made = subprocess.run([WINE_ROOT, "make"], stdout=subprocess.PIPE, text=True, check=False)
+    if made.returncode != 0:
+        raise SystemExit("There is no Wine, and the program for Windows cannot be run")
+    return pathlib.Path(made.stdout.strip())
+
+
 def end(process):
     """Ends a process that was started here."""
     if process is None or process.poll() is not None:
@@ -105,7 +114,8 @@ class Display:
 class Machine:
     """One machine: a prefix of Wine, a home of its own beside it, and a display."""
 
-    def __init__(self, folder, locale="C.UTF-8"):
+    def __init__(self, folder, locale="C.UTF-8", width=64):
+        self.width = width
         self.folder = pathlib.Path(folder)
         self.prefix = self.folder / "prefix"
         self.home = self.folder / "home"
@@ -124,11 +134,15 @@ class Machine:
             self.display.close()
 
     def environment(self):
+        account = user()
         return {
-            "PATH": "/usr/bin:/bin",
+            "PATH": "/usr/sbin:/usr/bin:/sbin:/bin",
+            "ZEV_WINE_USER": f"{account.pw_uid}:{account.pw_gid}",
+            **({"ZEV_WINE_ROOT": os.environ["ZEV_WINE_ROOT"]} if "ZEV_WINE_ROOT" in os.environ else {}),
             "HOME": str(self.home),
             "WINEPREFIX": str(self.prefix),
-            "WINESERVER": WINESERVER,
+            "WINEARCH": f"win{self.width}",
+            "WINESERVER": WINESERVER[self.width],
             "WINEDEBUG": os.environ.get("ZEV_WINEDEBUG", "-all"),
             "DISPLAY": self.display.name,
             "LC_ALL": self.locale,
@@ -137,8 +151,9 @@ class Machine:
     def start(self, *command, **options):
         """Starts a program by its Windows path or Wine's own name for it."""
         where = self.drive if self.drive.is_dir() else self.folder
-        return subprocess.Popen([WINE, *command], env=self.environment(), cwd=where,
-                                stdin=subprocess.DEVNULL, **as_user(), **options)
+        return subprocess.Popen([WINE_ROOT, "run", LOADER[self.width], *command],
+                                env=self.environment(), cwd=where,
+                                **{"stdin": subprocess.DEVNULL, **options})
 
     def run(self, *command, timeout=120, **options):
         """Runs a program to its end; its exit code."""
@@ -152,9 +167,10 @@ class Machine:
     def stop(self):
         """Ends all programs of the machine and waits until its registry is written."""
         for order in ("-k", "-w"):
-            subprocess.run([WINESERVER, order], env=self.environment(), cwd=self.folder,
+            subprocess.run([WINE_ROOT, "run", WINESERVER[self.width], order],
+                           env=self.environment(), cwd=self.folder,
                            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                           stderr=subprocess.DEVNULL, timeout=60, **as_user())
+                           stderr=subprocess.DEVNULL, timeout=60)
 
     def path(self, windows_path):
         """The host's path of a Windows path on drive C:, its folders made."""
@@ -183,20 +199,24 @@ class Machine:
 class Template:
     """The machine that all others are copies of."""
 
-    def __init__(self, work):
+    def __init__(self, work, width=64):
         self.work = pathlib.Path(work).resolve()
-        self.folder = self.work / "template"
+        self.width = width
+        self.name = "template" if width == 64 else f"template-{width}"
+        self.folder = self.work / self.name
+        self.root = None
 
     def stamp(self):
-        version = subprocess.run([WINE, "--version"], capture_output=True, text=True, check=True)
-        return f"{version.stdout.strip()} {EDITION} {user().pw_name}\n"
+        edition = (self.root / "edition").read_text().strip()
+        return f"{self.root} {edition} {EDITION} {user().pw_name}\n"
 
     def made(self):
         """The template's folder; it is made first if there is none that fits."""
+        self.root = wine_root()
         self.work.mkdir(parents=True, exist_ok=True)
-        with open(self.work / "template.lock", "w") as lock:
+        with open(self.work / f"{self.name}.lock", "w") as lock:
             fcntl.flock(lock, fcntl.LOCK_EX)
-            stamp = self.work / "template.stamp"
+            stamp = self.work / f"{self.name}.stamp"
             if not stamp.exists() or stamp.read_text() != self.stamp():
                 stamp.unlink(missing_ok=True)
                 self.make()
@@ -208,19 +228,24 @@ class Template:
         for folder in ("prefix", "home"):
             (self.folder / folder).mkdir(parents=True)
         give(self.folder)
-        with Machine(self.folder) as machine:
+        with self.machine() as machine:
             if machine.run("wineboot", "-i", timeout=300, stdout=subprocess.DEVNULL,
                            stderr=subprocess.DEVNULL) != 0:
                 raise RuntimeError("Wine could not make a machine")
-            machine.import_registry(SETTINGS)
+            machine.import_registry(self.settings())
         self.add_fonts(machine)
         self.keep_to_itself(machine)
 
-    @staticmethod
-    def add_fonts(machine):
+    def machine(self):
+        return Machine(self.folder, width=self.width)
+
+    def settings(self):
+        return SETTINGS
+
+    def add_fonts(self, machine):
         """Wine's own fonts, MS Sans Serif among them, come in a package of their own."""
         fonts = machine.drive / "windows" / "Fonts"
-        for font in FONTS.iterdir():
+        for font in (self.root / "usr" / "share" / "wine" / "fonts").iterdir():
             shutil.copyfile(font, fonts / font.name)
         give(fonts)
 
@@ -246,11 +271,11 @@ class Template:
         return folder
 
 
-def run(work, program, arguments, timeout):
+def run(work, program, arguments, timeout, width=64):
     """Runs a program on a fresh machine; its exit code."""
-    folder = Template(work).copy()
+    folder = Template(work, width).copy()
     try:
-        with Machine(folder) as machine:
+        with Machine(folder, width=width) as machine:
             name = machine.put(program, f"C:\\Test\\{pathlib.Path(program).name}")
             return machine.run(name, *arguments, timeout=timeout)
     finally:
@@ -259,6 +284,7 @@ def run(work, program, arguments, timeout):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("--width", type=int, choices=(32, 64), default=64, help="bits of Windows")
     parser.add_argument("--timeout", type=float, default=300, help="seconds that a run may take")
     commands = parser.add_subparsers(dest="command", required=True)
     making = commands.add_parser("template", help="make the template, if there is none that fits")
@@ -271,9 +297,9 @@ def main():
     signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     if options.command == "template":
         begin = time.monotonic()
-        print(f"{Template(options.work).made()} ({time.monotonic() - begin:.1f} s)")
+        print(f"{Template(options.work, options.width).made()} ({time.monotonic() - begin:.1f} s)")
         return 0
-    return run(options.work, options.program, options.arguments, options.timeout)
+    return run(options.work, options.program, options.arguments, options.timeout, options.width)
 
 
 if __name__ == "__main__":

@@ -1,5 +1,8 @@
 // ZEVSetup.exe: the wizard on the Windows that it runs on.
 
+#include <cstdlib>
+#include <exception>
+
 #include "win32/dialogs.h"
 #include "win32/form_engine.h"
 #include "win32/hardening.h"
@@ -37,6 +40,10 @@ void runSetup() {
 
 }  // namespace
 }  // namespace zev
+
+// What an exception that nobody caught comes to. The library's own one would bring 46 KB that spell
+// its type's name on a console, which this program does not have.
+void __gnu_cxx::__verbose_terminate_handler() { std::abort(); }
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   zev::win32::harden();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <thread>
 #include <vector>
 
 #include "runtime/text.h"
@@ -18,10 +17,12 @@ class OtherWindows {
   OtherWindows& operator=(const OtherWindows&) = delete;
 
  private:
-  void run(HANDLE ready) const;
+  static DWORD WINAPI thread(void* self);
+  void run() const;
 
   std::vector<Text> titles_;
-  std::thread thread_;
+  HANDLE ready_ = nullptr;
+  HANDLE thread_ = nullptr;
   DWORD threadId_ = 0;
 };
 
