@@ -36,10 +36,14 @@ std::string captionOf(const PropertyBase& property) {
   return toUtf8(std::get<Text>(property.value()));
 }
 
-std::string oneLine(std::string text) {
-  std::erase(text, '\r');
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  return text;
+/// A blank for each line end: CR LF, or either of them alone.
+std::string oneLine(std::string_view text) {
+  std::string line;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text.substr(at).starts_with("\r\n")) continue;
+    line += text[at] == '\r' || text[at] == '\n' ? ' ' : text[at];
+  }
+  return line;
 }
 
 }  // namespace

@@ -118,10 +118,7 @@ Json factText(const Witness& witness, const Text& path, const Json&) {
 
 void checkAnything(const JsonReader& expected) { checkMatcher(expected); }
 
-void checkExists(const JsonReader& expected) {
-  bool exists = false;
-  expected.read(exists);
-}
+void checkExists(const JsonReader& expected) { static_cast<void>(expected.truth()); }
 
 Json same(const Json& expected) { return expected; }
 

@@ -195,9 +195,13 @@ std::filesystem::path JsonReader::hostFolder() const {
   return path;
 }
 
-void JsonReader::read(bool& into) const {
+bool JsonReader::truth() const {
   if (!value_->is_boolean()) failWanted("true or false");
-  into = value_->get<bool>();
+  return value_->get<bool>();
+}
+
+void JsonReader::requireTrue() const {
+  if (!truth()) fail("only true has a meaning here");
 }
 
 void failUnknownKey(const JsonReader& value, std::string_view key,

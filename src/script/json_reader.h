@@ -69,13 +69,16 @@ class JsonReader {
   std::vector<std::uint8_t> hex() const;
   std::vector<std::uint8_t> base64() const;
   std::int64_t whole(std::int64_t least, std::int64_t most) const;
+  bool truth() const;
+  /// Reads a value that says something by being there, and so can only be true.
+  void requireTrue() const;
   /// A place of the host, which need not exist.
   std::filesystem::path hostPath() const;
   /// A file or folder of the host, which must exist.
   std::filesystem::path hostFile() const;
   std::filesystem::path hostFolder() const;
 
-  void read(bool& into) const;
+  void read(bool& into) const { into = truth(); }
   void read(Text& into) const { into = text(); }
   void read(std::string& into) const { into = utf8(); }
   template <std::integral T>

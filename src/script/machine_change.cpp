@@ -155,9 +155,7 @@ void setContent(const JsonReader& value, FileChange& file, FileContent content) 
 }
 
 void readDirectory(const JsonReader& value, FileChange& file) {
-  bool directory = false;
-  value.read(directory);
-  if (!directory) value.fail("only true has a meaning here");
+  value.requireTrue();
   setContent(value, file, Directory{});
 }
 

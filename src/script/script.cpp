@@ -97,9 +97,7 @@ At readAt(const JsonReader& step) {
 Action readChange(const JsonReader& value) { return Change{readMachine(value)}; }
 
 Action readRestart(const JsonReader& value) {
-  bool restart = false;
-  value.read(restart);
-  if (!restart) value.fail("only true has a meaning here");
+  value.requireTrue();
   return Restart{};
 }
 

@@ -12,10 +12,10 @@ constexpr char16_t dotOrEnd = u'"';
 Text translated(TextView pattern) {
   if (pattern == u"*.*") return u"*";
   Text inner(pattern);
-  for (std::size_t place = 0; place < inner.size(); ++place) {
-    const bool wildcard = inner[place] == u'?' || inner[place] == anyRun;
-    if (wildcard && place > 0 && inner[place - 1] == u'.') inner[place - 1] = dotOrEnd;
-    if (inner[place] == u'?') inner[place] = oneOrNoneAtDot;
+  for (std::size_t place = 0; place < pattern.size(); ++place) {
+    const bool beforeWildcard = hasWildcards(pattern.substr(place + 1, 1));
+    if (pattern[place] == u'.' && beforeWildcard) inner[place] = dotOrEnd;
+    if (pattern[place] == u'?') inner[place] = oneOrNoneAtDot;
   }
   if (inner.ends_with(u"*.")) inner.replace(inner.size() - 2, 2, 1, anyRunToLastDot);
   return inner;

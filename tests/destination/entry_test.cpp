@@ -96,11 +96,13 @@ const PathRow pathRows[] = {
 TEST(PathRows, LeadWhereTheirTableSays) {
   for (const PathRow& row : pathRows) {
     OnThePage page;
+    const std::vector<std::string> before = page.everything();
     EXPECT_EQ(page.check(row.in), row.ok) << toUtf8(row.in);
     EXPECT_EQ(toUtf8(page.directory()), toUtf8(row.out)) << toUtf8(row.in);
     EXPECT_EQ(page.boxes(), row.boxes) << toUtf8(row.in);
     EXPECT_EQ(page.machine.calls("MkDir"), static_cast<std::uint64_t>(row.made)) << toUtf8(row.in);
     EXPECT_TRUE(!row.ok || page.stands(row.out)) << toUtf8(row.in);
+    if (row.made == 0) EXPECT_EQ(page.everything(), before) << toUtf8(row.in);
   }
 }
 

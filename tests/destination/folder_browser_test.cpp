@@ -151,6 +151,16 @@ TEST_F(FolderBrowserTest, DoesNotStayOnADiskette) {
   }
 }
 
+TEST_F(FolderBrowserTest, LeavesADisketteForTheDriveOfWindows) {
+  globals().gWinDir = u"  D:\\Windows  ";
+  machine.disks().setDrive(u'A', {.type = 2});
+  open(u"A:\\nowhere");
+  EXPECT_EQ(boxes(), Boxes{driveBox(u"diskette")});
+  EXPECT_EQ(form.Drive1.Drive(), u"d:");
+  EXPECT_EQ(form.Dir1.Path(), u"D:\\");
+  EXPECT_EQ(directory(), u"A:");
+}
+
 // ---- choosing drives
 
 TEST_F(FolderBrowserTest, OpensTheDirectoryOnItsDriveAndTheRootElsewhere) {

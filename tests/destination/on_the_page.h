@@ -75,6 +75,14 @@ class OnThePage {
   Globals& globals() { return program->globals; }
   Text directory() { return globals().gInstallDir.trimmed(); }
   bool stands(TextView path) const { return machine.disks().exists(path); }
+  /// The path of every file and folder on all drives.
+  std::vector<std::string> everything() const {
+    std::vector<std::string> paths;
+    for (const char16_t letter : machine.disks().letters()) {
+      collect(join(TextView(&letter, 1), u":\\"), paths);
+    }
+    return paths;
+  }
 
   void speak(std::int32_t number) {
     if (!phrases) phrases.emplace(globals().gLanguage);
@@ -118,6 +126,14 @@ class OnThePage {
   static simulated::Transcript& ownTranscript() {
     static simulated::NoTranscript none;
     return none;
+  }
+
+  void collect(const Text& folder, std::vector<std::string>& paths) const {
+    for (const Text& name : machine.disks().names(folder).value_or(std::vector<Text>())) {
+      const Text path = join(folder, name);
+      paths.push_back(toUtf8(path));
+      collect(join(path, u"\\"), paths);
+    }
   }
 
   void layDrives() {

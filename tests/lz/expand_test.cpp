@@ -231,8 +231,15 @@ TEST(LzExpand, RefusesMoreThanAResultCanTell) {
   EXPECT_EQ(expand(source, sink), lz_error::badValue);
 }
 
+TEST(LzExpand, CopiesAPlainFileOfTheMostThatAResultCanTell) {
+  LongSource source(kMostBytes);
+  CountingSink sink;
+  EXPECT_EQ(expand(source, sink), kMostBytes);
+  EXPECT_EQ(sink.count(), static_cast<std::uint64_t>(kMostBytes));
+}
+
 TEST(LzExpand, RefusesAPlainFileLongerThanAResultCanTell) {
-  EndlessSource source({}, kManyBytesEach);
+  LongSource source(std::uint64_t{kMostBytes} + 1);
   CountingSink sink;
   EXPECT_EQ(expand(source, sink), lz_error::badValue);
   EXPECT_LE(sink.count(), static_cast<std::uint64_t>(kMostBytes));

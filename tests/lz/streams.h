@@ -54,6 +54,22 @@ class EndlessSource final : public ByteSource {
   std::size_t at_ = 0;
 };
 
+/// So many zeros.
+class LongSource final : public ByteSource {
+ public:
+  explicit LongSource(std::uint64_t size) : left_(size) {}
+
+  std::ptrdiff_t read(std::span<std::uint8_t> into) override {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), left_));
+    std::fill_n(into.begin(), count, std::uint8_t{0});
+    left_ -= count;
+    return static_cast<std::ptrdiff_t>(count);
+  }
+
+ private:
+  std::uint64_t left_;
+};
+
 /// Counts what it is given and fails on the first byte past `capacity`, as a full disk does.
 class CountingSink final : public ByteSink {
  public:

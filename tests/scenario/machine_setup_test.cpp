@@ -229,6 +229,14 @@ TEST(MachineSetup, RemovesValuesAndKeys) {
   EXPECT_FALSE(built.machine.registry().hasKey(HKEY_LOCAL_MACHINE, u"C"));
 }
 
+TEST(MachineSetup, RemovesAValueWhateverIsNamedBeforeIt) {
+  Built built(R"("registry": {"HKLM": {"A": {"x": 1, "y": 2, "z": "three"}}})");
+  built.change(R"("registry": {"HKLM": {"A": {"x": 5, "y": null, "z": "six"}}})");
+  EXPECT_EQ(built.value(u"A", u"x")->number(), 5u);
+  EXPECT_FALSE(built.value(u"A", u"y").has_value());
+  EXPECT_EQ(built.value(u"A", u"z")->text(), u"six");
+}
+
 TEST(MachineSetup, DeniesKeysAndAllowsThemAgain) {
   Built built(
       R"("registry": {"deny": ["HKEY_LOCAL_MACHINE\\Software\\X"], "HKCU": {"deny": ["Y"]}})");

@@ -1,5 +1,6 @@
 #include "scenario/player.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "scenario/play.h"
@@ -7,6 +8,8 @@
 
 namespace zev::scenario {
 namespace {
+
+using testing::StartsWith;
 
 /// Plays a script and expects all its expectations to hold.
 void expectHolds(std::string_view script) {
@@ -93,6 +96,11 @@ TEST(Player, ChoosesDrivesAndFolders) {
             "$.script[1].drive: the drive list shows no drive \"q:\"");
   EXPECT_EQ(scriptError(R"({"click": "Command4"}, {"folder": "C:\\None"})"),
             "$.script[1].folder: the machine has no folder C:\\None");
+  for (const std::string path : {"Windows", "\\\\Windows", "Q:\\\\Windows", ""}) {
+    EXPECT_THAT(scriptError(R"({"click": "Command4"}, {"folder": ")" + path + "\"}"),
+                StartsWith("$.script[1].folder: the machine has no folder "))
+        << path;
+  }
 }
 
 // Ends.

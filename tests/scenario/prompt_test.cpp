@@ -127,6 +127,30 @@ TEST(Prompt, RestartsAfterTheEnd) {
   EXPECT_THAT(shown, HasSubstr("> null\n"));
 }
 
+/// What was printed, a "/" for each line end, without the blanks and bars that frame a line.
+std::string linesOf(const std::string& shown) {
+  constexpr const char* frame = " |";
+  std::istringstream in(shown);
+  std::string lines = "/";
+  for (std::string line; std::getline(in, line); lines += '/') {
+    const std::size_t begin = line.find_first_not_of(frame);
+    if (begin == std::string::npos) continue;
+    lines += line.substr(begin, line.find_last_not_of(frame) + 1 - begin);
+  }
+  return lines;
+}
+
+TEST(Prompt, BreaksTheLinesOfABoxAtEveryKindOfLineEnd) {
+  constexpr TextView text = u"one\r\ntwo\rthree\nfour\r\n\r\nsix\r\rend";
+  std::istringstream in("\n\n");
+  std::ostringstream box;
+  Prompt(in, box).answer({.text = Text(text), .style = box_style::information, .title = u"Toy"});
+  EXPECT_THAT(linesOf(box.str()), HasSubstr("/one/two/three/four//six//end/"));
+  std::ostringstream inputBox;
+  Prompt(in, inputBox).input(text, u"Toy", u"");
+  EXPECT_THAT(linesOf(inputBox.str()), HasSubstr("/one/two/three/four//six//end/"));
+}
+
 TEST(Prompt, KeepsStepsThatAreDoneLater) {
   const std::string shown = playByHand(
       "{\"at\": {\"yield\": 2}, \"do\": [{\"click\": \"Command6\"}]}\nclick Next\nclick Run\n");

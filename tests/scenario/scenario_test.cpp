@@ -189,6 +189,11 @@ INSTANTIATE_TEST_SUITE_P(
             R"("files": {"C:\\x": {"text": "a", "size": 1}})",
             "$.machine.files[\"C:\\\\x\"].size: one of directory, text, base64, size and host is "
             "enough"},
+        BadScript{R"("files": {"C:\\x": {"directory": false}})",
+                  "$.machine.files[\"C:\\\\x\"].directory: only true has a meaning here"},
+        BadScript{R"("files": {"C:\\x": {"directory": 1}})",
+                  "$.machine.files[\"C:\\\\x\"].directory: a whole number where true or false is "
+                  "wanted"},
         BadScript{R"("files": {"C:\\x": {"attributes": ["archive"]}})",
                   "$.machine.files[\"C:\\\\x\"].attributes[0]: no attribute \"archive\"; there are "
                   "hidden, "

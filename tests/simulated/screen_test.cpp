@@ -24,11 +24,18 @@ constexpr ControlDesign firstControls[] = {
 constexpr ControlDesign secondControls[] = {
     {.name = u"Command1", .kind = ControlKind::CommandButton, .tabIndex = 1},
 };
+constexpr ControlDesign listControls[] = {
+    {.name = u"Combo1", .kind = ControlKind::ComboBox, .tabIndex = 1},
+    {.name = u"Drive1", .kind = ControlKind::DriveListBox, .tabIndex = 2},
+    {.name = u"Dir1", .kind = ControlKind::DirListBox, .tabIndex = 3},
+    {.name = u"Line1", .kind = ControlKind::Line},
+};
 // clang-format on
 
 constexpr FormDesign firstDesign = {.name = u"Form1", .caption = u"One", .controls = firstControls};
 constexpr FormDesign secondDesign = {
     .name = u"Form2", .caption = u"Two", .controls = secondControls};
+constexpr FormDesign listDesign = {.name = u"Form3", .caption = u"Three", .controls = listControls};
 
 class ScreenTest : public MachineTest {
  protected:
@@ -111,6 +118,20 @@ TEST_F(ScreenTest, AControlThatTakesNoFocusIsClickedWithoutIt) {
   begin();
   EXPECT_THAT(after([&] { hand().click(label); }), ElementsAre("click Form1.Label1"));
   EXPECT_EQ(screen().focused(first), &command2);
+}
+
+/// What a list tells as a click is that something in it was chosen, and a line tells nothing.
+TEST_F(ScreenTest, AClickOnAListOrALineIsNoneForTheProgram) {
+  Form lists{listDesign};
+  application().Show(lists);
+  for (Control* const control : lists.Controls()) {
+    control->Click = [&] { events.push_back("click"); };
+    EXPECT_THAT(after([&] { EXPECT_TRUE(hand().click(*control)); }), IsEmpty())
+        << toUtf8(control->name());
+    EXPECT_EQ(screen().focused(lists) == control, control->canTakeFocus())
+        << toUtf8(control->name());
+  }
+  application().Unload(lists);
 }
 
 TEST_F(ScreenTest, TheFocusLeavesAControlThatCannotKeepIt) {

@@ -64,6 +64,36 @@ TEST_F(SimulatedFileSystemTest, RelativePathsStartInTheFolderOfTheProgram) {
   EXPECT_EQ(openError(u"\\near.txt"), fileNotFound);
 }
 
+/// Of a file that it does not open it tells where the call was to make one or to empty it.
+TEST_F(SimulatedFileSystemTest, TellsOfTheFilesThatItDoesNotMake) {
+  machine.disks().put(u"C:\\closed", {.directory = true, .deny = Denial{.create = true}});
+  machine.disks().putText(u"C:\\closed\\fixed", "x");
+  machine.disks().put(u"C:\\closed\\fixed", {.attributes = file_attribute::readOnly});
+  struct Refusal {
+    FileDisposition disposition;
+    TextView path;
+    bool told;
+  };
+  constexpr Refusal refusals[] = {
+      {FileDisposition::OpenExisting, u"C:\\closed\\new", false},
+      {FileDisposition::OpenExisting, u"C:\\closed\\fixed", false},
+      {FileDisposition::OpenAlways, u"C:\\closed\\new", true},
+      {FileDisposition::OpenAlways, u"C:\\closed\\fixed", false},
+      {FileDisposition::CreateAlways, u"C:\\closed\\new", true},
+      {FileDisposition::CreateAlways, u"C:\\closed\\fixed", true},
+  };
+  std::vector<Event> told;
+  for (const Refusal& each : refusals) {
+    EXPECT_NE(openError(Text(each.path), FileAccess::Write, each.disposition), success);
+    if (!each.told) continue;
+    told.push_back({{"event", "file"},
+                    {"op", "create"},
+                    {"path", toUtf8(each.path)},
+                    {"error", accessDenied}});
+  }
+  EXPECT_EQ(log.of("file"), told);
+}
+
 TEST_F(SimulatedFileSystemTest, RefusesSharesDevicesAndLongPaths) {
   EXPECT_EQ(openError(u"\\\\machine\\share\\x"), badNetworkPath);
   EXPECT_EQ(replaceError(u"C:\\NUL.txt"), invalidName);

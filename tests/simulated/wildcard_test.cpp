@@ -40,9 +40,15 @@ TEST(Wildcard, MatchesAsTheSystemDoes) {
       {u"?*", u"a", true},
       {u"*a*b*", u"xxaxxbxx", true},
       {u"*a*b*", u"xxbxxaxx", false},
+      {u"a.?", u"a", true},
       {u"a.?", u"a.b", true},
       {u"a.?", u"a.bc", false},
       {u"*.tx?", u"a.tx", true},
+      {u".*", u".a", true},
+      {u".*", u"a", false},
+      {u".?", u".a", true},
+      {u"a..*", u"a", false},
+      {u"a.*.b", u"a.b", false},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(matchesPattern(row.name, row.pattern), row.matches)

@@ -151,8 +151,13 @@ class FailingSockets final : public Sockets {
     return made([&] { return next_.accept(socket, peer); }, "accept", socket);
   }
   std::int32_t getpeername(std::int32_t socket, SocketAddress& address) override {
-    return made([&] { return next_.getpeername(socket, address); }, "getpeername", socket);
+    const std::int32_t result =
+        made([&] { return next_.getpeername(socket, address); }, "getpeername", socket);
+    if (result != winsock::failed && peer_) address = *peer_;
+    return result;
   }
+  /// From now on every peer has that address, as behind something that hands connections on.
+  void setPeer(const SocketAddress& address) { peer_ = address; }
   std::int32_t getsockname(std::int32_t socket, SocketAddress& address) override {
     return made([&] { return next_.getsockname(socket, address); }, "getsockname", socket);
   }
@@ -231,6 +236,7 @@ class FailingSockets final : public Sockets {
   Sockets& next_;
   Calls& calls_;
   std::optional<std::int32_t> lastError_;  ///< of a failure that was made here
+  std::optional<SocketAddress> peer_;
 };
 
 /// Windows that pass every call on, unless it is to fail. What is entered without a call of the

@@ -75,6 +75,18 @@ TEST_F(FarNetworkTest, TheRemoteEndIsWhatTheSystemTells) {
   EXPECT_EQ(socket->RemoteHost(), u"far.example");
 }
 
+TEST_F(FarNetworkTest, APeerMayHaveAnotherPortAndAddressThanWereAskedFor) {
+  network.server("10.0.0.5", 80);
+  services.sockets.setPeer(simulated::toSocketAddress({simulated::addressOf("10.0.0.6"), 45678}));
+  Watched socket(module);
+  socket->Connect(u"10.0.0.5", 80);
+  EXPECT_EQ(socket->RemotePort(), 80);
+  ASSERT_TRUE(pumpTo(socket, sckConnected));
+  EXPECT_EQ(socket->RemotePort(), 45678);
+  EXPECT_EQ(socket->RemoteHostIP(), u"10.0.0.6");
+  EXPECT_EQ(socket->RemoteHost(), u"10.0.0.5");
+}
+
 TEST_F(FarNetworkTest, LookUpsFailInTheirOwnWays) {
   for (const std::int32_t error : {11001, 11002, 11003, 11004}) {
     network.failName("lost.example", error);

@@ -20,7 +20,9 @@ TEST_F(LookUpTest, ANameThatDoesNotExistIsReportedByConnectToIP) {
   socket->Connect(u"nobody.invalid", 80);
   EXPECT_EQ(socket->State(), sckResolvingHost);
   EXPECT_EQ(socket.log, Lines());
+  trace.clear();
   ASSERT_TRUE(pumpTo(socket, sckError));
+  EXPECT_EQ(trace, Lines({"STATE: sckError"})) << "no host is resolved on the way";
   EXPECT_EQ(socket.log, Lines({nobody}));
   EXPECT_EQ(calls.count("bind"), 0);
   EXPECT_EQ(calls.count("connect"), 0);

@@ -144,6 +144,21 @@ TEST_F(OtherUsers, SettingsAreWrittenInTheOrderOfTheirTable) {
   }
 }
 
+TEST_F(OtherUsers, AProfileIsToldOfBehindItsFoldersAndBeforeItsSettings) {
+  profile("alice");
+  run();
+  const std::string local = "c:\\users\\alice\\AppData\\Local";
+  const std::string product = local + "\\Tavorns\\ZEV5";
+  Lines expected = {"OpenOutput | 1 | " + local + "\\deneme_sil",
+                    "Kill | " + local + "\\deneme_sil", "MkDir | " + local + "\\Tavorns",
+                    "MkDir | " + product, registering("alice")};
+  for (const Row& row : table) {
+    if (applies(row, {}))
+      expected.push_back("OpenOutput | 1 | " + product + "\\" + row.word("value"));
+  }
+  EXPECT_EQ(trace({"OpenOutput", "Kill", "MkDir", "Status"}), expected);
+}
+
 TEST_F(OtherUsers, WithoutASelectedLanguageNoneIsWritten) {
   program->form1.Combo1.setListIndex(-1);
   profile("alice");

@@ -270,6 +270,20 @@ TEST_F(StartMenus, WithoutASharedFolderTheUsersOwnProgramsGetTheGroup) {
   EXPECT_EQ(machine.calls("LinkTopic"), 0u);
 }
 
+/// It is looked for whatever its attributes, and then only a folder without them is good enough.
+TEST_F(StartMenus, AConcealedSharedFolderLeadsToProgramManager) {
+  for (const std::uint32_t attributes : {file_attribute::hidden, file_attribute::system}) {
+    InstalledMachine fresh;
+    fresh.machine.disks().put(fromUtf8(shared), {.directory = true, .attributes = attributes});
+    fresh.run();
+    EXPECT_EQ(fresh.talkTrace(), conversation()) << attributes;
+    EXPECT_EQ(fresh.steps(),
+              (Lines{"RunStep | 162", "RunStep | 163", "RunStep | 164", "RunStep | 173"}));
+    EXPECT_EQ(fresh.globals().gStartMenuDir, fromUtf8(shared)) << attributes;
+    EXPECT_EQ(fresh.machine.calls("SHGetSpecialFolderLocation"), 0u) << attributes;
+  }
+}
+
 TEST_F(StartMenus, TheSharedFolderIsTakenWithoutAskingForAnother) {
   run();
   EXPECT_EQ(machine.calls("SHGetSpecialFolderLocation"), 0u);

@@ -72,6 +72,8 @@ KNOWN_TO_DIFFER = {
     "browser/new-folder-with-a-colon-ends-the-program":
         "Wine makes folders with a colon in their names",
     "file-type/type-among-1024-keys-is-seen": "Wine has many classes of its own",
+    "shortcuts/hidden-start-menu-leads-to-program-manager":
+        "Wine's Program Manager makes the group, where the simulated one notes what it is told",
     "shortcuts/vanished-programs-lead-to-program-manager":
         "Wine's Program Manager crashes without a folder of programs",
 }

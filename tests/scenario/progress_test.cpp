@@ -1,0 +1,34 @@
+#include "scenario/progress.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace zev::scenario {
+namespace {
+
+constexpr ControlDesign controls[] = {{.name = u"Label12", .kind = ControlKind::Label}};
+constexpr FormDesign design = {.name = u"Form1", .caption = u"Toy", .controls = controls};
+
+/// Line ends of every kind, as they stand in captions and boxes.
+constexpr TextView severalLines = u"one\r\ntwo\rthree\n\r\nfive";
+
+TEST(Progress, TellsAFileInOneLine) {
+  Form form(design);
+  form.Visible = true;
+  Label& file = form.control<Label>(u"Label12");
+  file.Caption = Text(severalLines);
+  std::ostringstream out;
+  Progress(out, false).propertyWritten(form, file.property("Caption"));
+  EXPECT_EQ(out.str(), "0%  one two three  five\n");
+}
+
+TEST(Progress, TellsABoxInOneLine) {
+  std::ostringstream out;
+  Progress(out, false)
+      .boxAnswered({.text = Text(severalLines), .style = 0, .title = u"Toy"}, BoxAnswer::OK);
+  EXPECT_EQ(out.str(), "[Toy] one two three  five  -> ok\n");
+}
+
+}  // namespace
+}  // namespace zev::scenario
