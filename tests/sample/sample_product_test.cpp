@@ -237,6 +237,9 @@ TEST_F(SampleProductTest, HoldsImagesOfProgramsAndLibraries) {
       EXPECT_EQ(textAt(bytes, 0, 2), "MZ") << image->installedName;
       const std::size_t header = numberAt(bytes, 60);
       EXPECT_EQ(textAt(bytes, header, 4), std::string("PE\0\0", 4)) << image->installedName;
+      EXPECT_EQ(textAt(bytes, header + 4, 2), "\x4C\x01") << "no 32 bits: " << image->installedName;
+      const auto subsystemVersion = bytes[header + 24 + 48];
+      EXPECT_LE(subsystemVersion, 5) << "starts on no Windows XP: " << image->installedName;
       EXPECT_EQ(numberAt(bytes, header + 8), 0u) << "time stamp of " << image->installedName;
       const bool library = (numberAt(bytes, header + 22, 2) & kLibrary) != 0;
       EXPECT_EQ(library, ending == ".dll") << image->installedName;

@@ -32,7 +32,7 @@ import time
 
 import scenario_machine
 import wine_machine
-from prefix_state import Drive, Files, Registry, attributes_of, read_link, sha256_of
+from prefix_state import SEEN_BY_32_BITS, Drive, Files, Registry, attributes_of, read_link, sha256_of
 
 TOOLS = "C:\\windows\\zevtest"  # nobody looks there
 TIMEOUT = 30
@@ -140,7 +140,10 @@ class Session:
         self.folder = self.template.copy()
         self.machine = BobMachine(self.folder, locale, settings.locales if locale else None,
                                   settings.width)
-        self.drives = [Drive("C", self.machine.drive, ["windows/zevtest"])]
+        # A program of 32 bits on 64-bit Windows sees folders and keys of its own.
+        self.has_own_view = settings.of_32_bits and settings.width == 64
+        self.drives = [Drive("C", self.machine.drive, ["windows/zevtest"],
+                             SEEN_BY_32_BITS if self.has_own_view else {})]
         self.add_drives(drives)
         self.machine.__enter__()
         self.holder = self.hold()
@@ -199,7 +202,7 @@ class Session:
         program = str(self.machine.path(scenario_machine.PROGRAM))
         self.files = Files(self.drives, self.template.folder / "prefix" / "drive_c",
                            {program: self.settings.program})
-        self.registry = Registry(self.machine.path(f"{TOOLS}\\x").parent)
+        self.registry = Registry(self.machine.path(f"{TOOLS}\\x").parent, self.has_own_view)
 
     def running(self):
         """Processes of this machine."""
@@ -412,6 +415,12 @@ def compare_links(files, state):
 # ---- one scenario
 
 
+def is_of_32_bits(image):
+    """By the machine that the header of an image names."""
+    header = int.from_bytes(image[0x3C:0x40], "little")
+    return image[header + 4:header + 6] == b"\x4c\x01"
+
+
 class Settings:
     """What all scenarios have in common."""
 
@@ -425,6 +434,7 @@ class Settings:
         self.image_size = pathlib.Path(options.image).stat().st_size
         self.locales = self.work / "locales"
         self.width = options.width
+        self.of_32_bits = is_of_32_bits(self.package)
 
     def package_of(self, plan):
         """The bytes of a package that is not the usual one."""

@@ -46,10 +46,11 @@ def take_back_mark(host_path, mark):
 
 class Drive:
     """One drive: its letter and the host's folder that it lies over. `left_out` are paths below it
-    that nobody looks at."""
+    that nobody looks at; `views` are folders that a program sees elsewhere, by where they lie."""
 
-    def __init__(self, letter, folder, left_out=()):
+    def __init__(self, letter, folder, left_out=(), views=()):
         self.letter = letter.upper()
+        self.views = dict(views)
         self.folder = pathlib.Path(folder)
         self.left_out = {str(self.folder / each) for each in left_out}
 
@@ -70,7 +71,17 @@ class Drive:
 
     def windows_path(self, host_path):
         relative = os.path.relpath(host_path, self.folder)
+        for folder, seen in self.views.items():
+            if relative == folder or relative.startswith(folder + "/"):
+                relative = seen + relative[len(folder):]
+                break
         return f"{self.letter}:\\" + relative.replace("/", "\\")
+
+
+# What 64-bit Windows shows to programs of 32 bits under another name.
+SEEN_BY_32_BITS = {"windows/syswow64": "windows/system32",
+                   "windows/system32": "windows/system32 of 64 bits"}
+KEY_OF_32_BITS = "Wow6432Node"
 
 
 def attributes_of(host_path):
@@ -203,8 +214,10 @@ class Registry:
 
     FILES = (("HKEY_LOCAL_MACHINE", "machine.reg"), ("HKEY_CURRENT_USER", "user.reg"))
 
-    def __init__(self, folder):
+    def __init__(self, folder, of_32_bits=False):
+        """`of_32_bits`: as 64-bit Windows shows it to a program of 32 bits."""
         self.folder = pathlib.Path(folder)
+        self.of_32_bits = of_32_bits
         self.known = {}  # by hive: what a block of text says
         self.first = self._read()
         self.now = self.first
@@ -228,12 +241,18 @@ class Registry:
                     found[place[0]] = place[1]
         return found
 
-    @staticmethod
-    def _place(hive, block):
+    def _place(self, hive, block):
         header, _, rest = block.partition("\n")
         lines = [line for line in rest.rstrip("\n").split("\n") if not line.startswith("#time=")]
         key = header[1:header.rindex("]")]
-        key = "Software" + ("\\\\" + key if key else "")
+        root = "Software"
+        if self.of_32_bits and hive == "HKEY_LOCAL_MACHINE":
+            first, _, rest = key.partition("\\\\")
+            if first.lower() == KEY_OF_32_BITS.lower():
+                key = rest
+            elif first.lower() != "classes":  # which both share
+                root = "Software of 64 bits"
+        key = root + ("\\\\" + key if key else "")
         return (hive, key), "\n".join(["", *lines])
 
     def values(self, hive, key):

@@ -222,7 +222,8 @@ void saveRegistry(const fs::path& folder) {
     const fs::path file = folder / saved.file;
     fs::remove(file);
     HKEY key = nullptr;
-    RegOpenKeyExW(hiveHandle(saved.hive), L"Software", 0, MAXIMUM_ALLOWED, &key);
+    // All of it: what programs of 32 bits see of it is a part, and lies below a key of its own.
+    RegOpenKeyExW(hiveHandle(saved.hive), L"Software", 0, MAXIMUM_ALLOWED | KEY_WOW64_64KEY, &key);
     const LSTATUS error = RegSaveKeyW(key, file.c_str(), nullptr);
     RegCloseKey(key);
     if (error == ERROR_SUCCESS) continue;
