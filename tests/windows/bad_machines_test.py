@@ -30,6 +30,8 @@ DATA = HERE.parent / "data"
 
 TOOLS = "C:\\Test"
 PROGRAM = "C:\\Users\\bob\\Downloads\\ZEVSetup.exe"
+# What the program, of 32 bits, sees as C:\windows\system32.
+SYSTEM_FOLDER = "C:\\windows\\syswow64"
 INSTALL = "C:\\Program Files\\ZEV Screen Recorder 6"
 TEMPORARY = "C:\\Users\\bob\\AppData\\Local\\Temp\\ZEVTMP"
 OWN_PROGRAMS = "C:\\Users\\bob\\AppData\\Roaming\\Microsoft\\Windows\\Start Menu\\Programs"
@@ -235,7 +237,7 @@ class BadMachineTest(unittest.TestCase):
         self.assertNotIn("not seen", words)
 
     def test_no_right_to_the_system_directory(self):
-        self.forbid("C:\\windows\\system32")
+        self.forbid(SYSTEM_FOLDER)
         boxes = []
         for member in members():
             if member.target == "system":
@@ -446,7 +448,7 @@ class BadMachineTest(unittest.TestCase):
         self.assertFalse(self.host(TEMPORARY).exists())
         self.assertEqual(self.sizes(INSTALL), laid)
         libraries = {each.installed for each in members() if each.target == "system"}
-        self.assertFalse(libraries & self.names("C:\\windows\\system32"))
+        self.assertFalse(libraries & self.names(SYSTEM_FOLDER))
         self.assertFalse(self.host("C:\\Users\\bob\\AppData\\Local\\Tavorns").exists())
         self.assertFalse(self.host(f"{SHARED_START_MENU}\\{GROUP}").exists())
         self.machine.stop()
