@@ -421,6 +421,19 @@ class Tester:
             suites = [each for each in suites if each.room not in RUN_ROOMS]
         return suites
 
+    def make_wine(self):
+        """The root with Wine, beside the first builds: on a machine that has none it takes minutes."""
+        log = LOGS / "wine-root.log"
+        with open(log, "w") as out:
+            process = self.processes.start([ROOT / "tools" / "wine-root", "make"],
+                                           stdout=out, stderr=subprocess.STDOUT)
+            status, spent = wait_for(process)
+            self.processes.forget(process)
+        self.spend("Wine", spent)
+        if status != 0:
+            self.fail("this machine", "there is no Wine of both widths: the program for Windows is "
+                      "built, and all suites that would run it fail", log)
+
     # -- running
 
     def add(self, suites):
@@ -496,9 +509,16 @@ class Tester:
             each.start()
         teller = threading.Thread(target=self.progress, daemon=True)
         teller.start()
+        wine = None
+        if any(stage.preset.startswith("windows") for stage in self.stages):
+            wine = threading.Thread(target=self.make_wine, daemon=True)
+            wine.start()
         try:
             for stage in self.stages:
                 suites = self.build(stage)
+                if wine and stage.preset.startswith("windows"):
+                    while wine.is_alive():
+                        wine.join(0.5)
                 if suites is None:
                     self.failed_stages.add(stage.preset)
                     suites = []
