@@ -641,6 +641,44 @@ def tell_all(runner, left_out, mapping, seconds):
     return 1 if different or not compared else 0
 
 
+# ---- how many there are at least
+
+
+# A machine that fails to start a program is played again; more often than so is a fault to look at.
+MOST_PLAYED_AGAIN = 3
+
+
+def counts_of(runner, left_out):
+    compared = sum(not each.left_out for each in runner.results)
+    return {"compared": compared,
+            "left out": {reason: len(paths) for reason, paths in sorted(left_out.items())}}
+
+
+def below_floor(floor, now):
+    """What has shrunk unseen: fewer are compared, or more are left out for one reason."""
+    if now["compared"] < floor["compared"]:
+        yield f"{now['compared']} scenarios were compared, {floor['compared']} are known"
+    for reason, count in now["left out"].items():
+        known = floor["left out"].get(reason, 0)
+        if count > known:
+            yield f"{count} scenarios were left out and not {known}: {reason}"
+
+
+def hold_floor(path, runner, left_out, keep):
+    """Holds the counts against those that are kept in a file, or keeps them; 1 if they shrink."""
+    now = counts_of(runner, left_out)
+    if keep:
+        path.write_text(json.dumps(now, indent=2) + "\n")
+        return 0
+    complaints = list(below_floor(json.loads(path.read_text()), now))
+    again = len(runner.played_again)
+    if again > MOST_PLAYED_AGAIN:
+        complaints.append(f"{again} scenarios were played again, {MOST_PLAYED_AGAIN} may be")
+    for each in complaints:
+        print(f"FEWER {each} ({short(path)})")
+    return 1 if complaints else 0
+
+
 def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("work", help="folder for machines, shared with other tests")
@@ -653,6 +691,9 @@ def parse_arguments():
     parser.add_argument("--only", default="", help="only scenarios whose path matches this")
     parser.add_argument("--sample", type=int, default=1, help="only every n-th of them")
     parser.add_argument("--jobs", type=int, default=2, help="machines beside each other")
+    parser.add_argument("--floor", type=pathlib.Path,
+                        help="how many are compared and left out at least, and at most")
+    parser.add_argument("--keep-floor", action="store_true", help="writes that file anew")
     parser.add_argument("--list", action="store_true", help="also name those that are left out")
     return parser.parse_args()
 
@@ -674,6 +715,8 @@ def main():
     runner = Runner(settings, mapping)
     runner.run(plans, options.jobs, tell_result)
     status = tell_all(runner, left_out, mapping, time.monotonic() - begin)
+    if options.floor:
+        status = max(status, hold_floor(options.floor, runner, left_out, options.keep_floor))
     if options.list:
         for reason, paths in sorted(left_out.items()):
             for path in paths:
