@@ -14,8 +14,9 @@ bool succeeded(const Event& event) { return event.value("error", 0) == 0; }
 
 const std::vector<std::string_view>& eventKinds() {
   static const std::vector<std::string_view> kinds = {
-      "start",    "show", "hide",  "unload", "set",  "box",   "input", "step",   "file", "registry",
-      "shortcut", "dde",  "shell", "wait",   "open", "sleep", "call",  "expect", "end",
+      "start", "show", "hide",  "unload",   "set",      "refresh", "box",
+      "input", "step", "file",  "registry", "shortcut", "dde",     "shell",
+      "wait",  "open", "sleep", "call",     "expect",   "end",
   };
   return kinds;
 }
@@ -25,7 +26,7 @@ EventWriter::EventWriter(std::ostream* out, const std::vector<std::string>& sele
 
 bool EventWriter::selects(std::string_view kind) const {
   if (out_ == nullptr) return false;
-  return selected_.empty() ? kind != "call" : selected_.contains(kind);
+  return selected_.empty() ? !simulated::onDemandOnly(kind) : selected_.contains(kind);
 }
 
 bool EventWriter::wants(std::string_view kind) const {

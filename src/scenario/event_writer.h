@@ -23,7 +23,7 @@ struct Tally {
 };
 
 /// Writes events as JSON Lines, and counts what a summary tells. It writes the kinds that are
-/// selected; without a selection all but `call`.
+/// selected; without a selection all but those on demand.
 class EventWriter final : public simulated::Transcript {
  public:
   /// `out` null: nothing is written.

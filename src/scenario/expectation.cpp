@@ -87,8 +87,21 @@ Verdict judgeBoxes(std::string_view, const KeyedValue& expectation, const Scene&
   return verdict(expectation.value, scene.boxes);
 }
 
+/// Each by its words, or as an object with its window and folder: as the expectation is written.
+Verdict judgeStarts(const Json& expected, const std::vector<simulated::Start>& starts,
+                    const char* what) {
+  const bool parts = wantsParts(expected);
+  Json found = Json::array();
+  for (const simulated::Start& each : starts) {
+    const Json words = toUtf8(each.what);
+    const Json all = {{what, words}, {"style", each.style}, {"directory", toUtf8(each.directory)}};
+    found.push_back(parts ? all : words);
+  }
+  return verdict(expected, std::move(found));
+}
+
 Verdict judgeShell(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return verdict(expectation.value, listOf(scene.machine.records().shell));
+  return judgeStarts(expectation.value, scene.machine.records().shell, "command");
 }
 
 Verdict judgeDde(std::string_view, const KeyedValue& expectation, const Scene& scene) {
@@ -96,7 +109,7 @@ Verdict judgeDde(std::string_view, const KeyedValue& expectation, const Scene& s
 }
 
 Verdict judgeOpened(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return verdict(expectation.value, listOf(scene.machine.records().opened));
+  return judgeStarts(expectation.value, scene.machine.records().opened, "path");
 }
 
 Verdict judgeCalls(std::string_view name, const KeyedValue& expectation, const Scene& scene) {

@@ -74,7 +74,7 @@ const char* const zevsimUsage =
     "  --transcript FILE   writes what happened, as JSON Lines; without it to standard output,\n"
     "                      unless that is taken by the prompt, --progress or --summary\n"
     "  --events KIND,...   writes these kinds of event only; `all` is every kind, calls of the\n"
-    "                      platform included\n"
+    "                      platform and refreshes of controls included\n"
     "  --outside FILE      writes what can be seen from outside at rest, as zevdrive does\n"
     "  --state FILE        writes the machine's state at the end, as JSON\n"
     "  --export DIR        lays drive C: out as DIR/C at the end, and the registry as\n"

@@ -16,7 +16,7 @@ struct ZevsimOptions {
   std::optional<std::filesystem::path> outside;     ///< the transcript as seen from outside
   std::optional<std::filesystem::path> state;
   std::optional<std::filesystem::path> exportFolder;
-  std::vector<std::string> events;  ///< kinds to write; none: all but calls
+  std::vector<std::string> events;  ///< kinds to write; none: all but those on demand
   bool interactive = false;
   bool progress = false;
   bool summary = false;

@@ -358,6 +358,53 @@ void checkBoxes(std::string_view, const JsonReader& expected) {
 
 void checkValue(std::string_view, const JsonReader& expected) { checkMatcher(expected); }
 
+// What was started.
+
+/// How an expectation tells of what was started: by its words alone, or as objects of its parts.
+struct StartWish {
+  bool words = false;
+  bool parts = false;
+};
+
+StartWish startWish(const Json& expected) {
+  if (isFacts(expected)) return {false, true};
+  StartWish wish{expected.is_string(), false};
+  if (!expected.is_structured()) return wish;
+  for (const Json& each : expected) {
+    const StartWish inner = startWish(each);
+    wish = {wish.words || inner.words, wish.parts || inner.parts};
+  }
+  return wish;
+}
+
+void checkParts(const JsonReader& expected, const std::vector<std::string_view>& known) {
+  if (expected.json().is_array()) {
+    for (const JsonReader& each : expected.elements()) checkParts(each, known);
+  }
+  if (!expected.isObject()) return;
+  for (const auto& [key, value] : expected.members()) {
+    if (isCondition(expected.json())) {
+      checkParts(value, known);
+    } else if (std::find(known.begin(), known.end(), key) == known.end()) {
+      failUnknownKey(value, key, known);
+    }
+  }
+}
+
+/// Words that stand beside objects would be held against objects, and a denial of them always hold.
+void checkStarts(const JsonReader& expected, std::string_view what) {
+  checkMatcher(expected);
+  checkParts(expected, {what, "style", "directory"});
+  const StartWish wish = startWish(expected.json());
+  if (wish.words && wish.parts) {
+    expected.fail("texts beside objects: give each as an object with its " + std::string(what));
+  }
+}
+
+void checkShell(std::string_view, const JsonReader& expected) { checkStarts(expected, "command"); }
+
+void checkOpened(std::string_view, const JsonReader& expected) { checkStarts(expected, "path"); }
+
 void checkEnded(std::string_view, const JsonReader& expected) {
   const Json& value = expected.json();
   checkMatcher(expected);
@@ -386,8 +433,8 @@ constexpr KeyKind keyKinds[] = {
     {"file:", false, checkFile},         {"dir:", false, checkFile},
     {"registry:", false, checkRegistry}, {"shortcut:", false, checkShortcut},
     {"calls:", false, checkValue},       {"global.", false, checkValue},
-    {"boxes", true, checkBoxes},         {"shell", true, checkValue},
-    {"dde", true, checkValue},           {"opened", true, checkValue},
+    {"boxes", true, checkBoxes},         {"shell", true, checkShell},
+    {"dde", true, checkValue},           {"opened", true, checkOpened},
     {"ended", true, checkEnded},         {"active", true, checkValue},
     {"focus", true, checkValue},
 };
@@ -431,6 +478,8 @@ Verdict judgeEnd(const Json& expected, const Json& ended) {
   const bool byWord = ended.is_object() && !wantsNumber(expected);
   return {matches(expected, byWord ? Json("error") : ended), ended};
 }
+
+bool wantsParts(const Json& expected) { return startWish(expected).parts; }
 
 Json normalShortcut(const Json& expected) {
   if (!isFacts(expected)) return normalDenial(expected, normalShortcut);

@@ -40,6 +40,10 @@ Verdict judgeRegistry(std::string_view rest, const Json& expected, const Witness
 /// expectation that may give the word alone.
 Verdict judgeEnd(const Json& expected, const Json& ended);
 
+/// Whether an expectation of what was started, or opened, is written with objects of its parts, and
+/// not with its words alone.
+bool wantsParts(const Json& expected);
+
 /// An expected shortcut with its properties spelled as the automation object spells them.
 Json normalShortcut(const Json& expected);
 

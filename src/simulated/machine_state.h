@@ -14,11 +14,21 @@
 
 namespace zev::simulated {
 
+/// What was to be started, or opened: how its window was to stand, and the folder that it was to
+/// begin in.
+struct Start {
+  Text what;
+  std::int32_t style = 0;
+  Text directory;
+
+  bool operator==(const Start&) const = default;
+};
+
 /// What the running program has asked of other programs since it was started.
 struct Records {
-  std::vector<Text> shell;   ///< command lines, started or not
-  std::vector<Text> dde;     ///< commands that reached a server
-  std::vector<Text> opened;  ///< files and folders opened with the program of their type
+  std::vector<Start> shell;   ///< command lines, started or not
+  std::vector<Text> dde;      ///< commands that reached a server
+  std::vector<Start> opened;  ///< files and folders opened with the program of their type
 };
 
 /// All that the services of one machine share. It outlives the programs that run on it.

@@ -164,7 +164,10 @@ void Screen::propertyWritten(PropertyBase& property) {
   person_.propertyWritten(property);
 }
 
-void Screen::refreshed(Component&) {}
+void Screen::refreshed(Component& component) {
+  if (!transcript_.wants("refresh")) return;
+  transcript_.add({{"event", "refresh"}, {"control", toUtf8(toldName(component))}});
+}
 
 void Screen::tell(std::string_view kind, const Form& form) {
   if (transcript_.wants(kind)) {
@@ -172,13 +175,17 @@ void Screen::tell(std::string_view kind, const Form& form) {
   }
 }
 
+/// A form's own name, or a control's with that of its form in front; of a loaded form.
+Text Screen::toldName(const Component& component) const {
+  const Form& form = *formOf(component);
+  return &component == &form ? form.name() : join(form.name(), u".", component.name());
+}
+
 void Screen::tellWritten(PropertyBase& property) {
   const Form& form = *formOf(property.owner());
   if (!everShown_.contains(form.name()) || !transcript_.wants("set")) return;
-  const Text& owner = property.owner().name();
-  const bool ofForm = &property.owner() == &form;
   transcript_.add({{"event", "set"},
-                   {"control", toUtf8(ofForm ? owner : join(form.name(), u".", owner))},
+                   {"control", toUtf8(toldName(property.owner()))},
                    {"property", property.name()},
                    {"value", toJson(property.value())}});
 }

@@ -68,6 +68,7 @@ class Screen final : public FormEngine {
   void lower(Form& form);
   void tell(std::string_view kind, const Form& form);
   void tellWritten(PropertyBase& property);
+  Text toldName(const Component& component) const;
 
   Person& person_;
   Transcript& transcript_;

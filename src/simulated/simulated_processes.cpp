@@ -79,7 +79,7 @@ std::int32_t SimulatedProcesses::start(const Text& program, TextView commandLine
 
 void SimulatedProcesses::recordShell(TextView commandLine, std::int32_t style, std::int32_t error) {
   const Text line = machine_.throughAnsi(beforeNul(commandLine));
-  machine_.records.shell.push_back(line);
+  machine_.records.shell.push_back({line, style, machine_.currentFolder().text()});
   if (!machine_.transcript.wants("shell")) return;
   machine_.transcript.add(
       {{"event", "shell"}, {"command", toUtf8(line)}, {"style", style}, {"error", error}});
@@ -137,12 +137,12 @@ std::uint32_t SimulatedProcesses::GetTickCount() {
 }
 
 std::intptr_t SimulatedProcesses::ShellExecuteA(WindowHandle, TextView, TextView file, TextView,
-                                                TextView, std::int32_t) {
+                                                TextView directory, std::int32_t show) {
   const Text path = machine_.throughAnsi(beforeNul(file));
   std::uint32_t attributes = 0;
   const SystemError error = files_.GetFileAttributesA(path, attributes);
   if (error != system_error::success) return static_cast<std::intptr_t>(error);
-  machine_.records.opened.push_back(path);
+  machine_.records.opened.push_back({path, show, machine_.throughAnsi(beforeNul(directory))});
   if (machine_.transcript.wants("open")) {
     machine_.transcript.add({{"event", "open"}, {"path", toUtf8(path)}});
   }

@@ -28,7 +28,8 @@ class SimulatedProcesses final : public Processes {
   Text ownName() override;
 
   /// Puts on record, and tells the transcript, that a command line was to be started and what came
-  /// of it: a run-time error number, or 0.
+  /// of it: a run-time error number, or 0. A program begins in the folder of the one that starts
+  /// it.
   void recordShell(TextView commandLine, std::int32_t style, std::int32_t error);
 
   /// Process handles that were opened and not closed.

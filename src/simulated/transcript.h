@@ -9,14 +9,18 @@ namespace zev::simulated {
 /// One event of a run: an object whose first member `event` names its kind.
 using Event = nlohmann::ordered_json;
 
+/// Whether a kind of event is told only to whoever asks for it by name, since a run has thousands.
+bool onDemandOnly(std::string_view kind);
+
 /// Takes the events of a run in the order of happening. The machine writes these kinds:
 ///
 ///   start {}                      the program is started
 ///   show / hide / unload          {form}
-///   set                           {control, property, value}; control is "Form1.Label12" or
-///   "Form1" box                           {text, title, style, answer}; answer in words: "yes",
-///   "cancel", ... input                         {prompt, title, answer} file {op, path, bytes,
-///   error}; op is create, write, delete, mkdir,
+///   set                           {control, property, value}; the control "Form1.Label12", "Form1"
+///   refresh                       {control}: painted at once; only if wanted
+///   box                           {text, title, style, answer}; the answer in words: "yes"
+///   input                         {prompt, title, answer}
+///   file                          {op, path, bytes, error}; op is create, write, delete, mkdir,
 ///                                 rmdir or attributes. Writes to an open file are summed up and
 ///                                 told when it is closed, a failing write at once. `bytes` stands
 ///                                 with write only. `error` is the system's number, 0 for success
@@ -45,11 +49,11 @@ class NoTranscript final : public Transcript {
   void add(Event) override {}
 };
 
-/// Keeps all events, calls only when asked to.
+/// Keeps all events, those on demand only when asked to.
 class TranscriptLog final : public Transcript {
  public:
   explicit TranscriptLog(bool withCalls = false) : withCalls_(withCalls) {}
-  bool wants(std::string_view kind) const override { return withCalls_ || kind != "call"; }
+  bool wants(std::string_view kind) const override { return withCalls_ || !onDemandOnly(kind); }
   void add(Event event) override { events_.push_back(std::move(event)); }
 
   const std::vector<Event>& events() const { return events_; }

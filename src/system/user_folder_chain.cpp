@@ -44,7 +44,7 @@ void UserFolderChain::run() {
     makeOwnFolder();
     return;
   }
-  setStage_(13);
+  setStage_(13);  // never printed: nothing is asked here that can fail
   takeProfile(profileFolder(*name));
   takeSecondProfile(*name);
   takeStartMenuProfile();

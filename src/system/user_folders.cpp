@@ -21,13 +21,12 @@ bool makeFolder(Files& files, TextView folder) {
   return exists(files, folder, dir_mask::anyEntry);
 }
 
-/// Steps of one root. The second root has one number for all of its work.
+/// Steps behind the probe of a root.
 struct RootSteps {
-  std::int32_t probe, maker, product;
+  std::int32_t maker, product;
 };
 
 Outcome readyRoot(Files& files, TextView root, const RootSteps& steps, RunReport& report) {
-  report.setRunStep(steps.probe);
   if (!WriteProbeFile(files, root, probeFile, probeFile)) return Outcome::NotWritable;
   report.setRunStep(steps.maker);
   DeleteProbeFile(files, root, probeFile);
@@ -52,7 +51,7 @@ void readyFirstRoot(Program& program, Phrases& phrases, RunReport& report) {
   Globals& globals = program.globals;
   Files& files = program.platform.files;
   if (!present(files, globals.gUserDir)) return;
-  const Outcome outcome = readyRoot(files, globals.gUserDir, {127, 128, 129}, report);
+  const Outcome outcome = readyRoot(files, globals.gUserDir, {128, 129}, report);
   if (outcome != Outcome::Ready) tellNotMade(program, phrases);
   if (outcome != Outcome::NotWritable) return;
   globals.gUserDir.clear();
@@ -62,9 +61,9 @@ void readyFirstRoot(Program& program, Phrases& phrases, RunReport& report) {
 void readySecondRoot(Program& program, RunReport& report) {
   Globals& globals = program.globals;
   Files& files = program.platform.files;
-  report.setRunStep(130);
+  report.setRunStep(130);  // one number for all of its work
   if (!present(files, globals.gUserDirAlt)) return;
-  const Outcome outcome = readyRoot(files, globals.gUserDirAlt, {130, 130, 130}, report);
+  const Outcome outcome = readyRoot(files, globals.gUserDirAlt, {130, 130}, report);
   if (outcome != Outcome::NotWritable) return;
   globals.gUserDirAlt.clear();
   globals.gUserDataAlt.clear();

@@ -36,7 +36,8 @@ void Wizard::Form_Load() {
   }
 }
 
-/// The stage numbers are printed by the trap.
+/// The stage numbers are printed by the trap. It never prints 21, since loading the phrases cannot
+/// fail, nor 25, since the scan ignores its errors (and so has no use for numbers within).
 void Wizard::loadForm(std::int32_t& stage) {
   stage = 1;
   findTemporaryFolder();

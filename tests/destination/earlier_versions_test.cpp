@@ -69,11 +69,13 @@ class EarlierVersionsTest : public OnThePage, public testing::Test {
     return ok == -1;
   }
 
-  /// What was to be started since the last call.
+  /// What was to be started since the last call, in a normal window with the focus.
   std::vector<Text> started() {
-    const auto& all = machine.records().shell;
-    const std::vector<Text> fresh(all.begin() + static_cast<std::ptrdiff_t>(seen_), all.end());
-    seen_ = all.size();
+    std::vector<Text> fresh;
+    for (const auto& all = machine.records().shell; seen_ < all.size(); ++seen_) {
+      EXPECT_EQ(all[seen_].style, 1) << toUtf8(all[seen_].what);
+      fresh.push_back(all[seen_].what);
+    }
     return fresh;
   }
 

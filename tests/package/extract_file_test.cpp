@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "package/projects.h"
 #include "system/on_a_machine.h"
 
@@ -17,10 +19,21 @@ constexpr TextView work = u"C:\\work.wa_";
 
 class ExtractFileTest : public OnAMachine, public testing::Test {
  protected:
-  ExtractFileTest() { machine.disks().putText(package, "0123456789"); }
+  ExtractFileTest() : OnAMachine(true) { machine.disks().putText(package, "0123456789"); }
   bool extract(std::int32_t size, std::int32_t tailOffset) {
     return ExtractFile(*program, *phrases, join(package, u"  "), join(u" ", work), size,
                        tailOffset);
+  }
+  /// The files in the order in which they were closed.
+  std::vector<std::string> closed() const {
+    std::map<int, std::string> opened;
+    std::vector<std::string> files;
+    for (const simulated::Event& call : transcript.of("call")) {
+      const simulated::Event& arguments = call["arguments"];
+      if (call["name"] == "OpenBinary") opened[arguments[0]] = arguments[1];
+      if (call["name"] == "Close") files.push_back(opened[arguments[0]]);
+    }
+    return files;
   }
   std::vector<std::string> boxTexts() const {
     std::vector<std::string> texts;
@@ -95,6 +108,17 @@ TEST_F(ExtractFileTest, FilesAreClosedWhateverHappens) {
     EXPECT_FALSE(extract(3, 0)) << call;
     EXPECT_EQ(files().FreeFile(), 1) << call;
   }
+}
+
+TEST_F(ExtractFileTest, TheWorkFileIsClosedBeforeThePackage) {
+  EXPECT_TRUE(extract(3, 0));
+  EXPECT_EQ(closed(), (std::vector<std::string>{toUtf8(work), toUtf8(package)}));
+}
+
+TEST_F(ExtractFileTest, AFailureClosesThePackageBeforeTheWorkFile) {
+  machine.setFaults({{.call = "Put", .effect = Fault::Effect::Raise, .code = 57}});
+  EXPECT_FALSE(extract(3, 0));
+  EXPECT_EQ(closed(), (std::vector<std::string>{toUtf8(package), toUtf8(work)}));
 }
 
 TEST_F(ExtractFileTest, AFullDiskIsError61) {

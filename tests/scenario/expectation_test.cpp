@@ -197,6 +197,68 @@ TEST(Expectation, StartsWithNothingHappened) {
                             "calls:MsgBox": 0)"));
 }
 
+/// Whether a key holds against what a toy at rest has started.
+class StartExpectation : public testing::Test {
+ protected:
+  StartExpectation() {
+    simulated::SimulatedMachine& machine = play.player->machine();
+    machine.disks().putText(u"C:\\a.exe", "MZ");
+    machine.platform().processes.Shell(u"C:\\a.exe /x", 1);
+    EXPECT_THROW(machine.platform().processes.Shell(u"\"C:\\none.exe\"", 7), RuntimeError);
+    machine.disks().putDirectory(u"C:\\Some Where");
+    machine.platform().processes.ShellExecuteA(0, u"", u"C:\\Some Where", u"", u"C:", 3);
+  }
+  bool found(const std::string& key, std::string_view written) {
+    const Json value = parseJson(written);
+    checkExpectation(key, JsonReader(value));
+    return judge({key, value, "$"}, play.player->scene()).held;
+  }
+  std::string foundAs(const std::string& key, std::string_view written) {
+    return judge({key, parseJson(written), "$"}, play.player->scene()).found.dump();
+  }
+
+  Play play{"{}"};
+};
+
+TEST_F(StartExpectation, TellsWhatWasStartedByItsWords) {
+  EXPECT_TRUE(found("shell", R"(["C:\\a.exe /x", "\"C:\\none.exe\""])"));
+  EXPECT_TRUE(found("shell", R"([{"contains": "a.exe"}, {"not": "C:\\none.exe"}])"));
+  EXPECT_TRUE(found("shell", R"({"contains": "C:\\a.exe /x"})"));
+  EXPECT_FALSE(found("shell", R"(["C:\\a.exe /x"])"));
+  EXPECT_TRUE(found("opened", R"(["C:\\Some Where"])"));
+  EXPECT_EQ(foundAs("shell", "[]"), R"(["C:\\a.exe /x","\"C:\\none.exe\""])");
+}
+
+TEST_F(StartExpectation, TellsWindowAndFolderToAnObject) {
+  EXPECT_TRUE(found("shell", R"([
+      {"command": "C:\\a.exe /x", "style": 1, "directory": "C:\\Users\\bob\\Downloads"},
+      {"command": {"contains": "none"}, "style": 7}])"));
+  EXPECT_FALSE(found("shell", R"([{"style": 1}, {"style": 1}])"));
+  EXPECT_FALSE(found("shell", R"([{"style": 1}, {"directory": "C:\\"}])"));
+  EXPECT_TRUE(found("shell", R"({"contains": {"style": 7}})"));
+  EXPECT_FALSE(found("shell", R"({"contains": {"command": "C:\\a.exe /x", "style": 7}})"));
+  EXPECT_TRUE(found("shell", R"({"not": {"contains": {"style": 2}}})"));
+  EXPECT_TRUE(found("opened", R"([{"path": "C:\\Some Where", "style": 3, "directory": "C:"}])"));
+  EXPECT_FALSE(found("opened", R"([{"directory": ""}])"));
+  EXPECT_EQ(foundAs("opened", R"([{"style": 1}])"),
+            R"([{"path":"C:\\Some Where","style":3,"directory":"C:"}])");
+}
+
+TEST_F(StartExpectation, RefusesOtherKeysAndTextsBesideObjects) {
+  const auto error = [&](const char* key, std::string_view written) {
+    return errorOf([&] { found(key, written); });
+  };
+  EXPECT_EQ(error("shell", R"([{"path": "C:\\a.exe"}])"),
+            "$[0].path: unknown key \"path\"; the keys are command, style, directory");
+  EXPECT_EQ(
+      error("opened", R"({"not": {"contains": [{"command": "C:\\"}]}})"),
+      "$.not.contains[0].command: unknown key \"command\"; the keys are path, style, directory");
+  EXPECT_EQ(error("shell", R"([{"style": 1}, {"not": "C:\\a.exe"}])"),
+            "$: texts beside objects: give each as an object with its command");
+  EXPECT_EQ(error("opened", R"({"contains": ["C:\\a", {"style": 1}]})"),
+            "$: texts beside objects: give each as an object with its path");
+}
+
 TEST(Expectation, CountsTheCallsOfAnOperation) {
   const Play play = playScript(R"({"answer": ["no", "no"]}, {"click": "Command3"},
       {"click": "Command3"}, {"expect": {"calls:MsgBox": 2, "calls:InputBox": 0}})");

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
+#include "scenarios/box_patterns.h"
 #include "scenarios/whole_run.h"
 
 namespace zev {
@@ -69,6 +71,39 @@ TEST(CancelInTheRun, RefusedAtEveryPassChangesNothing) {
   EXPECT_EQ(refused.events("box").size(), passesOfARun);
   EXPECT_TRUE(refused.ended().is_null());
   EXPECT_EQ(refused.machine().state(), clean.machine().state());
+}
+
+/// What the status line comes to read, what is painted at once, and when the files go.
+std::vector<std::string> cleanUp(const WholeRun& run) {
+  std::vector<std::string> told;
+  for (const Event& event : run.events()) {
+    const std::string kind = event["event"];
+    const bool status = kind == "set" && event["control"] == "Form1.Label11";
+    if (status && event["value"] != "") told.push_back(event["value"]);
+    if (kind == "refresh") told.push_back("refresh " + event["control"].get<std::string>());
+    if (kind == "call" && event["name"] == "Kill") told.push_back("Kill");
+  }
+  return told;
+}
+
+TEST(ConfirmedCancel, TellsTwiceOfItsCleanUpAndPaintsItAtOnce) {
+  const WholeRun english(R"({"script": [{"answer": ["yes"]}, {"click": "Command3"}]})", true);
+  EXPECT_EQ(cleanUp(english),
+            (std::vector<std::string>{"Deleting temporary files...", "refresh Form1.Label11",
+                                      "Temporary files are being deleted...",
+                                      "refresh Form1.Label11", "Kill"}));
+}
+
+TEST(ConfirmedCancel, TellsOfItsCleanUpInEachLanguage) {
+  const std::map<int, std::string> entries = {{2, "Deutsch"}, {3, "Français"}, {4, "Espanol"}};
+  for (const auto& [language, entry] : entries) {
+    const WholeRun run(R"({"script": [{"select": ["Combo1", ")" + entry +
+                       R"("]}, {"answer": ["yes"]}, {"click": "Command3"}]})");
+    EXPECT_EQ(cleanUp(run), (std::vector<std::string>{
+                                translated("Deleting temporary files...", language),
+                                translated("Temporary files are being deleted...", language)}));
+    EXPECT_NE(cleanUp(run).front(), "Deleting temporary files...") << entry;
+  }
 }
 
 TEST(CancelInTheRun, TheCloseBoxIsACancelToo) {

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "scenarios/whole_run.h"
 
 namespace zev {
@@ -62,6 +64,73 @@ TEST(RunScreen, NamesEachMemberPackedAndThenInItsTarget) {
   EXPECT_EQ(names[0], "MCD28m.wa_");
   EXPECT_EQ(names[1], "C:\\Program Files\\ZEV Screen Recorder 6\\MCD28m.wav");
   EXPECT_EQ(names.back(), "");
+}
+
+// ---- what is painted at once
+
+/// "set Label11", "refresh Label11", "call DoEvents": what an event did, without values.
+std::string deed(const simulated::Event& event) {
+  const std::string kind = event["event"];
+  if (kind == "call") return "call " + event["name"].get<std::string>();
+  if (!event.contains("control")) return kind;
+  const std::string control = event["control"];
+  return kind + " " + control.substr(control.find('.') + 1);
+}
+
+std::vector<std::string> deeds(const WholeRun& run) {
+  std::vector<std::string> all;
+  for (const simulated::Event& each : run.events()) all.push_back(deed(each));
+  return all;
+}
+
+/// What followed each of certain deeds.
+std::vector<std::vector<std::string>> behind(const std::vector<std::string>& deeds,
+                                             const std::string& begin, std::size_t count) {
+  std::vector<std::vector<std::string>> found;
+  for (std::size_t place = 0; place + count < deeds.size(); ++place) {
+    if (deeds[place] != begin) continue;
+    const auto next = deeds.begin() + static_cast<std::ptrdiff_t>(place) + 1;
+    found.emplace_back(next, next + static_cast<std::ptrdiff_t>(count));
+  }
+  return found;
+}
+
+/// Another user's profile adds a text of its own.
+const WholeRun& paintedRun() {
+  static const WholeRun run(
+      std::string(R"({"machine": {"files": {"C:\\Users\\eve\\AppData\\Local": {"directory": true}}},
+                      "script": [)") +
+          stepsToInstall + "]}",
+      true);
+  return run;
+}
+
+TEST(RunScreen, PaintsEachLabelAsSoonAsItsTextStands) {
+  const std::vector<std::string> all = deeds(paintedRun());
+  constexpr std::size_t texts[] = {7, 55u * 2 + 1, 62};
+  const auto painted = [&](const std::string& label) { return behind(all, "set " + label, 1); };
+  EXPECT_THAT(painted("Label11"),
+              testing::AllOf(testing::SizeIs(texts[0]),
+                             testing::Each(testing::ElementsAre("refresh Label11"))));
+  EXPECT_THAT(painted("Label12"),
+              testing::AllOf(testing::SizeIs(texts[1]),
+                             testing::Each(testing::ElementsAre("refresh Label12"))));
+  EXPECT_THAT(behind(all, "set Label7", 3),
+              testing::AllOf(testing::SizeIs(texts[2]),
+                             testing::Each(testing::ElementsAre("set Label8", "refresh Label7",
+                                                                "refresh Label8"))));
+}
+
+TEST(RunScreen, PaintsItselfAroundTheLastPassAndBetweenTheStepsToTheFront) {
+  const std::vector<std::string> all = deeds(paintedRun());
+  EXPECT_EQ(std::count(all.begin(), all.end(), "refresh Form1"), 3);
+  const auto last = std::find(all.begin(), all.end(), "refresh Form1");
+  ASSERT_NE(last, all.end());
+  EXPECT_EQ(std::vector<std::string>(last - 1, last + 3),
+            (std::vector<std::string>{"refresh Label8", "refresh Form1", "call DoEvents",
+                                      "refresh Form1"}));
+  EXPECT_THAT(behind(all, "call SetForegroundWindow", 2),
+              testing::ElementsAre(testing::ElementsAre("refresh Form1", "call BringWindowToTop")));
 }
 
 }  // namespace

@@ -15,9 +15,9 @@ scenario::Scenario withPackage(scenario::Scenario read) {
 const char* const stepsToInstall =
     R"({"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"}, {"click": "Command2"})";
 
-WholeRun::WholeRun(const std::string& text)
+WholeRun::WholeRun(const std::string& text, bool all)
     : scenario_(withPackage(scenario::parseScenario(text))),
-      log_(false),
+      log_(all),
       player_(scenario_, makeSetupProgram, log_, companion_) {
   player_.play();
   passes_ = static_cast<std::size_t>(player_.machine().calls("DoEvents"));

@@ -12,8 +12,9 @@ namespace zev {
 /// A scenario of the setup program played to its end, and all that happened.
 class WholeRun {
  public:
-  /// Plays a scenario given as its text. Without a package of its own it installs the sample.
-  explicit WholeRun(const std::string& scenario);
+  /// Plays a scenario given as its text. Without a package of its own it installs the sample. With
+  /// all, events that are told on demand are kept as well.
+  explicit WholeRun(const std::string& scenario, bool all = false);
 
   /// True if every expectation of the scenario held.
   bool held() const { return player_.failures() == 0; }

@@ -152,7 +152,10 @@ TEST_F(InstrumentationTest, WhatAFaultKeepsFromStartingIsOnRecord) {
   EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"b.exe", 2); }), 0);
   machine.setFaults({});
   EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"c.exe", 3); }), 53);
-  EXPECT_EQ(machine.records().shell, (std::vector<Text>{u"a.exe", u"b.exe", u"c.exe"}));
+  const Text ownFolder = u"C:\\Users\\bob\\Downloads";
+  EXPECT_EQ(machine.records().shell,
+            (std::vector<Start>{
+                {u"a.exe", 1, ownFolder}, {u"b.exe", 2, ownFolder}, {u"c.exe", 3, ownFolder}}));
   const std::vector<Event> events = log.of("shell");
   ASSERT_EQ(events.size(), 3u);
   EXPECT_EQ(events[0].dump(), R"({"event":"shell","command":"a.exe","style":1,"error":75})");

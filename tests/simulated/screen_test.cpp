@@ -333,5 +333,15 @@ TEST_F(ScreenTest, FormsStandBehindTheWindowsOfOthers) {
   EXPECT_TRUE(windows.SetForegroundWindow(own));
 }
 
+TEST_F(ScreenTest, TellsWhatIsPaintedAtOnce) {
+  label.Refresh();
+  EXPECT_THAT(lines("refresh"), IsEmpty()) << "a form that is not loaded shows nothing";
+  begin();
+  label.Refresh();
+  first.Refresh();
+  EXPECT_THAT(lines("refresh"), ElementsAre(R"({"event":"refresh","control":"Form1.Label1"})",
+                                            R"({"event":"refresh","control":"Form1"})"));
+}
+
 }  // namespace
 }  // namespace zev::simulated

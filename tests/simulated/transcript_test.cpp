@@ -137,6 +137,16 @@ TEST(Person, TakesTheDefaultButtonOfTheStyle) {
   EXPECT_FALSE(hasButton(36, BoxAnswer::Cancel));
 }
 
+TEST(TranscriptLog, KeepsCallsAndRefreshesOnlyOnDemand) {
+  const TranscriptLog usual;
+  const TranscriptLog whole(true);
+  for (const char* kind : {"call", "refresh"}) {
+    EXPECT_FALSE(usual.wants(kind)) << kind;
+    EXPECT_TRUE(whole.wants(kind)) << kind;
+  }
+  EXPECT_TRUE(usual.wants("set"));
+}
+
 TEST_F(TranscriptTest, CallsAreMadeOnlyWhenWanted) {
   TranscriptLog quiet;
   SimulatedMachine other(person, quiet);
