@@ -408,7 +408,7 @@ constexpr PhraseRow rows[] = {
     // 54
     {u"ZEV uninstall file could not be extracted!",
      u"ZEV kaldırma dosyası çıkarılamadı!",
-     u"Die ZEV Deinstallationsdatei konnte nicht extrahiert werden!",
+     u"Die ZEV-Deinstallationsdatei konnte nicht extrahiert werden!",
      u"Le fichier de désinstallation de ZEV n'a pu être extrait!",
      u"¡El archivo de desinstalación de ZEV no pudo ser extraído!"},
 
@@ -422,14 +422,14 @@ constexpr PhraseRow rows[] = {
     // 56
     {u"ZEV help file could not be extracted!",
      u"ZEV yardım dosyası çıkarılamadı!",
-     u"Die ZEV Hilfedatei konnte nicht extrahiert werden!",
+     u"Die ZEV-Hilfedatei konnte nicht extrahiert werden!",
      u"Le fichier d'aide de ZEV n'a pu être extrait!",
      u"¡El archivo de ayuda de ZEV no pudo ser extraído!"},
 
     // 57
     {u"ZEV help file could not be expanded!",
      u"ZEV yardım dosyası açılamadı!",
-     u"Die ZEV Hilfedatei konnte nicht geöffnet werden!",
+     u"Die ZEV-Hilfedatei konnte nicht geöffnet werden!",
      u"Le fichier d'aide de ZEV n'a pu être décompressé!",
      u"¡El archivo de ayuda de ZEV no pudo ser descomprimido!"},
 
@@ -929,7 +929,7 @@ constexpr PhraseRow rows[] = {
      u"'.zrd' dosya türü başka bir uygulama ile ilişkilendirilmiş. Bu dosya türünü ZEV Reel Desk "
          u"Proje dosyası ile ilişkilendirmek ister misiniz?",
      u"Der Dateityp '.zrd' ist mit einer anderen Anwendung verknüpft. Möchten Sie diesen "
-         u"Dateityp mit der ZEV Reel Desk Projektdatei verknüpfen?",
+         u"Dateityp mit der Projektdatei von ZEV Reel Desk verknüpfen?",
      u"Le type de fichier '.zrd' est associé à une autre application. Voulez-vous associer ce "
          u"type de fichier au fichier de Projet ZEV Reel Desk?",
      u"El tipo de archivo '.zrd' está asociado con otra aplicación. ¿Desea asociar este tipo de "
@@ -938,7 +938,7 @@ constexpr PhraseRow rows[] = {
     // 129
     {u"couldn't fix AVI registry!",
      u"AVI kayıt defteri düzeltilemedi!",
-     u"Die AVI Registrierung konnte nicht repariert werden!",
+     u"Die AVI-Registrierung konnte nicht repariert werden!",
      u"Le registre AVI n'a pu être réparé!",
      u"¡No se pudo reparar el registro AVI!"},
 
@@ -1046,11 +1046,11 @@ constexpr PhraseRow rows[] = {
     {u"Folder name cannot contain any of the *,?,<, :, /, | characters. The directory name "
          u"you've entered :",
      u"Dizin adı *,?,<, :, /, | karakterlerinden hiçbirini içeremez. Girdiğiniz dizin adı :",
-     u"Der Verzeichnisname darf keinen der Charaktere *,?,<, :, /, | enthalten. Der von Ihnen "
+     u"Der Verzeichnisname darf keines der Zeichen *,?,<, :, /, | enthalten. Der von Ihnen "
          u"eingegebene Verzeichnisname :",
      u"Le nom du répertoire ne peut contenir aucun des caractères *,?,<, :, /, |. Le nom de "
          u"répertoire que vous avez entré :",
-     u"El nombre del directorio no puede contener ninguno de los carácteres *,?,<, :, /, |. El "
+     u"El nombre del directorio no puede contener ninguno de los caracteres *,?,<, :, /, |. El "
          u"nombre de directorio que ha introducido :"},
 
     // 144
@@ -1070,14 +1070,14 @@ constexpr PhraseRow rows[] = {
     // 146
     {u"Please check the drive : ",
      u"Lütfen sürücüyü kontrol edin : ",
-     u"Bitte überprüfen Sie den Treiber : ",
+     u"Bitte überprüfen Sie das Laufwerk : ",
      u"Veuillez vérifier le lecteur : ",
      u"Por favor compruebe la unidad : "},
 
     // 147
     {u"Screen Recorder can not be installed into a diskette driver.",
      u"Ekran Kaydedici disket sürücüsüne kurulamaz.",
-     u"ZEV Bildschirm Recorder kann nicht auf den Disketten Treiber installiert werden.",
+     u"ZEV Bildschirm Recorder kann nicht auf einem Diskettenlaufwerk installiert werden.",
      u"L'Enregistreur d'Ecran ne peut pas être installé sur un lecteur de disquettes.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de disquete."},
 
@@ -1091,14 +1091,14 @@ constexpr PhraseRow rows[] = {
     // 149
     {u"Screen Recorder can not be installed into a CD driver.",
      u"Ekran Kaydedici CD sürücüsüne kurulamaz.",
-     u"ZEV Bildschirm Recorder kann nicht auf den CD Treiber installiert werden.",
+     u"ZEV Bildschirm Recorder kann nicht auf einem CD-Laufwerk installiert werden.",
      u"L'Enregistreur d'Ecran ne peut pas être installé sur un lecteur de CD.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de CD."},
 
     // 150
     {u"Screen Recorder can not be installed into a RAM driver.",
      u"Ekran Kaydedici RAM sürücüsüne kurulamaz.",
-     u"ZEV Bildschirm Recorder kann nicht auf den RAM Treiber installiert werden.",
+     u"ZEV Bildschirm Recorder kann nicht auf einem RAM-Laufwerk installiert werden.",
      u"L'Enregistreur d'Ecran ne peut pas être installé sur un disque RAM.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de RAM."},
 
@@ -1260,9 +1260,9 @@ constexpr PhraseRow rows[] = {
     // 169
     {u"Invalid Characters",
      u"Geçersiz Karakterler",
-     u"Ungültige Charaktere",
+     u"Ungültige Zeichen",
      u"Caractères Invalides",
-     u"Carácteres Invalidos"},
+     u"Caracteres Inválidos"},
 
     // 170
     {u"Space in drive is less than 5.000.000 bytes.",
@@ -1274,7 +1274,7 @@ constexpr PhraseRow rows[] = {
     // 171
     {u"You need more space to install Screen Recorder.",
      u"Ekran Kaydedici'yi kurmak için daha fazla boşluğa ihtiyacınız var.",
-     u"Sie brauchen mehr Leerplatz, um Bildschirm Recorder zu installieren.",
+     u"Sie brauchen mehr Speicherplatz, um Bildschirm Recorder zu installieren.",
      u"Vous avez besoin de plus d'espace pour installer l'Enregistreur d'Ecran.",
      u"Necesita más espacio para instalar el Grabador de Pantalla."},
 
@@ -1432,7 +1432,7 @@ constexpr PhraseRow rows[] = {
      u"Kullanıcı kaydediliyor : ",
      u"Benutzer wird registriert : ",
      u"Enregistrement de l'utilisateur : ",
-     u"Registrando el usuario : "},
+     u"Registrando al usuario : "},
 };
 // clang-format on
 

@@ -50,8 +50,8 @@ TEST(Catalogue, HasEveryQuotedTranslationLetterByLetter) {
   }
 }
 
-/// Words that are wrong in their language, or mean something else: a dossier is a folder, a pilote
-/// software. They stand in some texts that are settled, and in no other.
+/// Words that are wrong in their language, or mean something else: a dossier is a folder, a Treiber
+/// and a pilote are software. They stand in some texts that are settled, and in no other.
 struct WrongWord {
   std::int32_t language;
   TextView word;
@@ -60,6 +60,8 @@ struct WrongWord {
 constexpr WrongWord wrongWords[] = {
     {french, u"dossier"},   {french, u"etre"},       {french, u"meme "},
     {french, u"etes-vous"}, {french, u"caracteres"}, {french, u"pilote"},
+    {german, u" treiber"},  {german, u"charaktere"}, {german, u"leerplatz"},
+    {spanish, u"carácter"}, {spanish, u"invalido"},
 };
 
 TEST(Catalogue, HasWrongWordsInSettledTranslationsAlone) {
