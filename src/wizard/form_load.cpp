@@ -38,6 +38,7 @@ void Wizard::Form_Load() {
 
 /// The stage numbers are printed by the trap.
 void Wizard::loadForm(std::int32_t& stage) {
+  const auto setStage = [&stage](std::int32_t number) { stage = number; };
   stage = 1;
   findTemporaryFolder();
   stage = 2;
@@ -46,7 +47,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   stage = 3;
   classifyMachine();
   if (globals_.gOSClass == profileClass) {
-    UserFolderChain(program_, phrases_, [&](std::int32_t number) { stage = number; }).run();
+    UserFolderChain(program_, phrases_, setStage).run();
   }
   stage = 20;
   const bool firstRun = !readLanguage();
@@ -57,8 +58,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   form1_.Text1.Text_ = phrases_.PhraseKeys().at(9);
   stage = 23;
   proposeInstallDirectory(program_, registry_);
-  stage = 25;
-  if (!RunningProduct(program_, phrases_).waitUntilClosed()) {
+  if (!RunningProduct(program_, phrases_, setStage).waitUntilClosed()) {
     ignoringErrors([&] { form1_.Command2.Caption = Translate(u"Finish"); });
     ignoringErrors([&] { platform_.application.Unload(form1_); });
     return;
