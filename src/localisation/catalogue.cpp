@@ -21,7 +21,7 @@ constexpr PhraseRow rows[] = {
          u"düğmesine tıklayın.",
      u"ZEV Bildschirm Recorder wird auf Ihrem Computer installiert. Bitte klicken Sie auf die "
          u"Schaltfläche 'Weiter', um ein Verzeichnis zu bestimmen.",
-     u"L'Enregistreur d'Ecran ZEV va etre installé sur votre ordinateur. Veuillez cliquer sur le "
+     u"L'Enregistreur d'Ecran ZEV va être installé sur votre ordinateur. Veuillez cliquer sur le "
          u"bouton 'Suivant' pour choisir un répertoire.",
      u"ZEV Grabador de Pantalla será instalado en su ordenador. Por favor haga clic en el botón "
          u"'Siguiente' para determinar un directorio."},
@@ -114,7 +114,7 @@ constexpr PhraseRow rows[] = {
     {u"Change Dir",
      u"Dizini Değiştir",
      u"Verzeichnis ändern",
-     u"Changer Répertoire",
+     u"Changer de Répertoire",
      u"Cambiar Directorio"},
 
     // 15
@@ -123,7 +123,7 @@ constexpr PhraseRow rows[] = {
          u"çıkılıyor.",
      u"Fehler: Das Benutzerverzeichnis konnte nicht gefunden und auch keines erstellt werden! "
          u"Die Installation wird beendet.",
-     u"Erreur: Le répertoire utilisateur n'a pu etre trouvé et aucun n'a pu etre créé! "
+     u"Erreur: Le répertoire utilisateur n'a pu être trouvé et aucun n'a pu être créé! "
          u"L'installation est abandonnée.",
      u"Error: ¡No se pudo encontrar el directorio de usuario y tampoco se pudo crear uno! "
          u"Saliendo de la instalación."},
@@ -140,7 +140,7 @@ constexpr PhraseRow rows[] = {
      u"Kullanıcı dizini bulunamadı, lütfen elle seçmek için Tamam'a tıklayın.",
      u"Das Benutzerverzeichnis konnte nicht gefunden werden, bitte klicken Sie auf Ok, um es "
          u"manuell auszuwählen.",
-     u"Le répertoire utilisateur n'a pu etre trouvé, veuillez cliquer sur Ok pour le choisir "
+     u"Le répertoire utilisateur n'a pu être trouvé, veuillez cliquer sur Ok pour le choisir "
          u"manuellement.",
      u"No se pudo encontrar el directorio de usuario, por favor haga clic en Ok para elegirlo "
          u"manualmente."},
@@ -156,14 +156,14 @@ constexpr PhraseRow rows[] = {
     {u"Error: Couldn 't find user folder!",
      u"Hata: Kullanıcı dizini bulunamadı!",
      u"Fehler: Das Benutzerverzeichnis konnte nicht gefunden werden!",
-     u"Erreur: Le répertoire utilisateur n'a pu etre trouvé!",
+     u"Erreur: Le répertoire utilisateur n'a pu être trouvé!",
      u"Error: ¡No se pudo encontrar el directorio de usuario!"},
 
     // 20
     {u"Are you sure that user folder is",
      u"Kullanıcı dizininin şu olduğundan emin misiniz:",
      u"Sind Sie sicher, dass dies das Benutzerverzeichnis ist:",
-     u"Etes-vous sûr que le répertoire utilisateur est",
+     u"Êtes-vous sûr que le répertoire utilisateur est",
      u"¿Está seguro de que el directorio de usuario es"},
 
     // 21
@@ -208,7 +208,7 @@ constexpr PhraseRow rows[] = {
     {u"Deleting temporary files...",
      u"Geçici dosyalar siliniyor...",
      u"Temporäre Dateien werden gelöscht...",
-     u"Suppression des dossiers temporaires...",
+     u"Suppression des fichiers temporaires...",
      u"Borrando los archivos temporales..."},
 
     // 27
@@ -218,7 +218,7 @@ constexpr PhraseRow rows[] = {
          u"http://www.tavorns.example/zev/",
      u"Die Installationsdatei ist nicht vollständig. Bitte laden Sie die Datei noch einmal "
          u"herunter von http://www.tavorns.example/zev/",
-     u"Le dossier d'installation n'est pas complet. Veuillez télécharger de nouveau le dossier "
+     u"Le fichier d'installation n'est pas complet. Veuillez télécharger de nouveau le fichier "
          u"depuis http://www.tavorns.example/zev/",
      u"El archivo de instalación no está completo. Por favor vuelva a descargar el archivo desde "
          u"http://www.tavorns.example/zev/"},
@@ -227,7 +227,7 @@ constexpr PhraseRow rows[] = {
     {u"File 'MCD28m.wav' could not be extracted!",
      u"'MCD28m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'MCD28m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'MCD28m.wav' n'a pu etre extrait!",
+     u"Le fichier 'MCD28m.wav' n'a pu être extrait!",
      u"¡El archivo 'MCD28m.wav' no pudo ser extraído!"},
 
     // 29
@@ -248,651 +248,651 @@ constexpr PhraseRow rows[] = {
     {u"File 'MCU28m.wav' could not be expanded!",
      u"'MCU28m.wav' dosyası açılamadı!",
      u"Die Datei 'MCU28m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'MCU28m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'MCU28m.wav' n'a pu être décompressé!",
      u"¡El archivo 'MCU28m.wav' no pudo ser descomprimido!"},
 
     // 32
     {u"File 'Stop.wav' could not be extracted!",
      u"'Stop.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Stop.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Stop.wav' n'a pu etre extrait!",
+     u"Le fichier 'Stop.wav' n'a pu être extrait!",
      u"¡El archivo 'Stop.wav' no pudo ser extraído!"},
 
     // 33
     {u"File 'Stop.wav' could not be expanded!",
      u"'Stop.wav' dosyası açılamadı!",
      u"Die Datei 'Stop.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Stop.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Stop.wav' n'a pu être décompressé!",
      u"¡El archivo 'Stop.wav' no pudo ser descomprimido!"},
 
     // 34
     {u"File 'StartShort.wav' could not be extracted!",
      u"'StartShort.wav' dosyası çıkarılamadı!",
      u"Die Datei 'StartShort.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'StartShort.wav' n'a pu etre extrait!",
+     u"Le fichier 'StartShort.wav' n'a pu être extrait!",
      u"¡El archivo 'StartShort.wav' no pudo ser extraído!"},
 
     // 35
     {u"File 'StartShort.wav' could not be expanded!",
      u"'StartShort.wav' dosyası açılamadı!",
      u"Die Datei 'StartShort.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'StartShort.wav' n'a pu etre décompressé!",
+     u"Le fichier 'StartShort.wav' n'a pu être décompressé!",
      u"¡El archivo 'StartShort.wav' no pudo ser descomprimido!"},
 
     // 36
     {u"File 'Start.wav' could not be extracted!",
      u"'Start.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Start.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Start.wav' n'a pu etre extrait!",
+     u"Le fichier 'Start.wav' n'a pu être extrait!",
      u"¡El archivo 'Start.wav' no pudo ser extraído!"},
 
     // 37
     {u"File 'Start.wav' could not be expanded!",
      u"'Start.wav' dosyası açılamadı!",
      u"Die Datei 'Start.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Start.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Start.wav' n'a pu être décompressé!",
      u"¡El archivo 'Start.wav' no pudo ser descomprimido!"},
 
     // 38
     {u"File 'Shot.wav' could not be extracted!",
      u"'Shot.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Shot.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Shot.wav' n'a pu etre extrait!",
+     u"Le fichier 'Shot.wav' n'a pu être extrait!",
      u"¡El archivo 'Shot.wav' no pudo ser extraído!"},
 
     // 39
     {u"File 'Shot.wav' could not be expanded!",
      u"'Shot.wav' dosyası açılamadı!",
      u"Die Datei 'Shot.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Shot.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Shot.wav' n'a pu être décompressé!",
      u"¡El archivo 'Shot.wav' no pudo ser descomprimido!"},
 
     // 40
     {u"File 'Key118m.wav' could not be extracted!",
      u"'Key118m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key118m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key118m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key118m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key118m.wav' no pudo ser extraído!"},
 
     // 41
     {u"File 'Key118m.wav' could not be expanded!",
      u"'Key118m.wav' dosyası açılamadı!",
      u"Die Datei 'Key118m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key118m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key118m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key118m.wav' no pudo ser descomprimido!"},
 
     // 42
     {u"File 'Key1116m.wav' could not be extracted!",
      u"'Key1116m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key1116m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key1116m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key1116m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key1116m.wav' no pudo ser extraído!"},
 
     // 43
     {u"File 'Key1116m.wav' could not be expanded!",
      u"'Key1116m.wav' dosyası açılamadı!",
      u"Die Datei 'Key1116m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key1116m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key1116m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key1116m.wav' no pudo ser descomprimido!"},
 
     // 44
     {u"File 'Key128m.wav' could not be extracted!",
      u"'Key128m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key128m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key128m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key128m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key128m.wav' no pudo ser extraído!"},
 
     // 45
     {u"File 'Key128m.wav' could not be expanded!",
      u"'Key128m.wav' dosyası açılamadı!",
      u"Die Datei 'Key128m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key128m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key128m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key128m.wav' no pudo ser descomprimido!"},
 
     // 46
     {u"File 'MCD18m.wav' could not be extracted!",
      u"'MCD18m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'MCD18m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'MCD18m.wav' n'a pu etre extrait!",
+     u"Le fichier 'MCD18m.wav' n'a pu être extrait!",
      u"¡El archivo 'MCD18m.wav' no pudo ser extraído!"},
 
     // 47
     {u"File 'MCD18m.wav' could not be expanded!",
      u"'MCD18m.wav' dosyası açılamadı!",
      u"Die Datei 'MCD18m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'MCD18m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'MCD18m.wav' n'a pu être décompressé!",
      u"¡El archivo 'MCD18m.wav' no pudo ser descomprimido!"},
 
     // 48
     {u"File 'MCU18m.wav' could not be extracted!",
      u"'MCU18m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'MCU18m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'MCU18m.wav' n'a pu etre extrait!",
+     u"Le fichier 'MCU18m.wav' n'a pu être extrait!",
      u"¡El archivo 'MCU18m.wav' no pudo ser extraído!"},
 
     // 49
     {u"File 'MCU18m.wav' could not be expanded!",
      u"'MCU18m.wav' dosyası açılamadı!",
      u"Die Datei 'MCU18m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'MCU18m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'MCU18m.wav' n'a pu être décompressé!",
      u"¡El archivo 'MCU18m.wav' no pudo ser descomprimido!"},
 
     // 50
     {u"File 'Beep.wav' could not be extracted!",
      u"'Beep.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Beep.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Beep.wav' n'a pu etre extrait!",
+     u"Le fichier 'Beep.wav' n'a pu être extrait!",
      u"¡El archivo 'Beep.wav' no pudo ser extraído!"},
 
     // 51
     {u"File 'Beep.wav' could not be expanded!",
      u"'Beep.wav' dosyası açılamadı!",
      u"Die Datei 'Beep.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Beep.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Beep.wav' n'a pu être décompressé!",
      u"¡El archivo 'Beep.wav' no pudo ser descomprimido!"},
 
     // 52
     {u"File 'Click.wav' could not be extracted!",
      u"'Click.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Click.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Click.wav' n'a pu etre extrait!",
+     u"Le fichier 'Click.wav' n'a pu être extrait!",
      u"¡El archivo 'Click.wav' no pudo ser extraído!"},
 
     // 53
     {u"File 'Click.wav' could not be expanded!",
      u"'Click.wav' dosyası açılamadı!",
      u"Die Datei 'Click.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Click.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Click.wav' n'a pu être décompressé!",
      u"¡El archivo 'Click.wav' no pudo ser descomprimido!"},
 
     // 54
     {u"ZEV uninstall file could not be extracted!",
      u"ZEV kaldırma dosyası çıkarılamadı!",
-     u"Die ZEV Deinstallationsdatei konnte nicht extrahiert werden!",
-     u"Le dossier de désinstallation de ZEV n'a pu etre extrait!",
+     u"Die ZEV-Deinstallationsdatei konnte nicht extrahiert werden!",
+     u"Le fichier de désinstallation de ZEV n'a pu être extrait!",
      u"¡El archivo de desinstalación de ZEV no pudo ser extraído!"},
 
     // 55
     {u"ZEV 'Uninstall' could not be expanded!",
      u"ZEV 'Uninstall' açılamadı!",
      u"ZEV 'Uninstall' konnte nicht geöffnet werden!",
-     u"ZEV 'Uninstall' n'a pu etre décompressé!",
+     u"ZEV 'Uninstall' n'a pu être décompressé!",
      u"¡ZEV 'Uninstall' no pudo ser descomprimido!"},
 
     // 56
     {u"ZEV help file could not be extracted!",
      u"ZEV yardım dosyası çıkarılamadı!",
-     u"Die ZEV Hilfedatei konnte nicht extrahiert werden!",
-     u"Le dossier d'aide de ZEV n'a pu etre extrait!",
+     u"Die ZEV-Hilfedatei konnte nicht extrahiert werden!",
+     u"Le fichier d'aide de ZEV n'a pu être extrait!",
      u"¡El archivo de ayuda de ZEV no pudo ser extraído!"},
 
     // 57
     {u"ZEV help file could not be expanded!",
      u"ZEV yardım dosyası açılamadı!",
-     u"Die ZEV Hilfedatei konnte nicht geöffnet werden!",
-     u"Le dossier d'aide de ZEV n'a pu etre décompressé!",
+     u"Die ZEV-Hilfedatei konnte nicht geöffnet werden!",
+     u"Le fichier d'aide de ZEV n'a pu être décompressé!",
      u"¡El archivo de ayuda de ZEV no pudo ser descomprimido!"},
 
     // 58
     {u"File 'Graphics.zev' could not be extracted!",
      u"'Graphics.zev' dosyası çıkarılamadı!",
      u"Die Datei 'Graphics.zev' konnte nicht extrahiert werden!",
-     u"Le dossier 'Graphics.zev' n'a pu etre extrait!",
+     u"Le fichier 'Graphics.zev' n'a pu être extrait!",
      u"¡El archivo 'Graphics.zev' no pudo ser extraído!"},
 
     // 59
     {u"File 'Graphics.zev' could not be expanded!",
      u"'Graphics.zev' dosyası açılamadı!",
      u"Die Datei 'Graphics.zev' konnte nicht geöffnet werden!",
-     u"Le dossier 'Graphics.zev' n'a pu etre décompressé!",
+     u"Le fichier 'Graphics.zev' n'a pu être décompressé!",
      u"¡El archivo 'Graphics.zev' no pudo ser descomprimido!"},
 
     // 60
     {u"File 'ZEVDefault.pal' could not be extracted!",
      u"'ZEVDefault.pal' dosyası çıkarılamadı!",
      u"Die Datei 'ZEVDefault.pal' konnte nicht extrahiert werden!",
-     u"Le dossier 'ZEVDefault.pal' n'a pu etre extrait!",
+     u"Le fichier 'ZEVDefault.pal' n'a pu être extrait!",
      u"¡El archivo 'ZEVDefault.pal' no pudo ser extraído!"},
 
     // 61
     {u"File 'ZEVDefault.pal' could not be expanded!",
      u"'ZEVDefault.pal' dosyası açılamadı!",
      u"Die Datei 'ZEVDefault.pal' konnte nicht geöffnet werden!",
-     u"Le dossier 'ZEVDefault.pal' n'a pu etre décompressé!",
+     u"Le fichier 'ZEVDefault.pal' n'a pu être décompressé!",
      u"¡El archivo 'ZEVDefault.pal' no pudo ser descomprimido!"},
 
     // 62
     {u"File 'Qmark.jpg' could not be extracted!",
      u"'Qmark.jpg' dosyası çıkarılamadı!",
      u"Die Datei 'Qmark.jpg' konnte nicht extrahiert werden!",
-     u"Le dossier 'Qmark.jpg' n'a pu etre extrait!",
+     u"Le fichier 'Qmark.jpg' n'a pu être extrait!",
      u"¡El archivo 'Qmark.jpg' no pudo ser extraído!"},
 
     // 63
     {u"File 'Qmark.jpg' could not be expanded!",
      u"'Qmark.jpg' dosyası açılamadı!",
      u"Die Datei 'Qmark.jpg' konnte nicht geöffnet werden!",
-     u"Le dossier 'Qmark.jpg' n'a pu etre décompressé!",
+     u"Le fichier 'Qmark.jpg' n'a pu être décompressé!",
      u"¡El archivo 'Qmark.jpg' no pudo ser descomprimido!"},
 
     // 64
     {u"File 'BlueCursor.cur' could not be extracted!",
      u"'BlueCursor.cur' dosyası çıkarılamadı!",
      u"Die Datei 'BlueCursor.cur' konnte nicht extrahiert werden!",
-     u"Le dossier 'BlueCursor.cur' n'a pu etre extrait!",
+     u"Le fichier 'BlueCursor.cur' n'a pu être extrait!",
      u"¡El archivo 'BlueCursor.cur' no pudo ser extraído!"},
 
     // 65
     {u"File 'BlueCursor.cur' could not be expanded!",
      u"'BlueCursor.cur' dosyası açılamadı!",
      u"Die Datei 'BlueCursor.cur' konnte nicht geöffnet werden!",
-     u"Le dossier 'BlueCursor.cur' n'a pu etre décompressé!",
+     u"Le fichier 'BlueCursor.cur' n'a pu être décompressé!",
      u"¡El archivo 'BlueCursor.cur' no pudo ser descomprimido!"},
 
     // 66
     {u"File 'GreenCursor.cur' could not be extracted!",
      u"'GreenCursor.cur' dosyası çıkarılamadı!",
      u"Die Datei 'GreenCursor.cur' konnte nicht extrahiert werden!",
-     u"Le dossier 'GreenCursor.cur' n'a pu etre extrait!",
+     u"Le fichier 'GreenCursor.cur' n'a pu être extrait!",
      u"¡El archivo 'GreenCursor.cur' no pudo ser extraído!"},
 
     // 67
     {u"File 'GreenCursor.cur' could not be expanded!",
      u"'GreenCursor.cur' dosyası açılamadı!",
      u"Die Datei 'GreenCursor.cur' konnte nicht geöffnet werden!",
-     u"Le dossier 'GreenCursor.cur' n'a pu etre décompressé!",
+     u"Le fichier 'GreenCursor.cur' n'a pu être décompressé!",
      u"¡El archivo 'GreenCursor.cur' no pudo ser descomprimido!"},
 
     // 68
     {u"File 'RedCursor.cur' could not be extracted!",
      u"'RedCursor.cur' dosyası çıkarılamadı!",
      u"Die Datei 'RedCursor.cur' konnte nicht extrahiert werden!",
-     u"Le dossier 'RedCursor.cur' n'a pu etre extrait!",
+     u"Le fichier 'RedCursor.cur' n'a pu être extrait!",
      u"¡El archivo 'RedCursor.cur' no pudo ser extraído!"},
 
     // 69
     {u"File 'RedCursor.cur' could not be expanded!",
      u"'RedCursor.cur' dosyası açılamadı!",
      u"Die Datei 'RedCursor.cur' konnte nicht geöffnet werden!",
-     u"Le dossier 'RedCursor.cur' n'a pu etre décompressé!",
+     u"Le fichier 'RedCursor.cur' n'a pu être décompressé!",
      u"¡El archivo 'RedCursor.cur' no pudo ser descomprimido!"},
 
     // 70
     {u"File 'YellowCursor.cur' could not be extracted!",
      u"'YellowCursor.cur' dosyası çıkarılamadı!",
      u"Die Datei 'YellowCursor.cur' konnte nicht extrahiert werden!",
-     u"Le dossier 'YellowCursor.cur' n'a pu etre extrait!",
+     u"Le fichier 'YellowCursor.cur' n'a pu être extrait!",
      u"¡El archivo 'YellowCursor.cur' no pudo ser extraído!"},
 
     // 71
     {u"File 'YellowCursor.cur' could not be expanded!",
      u"'YellowCursor.cur' dosyası açılamadı!",
      u"Die Datei 'YellowCursor.cur' konnte nicht geöffnet werden!",
-     u"Le dossier 'YellowCursor.cur' n'a pu etre décompressé!",
+     u"Le fichier 'YellowCursor.cur' n'a pu être décompressé!",
      u"¡El archivo 'YellowCursor.cur' no pudo ser descomprimido!"},
 
     // 72
     {u"File 'SampleAVI.avi' could not be extracted!",
      u"'SampleAVI.avi' dosyası çıkarılamadı!",
      u"Die Datei 'SampleAVI.avi' konnte nicht extrahiert werden!",
-     u"Le dossier 'SampleAVI.avi' n'a pu etre extrait!",
+     u"Le fichier 'SampleAVI.avi' n'a pu être extrait!",
      u"¡El archivo 'SampleAVI.avi' no pudo ser extraído!"},
 
     // 73
     {u"File 'SampleAVI.avi' could not be expanded!",
      u"'SampleAVI.avi' dosyası açılamadı!",
      u"Die Datei 'SampleAVI.avi' konnte nicht geöffnet werden!",
-     u"Le dossier 'SampleAVI.avi' n'a pu etre décompressé!",
+     u"Le fichier 'SampleAVI.avi' n'a pu être décompressé!",
      u"¡El archivo 'SampleAVI.avi' no pudo ser descomprimido!"},
 
     // 74
     {u"File 'ZEVUser.exe' could not be extracted!",
      u"'ZEVUser.exe' dosyası çıkarılamadı!",
      u"Die Datei 'ZEVUser.exe' konnte nicht extrahiert werden!",
-     u"Le dossier 'ZEVUser.exe' n'a pu etre extrait!",
+     u"Le fichier 'ZEVUser.exe' n'a pu être extrait!",
      u"¡El archivo 'ZEVUser.exe' no pudo ser extraído!"},
 
     // 75
     {u"File 'ZEVUser.exe' could not be expanded!",
      u"'ZEVUser.exe' dosyası açılamadı!",
      u"Die Datei 'ZEVUser.exe' konnte nicht geöffnet werden!",
-     u"Le dossier 'ZEVUser.exe' n'a pu etre décompressé!",
+     u"Le fichier 'ZEVUser.exe' n'a pu être décompressé!",
      u"¡El archivo 'ZEVUser.exe' no pudo ser descomprimido!"},
 
     // 76
     {u"File 'SWFGraphs.zev' could not be extracted!",
      u"'SWFGraphs.zev' dosyası çıkarılamadı!",
      u"Die Datei 'SWFGraphs.zev' konnte nicht extrahiert werden!",
-     u"Le dossier 'SWFGraphs.zev' n'a pu etre extrait!",
+     u"Le fichier 'SWFGraphs.zev' n'a pu être extrait!",
      u"¡El archivo 'SWFGraphs.zev' no pudo ser extraído!"},
 
     // 77
     {u"File 'SWFGraphs.zev' could not be expanded!",
      u"'SWFGraphs.zev' dosyası açılamadı!",
      u"Die Datei 'SWFGraphs.zev' konnte nicht geöffnet werden!",
-     u"Le dossier 'SWFGraphs.zev' n'a pu etre décompressé!",
+     u"Le fichier 'SWFGraphs.zev' n'a pu être décompressé!",
      u"¡El archivo 'SWFGraphs.zev' no pudo ser descomprimido!"},
 
     // 78
     {u"File 'zevatswf.dll' could not be extracted!",
      u"'zevatswf.dll' dosyası çıkarılamadı!",
      u"Die Datei 'zevatswf.dll' konnte nicht extrahiert werden!",
-     u"Le dossier 'zevatswf.dll' n'a pu etre extrait!",
+     u"Le fichier 'zevatswf.dll' n'a pu être extrait!",
      u"¡El archivo 'zevatswf.dll' no pudo ser extraído!"},
 
     // 79
     {u"File 'zevatswf.dll' could not be expanded!",
      u"'zevatswf.dll' dosyası açılamadı!",
      u"Die Datei 'zevatswf.dll' konnte nicht geöffnet werden!",
-     u"Le dossier 'zevatswf.dll' n'a pu etre décompressé!",
+     u"Le fichier 'zevatswf.dll' n'a pu être décompressé!",
      u"¡El archivo 'zevatswf.dll' no pudo ser descomprimido!"},
 
     // 80
     {u"File 'zevatwmv.dll' could not be extracted!",
      u"'zevatwmv.dll' dosyası çıkarılamadı!",
      u"Die Datei 'zevatwmv.dll' konnte nicht extrahiert werden!",
-     u"Le dossier 'zevatwmv.dll' n'a pu etre extrait!",
+     u"Le fichier 'zevatwmv.dll' n'a pu être extrait!",
      u"¡El archivo 'zevatwmv.dll' no pudo ser extraído!"},
 
     // 81
     {u"File 'zevatwmv.dll' could not be expanded!",
      u"'zevatwmv.dll' dosyası açılamadı!",
      u"Die Datei 'zevatwmv.dll' konnte nicht geöffnet werden!",
-     u"Le dossier 'zevatwmv.dll' n'a pu etre décompressé!",
+     u"Le fichier 'zevatwmv.dll' n'a pu être décompressé!",
      u"¡El archivo 'zevatwmv.dll' no pudo ser descomprimido!"},
 
     // 82
     {u"File 'SampleProject.zrd' could not be extracted!",
      u"'SampleProject.zrd' dosyası çıkarılamadı!",
      u"Die Datei 'SampleProject.zrd' konnte nicht extrahiert werden!",
-     u"Le dossier 'SampleProject.zrd' n'a pu etre extrait!",
+     u"Le fichier 'SampleProject.zrd' n'a pu être extrait!",
      u"¡El archivo 'SampleProject.zrd' no pudo ser extraído!"},
 
     // 83
     {u"File 'SampleProject.zrd' could not be expanded!",
      u"'SampleProject.zrd' dosyası açılamadı!",
      u"Die Datei 'SampleProject.zrd' konnte nicht geöffnet werden!",
-     u"Le dossier 'SampleProject.zrd' n'a pu etre décompressé!",
+     u"Le fichier 'SampleProject.zrd' n'a pu être décompressé!",
      u"¡El archivo 'SampleProject.zrd' no pudo ser descomprimido!"},
 
     // 84
     {u"File 'vcredist_x86.exe' could not be extracted!",
      u"'vcredist_x86.exe' dosyası çıkarılamadı!",
      u"Die Datei 'vcredist_x86.exe' konnte nicht extrahiert werden!",
-     u"Le dossier 'vcredist_x86.exe' n'a pu etre extrait!",
+     u"Le fichier 'vcredist_x86.exe' n'a pu être extrait!",
      u"¡El archivo 'vcredist_x86.exe' no pudo ser extraído!"},
 
     // 85
     {u"File 'vcredist_x86.exe' could not be expanded!",
      u"'vcredist_x86.exe' dosyası açılamadı!",
      u"Die Datei 'vcredist_x86.exe' konnte nicht geöffnet werden!",
-     u"Le dossier 'vcredist_x86.exe' n'a pu etre décompressé!",
+     u"Le fichier 'vcredist_x86.exe' n'a pu être décompressé!",
      u"¡El archivo 'vcredist_x86.exe' no pudo ser descomprimido!"},
 
     // 86
     {u"File 'zevmgps.dll' could not be extracted!",
      u"'zevmgps.dll' dosyası çıkarılamadı!",
      u"Die Datei 'zevmgps.dll' konnte nicht extrahiert werden!",
-     u"Le dossier 'zevmgps.dll' n'a pu etre extrait!",
+     u"Le fichier 'zevmgps.dll' n'a pu être extrait!",
      u"¡El archivo 'zevmgps.dll' no pudo ser extraído!"},
 
     // 87
     {u"File 'zevmgps.dll' could not be expanded!",
      u"'zevmgps.dll' dosyası açılamadı!",
      u"Die Datei 'zevmgps.dll' konnte nicht geöffnet werden!",
-     u"Le dossier 'zevmgps.dll' n'a pu etre décompressé!",
+     u"Le fichier 'zevmgps.dll' n'a pu être décompressé!",
      u"¡El archivo 'zevmgps.dll' no pudo ser descomprimido!"},
 
     // 88
     {u"File 'zevmgcv.dll' could not be extracted!",
      u"'zevmgcv.dll' dosyası çıkarılamadı!",
      u"Die Datei 'zevmgcv.dll' konnte nicht extrahiert werden!",
-     u"Le dossier 'zevmgcv.dll' n'a pu etre extrait!",
+     u"Le fichier 'zevmgcv.dll' n'a pu être extrait!",
      u"¡El archivo 'zevmgcv.dll' no pudo ser extraído!"},
 
     // 89
     {u"File 'zevmgcv.dll' could not be expanded!",
      u"'zevmgcv.dll' dosyası açılamadı!",
      u"Die Datei 'zevmgcv.dll' konnte nicht geöffnet werden!",
-     u"Le dossier 'zevmgcv.dll' n'a pu etre décompressé!",
+     u"Le fichier 'zevmgcv.dll' n'a pu être décompressé!",
      u"¡El archivo 'zevmgcv.dll' no pudo ser descomprimido!"},
 
     // 90
     {u"File 'zevgvas.dll' could not be extracted!",
      u"'zevgvas.dll' dosyası çıkarılamadı!",
      u"Die Datei 'zevgvas.dll' konnte nicht extrahiert werden!",
-     u"Le dossier 'zevgvas.dll' n'a pu etre extrait!",
+     u"Le fichier 'zevgvas.dll' n'a pu être extrait!",
      u"¡El archivo 'zevgvas.dll' no pudo ser extraído!"},
 
     // 91
     {u"File 'zevgvas.dll' could not be expanded!",
      u"'zevgvas.dll' dosyası açılamadı!",
      u"Die Datei 'zevgvas.dll' konnte nicht geöffnet werden!",
-     u"Le dossier 'zevgvas.dll' n'a pu etre décompressé!",
+     u"Le fichier 'zevgvas.dll' n'a pu être décompressé!",
      u"¡El archivo 'zevgvas.dll' no pudo ser descomprimido!"},
 
     // 92
     {u"File 'MCD116m.wav' could not be extracted!",
      u"'MCD116m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'MCD116m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'MCD116m.wav' n'a pu etre extrait!",
+     u"Le fichier 'MCD116m.wav' n'a pu être extrait!",
      u"¡El archivo 'MCD116m.wav' no pudo ser extraído!"},
 
     // 93
     {u"File 'MCD116m.wav' could not be expanded!",
      u"'MCD116m.wav' dosyası açılamadı!",
      u"Die Datei 'MCD116m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'MCD116m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'MCD116m.wav' n'a pu être décompressé!",
      u"¡El archivo 'MCD116m.wav' no pudo ser descomprimido!"},
 
     // 94
     {u"File 'MCD216m.wav' could not be extracted!",
      u"'MCD216m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'MCD216m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'MCD216m.wav' n'a pu etre extrait!",
+     u"Le fichier 'MCD216m.wav' n'a pu être extrait!",
      u"¡El archivo 'MCD216m.wav' no pudo ser extraído!"},
 
     // 95
     {u"File 'MCD216m.wav' could not be expanded!",
      u"'MCD216m.wav' dosyası açılamadı!",
      u"Die Datei 'MCD216m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'MCD216m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'MCD216m.wav' n'a pu être décompressé!",
      u"¡El archivo 'MCD216m.wav' no pudo ser descomprimido!"},
 
     // 96
     {u"File 'MCU216m.wav' could not be extracted!",
      u"'MCU216m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'MCU216m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'MCU216m.wav' n'a pu etre extrait!",
+     u"Le fichier 'MCU216m.wav' n'a pu être extrait!",
      u"¡El archivo 'MCU216m.wav' no pudo ser extraído!"},
 
     // 97
     {u"File 'MCU216m.wav' could not be expanded!",
      u"'MCU216m.wav' dosyası açılamadı!",
      u"Die Datei 'MCU216m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'MCU216m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'MCU216m.wav' n'a pu être décompressé!",
      u"¡El archivo 'MCU216m.wav' no pudo ser descomprimido!"},
 
     // 98
     {u"File 'Key1216m.wav' could not be extracted!",
      u"'Key1216m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key1216m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key1216m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key1216m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key1216m.wav' no pudo ser extraído!"},
 
     // 99
     {u"File 'Key1216m.wav' could not be expanded!",
      u"'Key1216m.wav' dosyası açılamadı!",
      u"Die Datei 'Key1216m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key1216m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key1216m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key1216m.wav' no pudo ser descomprimido!"},
 
     // 100
     {u"File 'Key218m.wav' could not be extracted!",
      u"'Key218m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key218m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key218m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key218m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key218m.wav' no pudo ser extraído!"},
 
     // 101
     {u"File 'Key218m.wav' could not be expanded!",
      u"'Key218m.wav' dosyası açılamadı!",
      u"Die Datei 'Key218m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key218m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key218m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key218m.wav' no pudo ser descomprimido!"},
 
     // 102
     {u"File 'Key2116m.wav' could not be extracted!",
      u"'Key2116m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key2116m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key2116m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key2116m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key2116m.wav' no pudo ser extraído!"},
 
     // 103
     {u"File 'Key2116m.wav' could not be expanded!",
      u"'Key2116m.wav' dosyası açılamadı!",
      u"Die Datei 'Key2116m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key2116m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key2116m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key2116m.wav' no pudo ser descomprimido!"},
 
     // 104
     {u"File 'Key228m.wav' could not be extracted!",
      u"'Key228m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key228m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key228m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key228m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key228m.wav' no pudo ser extraído!"},
 
     // 105
     {u"File 'Key228m.wav' could not be expanded!",
      u"'Key228m.wav' dosyası açılamadı!",
      u"Die Datei 'Key228m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key228m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key228m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key228m.wav' no pudo ser descomprimido!"},
 
     // 106
     {u"File 'Key2216m.wav' could not be extracted!",
      u"'Key2216m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key2216m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key2216m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key2216m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key2216m.wav' no pudo ser extraído!"},
 
     // 107
     {u"File 'Key2216m.wav' could not be expanded!",
      u"'Key2216m.wav' dosyası açılamadı!",
      u"Die Datei 'Key2216m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key2216m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key2216m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key2216m.wav' no pudo ser descomprimido!"},
 
     // 108
     {u"File 'Key318m.wav' could not be extracted!",
      u"'Key318m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key318m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key318m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key318m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key318m.wav' no pudo ser extraído!"},
 
     // 109
     {u"File 'Key318m.wav' could not be expanded!",
      u"'Key318m.wav' dosyası açılamadı!",
      u"Die Datei 'Key318m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key318m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key318m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key318m.wav' no pudo ser descomprimido!"},
 
     // 110
     {u"File 'Key3116m.wav' could not be extracted!",
      u"'Key3116m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key3116m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key3116m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key3116m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key3116m.wav' no pudo ser extraído!"},
 
     // 111
     {u"File 'Key3116m.wav' could not be expanded!",
      u"'Key3116m.wav' dosyası açılamadı!",
      u"Die Datei 'Key3116m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key3116m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key3116m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key3116m.wav' no pudo ser descomprimido!"},
 
     // 112
     {u"File 'Key328m.wav' could not be extracted!",
      u"'Key328m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key328m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key328m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key328m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key328m.wav' no pudo ser extraído!"},
 
     // 113
     {u"File 'Key328m.wav' could not be expanded!",
      u"'Key328m.wav' dosyası açılamadı!",
      u"Die Datei 'Key328m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key328m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key328m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key328m.wav' no pudo ser descomprimido!"},
 
     // 114
     {u"File 'Key3216m.wav' could not be extracted!",
      u"'Key3216m.wav' dosyası çıkarılamadı!",
      u"Die Datei 'Key3216m.wav' konnte nicht extrahiert werden!",
-     u"Le dossier 'Key3216m.wav' n'a pu etre extrait!",
+     u"Le fichier 'Key3216m.wav' n'a pu être extrait!",
      u"¡El archivo 'Key3216m.wav' no pudo ser extraído!"},
 
     // 115
     {u"File 'Key3216m.wav' could not be expanded!",
      u"'Key3216m.wav' dosyası açılamadı!",
      u"Die Datei 'Key3216m.wav' konnte nicht geöffnet werden!",
-     u"Le dossier 'Key3216m.wav' n'a pu etre décompressé!",
+     u"Le fichier 'Key3216m.wav' n'a pu être décompressé!",
      u"¡El archivo 'Key3216m.wav' no pudo ser descomprimido!"},
 
     // 116
     {u"File 'Screen Recorder 6.exe.manifest' could not be extracted!",
      u"'Screen Recorder 6.exe.manifest' dosyası çıkarılamadı!",
      u"Die Datei 'Screen Recorder 6.exe.manifest' konnte nicht extrahiert werden!",
-     u"Le dossier 'Screen Recorder 6.exe.manifest' n'a pu etre extrait!",
+     u"Le fichier 'Screen Recorder 6.exe.manifest' n'a pu être extrait!",
      u"¡El archivo 'Screen Recorder 6.exe.manifest' no pudo ser extraído!"},
 
     // 117
     {u"File 'Screen Recorder 6.exe.manifest' could not be expanded!",
      u"'Screen Recorder 6.exe.manifest' dosyası açılamadı!",
      u"Die Datei 'Screen Recorder 6.exe.manifest' konnte nicht geöffnet werden!",
-     u"Le dossier 'Screen Recorder 6.exe.manifest' n'a pu etre décompressé!",
+     u"Le fichier 'Screen Recorder 6.exe.manifest' n'a pu être décompressé!",
      u"¡El archivo 'Screen Recorder 6.exe.manifest' no pudo ser descomprimido!"},
 
     // 118
     {u"File 'VideoPlayer.zev' could not be extracted!",
      u"'VideoPlayer.zev' dosyası çıkarılamadı!",
      u"Die Datei 'VideoPlayer.zev' konnte nicht extrahiert werden!",
-     u"Le dossier 'VideoPlayer.zev' n'a pu etre extrait!",
+     u"Le fichier 'VideoPlayer.zev' n'a pu être extrait!",
      u"¡El archivo 'VideoPlayer.zev' no pudo ser extraído!"},
 
     // 119
     {u"File 'VideoPlayer.zev' could not be expanded!",
      u"'VideoPlayer.zev' dosyası açılamadı!",
      u"Die Datei 'VideoPlayer.zev' konnte nicht geöffnet werden!",
-     u"Le dossier 'VideoPlayer.zev' n'a pu etre décompressé!",
+     u"Le fichier 'VideoPlayer.zev' n'a pu être décompressé!",
      u"¡El archivo 'VideoPlayer.zev' no pudo ser descomprimido!"},
 
     // 120
     {u"File 'VideoPlayer1.zev' could not be extracted!",
      u"'VideoPlayer1.zev' dosyası çıkarılamadı!",
      u"Die Datei 'VideoPlayer1.zev' konnte nicht extrahiert werden!",
-     u"Le dossier 'VideoPlayer1.zev' n'a pu etre extrait!",
+     u"Le fichier 'VideoPlayer1.zev' n'a pu être extrait!",
      u"¡El archivo 'VideoPlayer1.zev' no pudo ser extraído!"},
 
     // 121
     {u"File 'VideoPlayer1.zev' could not be expanded!",
      u"'VideoPlayer1.zev' dosyası açılamadı!",
      u"Die Datei 'VideoPlayer1.zev' konnte nicht geöffnet werden!",
-     u"Le dossier 'VideoPlayer1.zev' n'a pu etre décompressé!",
+     u"Le fichier 'VideoPlayer1.zev' n'a pu être décompressé!",
      u"¡El archivo 'VideoPlayer1.zev' no pudo ser descomprimido!"},
 
     // 122
     {u"File 'VideoPlayer2.zev' could not be extracted!",
      u"'VideoPlayer2.zev' dosyası çıkarılamadı!",
      u"Die Datei 'VideoPlayer2.zev' konnte nicht extrahiert werden!",
-     u"Le dossier 'VideoPlayer2.zev' n'a pu etre extrait!",
+     u"Le fichier 'VideoPlayer2.zev' n'a pu être extrait!",
      u"¡El archivo 'VideoPlayer2.zev' no pudo ser extraído!"},
 
     // 123
     {u"File 'VideoPlayer2.zev' could not be expanded!",
      u"'VideoPlayer2.zev' dosyası açılamadı!",
      u"Die Datei 'VideoPlayer2.zev' konnte nicht geöffnet werden!",
-     u"Le dossier 'VideoPlayer2.zev' n'a pu etre décompressé!",
+     u"Le fichier 'VideoPlayer2.zev' n'a pu être décompressé!",
      u"¡El archivo 'VideoPlayer2.zev' no pudo ser descomprimido!"},
 
     // 124
@@ -906,7 +906,7 @@ constexpr PhraseRow rows[] = {
     {u"The following folder couldn't be created : ",
      u"Aşağıdaki dizin oluşturulamadı : ",
      u"Das folgende Verzeichnis konnte nicht erstellt werden : ",
-     u"Le répertoire suivant n'a pu etre créé : ",
+     u"Le répertoire suivant n'a pu être créé : ",
      u"El directorio siguiente no pudo ser creado : "},
 
     // 126
@@ -929,17 +929,17 @@ constexpr PhraseRow rows[] = {
      u"'.zrd' dosya türü başka bir uygulama ile ilişkilendirilmiş. Bu dosya türünü ZEV Reel Desk "
          u"Proje dosyası ile ilişkilendirmek ister misiniz?",
      u"Der Dateityp '.zrd' ist mit einer anderen Anwendung verknüpft. Möchten Sie diesen "
-         u"Dateityp mit der ZEV Reel Desk Projektdatei verknüpfen?",
-     u"Le type de dossier '.zrd' est associé à une autre application. Voulez-vous associer ce "
-         u"type de dossier au dossier de Projet ZEV Reel Desk?",
+         u"Dateityp mit der Projektdatei von ZEV Reel Desk verknüpfen?",
+     u"Le type de fichier '.zrd' est associé à une autre application. Voulez-vous associer ce "
+         u"type de fichier au fichier de Projet ZEV Reel Desk?",
      u"El tipo de archivo '.zrd' está asociado con otra aplicación. ¿Desea asociar este tipo de "
          u"archivo con el archivo de Proyecto de ZEV Reel Desk?"},
 
     // 129
     {u"couldn't fix AVI registry!",
      u"AVI kayıt defteri düzeltilemedi!",
-     u"Die AVI Registrierung konnte nicht repariert werden!",
-     u"Le registre AVI n'a pu etre réparé!",
+     u"Die AVI-Registrierung konnte nicht repariert werden!",
+     u"Le registre AVI n'a pu être réparé!",
      u"¡No se pudo reparar el registro AVI!"},
 
     // 130
@@ -979,7 +979,7 @@ constexpr PhraseRow rows[] = {
     {u"couldn't delete the file",
      u"dosya silinemedi",
      u"die Datei konnte nicht gelöscht werden",
-     u"impossible de supprimer le dossier",
+     u"impossible de supprimer le fichier",
      u"no se pudo borrar el archivo"},
 
     // 135
@@ -988,7 +988,7 @@ constexpr PhraseRow rows[] = {
      u"Kurulum dosyası tam değil! ZEV'yi kurmak için kurulum dosyasının tamamını indirmelisiniz.",
      u"Die Installationsdatei ist nicht vollständig! Sie müssen die ganze Installationsdatei "
          u"herunterladen, um ZEV zu installieren.",
-     u"Le dossier d'installation n'est pas complet! Vous devez télécharger tout le dossier "
+     u"Le fichier d'installation n'est pas complet! Vous devez télécharger tout le fichier "
          u"d'installation pour installer ZEV.",
      u"¡El archivo de instalación no está completo! Debe descargar todo el archivo de "
          u"instalación para instalar ZEV."},
@@ -997,21 +997,21 @@ constexpr PhraseRow rows[] = {
     {u"Error in Extract File - ",
      u"Dosya Çıkarmada Hata - ",
      u"Fehler beim Extrahieren der Datei - ",
-     u"Erreur d'extraction du dossier - ",
+     u"Erreur d'extraction du fichier - ",
      u"Error al extraer el archivo - "},
 
     // 137
     {u": File '",
      u": Dosya '",
      u": Datei '",
-     u": Dossier '",
+     u": Fichier '",
      u": Archivo '"},
 
     // 138
     {u"' could not be written!",
      u"' yazılamadı!",
      u"' konnte nicht geschrieben werden!",
-     u"' n'a pu etre écrit!",
+     u"' n'a pu être écrit!",
      u"' no pudo ser escrito!"},
 
     // 139
@@ -1046,18 +1046,18 @@ constexpr PhraseRow rows[] = {
     {u"Folder name cannot contain any of the *,?,<, :, /, | characters. The directory name "
          u"you've entered :",
      u"Dizin adı *,?,<, :, /, | karakterlerinden hiçbirini içeremez. Girdiğiniz dizin adı :",
-     u"Der Verzeichnisname darf keinen der Charaktere *,?,<, :, /, | enthalten. Der von Ihnen "
+     u"Der Verzeichnisname darf keines der Zeichen *,?,<, :, /, | enthalten. Der von Ihnen "
          u"eingegebene Verzeichnisname :",
-     u"Le nom du répertoire ne peut contenir aucun des caracteres *,?,<, :, /, |. Le nom de "
+     u"Le nom du répertoire ne peut contenir aucun des caractères *,?,<, :, /, |. Le nom de "
          u"répertoire que vous avez entré :",
-     u"El nombre del directorio no puede contener ninguno de los carácteres *,?,<, :, /, |. El "
+     u"El nombre del directorio no puede contener ninguno de los caracteres *,?,<, :, /, |. El "
          u"nombre de directorio que ha introducido :"},
 
     // 144
     {u" couldn't be found!",
      u" bulunamadı!",
      u" konnte nicht gefunden werden!",
-     u" n'a pu etre trouvé!",
+     u" n'a pu être trouvé!",
      u" no pudo ser encontrado!"},
 
     // 145
@@ -1070,36 +1070,36 @@ constexpr PhraseRow rows[] = {
     // 146
     {u"Please check the drive : ",
      u"Lütfen sürücüyü kontrol edin : ",
-     u"Bitte überprüfen Sie den Treiber : ",
-     u"Veuillez vérifier le pilote : ",
+     u"Bitte überprüfen Sie das Laufwerk : ",
+     u"Veuillez vérifier le lecteur : ",
      u"Por favor compruebe la unidad : "},
 
     // 147
     {u"Screen Recorder can not be installed into a diskette driver.",
      u"Ekran Kaydedici disket sürücüsüne kurulamaz.",
-     u"ZEV Bildschirm Recorder kann nicht auf den Disketten Treiber installiert werden.",
-     u"L'Enregistreur d'Ecran ne peut pas etre installé dans un pilote de disquette.",
+     u"ZEV Bildschirm Recorder kann nicht auf einem Diskettenlaufwerk installiert werden.",
+     u"L'Enregistreur d'Ecran ne peut pas être installé sur un lecteur de disquettes.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de disquete."},
 
     // 148
     {u"Screen Recorder can not be installed into a network driver.",
      u"Ekran Kaydedici ağ sürücüsüne kurulamaz.",
      u"ZEV Bildschirm Recorder kann nicht auf den Netzwerk Treiber installiert werden.",
-     u"L'Enregistreur d'Ecran ne peut pas etre installé dans un pilote de réseau.",
+     u"L'Enregistreur d'Ecran ne peut pas être installé sur un lecteur réseau.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de red."},
 
     // 149
     {u"Screen Recorder can not be installed into a CD driver.",
      u"Ekran Kaydedici CD sürücüsüne kurulamaz.",
-     u"ZEV Bildschirm Recorder kann nicht auf den CD Treiber installiert werden.",
-     u"L'Enregistreur d'Ecran ne peut pas etre installé dans un pilote de CD.",
+     u"ZEV Bildschirm Recorder kann nicht auf einem CD-Laufwerk installiert werden.",
+     u"L'Enregistreur d'Ecran ne peut pas être installé sur un lecteur de CD.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de CD."},
 
     // 150
     {u"Screen Recorder can not be installed into a RAM driver.",
      u"Ekran Kaydedici RAM sürücüsüne kurulamaz.",
-     u"ZEV Bildschirm Recorder kann nicht auf den RAM Treiber installiert werden.",
-     u"L'Enregistreur d'Ecran ne peut pas etre installé dans un pilote de RAM.",
+     u"ZEV Bildschirm Recorder kann nicht auf einem RAM-Laufwerk installiert werden.",
+     u"L'Enregistreur d'Ecran ne peut pas être installé sur un disque RAM.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de RAM."},
 
     // 151
@@ -1115,7 +1115,7 @@ constexpr PhraseRow rows[] = {
          u"vorher zu deinstallieren.",
      u"Une version de l'Enregistreur d'Ecran ZEV 6 est déjà installée sur votre ordinateur et "
          u"vous installez maintenant de nouveau dans un autre répertoire. Il est recommandé "
-         u"d'installer dans le meme répertoire que la version installée ou de la désinstaller "
+         u"d'installer dans le même répertoire que la version installée ou de la désinstaller "
          u"avant d'installer celle-ci.",
      u"Una versión de ZEV Grabador de Pantalla 6 ya está instalada en su ordenador y ahora está "
          u"instalando otra vez en otro directorio. Se recomienda instalar en el mismo directorio "
@@ -1125,14 +1125,14 @@ constexpr PhraseRow rows[] = {
     {u"Are you sure to install into this directory?",
      u"Bu dizine kurmak istediğinizden emin misiniz?",
      u"Sind Sie sicher, dass Sie in dieses Verzeichnis installieren möchten?",
-     u"Etes-vous sûr de vouloir installer dans ce répertoire?",
+     u"Êtes-vous sûr de vouloir installer dans ce répertoire?",
      u"¿Está seguro de querer instalar en este directorio?"},
 
     // 153
     {u" could not be found!",
      u" bulunamadı!",
      u" konnte nicht gefunden werden!",
-     u" n'a pu etre trouvé!",
+     u" n'a pu être trouvé!",
      u" no pudo ser encontrado!"},
 
     // 154
@@ -1176,7 +1176,7 @@ constexpr PhraseRow rows[] = {
     {u"Error: Could not create directory : ",
      u"Hata: Dizin oluşturulamadı : ",
      u"Fehler: Das Verzeichnis konnte nicht erstellt werden : ",
-     u"Erreur: Le répertoire n'a pu etre créé : ",
+     u"Erreur: Le répertoire n'a pu être créé : ",
      u"Error: No se pudo crear el directorio : "},
 
     // 159
@@ -1200,14 +1200,14 @@ constexpr PhraseRow rows[] = {
     {u"File '",
      u"Dosya '",
      u"Die Datei '",
-     u"Le dossier '",
+     u"Le fichier '",
      u"El archivo '"},
 
     // 162
     {u"' could not be deleted! It can be in use!",
      u"' silinemedi! Kullanımda olabilir!",
      u"' konnte nicht gelöscht werden! Sie ist möglicherweise in Gebrauch!",
-     u"' n'a pu etre supprimé! Il est peut-etre en cours d'utilisation!",
+     u"' n'a pu être supprimé! Il est peut-être en cours d'utilisation!",
      u"' no pudo ser borrado! ¡Puede estar en uso!"},
 
     // 163
@@ -1217,7 +1217,7 @@ constexpr PhraseRow rows[] = {
          u"ediyor...",
      u"Sie können diese Datei später manuell löschen, die Installation von Bildschirm Recorder "
          u"wird jetzt fortgesetzt...",
-     u"Vous pourrez supprimer ce dossier manuellement plus tard, l'installation de "
+     u"Vous pourrez supprimer ce fichier manuellement plus tard, l'installation de "
          u"l'Enregistreur d'Ecran continue maintenant...",
      u"Más tarde puede borrar este archivo manualmente, la instalación del Grabador de Pantalla "
          u"continúa ahora..."},
@@ -1226,7 +1226,7 @@ constexpr PhraseRow rows[] = {
     {u"Error in ExpandFile: Couldn't decompress the file! ",
      u"ExpandFile içinde hata: Dosya açılamadı! ",
      u"Fehler in ExpandFile: Die Datei konnte nicht dekomprimiert werden! ",
-     u"Erreur dans ExpandFile: Le dossier n'a pu etre décompressé! ",
+     u"Erreur dans ExpandFile: Le fichier n'a pu être décompressé! ",
      u"Error en ExpandFile: ¡No se pudo descomprimir el archivo! "},
 
     // 165
@@ -1260,9 +1260,9 @@ constexpr PhraseRow rows[] = {
     // 169
     {u"Invalid Characters",
      u"Geçersiz Karakterler",
-     u"Ungültige Charaktere",
-     u"Caracteres Invalides",
-     u"Carácteres Invalidos"},
+     u"Ungültige Zeichen",
+     u"Caractères Invalides",
+     u"Caracteres Inválidos"},
 
     // 170
     {u"Space in drive is less than 5.000.000 bytes.",
@@ -1274,7 +1274,7 @@ constexpr PhraseRow rows[] = {
     // 171
     {u"You need more space to install Screen Recorder.",
      u"Ekran Kaydedici'yi kurmak için daha fazla boşluğa ihtiyacınız var.",
-     u"Sie brauchen mehr Leerplatz, um Bildschirm Recorder zu installieren.",
+     u"Sie brauchen mehr Speicherplatz, um Bildschirm Recorder zu installieren.",
      u"Vous avez besoin de plus d'espace pour installer l'Enregistreur d'Ecran.",
      u"Necesita más espacio para instalar el Grabador de Pantalla."},
 
@@ -1290,7 +1290,7 @@ constexpr PhraseRow rows[] = {
      u"Dosyalar geçici dizine kopyalanıyor ve kurulum dizinine açılıyor...",
      u"Die Dateien werden in das temporäre Verzeichnis kopiert und in das "
          u"Installationsverzeichnis entpackt...",
-     u"Copie des dossiers dans le répertoire temporaire et décompression dans le répertoire "
+     u"Copie des fichiers dans le répertoire temporaire et décompression dans le répertoire "
          u"d'installation...",
      u"Copiando los archivos al directorio temporal y descomprimiéndolos en el directorio de "
          u"instalación..."},
@@ -1299,14 +1299,14 @@ constexpr PhraseRow rows[] = {
     {u"'.zrd' file type registry...",
      u"'.zrd' dosya türü kaydı...",
      u"Registrierung des Dateityps '.zrd'...",
-     u"Enregistrement du type de dossier '.zrd'...",
+     u"Enregistrement du type de fichier '.zrd'...",
      u"Registro del tipo de archivo '.zrd'..."},
 
     // 175
     {u"Temporary files are being deleted...",
      u"Geçici dosyalar siliniyor...",
      u"Die temporären Dateien werden gelöscht...",
-     u"Les dossiers temporaires sont en train d'etre supprimés...",
+     u"Les fichiers temporaires sont en train d'être supprimés...",
      u"Se están borrando los archivos temporales..."},
 
     // 176
@@ -1341,7 +1341,7 @@ constexpr PhraseRow rows[] = {
     {u"Screen Recorder can not be installed into a network driver.",
      u"Ekran Kaydedici ağ sürücüsüne kurulamaz.",
      u"Bildschirm Recorder kann nicht in ein Netzwerk Treiber installiert werden",
-     u"L'Enregistreur d'Ecran ne peut pas etre installé dans un pilote de réseau.",
+     u"L'Enregistreur d'Ecran ne peut pas être installé sur un lecteur réseau.",
      u"El Grabador de Pantalla no puede ser instalado en una unidad de red."},
 
     // 181: never found, row 5 has the same key
@@ -1369,7 +1369,7 @@ constexpr PhraseRow rows[] = {
      u"Aşağıdaki dizin gizli ve özelliği görünür olarak değiştirilemedi. Bunu elle yapmalısınız.",
      u"Das folgende Verzeichnis ist versteckt und sein Attribut konnte nicht auf sichtbar "
          u"geändert werden. Sie sollten es manuell tun.",
-     u"Le répertoire suivant est caché et son attribut n'a pu etre changé en visible. Vous devez "
+     u"Le répertoire suivant est caché et son attribut n'a pu être changé en visible. Vous devez "
          u"le faire manuellement.",
      u"El directorio siguiente está oculto y no se pudo cambiar su atributo a visible. Debe "
          u"hacerlo manualmente."},
@@ -1380,7 +1380,7 @@ constexpr PhraseRow rows[] = {
      u"Aşağıdaki dizin salt okunur ve özelliği değiştirilemedi. Bunu elle yapmalısınız.",
      u"Das folgende Verzeichnis ist schreibgeschützt und sein Attribut konnte nicht geändert "
          u"werden. Sie sollten es manuell tun.",
-     u"Le répertoire suivant est en lecture seule et son attribut n'a pu etre changé. Vous devez "
+     u"Le répertoire suivant est en lecture seule et son attribut n'a pu être changé. Vous devez "
          u"le faire manuellement.",
      u"El directorio siguiente es de sólo lectura y no se pudo cambiar su atributo. Debe hacerlo "
          u"manualmente."},
@@ -1389,42 +1389,42 @@ constexpr PhraseRow rows[] = {
     {u"File 'ZEVDELang.dat' could not be extracted!",
      u"'ZEVDELang.dat' dosyası çıkarılamadı!",
      u"Die Datei 'ZEVDELang.dat' konnte nicht extrahiert werden!",
-     u"Le dossier 'ZEVDELang.dat' n'a pu etre extrait!",
+     u"Le fichier 'ZEVDELang.dat' n'a pu être extrait!",
      u"¡El archivo 'ZEVDELang.dat' no pudo ser extraído!"},
 
     // 186
     {u"File 'ZEVDELang.dat' could not be expanded!",
      u"'ZEVDELang.dat' dosyası açılamadı!",
      u"Die Datei 'ZEVDELang.dat' konnte nicht geöffnet werden!",
-     u"Le dossier 'ZEVDELang.dat' n'a pu etre décompressé!",
+     u"Le fichier 'ZEVDELang.dat' n'a pu être décompressé!",
      u"¡El archivo 'ZEVDELang.dat' no pudo ser descomprimido!"},
 
     // 187
     {u"File 'ZEVFRLang.dat' could not be extracted!",
      u"'ZEVFRLang.dat' dosyası çıkarılamadı!",
      u"Die Datei 'ZEVFRLang.dat' konnte nicht extrahiert werden!",
-     u"Le dossier 'ZEVFRLang.dat' n'a pu etre extrait!",
+     u"Le fichier 'ZEVFRLang.dat' n'a pu être extrait!",
      u"¡El archivo 'ZEVFRLang.dat' no pudo ser extraído!"},
 
     // 188
     {u"File 'ZEVFRLang.dat' could not be expanded!",
      u"'ZEVFRLang.dat' dosyası açılamadı!",
      u"Die Datei 'ZEVFRLang.dat' konnte nicht geöffnet werden!",
-     u"Le dossier 'ZEVFRLang.dat' n'a pu etre décompressé!",
+     u"Le fichier 'ZEVFRLang.dat' n'a pu être décompressé!",
      u"¡El archivo 'ZEVFRLang.dat' no pudo ser descomprimido!"},
 
     // 189
     {u"File 'ZEVSPLang.dat' could not be extracted!",
      u"'ZEVSPLang.dat' dosyası çıkarılamadı!",
      u"Die Datei 'ZEVSPLang.dat' konnte nicht extrahiert werden!",
-     u"Le dossier 'ZEVSPLang.dat' n'a pu etre extrait!",
+     u"Le fichier 'ZEVSPLang.dat' n'a pu être extrait!",
      u"¡El archivo 'ZEVSPLang.dat' no pudo ser extraído!"},
 
     // 190
     {u"File 'ZEVSPLang.dat' could not be expanded!",
      u"'ZEVSPLang.dat' dosyası açılamadı!",
      u"Die Datei 'ZEVSPLang.dat' konnte nicht geöffnet werden!",
-     u"Le dossier 'ZEVSPLang.dat' n'a pu etre décompressé!",
+     u"Le fichier 'ZEVSPLang.dat' n'a pu être décompressé!",
      u"¡El archivo 'ZEVSPLang.dat' no pudo ser descomprimido!"},
 
     // 191
@@ -1432,7 +1432,7 @@ constexpr PhraseRow rows[] = {
      u"Kullanıcı kaydediliyor : ",
      u"Benutzer wird registriert : ",
      u"Enregistrement de l'utilisateur : ",
-     u"Registrando el usuario : "},
+     u"Registrando al usuario : "},
 };
 // clang-format on
 

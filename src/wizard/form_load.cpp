@@ -39,6 +39,7 @@ void Wizard::Form_Load() {
 /// The stage numbers are printed by the trap. It never prints 21, since loading the phrases cannot
 /// fail, nor 25, since the scan ignores its errors (and so has no use for numbers within).
 void Wizard::loadForm(std::int32_t& stage) {
+  const auto setStage = [&stage](std::int32_t number) { stage = number; };
   stage = 1;
   findTemporaryFolder();
   stage = 2;
@@ -47,7 +48,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   stage = 3;
   classifyMachine();
   if (globals_.gOSClass == profileClass) {
-    UserFolderChain(program_, phrases_, [&](std::int32_t number) { stage = number; }).run();
+    UserFolderChain(program_, phrases_, setStage).run();
   }
   stage = 20;
   const bool firstRun = !readLanguage();
@@ -58,8 +59,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   form1_.Text1.Text_ = phrases_.PhraseKeys().at(9);
   stage = 23;
   proposeInstallDirectory(program_, registry_);
-  stage = 25;
-  if (!RunningProduct(program_, phrases_).waitUntilClosed()) {
+  if (!RunningProduct(program_, phrases_, setStage).waitUntilClosed()) {
     ignoringErrors([&] { form1_.Command2.Caption = Translate(u"Finish"); });
     ignoringErrors([&] { platform_.application.Unload(form1_); });
     return;

@@ -31,6 +31,7 @@ bool RunningProduct::waitUntilClosed() {
 }
 
 bool RunningProduct::bothWindowsSeen() {
+  setStage_(25);
   mainSeen_ = settingsSeen_ = false;
   Windows& windows = program_.platform.windows;
   WindowHandle window = 0;
@@ -41,6 +42,7 @@ bool RunningProduct::bothWindowsSeen() {
   while (window != 0) {
     look(window);
     if (mainSeen_ && settingsSeen_) return true;
+    setStage_(27);
     letEventsRun();
     WindowHandle next = 0;
     ignoringErrors([&] { next = windows.GetWindow(window, GW_HWNDNEXT); });
@@ -50,8 +52,10 @@ bool RunningProduct::bothWindowsSeen() {
 }
 
 void RunningProduct::look(WindowHandle window) {
+  setStage_(25);
   std::int32_t length = 0;
   ignoringErrors([&] { length = program_.platform.windows.GetWindowTextLengthA(window); });
+  setStage_(26);
   if (length < 1) return;
   const Text title = titleOf(window, length);
   if (isMainTitle(title) || title == phrases_.Translate(translatedMainTitle)) mainSeen_ = true;

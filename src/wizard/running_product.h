@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <utility>
+
 #include "localisation/phrases.h"
 #include "state/program.h"
 
@@ -9,8 +13,9 @@ namespace zev {
 /// settings window are seen in one pass over the top-level windows.
 class RunningProduct {
  public:
-  /// Borrows both.
-  RunningProduct(Program& program, Phrases& phrases) : program_(program), phrases_(phrases) {}
+  /// Borrows the program and the phrases. `setStage` is told the stage number of each step.
+  RunningProduct(Program& program, Phrases& phrases, std::function<void(std::int32_t)> setStage)
+      : program_(program), phrases_(phrases), setStage_(std::move(setStage)) {}
 
   /// Asks the person to close a running product, as often as it is found. False if the person gives
   /// up. Run-time errors count for nothing meanwhile.
@@ -25,6 +30,7 @@ class RunningProduct {
 
   Program& program_;
   Phrases& phrases_;
+  std::function<void(std::int32_t)> setStage_;
   bool mainSeen_ = false;
   bool settingsSeen_ = false;
 };

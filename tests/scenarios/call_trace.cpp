@@ -15,9 +15,9 @@ constexpr const char* phaseNames[] = {"load",        "check",     "opening",  "b
                                       "settings",    "file type", "language", "cleaning",
                                       "shortcuts",   "users",     "finish",   "unload"};
 
-/// The steps that the person takes: the last but one presses Install, the last one Finish.
-constexpr int installStep = 4;
-constexpr int finishStep = 5;
+/// The clicks of the person: the last but one presses Install, the last one Finish.
+constexpr int installClick = 4;
+constexpr int finishClick = 5;
 
 constexpr int mainProgram = 3;
 constexpr std::size_t firstSlotTick = 1;  ///< the tick before it belongs to no slot
@@ -43,18 +43,19 @@ class Tracer {
  public:
   void take(const Event& event) {
     const std::string kind = event["event"];
-    if (kind == "step") takeStep();
+    if (kind == "step" && event["step"].contains("click")) takeClick();
     if (kind == "set") takeProperty(event["control"], event["property"], event["value"]);
     if (kind == "call") takeCall(event);
+    ++place_;
   }
 
   std::vector<Call> calls;
 
  private:
-  void takeStep() {
-    ++steps_;
-    if (steps_ == installStep) phase_ = Phase::Check;
-    if (steps_ == finishStep) phase_ = Phase::Unload;
+  void takeClick() {
+    ++clicks_;
+    if (clicks_ == installClick) phase_ = Phase::Check;
+    if (clicks_ == finishClick) phase_ = Phase::Unload;
   }
 
   void takeProperty(const std::string& control, const std::string& property, const Event& value) {
@@ -101,6 +102,7 @@ class Tracer {
     // A text that is put counts as a Put, too.
     if (call.operation == "PutText") ++counts_["Put"];
     call.phase = phase_;
+    call.place = place_;
     call.row = row_;
     call.empty = event["result"] == "";
     if (call.operation == "CreateShortcut") ++links_;
@@ -136,7 +138,8 @@ class Tracer {
 
   Phase phase_ = Phase::Load;
   int row_ = 0;
-  int steps_ = 0;
+  int clicks_ = 0;
+  std::size_t place_ = 0;
   std::size_t ticks_ = 0;
   std::size_t links_ = 0;
   std::map<std::string, std::size_t> counts_;

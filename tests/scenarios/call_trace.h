@@ -41,9 +41,11 @@ struct Call {
   bool empty = false;  ///< its result was an empty text
   std::size_t repeat = 1;  ///< which call of the operation for this path, in this stretch
   std::size_t link = 0;    ///< which shortcut is being made, from 1
+  std::size_t place = 0;   ///< of its event in the transcript
 };
 
-/// Finds the calls in the transcript, with its calls, of a run that was pressed through to Finish.
+/// Finds the calls in the transcript, with its calls, of a run whose fourth click pressed Install;
+/// a fifth one is Finish.
 std::vector<Call> traceCalls(const std::vector<simulated::Event>& events);
 
 }  // namespace zev

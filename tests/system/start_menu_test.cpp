@@ -255,6 +255,33 @@ TEST_F(StartMenus, WithoutProgramManagerThePausesAreTheSame) {
   EXPECT_EQ(machine.clock(), 500u + 500u + 5 * 200u);
 }
 
+// ---- the steps that the run is told
+
+/// The lines of these rows of the table of steps.
+Lines stepsOf(const std::vector<const char*>& whats) {
+  static const Table table = Table::read("run_steps.tsv");
+  Lines lines;
+  for (const char* what : whats) {
+    lines.push_back("RunStep | " + std::to_string(table.row("what", what).number("step")));
+  }
+  return lines;
+}
+
+TEST_F(StartMenus, TheShellTakesTheStepsOfTheTable) {
+  run();
+  EXPECT_EQ(steps(),
+            stepsOf({"candidate formed", "candidate tested", "gStartMenuDir tested",
+                     "gStartMenuDir extended and made", "WScript.Shell created", "Desktop shortcut",
+                     "entry 2", "entry 3", "entry 4", "entry 5", "folder shown"}));
+}
+
+TEST_F(StartMenus, ProgramManagerTakesTheStepsOfTheTable) {
+  takeStartMenuAway();
+  run();
+  EXPECT_EQ(steps(), stepsOf({"candidate formed", "candidate tested", "gStartMenuDir tested",
+                              "Program Manager"}));
+}
+
 // ---- where the group goes
 
 TEST_F(StartMenus, WithoutASharedFolderTheUsersOwnProgramsGetTheGroup) {
