@@ -19,8 +19,8 @@ bool isLetter(char16_t unit) {
   return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
 }
 
-char16_t upperLetter(char16_t letter) {
-  return letter >= u'a' ? static_cast<char16_t>(letter - u'a' + u'A') : letter;
+char16_t upperLetter(char16_t unit) {
+  return isLetter(unit) ? upperCase(TextView(&unit, 1)).front() : unit;
 }
 
 bool isDeviceName(TextView name) {
@@ -29,10 +29,14 @@ bool isDeviceName(TextView name) {
                      [&](TextView device) { return equalText(stem, device); });
 }
 
-/// Takes the drive letter off the front and tells where the rest starts from.
+bool namesDrive(TextView text) {
+  return text.size() >= 2 && text[1] == u':' && text[0] != separator;
+}
+
+/// Takes the drive off the front and tells where the rest starts from.
 Path startOf(TextView& text, const Path& current) {
   Path start = current;
-  if (text.size() >= 2 && text[1] == u':' && isLetter(text[0])) {
+  if (namesDrive(text)) {
     const char16_t drive = upperLetter(text[0]);
     if (drive != current.drive) start = Path{drive, {}, false};
     text.remove_prefix(2);

@@ -31,6 +31,17 @@ TEST(Path, IsResolvedAsTheSystemDoes) {
       {u"C:\\a.\\b", u"C:\\a\\b"},
       {u"C:\\a \\b", u"C:\\a \\b"},
       {u"C:\\...", u"C:\\"},
+      {u"9:\\x", u"9:\\x"},
+      {u"9:x", u"9:\\x"},
+      {u".:", u".:\\"},
+      {u"::\\x", u"::\\x"},
+      {u"`:\\x", u"`:\\x"},
+      {u"{:\\x", u"{:\\x"},
+      {u"\u00E9:\\x", u"\u00E9:\\x"},
+      {u"\u0131:\\x", u"\u0131:\\x"},
+      {u"\u6F22:\\x", u"\u6F22:\\x"},
+      {u" 9:x", u"C:\\Users\\bob\\ 9:x"},
+      {u"\\:\\x", u"C:\\:\\x"},
   };
   for (const Row& row : rows) {
     Path path;
