@@ -95,6 +95,7 @@ void Player::live() {
   companion_.starts();
   machine_.startProgram();
   program_ = factory_(machine_.platform());
+  triggers_.requireProperties(program_->forms());
   runProgram();
   while (const Step* step = ended_.is_null() ? nullptr : takeStep()) performGuarded(*step);
 }
@@ -336,6 +337,7 @@ bool Player::carryOut(const GiveAnswers& given, const Step&) {
 }
 
 bool Player::carryOut(const At& at, const Step&) {
+  if (program_) Triggers::requireProperty(at, program_->forms());
   triggers_.arm(at);
   return false;
 }

@@ -23,10 +23,9 @@ struct Path {
   Text key() const;
 };
 
-/// Longest path that the calls of the system take, in characters, and longest name.
+/// Longest path that the calls of the system take, in characters.
 inline constexpr std::size_t longestPath = 259;
 inline constexpr std::size_t longestDirectoryPath = 247;
-inline constexpr std::size_t longestName = 255;
 
 /// Takes a path apart as the system does: a slash is a backslash, "." and ".." are resolved, blanks
 /// and dots at the end of the last name and one dot at the end of a name before it are dropped,
@@ -40,6 +39,5 @@ SystemError parsePath(TextView text, const Path& current, Path& path);
 
 /// success, or invalidName: a character that no name can have, a name of a device, a name too long.
 SystemError checkNames(const Path& path);
-bool validName(TextView name);
 
 }  // namespace zev::simulated
