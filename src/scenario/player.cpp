@@ -10,8 +10,8 @@
 namespace zev::scenario {
 namespace {
 
-/// The unwinding of a program that is left where it stands, to be started anew. It is no run-time
-/// error, so no trap of the program catches it.
+/// The unwinding of a program that is left where it stands, to be started anew. As PlayLeft it is
+/// no run-time error, so no trap of the program catches it.
 struct RestartRequested {};
 
 /// Steps that can follow the end of the program.
@@ -84,6 +84,8 @@ void Player::play() {
       live();
     } catch (const RestartRequested&) {
       again = true;
+    } catch (const PlayLeft&) {
+      return;
     }
   }
 }

@@ -358,6 +358,42 @@ TEST_F(Zevsim, DrawsTheProgressOnATerminal) {
       HasSubstr("\r[########################################] 96%  file8\x1b[K\n[Toy] Done."));
 }
 
+TEST_F(Zevsim, CutsTheProgressToTheWidth) {
+  terminal_ = true;
+  const std::string scenario = write("a.json",
+                                     R"({"script": [{"click": "Command2"},
+          {"set": {"Form1.Label12.Caption": "C:\\a folder of a rather long name\\a file"}}]})");
+  EXPECT_EQ(run({scenario, "--progress", "--width", "40"}), 0);
+  EXPECT_EQ(out_, "\r[.....................]   ...name\\a file\x1b[K\n");
+}
+
+TEST_F(Zevsim, ShowsTheProgressOfAHandsRun) {
+  terminal_ = true;
+  EXPECT_EQ(run({}, "click Next\nclick Run\n\n"), 0);
+  EXPECT_THAT(out_, HasSubstr("] 48%  file4\x1b[K"));
+  EXPECT_THAT(out_, HasSubstr("] 96%  file8\x1b[K\n+- Toy ----+\n| Done.    |\n"));
+  terminal_ = false;
+  EXPECT_EQ(run({}, "click Next\nclick Run\n\n"), 0);
+  EXPECT_THAT(out_, HasSubstr("> 0%  file1\n12%  file2\n"));
+}
+
+TEST_F(Zevsim, ShowsNoProgressOfWhatIsHidden) {
+  const std::string scenario =
+      write("a.json", R"({"script": [{"set": {"Form1.Label12.Caption": "hidden"}}]})");
+  EXPECT_EQ(run({scenario, "--progress"}), 0);
+  EXPECT_EQ(out_, "");
+}
+
+TEST_F(Zevsim, TakesAWidthFromFortyColumns) {
+  for (const char* width : {"39", "1001", "-50", "50x", ""}) {
+    EXPECT_EQ(run({"--width", width}), 2);
+    EXPECT_THAT(err_, StartsWith("zevsim: no width of " + std::string(width) + " columns; "));
+  }
+  EXPECT_EQ(run({"--width", "40"}), 0);
+  EXPECT_THAT(out_, StartsWith("+- Toy --------------------------------+\n"));
+  EXPECT_EQ(run({"--width", "1000"}), 0);
+}
+
 TEST_F(Zevsim, IsPlayedByHand) {
   EXPECT_EQ(run({}, "click Command2\nclick Check1\nshow Form1.Check1.Value\nclick Stop\nquit\n"),
             0);
