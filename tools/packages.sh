@@ -8,7 +8,7 @@ packages_to_run=(
 packages_to_test=(
   g++-multilib clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev googletest
   libbenchmark-dev libmspack-dev mscompress valgrind binutils file python3
-  curl nginx-light ncat socat
+  curl nginx-light ncat socat python3-pexpect python3-pyte
 )
 
 # The Windows programs, their tests, and the machine that they run on.

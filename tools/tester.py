@@ -582,7 +582,7 @@ class Tester:
 
 
 # Rooms that the stage `run` tests, whose suites take much longer under a sanitizer.
-RUN_ROOMS = {"support", "sample", "zevpack", "scenarios", "zevnet"}
+RUN_ROOMS = {"support", "sample", "zevpack", "scenarios", "zevnet", "zevsim"}
 
 
 def known_rooms():

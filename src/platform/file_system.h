@@ -71,11 +71,11 @@ enum class FileDisposition {
 /// The file calls of the system, one call an operation, failing with the system's numbers.
 ///
 /// Paths are the system's: a drive letter, a colon, backslashes (a slash stands for a backslash),
-/// or two backslashes, a machine and a share. They match without regard to case and keep the case
-/// in which they were made. Texts pass through the code page of the system, so that a character
-/// which it cannot represent becomes its default character. A name that the system does not allow
-/// fails with invalidName, a missing parent with pathNotFound, a drive that is not there with
-/// pathNotFound.
+/// or two backslashes, a machine and a share. Whatever else stands before a colon is a drive that
+/// is not there. They match without regard to case and keep the case in which they were made. Texts
+/// pass through the code page of the system, so that a character which it cannot represent becomes
+/// its default character. A name that the system does not allow fails with invalidName, a missing
+/// parent with pathNotFound, a drive that is not there with pathNotFound.
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
@@ -115,7 +115,7 @@ class FileSystem {
   virtual SystemError GetFileAttributesA(TextView path, std::uint32_t& attributes) = 0;
   /// Sets read-only, hidden, system and archive; a directory stays one.
   virtual SystemError SetFileAttributesA(TextView path, std::uint32_t attributes) = 0;
-  /// True if the drive of a root such as "C:\" is there and ready.
+  /// True if the drive of a root such as "C:\" or "C:" is there and ready.
   virtual bool rootExists(TextView root) = 0;
 
   /// Bytes of a text in the system's code page and back: what a text file holds.

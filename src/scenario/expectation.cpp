@@ -166,10 +166,12 @@ struct Found {
   std::string_view property;
 };
 
-Form& requireActiveForm(const Scene& scene, const std::string& path) {
+/// The form that a control is looked for on whose form is not named.
+Form& requireActiveForm(const Scene& scene, const Name& name, const std::string& path) {
   Form* active = scene.machine.screen().activeForm();
-  if (active == nullptr) throw ScenarioError(path, "no form is active; name the form");
-  return *active;
+  if (active != nullptr) return *active;
+  throw ScenarioError(path, "the program has no form " + name.parts.front() +
+                                ", and no form is active that could have such a control");
 }
 
 Found findComponent(const Name& name, const Scene& scene, const std::string& path) {
@@ -178,11 +180,13 @@ Found findComponent(const Name& name, const Scene& scene, const std::string& pat
   if (form == nullptr && name.parts.size() == 3) {
     throw ScenarioError(path, "the program has no form " + name.parts.front());
   }
-  if (form == nullptr) form = &requireActiveForm(scene, path);
+  if (form == nullptr) form = &requireActiveForm(scene, name, path);
   const std::string& control = name.parts[name.parts.size() - 2];
   Control* found = form->findControl(fromUtf8(control));
   if (found == nullptr) {
-    throw ScenarioError(path, toUtf8(form->name()) + " has no control " + control);
+    const std::string noForm =
+        name.parts.size() == 2 ? "the program has no form " + control + ", and " : "";
+    throw ScenarioError(path, noForm + toUtf8(form->name()) + " has no control " + control);
   }
   return {found, name.parts.back()};
 }

@@ -10,8 +10,8 @@
 namespace zev::scenario {
 namespace {
 
-/// The unwinding of a program that is left where it stands, to be started anew. It is no run-time
-/// error, so no trap of the program catches it.
+/// The unwinding of a program that is left where it stands, to be started anew. As PlayLeft it is
+/// no run-time error, so no trap of the program catches it.
 struct RestartRequested {};
 
 /// Steps that can follow the end of the program.
@@ -84,6 +84,8 @@ void Player::play() {
       live();
     } catch (const RestartRequested&) {
       again = true;
+    } catch (const PlayLeft&) {
+      return;
     }
   }
 }
@@ -95,6 +97,7 @@ void Player::live() {
   companion_.starts();
   machine_.startProgram();
   program_ = factory_(machine_.platform());
+  triggers_.requireProperties(program_->forms());
   runProgram();
   while (const Step* step = ended_.is_null() ? nullptr : takeStep()) performGuarded(*step);
 }
@@ -336,6 +339,7 @@ bool Player::carryOut(const GiveAnswers& given, const Step&) {
 }
 
 bool Player::carryOut(const At& at, const Step&) {
+  if (program_) Triggers::requireProperty(at, program_->forms());
   triggers_.arm(at);
   return false;
 }

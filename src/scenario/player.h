@@ -15,6 +15,9 @@ namespace zev::scenario {
 
 class Player;
 
+/// Thrown by a companion: the play ends here, and the program is left where it stands.
+struct PlayLeft {};
+
 /// Who looks on while a scenario is played, and may go on where it ends. Every function has a
 /// default that does nothing.
 class Companion {

@@ -4,12 +4,12 @@
 #include <cmath>
 
 #include "scenario/boxes.h"
-#include "scenario/form_drawing.h"
+#include "scenario/text_block.h"
 
 namespace zev::scenario {
 namespace {
 
-constexpr int barColumns = 40;
+constexpr int longestBar = 40;
 constexpr std::string_view clearToEnd = "\x1b[K";
 
 bool isBar(const PropertyBase& property) {
@@ -49,7 +49,8 @@ std::string oneLine(std::string_view text) {
 }  // namespace
 
 void Progress::propertyWritten(const Form& form, const PropertyBase& property) {
-  if (form.name() != u"Form1" || !form.Visible) return;
+  const auto* control = dynamic_cast<const Control*>(&property.owner());
+  if (form.name() != u"Form1" || !form.Visible || control == nullptr || !control->showing()) return;
   if (isFigure(property)) figure_ = captionOf(property);
   if (isFile(property)) file_ = oneLine(captionOf(property));
   if (terminal_ && (isBar(property) || isFigure(property) || isFile(property))) {
@@ -60,9 +61,12 @@ void Progress::propertyWritten(const Form& form, const PropertyBase& property) {
 }
 
 void Progress::drawBar(double share) {
-  const auto columns = static_cast<std::size_t>(std::lround(share * barColumns));
-  out_ << "\r[" << std::string(columns, '#') << std::string(barColumns - columns, '.') << "] "
-       << figure_ << "  " << file_ << clearToEnd << std::flush;
+  const int columns = std::min(longestBar, columns_ / 2 + 1);
+  const auto full = static_cast<int>(std::lround(share * columns));
+  const Text bar = join(u"[", repeated(full, u'#'), repeated(columns - full, u'.'), u"] ");
+  const Text line = join(bar, fromUtf8(figure_), u"  ");
+  out_ << "\r" << toUtf8(line) << toUtf8(endOf(fromUtf8(file_), columns_ - columnsOf(line)))
+       << clearToEnd << std::flush;
   lineOpen_ = true;
 }
 

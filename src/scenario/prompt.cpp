@@ -1,287 +1,281 @@
 #include "scenario/prompt.h"
 
 #include <algorithm>
+#include <stdexcept>
+#include <utility>
 
+#include "platform/drives.h"
+#include "runtime/file_lists.h"
 #include "scenario/boxes.h"
-#include "scenario/form_drawing.h"
+#include "scenario/hindrance.h"
+#include "scenario/meant.h"
+#include "scenario/prompt_help.h"
+#include "scenario/text_block.h"
+#include "scenario/typed_line.h"
+#include "scenario/zevsim_options.h"
 
 namespace zev::scenario {
 namespace {
 
-constexpr std::string_view helpText =
-    "click NAME            click a control, by its name or its caption: click Command2, click "
-    "Next\n"
-    "select NAME ENTRY     choose an entry of a list: select Combo1 Deutsch\n"
-    "type NAME TEXT        replace the text of a text box: type Text2 D:\\Apps\n"
-    "focus NAME            move the focus\n"
-    "drive D:              choose in the drive list\n"
-    "folder C:\\Temp        choose in the directory tree\n"
-    "close [FORM]          the close box of the title bar\n"
-    "answer WORD ...       answers for the boxes to come: ok cancel abort retry ignore yes no\n"
-    "answer text TEXT      a text for an input box to come\n"
-    "set KEY VALUE         write a global or a property: set global.gLanguage 2\n"
-    "show KEY              what an expectation of that key would find: show Form1.Text2.Text\n"
-    "change {..}           change the machine, with the keys of a machine object\n"
-    "expect {..}           hold expectations\n"
-    "{..}                  any step of a script as it stands in a scenario\n"
-    "restart               start the program anew\n"
-    "state                 the machine as a whole, in JSON\n"
-    "screen                draw the form again\n"
-    "help                  this text\n"
-    "quit                  leave\n";
+constexpr std::string_view inputHelp =
+    "What is typed is the text; an empty line cancels. The words help and quit as a\n"
+    "text stand in double quotes. quit leaves.\n";
 
-constexpr std::string_view place = "prompt";
-
-[[noreturn]] void fail(const std::string& reason) {
-  throw ScenarioError(std::string(place), reason);
+constexpr int inputColumns = 30;
+bool isShownFolder(const simulated::Disks& disks, const Text& path) {
+  constexpr std::uint32_t shown = file_attribute::directory;
+  constexpr std::uint32_t hidden = file_attribute::hidden | file_attribute::system;
+  const auto entry = disks.find(path);
+  return entry && (entry->attributes & (shown | hidden)) == shown;
 }
 
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view blank = " \t\r";
-  const std::size_t first = std::min(text.find_first_not_of(blank), text.size());
-  return text.substr(first, text.find_last_not_of(blank) + 1 - first);
-}
-
-/// Takes the first word off a text.
-std::string_view takeWord(std::string_view& text) {
-  const std::size_t end = std::min(text.find_first_of(" \t"), text.size());
-  const std::string_view word = text.substr(0, end);
-  text = trimmed(text.substr(end));
-  return word;
-}
-
-bool startsWith(TextView text, TextView start) {
-  return text.size() >= start.size() && equalText(text.substr(0, start.size()), start);
-}
-
-/// The control that a person means: by its name, by its caption, or by the beginning of it.
-std::string meantControl(std::string_view written, const Form* active) {
-  const Text wanted = fromUtf8(written);
-  if (active == nullptr || active->findControl(wanted) != nullptr) return std::string(written);
-  for (const Control* each : active->Controls()) {
-    if (each->showing() && equalText(shownText(*each), wanted)) return toUtf8(each->name());
-  }
-  for (const Control* each : active->Controls()) {
-    if (each->showing() && startsWith(shownText(*each), wanted)) return toUtf8(each->name());
-  }
-  return std::string(written);
-}
-
-Json jsonOf(std::string_view text) {
-  try {
-    return parseJson(text);
-  } catch (const ScenarioError& error) {
-    fail(error.what());
-  }
-}
-
-/// A value as it is typed: in JSON if it is some, and else a text.
-Json valueOf(std::string_view text) {
-  Json value = Json::parse(text, nullptr, false);
-  return value.is_discarded() ? Json(text) : value;
-}
-
-Json answersOf(std::string_view rest) {
-  Json answers = Json::array();
-  std::string_view probe = rest;
-  if (takeWord(probe) == "text") return Json::array({{{"text", probe}}});
-  while (!rest.empty()) answers.push_back(takeWord(rest));
-  return answers;
-}
-
-struct TypedVerb {
-  std::string_view word;
-  Json (*value)(std::string_view rest, const Form* active);
-};
-
-Json controlArgument(std::string_view rest, const Form* active) {
-  return meantControl(rest, active);
-}
-
-Json controlAndText(std::string_view rest, const Form* active) {
-  const std::string control = meantControl(takeWord(rest), active);
-  return Json::array({control, rest});
-}
-
-Json textArgument(std::string_view rest, const Form*) { return rest; }
-
-Json formArgument(std::string_view rest, const Form* active) {
-  if (!rest.empty()) return rest;
-  if (active == nullptr) fail("no form is active; name the form");
-  return toUtf8(active->name());
-}
-
-Json keyAndValue(std::string_view rest, const Form*) {
-  const std::string key(takeWord(rest));
-  return Json{{key, valueOf(rest)}};
-}
-
-constexpr TypedVerb typedVerbs[] = {
-    {"click", controlArgument},
-    {"select", controlAndText},
-    {"type", controlAndText},
-    {"focus", controlArgument},
-    {"drive", textArgument},
-    {"folder", textArgument},
-    {"close", formArgument},
-    {"answer", [](std::string_view rest, const Form*) { return answersOf(rest); }},
-    {"set", keyAndValue},
-    {"change", [](std::string_view rest, const Form*) { return jsonOf(rest); }},
-    {"expect", [](std::string_view rest, const Form*) { return jsonOf(rest); }},
-    {"restart", [](std::string_view, const Form*) { return Json(true); }},
-};
-
-/// Whether a person who types a button's word, or the beginning of it, means that button.
-std::optional<std::string> meantButton(std::string_view typed, std::int32_t style) {
-  for (const std::string_view each : buttonsOf(style)) {
-    if (!typed.empty() && each.starts_with(typed)) return std::string(each);
-  }
-  return std::nullopt;
-}
-
-void printIndented(std::ostream& out, TextView text) {
-  std::string lines = toUtf8(text);
-  for (std::size_t at = 0; (at = lines.find('\r', at)) != std::string::npos;) {
-    if (lines.compare(at, 2, "\r\n") == 0) {
-      lines.erase(at, 1);
-    } else {
-      lines[at] = '\n';
-    }
-  }
-  out << "  ";
-  for (const char each : lines) out << each << (each == '\n' ? "  " : "");
-  out << "\n";
-}
-
-std::string buttonRow(std::int32_t style) {
-  const std::string_view byDefault = answerWord(simulated::defaultAnswer(style));
-  std::string row;
-  for (const std::string_view each : buttonsOf(style)) {
-    row += "  [ " + std::string(each) + (each == byDefault ? " *" : "") + " ]";
-  }
-  return row;
-}
-
-/// The folders of the machine, those that a person does not see left out.
+/// The folders of the machine, those that a person does not see left out. What is no folder has
+/// none.
 FolderNames foldersOf(const simulated::SimulatedMachine& machine) {
   return [&disks = machine.disks()](const Text& folder) {
     std::vector<Text> folders;
-    for (const Text& name : disks.names(folder).value_or(std::vector<Text>())) {
-      const auto entry = disks.find(join(withoutTrailing(folder, u'\\'), u"\\", name));
-      constexpr std::uint32_t shown = file_attribute::directory;
-      constexpr std::uint32_t hidden = file_attribute::hidden | file_attribute::system;
-      if (entry && (entry->attributes & (shown | hidden)) == shown) folders.push_back(name);
+    try {
+      for (const Text& name : disks.names(folder).value_or(std::vector<Text>())) {
+        const Text path = join(withoutTrailing(folder, u'\\'), u"\\", name);
+        if (isShownFolder(disks, path)) folders.push_back(name);
+      }
+    } catch (const std::invalid_argument&) {  // no path of the machine
     }
     return folders;
   };
 }
 
+// Boxes.
+
+/// Their words with commas between them.
+std::string buttonWords(std::int32_t style) {
+  std::string all;
+  for (const std::string_view each : buttonsOf(style)) {
+    all += (all.empty() ? "" : ", ") + std::string(each);
+  }
+  return all;
+}
+
+/// The button that a person means who types its word, or the beginning of it.
+std::optional<std::string> meantButton(std::string_view typed, std::int32_t style) {
+  for (const std::string_view each : buttonsOf(style)) {
+    if (each.starts_with(typed)) return std::string(each);
+  }
+  return std::nullopt;
+}
+
+Text buttonRow(std::int32_t style) {
+  const std::string_view byDefault = answerWord(simulated::defaultAnswer(style));
+  Text row;
+  for (const std::string_view each : buttonsOf(style)) {
+    const TextView mark = each == byDefault ? u" *" : u"";
+    row += join(row.empty() ? u"" : u"  ", u"[ ", fromUtf8(each), mark, u" ]");
+  }
+  return row;
+}
+
+/// A box as wide as its lines, within a width.
+std::string boxDrawing(TextView title, TextView text, const Text& below, int columns) {
+  std::vector<Text> lines = wrapped(text, columns - frameColumns);
+  lines.insert(lines.end(), {Text(), below});
+  int inside = columnsOf(title) + 2;
+  for (const Text& each : lines) inside = std::max(inside, columnsOf(each));
+  return framed(title, lines, std::min(inside, columns - frameColumns));
+}
+
+// Lists.
+
+bool isList(const Control& control) {
+  return control.kind() == ControlKind::ComboBox || control.kind() == ControlKind::DriveListBox ||
+         control.kind() == ControlKind::DirListBox;
+}
+
+bool isLongText(const Control& control) { return control.design().multiLine; }
+
+/// The control that is named, or without a name the only one of its sort that is to be seen.
+Control& controlFor(std::string_view name, const Form* form, bool (*sort)(const Control& control),
+                    const std::string& called) {
+  if (form == nullptr) failTyped("no form is shown");
+  if (!name.empty()) {
+    if (Control* named = meantControl(name, *form)) return *named;
+    failTyped(toUtf8(form->name()) + " has no control " + std::string(name));
+  }
+  const std::vector<Control*> found = shownOf(*form, sort);
+  if (found.size() == 1) return *found.front();
+  std::string all;
+  for (const Control* each : found) {
+    all.append(all.empty() ? "" : " or ").append(toUtf8(each->name()));
+  }
+  failTyped(found.empty() ? "no " + called + " is shown" : "which " + called + ": " + all + "?");
+}
+
+std::vector<Text> drivesOf(const simulated::Disks& disks) {
+  std::vector<Text> drives;
+  for (const char16_t letter : disks.letters()) {
+    const bool listed = disks.drive(letter)->type >= drive_type::removable;
+    if (listed) drives.push_back(lowerCase(Text{letter, u':'}));
+  }
+  return drives;
+}
+
+/// What a list has to choose from.
+std::vector<Text> choicesOf(const Control& list, const simulated::SimulatedMachine& machine) {
+  if (list.kind() == ControlKind::DriveListBox) return drivesOf(machine.disks());
+  if (const auto* tree = dynamic_cast<const DirListBox*>(&list)) {
+    return foldersOf(machine)(tree->Path());
+  }
+  const auto* combo = dynamic_cast<const ComboBox*>(&list);
+  if (combo == nullptr) failTyped(calledBy(list) + " is no list");
+  return entriesOf(*combo);
+}
+
 }  // namespace
 
-Step parseLine(const std::string& line, const Form* active) {
-  std::string_view rest = trimmed(line);
-  if (rest.starts_with('{')) {
-    const Json step = jsonOf(rest);
-    return readStep(JsonReader(step, {}, std::string(place)));
-  }
-  const std::string_view word = takeWord(rest);
-  for (const TypedVerb& verb : typedVerbs) {
-    if (verb.word != word) continue;
-    const Json step{{word, verb.value(rest, active)}};
-    return readStep(JsonReader(step, {}, std::string(place)));
-  }
-  fail("no verb \"" + std::string(word) + "\"; help lists them");
-}
+Prompt::Prompt(std::istream& in, std::ostream& out, int columns)
+    : terminal_(in, out, columns), notices_{"help tells what to type, quit leaves."} {}
 
-bool Prompt::readLine(std::string_view prompt, std::string& line) {
-  out_ << prompt << std::flush;
-  if (std::getline(in_, line)) return true;
-  out_ << "\n";
-  over_ = true;
-  return false;
-}
+// ---- steps
 
-void Prompt::drawScreen(Player& player) {
-  if (!player.ended().is_null()) {
-    out_ << "The program has ended: " << player.ended().dump() << "\n";
-    return;
-  }
-  const Form* form = player.machine().screen().activeForm();
-  if (form == nullptr) {
-    out_ << "No form is shown.\n";
-    return;
-  }
-  out_ << drawForm(*form, foldersOf(player.machine()))
-       << listControls(*form, player.machine().screen().focused(*form));
-}
-
-void Prompt::show(const std::string& key, Player& player) {
-  const Json nothing = nullptr;
-  const std::string path(place);
-  if (key != "boxes" && key != "ended") checkExpectation(key, JsonReader(nothing, {}, path));
-  const Verdict verdict = judge({key, nothing, path}, player.scene());
-  out_ << verdict.found.dump(2) << "\n";
-}
-
-/// Does what a line asks of the prompt itself; false if it is meant for the player.
-bool Prompt::obey(const std::string& line, Player& player) {
-  std::string_view rest = trimmed(line);
-  const std::string_view word = takeWord(rest);
-  if (word == "help") {
-    out_ << helpText;
-  } else if (word == "state") {
-    out_ << player.machine().state().dump(2) << "\n";
-  } else if (word == "screen") {
-    drawScreen(player);
-  } else if (word == "show") {
-    show(std::string(rest), player);
-  } else if (word == "quit" || word == "exit") {
-    over_ = true;
-  } else {
-    return word.empty();
-  }
-  return true;
-}
-
-std::optional<Step> Prompt::nextStep(Player& player) {
-  if (!over_) drawScreen(player);
-  std::string line;
-  while (!over_ && readLine("> ", line)) {
+Step Prompt::nextStep(Player& player) {
+  if (drawn(player) != drawn_) drawScreen(player);
+  tellNotices();
+  while (true) {
+    const std::string line = terminal_.ask("> ", promptHelp(terminal_.columns()));
     try {
-      if (!obey(line, player)) return parseLine(line, player.machine().screen().activeForm());
+      if (obey(line, player)) continue;
+      if (auto step = stepOf(line, player)) return *step;
     } catch (const ScenarioError& error) {
-      refused(error);
+      terminal_.tell(error.reason());
     }
   }
-  return std::nullopt;
 }
 
-std::optional<Answer> Prompt::answer(const simulated::Box& box) {
-  out_ << "+- " << toUtf8(box.title) << "\n";
-  printIndented(out_, box.text);
-  out_ << buttonRow(box.style) << "\n";
-  std::string line;
-  while (!over_ && readLine("answer> ", line)) {
-    const std::string typed(trimmed(line));
-    if (typed.empty()) return std::nullopt;
-    if (auto button = meantButton(typed, box.style)) return Answer{*button, {}, std::string(place)};
-  }
+/// The step that a line stands for; none if nothing would come of it, which is told.
+std::optional<Step> Prompt::stepOf(const std::string& line, Player& player) {
+  Step step = parseLine(line, player.machine().screen().activeForm(), foldersOf(player.machine()));
+  const auto hindrance = hindranceOf(step, player);
+  if (!hindrance) return step;
+  terminal_.tell(*hindrance);
   return std::nullopt;
-}
-
-std::optional<Answer> Prompt::input(TextView prompt, TextView title, TextView initial) {
-  out_ << "+- " << toUtf8(title) << "\n";
-  printIndented(out_, prompt);
-  out_ << "  [" << toUtf8(initial) << "]  (an empty line cancels)\n";
-  std::string line;
-  if (over_ || !readLine("text> ", line)) return Answer{"cancel", {}, std::string(place)};
-  return Answer{{}, fromUtf8(trimmed(line)), std::string(place)};
 }
 
 void Prompt::judged(const KeyedValue& expectation, const Verdict& verdict) {
-  out_ << (verdict.held ? "held: " : "does not hold: ") << expectation.key << "\n";
+  notices_.push_back((verdict.held ? "held: " : "does not hold: ") + expectation.key);
 }
 
-void Prompt::refused(const ScenarioError& error) { out_ << error.reason() << "\n"; }
+void Prompt::refused(const ScenarioError& error) { notices_.push_back(error.reason()); }
+
+void Prompt::tellNotices() {
+  for (const std::string& each : std::exchange(notices_, {})) terminal_.tell(each);
+}
+
+// ---- the screen
+
+/// With its list of controls, a line to be told and the prompt, a form fits on the screen.
+std::string Prompt::drawn(Player& player) const {
+  if (!player.ended().is_null()) {
+    return "The program has ended: " + player.ended().dump() +
+           "\nrestart starts it anew, quit leaves.\n";
+  }
+  const Form* form = player.machine().screen().activeForm();
+  if (form == nullptr) return "No form is shown.\n";
+  const int columns = terminal_.columns();
+  const std::string list = listControls(*form, player.machine().screen().focused(*form), columns);
+  const int below = static_cast<int>(std::count(list.begin(), list.end(), '\n')) + 2;
+  return drawForm(*form, {columns, Terminal::lines - below}, foldersOf(player.machine())) + list;
+}
+
+void Prompt::drawScreen(Player& player) {
+  drawn_ = drawn(player);
+  terminal_.show(drawn_);
+}
+
+// ---- boxes
+
+void Prompt::drawBox(TextView title, TextView text, const Text& below) {
+  tellNotices();
+  drawn_.clear();
+  terminal_.show(boxDrawing(title, text, below, terminal_.columns()));
+}
+
+std::optional<Answer> Prompt::answer(const simulated::Box& box) {
+  drawBox(box.title, box.text, buttonRow(box.style));
+  const std::string buttons = buttonWords(box.style);
+  const std::string help = "A button or its beginning: " + buttons +
+                           ".\nAn empty line takes the one with the star. quit leaves.\n";
+  while (true) {
+    const std::string typed = terminal_.ask("answer> ", help);
+    if (typed.empty()) return std::nullopt;
+    const auto button = meantButton(typed, box.style);
+    if (button) return Answer{*button, {}, std::string(typedPlace)};
+    terminal_.tell("no button \"" + typed + "\"; there are " + buttons);
+  }
+}
+
+std::optional<Answer> Prompt::input(TextView prompt, TextView title, TextView initial) {
+  drawBox(title, prompt, join(u"[", fitted(initial, inputColumns), u"]"));
+  terminal_.tell("an empty line cancels");
+  std::string typed = terminal_.ask("text> ", inputHelp);
+  const bool quoted = typed.size() >= 2 && typed.front() == '"' && typed.back() == '"';
+  if (quoted) typed = typed.substr(1, typed.size() - 2);
+  return Answer{{}, fromUtf8(typed), std::string(typedPlace)};
+}
+
+// ---- words for the prompt itself
+
+const Prompt::Command Prompt::commands[] = {
+    {"list", &Prompt::list}, {"read", &Prompt::read},   {"screen", &Prompt::screen},
+    {"show", &Prompt::show}, {"state", &Prompt::state}, {"width", &Prompt::width},
+};
+
+/// Does what a line asks of the prompt itself; false if it is meant for the player.
+bool Prompt::obey(const std::string& line, Player& player) {
+  std::string_view rest = line;
+  const std::string_view word = takeWord(rest);
+  for (const Command& command : commands) {
+    if (command.word != word) continue;
+    (this->*command.obey)(rest, player);
+    return true;
+  }
+  return word.empty();
+}
+
+void Prompt::list(std::string_view rest, Player& player) {
+  const Form* form = player.machine().screen().activeForm();
+  const Control& list = controlFor(rest, form, isList, "list");
+  for (const Text& entry : choicesOf(list, player.machine())) {
+    terminal_.tell((entry == shownText(list) ? "* " : "  ") + toUtf8(entry));
+  }
+}
+
+void Prompt::read(std::string_view rest, Player& player) {
+  const Form* form = player.machine().screen().activeForm();
+  const Control& text = controlFor(rest, form, isLongText, "long text");
+  terminal_.page(wrapped(shownText(text), terminal_.columns()));
+  drawScreen(player);
+}
+
+void Prompt::screen(std::string_view, Player& player) { drawScreen(player); }
+
+void Prompt::show(std::string_view rest, Player& player) {
+  const std::string key(rest);
+  const Json nothing = nullptr;
+  const std::string path(typedPlace);
+  if (key != "boxes" && key != "ended") checkExpectation(key, JsonReader(nothing, {}, path));
+  const Verdict verdict = judge({key, nothing, path}, player.scene());
+  terminal_.show(verdict.found.dump(2) + "\n");
+}
+
+void Prompt::state(std::string_view, Player& player) {
+  terminal_.show(player.machine().state().dump(2) + "\n");
+}
+
+void Prompt::width(std::string_view rest, Player& player) {
+  const auto columns = columnsWritten(rest);
+  const std::string least = std::to_string(leastColumns);
+  if (!columns) failTyped("a width is a number of columns, " + least + " at least");
+  terminal_.setColumns(*columns);
+  drawScreen(player);
+}
 
 }  // namespace zev::scenario

@@ -1,42 +1,58 @@
 #pragma once
 
 #include <istream>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "scenario/form_drawing.h"
 #include "scenario/player.h"
+#include "scenario/terminal.h"
 
 namespace zev::scenario {
 
-/// The verbs of a script typed at a prompt, with the active form drawn as text after each. Message
-/// boxes are drawn and answered there too.
+/// The verbs of a script typed at a prompt, with the active form drawn as text whenever it has
+/// changed. Message boxes are drawn and answered there too. All of it fits on a terminal of 24
+/// lines. At `quit` and at the end of the input each function throws PlayLeft.
 class Prompt {
  public:
-  Prompt(std::istream& in, std::ostream& out) : in_(in), out_(out) {}
+  Prompt(std::istream& in, std::ostream& out, int columns = Sheet().columns);
 
-  /// Draws what is on the screen and reads lines until one is a step; none at `quit` or the end of
-  /// the input.
-  std::optional<Step> nextStep(Player& player);
+  /// Draws what is on the screen and reads lines until one is a step.
+  Step nextStep(Player& player);
+  /// The button of a box; none for the default one.
   std::optional<Answer> answer(const simulated::Box& box);
   std::optional<Answer> input(TextView prompt, TextView title, TextView initial);
   void judged(const KeyedValue& expectation, const Verdict& verdict);
   void refused(const ScenarioError& error);
 
  private:
-  bool readLine(std::string_view prompt, std::string& line);
-  void drawScreen(Player& player);
+  /// A word that is meant for the prompt itself, and what it does.
+  struct Command {
+    std::string_view word;
+    void (Prompt::*obey)(std::string_view rest, Player& player);
+  };
+  static const Command commands[];
+
   bool obey(const std::string& line, Player& player);
-  void show(const std::string& key, Player& player);
+  std::optional<Step> stepOf(const std::string& line, Player& player);
+  void tellNotices();
+  std::string drawn(Player& player) const;
+  void drawScreen(Player& player);
+  void drawBox(TextView title, TextView text, const Text& below);
 
-  std::istream& in_;
-  std::ostream& out_;
-  bool over_ = false;
+  void list(std::string_view rest, Player& player);
+  void read(std::string_view rest, Player& player);
+  void screen(std::string_view rest, Player& player);
+  void show(std::string_view rest, Player& player);
+  void state(std::string_view rest, Player& player);
+  void width(std::string_view rest, Player& player);
+
+  Terminal terminal_;
+  std::string drawn_;                 ///< what the screen shows
+  std::vector<std::string> notices_;  ///< to be told below the next drawing
 };
-
-/// The step that a typed line stands for: a verb with its arguments, or a step in JSON. `active` is
-/// the form that a caption in place of a name is looked up on; null for none. A line that is no
-/// step is a ScenarioError.
-Step parseLine(const std::string& line, const Form* active);
 
 }  // namespace zev::scenario

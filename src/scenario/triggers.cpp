@@ -1,5 +1,7 @@
 #include "scenario/triggers.h"
 
+#include <algorithm>
+
 #include "scenario/expectation.h"
 #include "script/matcher.h"
 
@@ -19,7 +21,33 @@ bool means(const Name& name, const Form* form, const PropertyBase& property) {
   return parts.size() == 2 || (form != nullptr && sameName(parts.front(), form->name()));
 }
 
+bool has(const Component* component, const std::string& property) {
+  return component != nullptr && component->findProperty(property) != nullptr;
+}
+
+/// Whether a form has the property that a name of two or three parts means.
+bool has(const Form& form, const Name& name) {
+  const auto& parts = name.parts;
+  const bool ofForm = sameName(parts.front(), form.name());
+  if (parts.size() == 2 && ofForm && has(&form, parts.back())) return true;
+  return (parts.size() == 2 || ofForm) &&
+         has(form.findControl(fromUtf8(parts[parts.size() - 2])), parts.back());
+}
+
 }  // namespace
+
+void Triggers::requireProperty(const At& at, const std::vector<Form*>& forms) {
+  const auto* set = std::get_if<AtSet>(&at.when);
+  if (set == nullptr) return;
+  const bool known = std::any_of(forms.begin(), forms.end(),
+                                 [&](const Form* form) { return has(*form, set->property); });
+  if (known) return;
+  throw ScenarioError(set->path, "the program has no property " + set->property.written());
+}
+
+void Triggers::requireProperties(const std::vector<Form*>& forms) const {
+  for (const At* each : sets_) requireProperty(*each, forms);
+}
 
 void Triggers::arm(const At& at) {
   if (const auto* pass = std::get_if<AtPass>(&at.when)) passes_.push_back({pass->count, &at});

@@ -13,6 +13,11 @@ namespace zev::scenario {
 /// outlives this.
 class Triggers {
  public:
+  /// Checks that a property that an `at` waits for is one of a form or of a control on it. One that
+  /// nobody has would be waited for in vain: a ScenarioError.
+  static void requireProperty(const At& at, const std::vector<Form*>& forms);
+  /// The same of all that were armed before there were forms.
+  void requireProperties(const std::vector<Form*>& forms) const;
   /// Arms an `at`; it counts from here and fires once.
   void arm(const At& at);
 

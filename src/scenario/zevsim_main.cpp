@@ -43,8 +43,10 @@ class ZevsimCompanion final : public Companion {
   ZevsimCompanion(const ZevsimOptions& options, const Console& console, std::ostream* outside)
       : console_(console) {
     if (outside != nullptr) outside_.emplace(*outside);
-    if (options.progress) progress_.emplace(console.out, console.terminal);
-    if (options.interactive) prompt_.emplace(console.in, console.out);
+    if (options.progress || options.interactive) {
+      progress_.emplace(console.out, console.terminal, options.columns);
+    }
+    if (options.interactive) prompt_.emplace(console.in, console.out, options.columns);
   }
 
   void finish() {
@@ -93,7 +95,7 @@ class ZevsimCompanion final : public Companion {
   std::optional<Step> goOn(Player& player) override {
     finish();
     if (outside_) outside_->look(sightOf(player.forms()), false);
-    return prompt_ ? prompt_->nextStep(player) : std::nullopt;
+    return prompt_ ? std::optional(prompt_->nextStep(player)) : std::nullopt;
   }
 
   std::optional<Answer> answer(const simulated::Box& box) override {
@@ -102,6 +104,7 @@ class ZevsimCompanion final : public Companion {
   }
 
   std::optional<Answer> input(TextView prompt, TextView title, TextView initial) override {
+    finish();
     return prompt_ ? prompt_->input(prompt, title, initial) : std::nullopt;
   }
 

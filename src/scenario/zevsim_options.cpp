@@ -1,7 +1,9 @@
 #include "scenario/zevsim_options.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string_view>
+#include <system_error>
 
 #include "scenario/event_writer.h"
 
@@ -22,6 +24,12 @@ void readEvents(const std::string& list, ZevsimOptions& options) {
     }
     start = end + 1;
   }
+}
+
+void readWidth(const std::string& value, ZevsimOptions& options) {
+  const auto columns = columnsWritten(value);
+  if (!columns) throw UsageError("no width of " + value + " columns; 40 is the least");
+  options.columns = *columns;
 }
 
 /// One option: its name, whether a value follows, and what it sets.
@@ -49,6 +57,7 @@ constexpr OptionRow optionRows[] = {
     {"--state", true, take<&ZevsimOptions::state>},
     {"--export", true, take<&ZevsimOptions::exportFolder>},
     {"--events", true, readEvents},
+    {"--width", true, readWidth},
     {"--interactive", false, raise<&ZevsimOptions::interactive>},
     {"--progress", false, raise<&ZevsimOptions::progress>},
     {"--summary", false, raise<&ZevsimOptions::summary>},
@@ -81,9 +90,18 @@ const char* const zevsimUsage =
     "                      DIR/registry.reg\n"
     "  --progress          shows the progress of the install, and each message box\n"
     "  --summary           tells at the end what was laid and how long it took\n"
+    "  --width N           draws the prompt and the progress N columns wide, 40 or more; 78\n"
     "\n"
     "Exit status: 0 all expectations held; 1 one did not; 2 the scenario or the command line\n"
     "cannot be used; 3 zevsim itself failed.\n";
+
+std::optional<int> columnsWritten(std::string_view text) {
+  int columns = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), columns);
+  const bool whole = error == std::errc() && end == text.data() + text.size();
+  if (!whole || columns < leastColumns || columns > mostColumns) return std::nullopt;
+  return columns;
+}
 
 ZevsimOptions parseOptions(const std::vector<std::string>& arguments) {
   ZevsimOptions options;

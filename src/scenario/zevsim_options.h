@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zev::scenario {
@@ -17,6 +18,7 @@ struct ZevsimOptions {
   std::optional<std::filesystem::path> state;
   std::optional<std::filesystem::path> exportFolder;
   std::vector<std::string> events;  ///< kinds to write; none: all but those on demand
+  int columns = 78;                 ///< that the prompt and the progress are wide
   bool interactive = false;
   bool progress = false;
   bool summary = false;
@@ -32,6 +34,13 @@ class UsageError : public std::runtime_error {
 /// Reads the arguments behind the program's name. Without a scenario it is the prompt that is
 /// meant.
 ZevsimOptions parseOptions(const std::vector<std::string>& arguments);
+
+/// How many columns wide the prompt can be drawn at least and at most.
+inline constexpr int leastColumns = 40;
+inline constexpr int mostColumns = 1000;
+
+/// A number of columns as it is written; none for another number, and for what is none.
+std::optional<int> columnsWritten(std::string_view text);
 
 /// The text that --help prints.
 extern const char* const zevsimUsage;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
+#include "platform/operations.h"
 #include "runtime/code_page.h"
 #include "script/matcher.h"
 
@@ -243,6 +245,8 @@ void checkRegistry(std::string_view written, const JsonReader& expected) {
     expected.fail("the key is written as HKEY_LOCAL_MACHINE\\Software\\Key|Name");
   }
   checkMatcher(expected);
+  checkNumbers(expected, std::numeric_limits<std::int32_t>::min(),
+               std::numeric_limits<std::uint32_t>::max());
 }
 
 /// Whether the expected value is written as an object of its parts, and with bytes rather than a
@@ -405,6 +409,13 @@ void checkShell(std::string_view, const JsonReader& expected) { checkStarts(expe
 
 void checkOpened(std::string_view, const JsonReader& expected) { checkStarts(expected, "path"); }
 
+void checkProperty(std::string_view, const JsonReader& expected) { checkPropertyValue(expected); }
+
+void checkCalls(std::string_view name, const JsonReader& expected) {
+  if (!findOperation(name)) expected.fail("no operation \"" + std::string(name) + "\"");
+  checkMatcher(expected);
+}
+
 void checkEnded(std::string_view, const JsonReader& expected) {
   const Json& value = expected.json();
   checkMatcher(expected);
@@ -432,14 +443,14 @@ struct KeyKind {
 constexpr KeyKind keyKinds[] = {
     {"file:", false, checkFile},         {"dir:", false, checkFile},
     {"registry:", false, checkRegistry}, {"shortcut:", false, checkShortcut},
-    {"calls:", false, checkValue},       {"global.", false, checkValue},
+    {"calls:", false, checkCalls},       {"global.", false, checkProperty},
     {"boxes", true, checkBoxes},         {"shell", true, checkShell},
     {"dde", true, checkValue},           {"opened", true, checkOpened},
     {"ended", true, checkEnded},         {"active", true, checkValue},
     {"focus", true, checkValue},
 };
 
-constexpr KeyKind propertyKind{"", false, checkValue};
+constexpr KeyKind propertyKind{"", false, checkProperty};
 
 /// The kind of a key; null for one that no kind has.
 const KeyKind* kindOf(std::string_view key) {
@@ -491,6 +502,12 @@ Json normalShortcut(const Json& expected) {
 bool isPropertyKey(std::string_view key) {
   const auto parts = partsOfName(key);
   return parts && (parts->size() == 2 || parts->size() == 3);
+}
+
+void checkPropertyValue(const JsonReader& expected) {
+  checkMatcher(expected);
+  checkNumbers(expected, std::numeric_limits<std::int32_t>::min(),
+               std::numeric_limits<std::int32_t>::max());
 }
 
 void checkExpectation(const std::string& key, const JsonReader& expected) {

@@ -23,6 +23,10 @@ Verdict verdict(const Json& expected, Json found);
 /// played. Fails with a ScenarioError.
 void checkExpectation(const std::string& key, const JsonReader& expected);
 
+/// Checks a value that a property or global is to take or to be held against: its numbers are whole
+/// ones of 32 bits. Fails with a ScenarioError.
+void checkPropertyValue(const JsonReader& expected);
+
 /// True for the name of a global (`global.gLanguage`) or of a property (`Form1.Command2.Caption`).
 bool isPropertyKey(std::string_view key);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <set>
 
 namespace zev::scenario {
@@ -9,6 +10,9 @@ namespace {
 
 constexpr std::string_view base64Digits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+/// From here on a whole number has no type and is read as a fraction.
+constexpr double beyondWhole = 9223372036854775808.0;
 
 bool isIdentifier(std::string_view key) {
   const auto letter = [](char each) {
@@ -32,7 +36,8 @@ std::string_view kindOf(const Json& value) {
     case Json::value_t::boolean:
       return "true or false";
     case Json::value_t::number_float:
-      return "a fraction";
+      return std::abs(value.get<double>()) < beyondWhole ? "a fraction"
+                                                         : "a number beyond every type";
     default:
       return "a whole number";
   }
@@ -69,6 +74,40 @@ class KeyWatch {
  private:
   std::vector<std::set<std::string>> open_;
 };
+
+/// Reads a document for nothing but the number in it that is beyond every type, where the parser
+/// stops, and tells where that is.
+class NumberFinder final : public nlohmann::json_sax<Json> {
+ public:
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(std::int64_t) override { return true; }
+  bool number_unsigned(std::uint64_t) override { return true; }
+  bool number_float(double, const std::string&) override { return true; }
+  bool string(std::string&) override { return true; }
+  bool binary(Json::binary_t&) override { return true; }
+  bool start_object(std::size_t) override { return true; }
+  bool key(std::string&) override { return true; }
+  bool end_object() override { return true; }
+  bool start_array(std::size_t) override { return true; }
+  bool end_array() override { return true; }
+  bool parse_error(std::size_t position, const std::string& token,
+                   const Json::exception&) override {
+    number = token;
+    offset = position - token.size();
+    return false;
+  }
+
+  std::string number;
+  std::size_t offset = 0;
+};
+
+[[noreturn]] void failAtNumber(std::string_view text) {
+  NumberFinder finder;
+  Json::sax_parse(text, &finder);
+  throw ScenarioError(lineAndColumn(text, finder.offset),
+                      "the number " + finder.number + " is beyond every type");
+}
 
 /// The reason of a syntax error without the parser's own number and place.
 std::string syntaxReason(const Json::parse_error& error) {
@@ -219,6 +258,8 @@ Json parseJson(std::string_view text) {
   } catch (const Json::parse_error& error) {
     throw ScenarioError(lineAndColumn(text, error.byte == 0 ? 0 : error.byte - 1),
                         syntaxReason(error));
+  } catch (const Json::out_of_range&) {
+    failAtNumber(text);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/file_name.h"
 #include "platform/file_system.h"
 #include "platform/operations.h"
 #include "platform/registry_api.h"
@@ -78,6 +79,15 @@ std::int32_t keyNumber(const std::string& key, const JsonReader& value) {
       std::all_of(key.begin(), key.end(), [](char each) { return each >= '0' && each <= '9'; });
   if (!digits) value.fail("the key \"" + key + "\" is no number");
   return std::stoi(key);
+}
+
+/// An account is the name of its user's folder, too.
+void readUser(const JsonReader& value, MachineChange& machine) {
+  value.read(machine.user);
+  if (value.isNull()) return;
+  const Text user = value.text();
+  const bool endsAsNoneDoes = user.ends_with(u' ') || user.ends_with(u'.');
+  if (!validName(user) || endsAsNoneDoes) value.fail(value.json().dump() + " is no name of a user");
 }
 
 void readMetrics(const JsonReader& value, MachineChange& machine) {
@@ -409,7 +419,7 @@ constexpr KeyRow<MachineChange> machineKeys[] = {
     {"productInfo", into<&MachineChange::productInfo>},
     {"uiLanguage", into<&MachineChange::uiLanguage>},
     {"codePage", readCodePage},
-    {"user", into<&MachineChange::user>},
+    {"user", readUser},
     {"domain", into<&MachineChange::domain>},
     {"folders", readFolders},
     {"drives", readDrives},

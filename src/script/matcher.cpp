@@ -95,6 +95,15 @@ void checkMatcher(const JsonReader& expected) {
   }
 }
 
+void checkNumbers(const JsonReader& expected, std::int64_t least, std::int64_t most) {
+  if (expected.json().is_number()) expected.whole(least, most);
+  if (expected.json().is_array()) {
+    for (const JsonReader& each : expected.elements()) checkNumbers(each, least, most);
+  }
+  if (!expected.isObject()) return;
+  for (const auto& [key, value] : expected.members()) checkNumbers(value, least, most);
+}
+
 bool matches(const Json& expected, const Json& found) {
   if (isCondition(expected)) return conditionHolds(expected, found);
   if (expected.is_array()) return listMatches(expected, found);

@@ -9,6 +9,10 @@ namespace zev::scenario {
 /// ScenarioError.
 void checkMatcher(const JsonReader& expected);
 
+/// Checks that each number in an expected value is a whole one within bounds: another one could
+/// match nothing. Fails with a ScenarioError.
+void checkNumbers(const JsonReader& expected, std::int64_t least, std::int64_t most);
+
 /// True if the object stands for a condition and not for itself.
 bool isCondition(const Json& expected);
 

@@ -65,10 +65,10 @@ std::int32_t readOrdinal(const JsonReader& value) {
 
 AtSet readSetTrigger(const JsonReader& value) {
   const auto parts = value.elements(2);
-  checkMatcher(parts[1]);
+  checkPropertyValue(parts[1]);
   Name property = readName(parts[0], propertyParts);
   if (property.parts.size() < 2) parts[0].fail("a control and its property are wanted");
-  return {std::move(property), parts[1].json()};
+  return {std::move(property), parts[1].json(), parts[0].path()};
 }
 
 constexpr KeyRow<At> triggerKeys[] = {
@@ -118,6 +118,7 @@ Action readSet(const JsonReader& value) {
         wanted.json().is_number_float()) {
       wanted.failWanted("a text, a whole number, or true or false");
     }
+    checkPropertyValue(wanted);
     set.values.push_back({key, wanted.json(), wanted.path()});
   }
   return set;

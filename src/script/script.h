@@ -72,6 +72,7 @@ struct AtPass {
 struct AtSet {
   Name property;
   Json value;
+  std::string path;  ///< of the property in the document, for messages
 };
 /// Before the n-th box from here is answered.
 struct AtBox {

@@ -3,6 +3,7 @@
 #include <map>
 #include <system_error>
 
+#include "platform/file_name.h"
 #include "simulated/volume.h"
 
 namespace zev::simulated {

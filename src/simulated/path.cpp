@@ -2,37 +2,28 @@
 
 #include <algorithm>
 
+#include "platform/file_name.h"
+
 namespace zev::simulated {
 namespace {
 
 constexpr char16_t separator = u'\\';
-constexpr TextView forbidden = u"<>:\"|?*";
-
-/// Names of devices; with an extension, whatever it is, they name the device as well.
-constexpr TextView devices[] = {
-    u"CON",  u"PRN",  u"AUX",  u"NUL",  //
-    u"COM1", u"COM2", u"COM3", u"COM4", u"COM5", u"COM6", u"COM7", u"COM8", u"COM9",
-    u"LPT1", u"LPT2", u"LPT3", u"LPT4", u"LPT5", u"LPT6", u"LPT7", u"LPT8", u"LPT9",
-};
-
 bool isLetter(char16_t unit) {
   return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
 }
 
-char16_t upperLetter(char16_t letter) {
-  return letter >= u'a' ? static_cast<char16_t>(letter - u'a' + u'A') : letter;
+char16_t upperLetter(char16_t unit) {
+  return isLetter(unit) ? upperCase(TextView(&unit, 1)).front() : unit;
 }
 
-bool isDeviceName(TextView name) {
-  const TextView stem = rtrim(name.substr(0, name.find(u'.')));
-  return std::any_of(std::begin(devices), std::end(devices),
-                     [&](TextView device) { return equalText(stem, device); });
+bool namesDrive(TextView text) {
+  return text.size() >= 2 && text[1] == u':' && text[0] != separator;
 }
 
-/// Takes the drive letter off the front and tells where the rest starts from.
+/// Takes the drive off the front and tells where the rest starts from.
 Path startOf(TextView& text, const Path& current) {
   Path start = current;
-  if (text.size() >= 2 && text[1] == u':' && isLetter(text[0])) {
+  if (namesDrive(text)) {
     const char16_t drive = upperLetter(text[0]);
     if (drive != current.drive) start = Path{drive, {}, false};
     text.remove_prefix(2);
@@ -106,13 +97,6 @@ SystemError parsePath(TextView text, const Path& current, Path& path) {
   path.closed = rest.ends_with(separator);
   addNames(path, rest);
   return path.text().size() > longestPath ? system_error::pathNotFound : system_error::success;
-}
-
-bool validName(TextView name) {
-  const bool clean = std::none_of(name.begin(), name.end(), [](char16_t unit) {
-    return unit < u' ' || forbidden.find(unit) != TextView::npos;
-  });
-  return clean && !name.empty() && name.size() <= longestName && !isDeviceName(name);
 }
 
 SystemError checkNames(const Path& path) {

@@ -9,7 +9,7 @@ namespace zev::simulated {
 
 /// An absolute path of the system, taken apart: a drive letter and the names below its root.
 struct Path {
-  char16_t drive = 0;  ///< upper case
+  char16_t drive = 0;  ///< upper case; no letter for a drive that no machine has
   std::vector<Text> names;
   bool closed = false;  ///< it was written with a separator at its end
 
@@ -23,22 +23,21 @@ struct Path {
   Text key() const;
 };
 
-/// Longest path that the calls of the system take, in characters, and longest name.
+/// Longest path that the calls of the system take, in characters.
 inline constexpr std::size_t longestPath = 259;
 inline constexpr std::size_t longestDirectoryPath = 247;
-inline constexpr std::size_t longestName = 255;
 
 /// Takes a path apart as the system does: a slash is a backslash, "." and ".." are resolved, blanks
 /// and dots at the end of the last name and one dot at the end of a name before it are dropped,
-/// what stands behind a NUL does not count. A path without a drive starts at the current folder's
-/// drive, a relative one in `current` if that lies on its drive, and else in the root. Characters
-/// are not checked here, so that a search can hand its pattern in.
+/// what stands behind a NUL does not count. Any character before a colon names a drive, though only
+/// letters ever are some. A path without a drive starts at the current folder's drive, a relative
+/// one in `current` if that lies on its drive, and else in the root. Characters are not checked
+/// here, so that a search can hand its pattern in.
 ///
 /// pathNotFound for an empty and for a too long path, badNetworkPath for a machine's share.
 SystemError parsePath(TextView text, const Path& current, Path& path);
 
 /// success, or invalidName: a character that no name can have, a name of a device, a name too long.
 SystemError checkNames(const Path& path);
-bool validName(TextView name);
 
 }  // namespace zev::simulated

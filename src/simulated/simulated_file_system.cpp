@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/drives.h"
+#include "platform/file_name.h"
 #include "simulated/wildcard.h"
 
 namespace zev::simulated {
@@ -333,7 +334,8 @@ SystemError SimulatedFileSystem::SetFileAttributesA(TextView path, std::uint32_t
 
 bool SimulatedFileSystem::rootExists(TextView root) {
   Place place;
-  return lookUpDrive(root, place) == success;
+  const Text closed = join(withoutTrailing(beforeNul(root), u'\\'), u"\\");
+  return lookUpDrive(closed, place) == success && place.path.isRoot();
 }
 
 // ---- transcript

@@ -28,6 +28,11 @@ class Bench {
   virtual bool isWine() { return false; }
 };
 
+/// Drives that are no letters, and one that is behind the code page the system's default character.
+inline constexpr TextView noDrives[] = {
+    u"9:", u"_:", u".:", u" :", u"::", u"@:", u"[:", u"`:", u"{:", u"\u00E9:", u"\u6F22:",
+};
+
 /// Defined once by each binding that the suite is linked with.
 std::unique_ptr<Bench> makeBench();
 
@@ -37,6 +42,19 @@ class ContractTest : public testing::Test {
   Files& files() { return platform().files; }
   FileSystem& system() { return bench_->fileSystem(); }
   Bench& bench() { return *bench_; }
+
+  /// How an entry on a drive that is not there is refused. Wine takes the drive for an entry of the
+  /// folder that holds its drives.
+  SystemError missingOn(TextView drive) {
+    const SystemError folder = missingFolderOn(drive);
+    const bool asEntry = bench_->isWine() && folder == system_error::pathNotFound;
+    return asEntry ? system_error::fileNotFound : folder;
+  }
+  /// How the folder that such a drive would be is refused.
+  SystemError missingFolderOn(TextView drive) {
+    const bool refusedByName = bench_->isWine() && drive.front() == u'\u6F22';
+    return refusedByName ? system_error::invalidName : system_error::pathNotFound;
+  }
 
   /// A path in the folder of this test.
   Text in(TextView name) { return join(bench_->folder(), u"\\", name); }

@@ -197,13 +197,33 @@ TEST_F(FileSystemContract, RefusesNamesThatTheSystemDoesNotAllow) {
 }
 
 TEST_F(FileSystemContract, FindsNothingOnADriveThatIsNotThere) {
-  // Wine takes the missing drive for a missing entry of the folder that holds its drives.
-  const SystemError missing = bench().isWine() ? fileNotFound : pathNotFound;
   const Text root = {bench().freeLetter(), u':', u'\\'};
   EXPECT_FALSE(system().rootExists(root));
-  EXPECT_EQ(lookUpError(root + u"x"), missing);
-  EXPECT_EQ(system().CreateDirectoryA(root + u"x"), missing);
+  EXPECT_EQ(lookUpError(root + u"x"), missingOn(root));
+  EXPECT_EQ(system().CreateDirectoryA(root + u"x"), missingOn(root));
   EXPECT_EQ(searchError(root + u"*.*"), pathNotFound);
+}
+
+/// What stands before a colon and is no letter names a drive that no machine has.
+TEST_F(FileSystemContract, FindsNothingOnADriveThatIsNoLetter) {
+  for (const TextView drive : noDrives) {
+    const Text root = join(drive, u"\\");
+    EXPECT_FALSE(system().rootExists(drive)) << toUtf8(drive);
+    EXPECT_FALSE(system().rootExists(root)) << toUtf8(drive);
+    EXPECT_EQ(lookUpError(root), missingFolderOn(drive)) << toUtf8(drive);
+    EXPECT_EQ(lookUpError(root + u"a"), missingOn(drive)) << toUtf8(drive);
+    EXPECT_EQ(searchError(root + u"a"), missingFolderOn(drive)) << toUtf8(drive);
+    EXPECT_EQ(searchError(root + u"*.*"), missingFolderOn(drive)) << toUtf8(drive);
+    EXPECT_EQ(system().CreateDirectoryA(root + u"a"), missingOn(drive)) << toUtf8(drive);
+    EXPECT_EQ(open(root + u"a", FileAccess::Write, FileDisposition::CreateAlways).error,
+              missingOn(drive))
+        << toUtf8(drive);
+  }
+}
+
+TEST_F(FileSystemContract, KnowsNoRootBehindABackslash) {
+  EXPECT_FALSE(system().rootExists(u"\\:"));
+  EXPECT_FALSE(system().rootExists(u"\\:\\"));
 }
 
 // ---- directories

@@ -60,6 +60,22 @@ TEST_F(FilesContract, DirAnswersForARootAndForNothingThatIsMissing) {
   EXPECT_EQ(files().Dir(in(u"<>|"), 55), u"");
 }
 
+TEST_F(FilesContract, ADriveThatIsNoLetterHoldsNothing) {
+  for (const TextView drive : noDrives) {
+    for (const std::int32_t mask : {16, 55}) {
+      EXPECT_EQ(files().Dir(drive, mask), u"") << toUtf8(drive);
+      EXPECT_EQ(files().Dir(join(drive, u"\\"), mask), u"") << toUtf8(drive);
+      EXPECT_EQ(files().Dir(join(drive, u"\\a"), mask), u"") << toUtf8(drive);
+      EXPECT_EQ(files().Dir(join(drive, u"a"), mask), u"") << toUtf8(drive);
+    }
+    const std::int32_t missing = runtimeErrorOf(missingOn(drive));
+    EXPECT_EQ(errorOf([&] { files().MkDir(join(drive, u"\\a")); }), missing) << toUtf8(drive);
+    EXPECT_EQ(errorOf([&] { files().GetAttr(join(drive, u"\\a")); }), missing) << toUtf8(drive);
+    EXPECT_EQ(errorOf([&] { files().OpenOutput(1, join(drive, u"\\a")); }), missing)
+        << toUtf8(drive);
+  }
+}
+
 TEST_F(FilesContract, DirListsAFolderThatEndsInABackslash) {
   made(u"one");
   EXPECT_THAT(all(bench().folder() + u"\\", 0), testing::ElementsAre(u"one"));

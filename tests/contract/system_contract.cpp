@@ -92,6 +92,16 @@ TEST_F(DrivesContract, KnowsAFixedDriveAndAMissingOne) {
   EXPECT_EQ(bits & (1u << (bench().freeLetter() - u'A')), 0u);
 }
 
+TEST_F(DrivesContract, HasNoDriveButLetters) {
+  for (const TextView drive : noDrives) {
+    const Text root = join(drive, u"\\");
+    DiskSpace untouched;
+    EXPECT_EQ(platform().drives.GetDriveTypeA(root), drive_type::noRootDirectory) << toUtf8(drive);
+    EXPECT_FALSE(platform().drives.GetDiskFreeSpaceA(root, untouched)) << toUtf8(drive);
+    EXPECT_EQ(platform().drives.volumeLabel(root), u"") << toUtf8(drive);
+  }
+}
+
 TEST_F(DrivesContract, TellsTheSpaceOfADrive) {
   DiskSpace space;
   ASSERT_TRUE(platform().drives.GetDiskFreeSpaceA(bench().folder().substr(0, 3), space));

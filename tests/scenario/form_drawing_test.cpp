@@ -43,7 +43,7 @@ TEST(FormDrawing, DrawsThePageThatIsShownAndItsProgress) {
 |                                                                |
 |                            file5                               |
 |                                                                |
-|   ##################60%####              ]                     |
+|   [#################60%###               ]                     |
 |                                                                |
 |                                                                |
 |   :  << Back   :  [    Run     ]  [   Cancel   ]  [  More  ]   |
@@ -60,7 +60,7 @@ std::string drawnTree(TextView opened) {
   Form form(
       {.name = u"Form1", .caption = u"T", .width = 1800, .height = 1200, .controls = treeControls});
   form.control<DirListBox>(u"Dir1").setPath(opened);
-  return drawForm(form, [](const Text& folder) -> std::vector<Text> {
+  return drawForm(form, {}, [](const Text& folder) -> std::vector<Text> {
     if (folder == u"C:\\Apps") return {u"One", u"Two"};
     if (folder == u"C:\\") return {u"A", u"B", u"C", u"D", u"E"};
     return {};
@@ -93,13 +93,73 @@ TEST(FormDrawing, KeepsTheEndOfADeepTree) {
   EXPECT_NE(drawnTree(u"C:\\1\\2\\3\\4\\5").find("5 "), std::string::npos);
 }
 
+TEST(FormDrawing, TellsThatATextHasMore) {
+  static constexpr ControlDesign controls[] = {
+      {.name = u"Text1",
+       .kind = ControlKind::TextBox,
+       .place = {75, 0, 2400, 960},
+       .text = u"1\n2\n3\n4\n5",
+       .multiLine = true},
+  };
+  const Form form(
+      {.name = u"Form1", .caption = u"T", .width = 2550, .height = 960, .controls = controls});
+  EXPECT_EQ(drawForm(form), R"(+- T --------------------------------+
+|  |1                             |  |
+|  |2                             |  |
+|  |3                             |  |
+|  |... (read shows all of it)    |  |
++------------------------------------+
+)");
+}
+
+TEST(FormDrawing, DrawsOnANarrowSheet) {
+  const Play play = playScript("");
+  EXPECT_EQ(drawForm(*play.player->machine().screen().activeForm(), {40, 24}),
+            R"(+- Toy --------------------------------+
+|  Welcome to the toy. It has two      |
+|  pages, and that is all.             |
+|                                      |
+|  [first          ]  [locked      ]   |
+|                                      |
+|  [         v]                        |
+|                                      |
+|                                      |
+|                                      |
+|  :<< Back: [Next >>] [Cancel] [More] |
+|  [ Name ] [ Stop ]  [ Fail ]         |
++--------------------------------------+
+)");
+}
+
+TEST(FormDrawing, DrawsOnASheetOfFewLines) {
+  const Play play = playScript("");
+  EXPECT_EQ(drawForm(*play.player->machine().screen().activeForm(), {78, 8}),
+            R"(+- Toy ----------------------------------------------------------+
+|   Welcome to the toy. It has two pages, and that is all.       |
+|   [first                       ]  [locked                ]     |
+|   [                 v]                                         |
+|                                                                |
+|   :  << Back   :  [  Next >>   ]  [   Cancel   ]  [  More  ]   |
+|   [    Name    ]  [    Stop    ]  [    Fail    ]               |
++----------------------------------------------------------------+
+)");
+}
+
+TEST(FormDrawing, MarksWhatIsDisabledByColons) {
+  const Play play =
+      playScript(R"({"click": "Command2"}, {"set": {"Form1.Frame1(2).Enabled": false}})");
+  const std::string shown = drawing(play);
+  EXPECT_NE(shown.find("|   : : Yes "), std::string::npos) << shown;
+  EXPECT_NE(shown.find("|   : : Launch "), std::string::npos) << shown;
+}
+
 TEST(FormDrawing, ListsWhatAPersonCanUse) {
   const Play play = playScript(R"({"focus": "Text1"})");
   const Form& form = *play.player->machine().screen().activeForm();
   EXPECT_EQ(listControls(form, play.player->machine().screen().focused(form)),
-            "use:       >Text1 \"first\"  Combo1  Text2 \"locked\"  Command2 \"Next >>\"  "
-            "Command3 \"Cancel\"  Command4 \"More\"  Command5 \"Name\"  Command6 \"Stop\"  "
-            "Command7 \"Fail\"\n"
+            "use:       >Text1 \"first\"  Combo1  Text2 \"locked\"  Command2 \"Next >>\"\n"
+            "           Command3 \"Cancel\"  Command4 \"More\"  Command5 \"Name\"\n"
+            "           Command6 \"Stop\"  Command7 \"Fail\"\n"
             "disabled:  Command1 \"<< Back\"\n");
 }
 

@@ -116,6 +116,118 @@ TEST_F(Zevsim, Gives2WithFilePathAndReason) {
   EXPECT_EQ(err_, late + ": $.script[0].click: Form1 has no control Command99\n");
 }
 
+TEST_F(Zevsim, NamesAWrongUser) {
+  for (const char* user :
+       {" ", "", "a\\\\b", "a/b", "a:b", "*", "..", "bob.", "bob ", "con", "\\u0000"}) {
+    const std::string quoted = "\"" + std::string(user) + "\"";
+    const std::string first = write("a.json", R"({"machine": {"user": )" + quoted + "}}");
+    EXPECT_EQ(run({first}), 2) << user;
+    EXPECT_EQ(err_, first + ": $.machine.user: " + quoted + " is no name of a user\n");
+    const std::string later =
+        write("b.json", R"({"script": [{"change": {"user": )" + quoted + "}}]}");
+    EXPECT_EQ(run({later}), 2) << user;
+    EXPECT_EQ(err_, later + ": $.script[0].change.user: " + quoted + " is no name of a user\n");
+  }
+  for (const char* user : {"null", "\"Ay\u015Fe\"", "\"J. R. \u6F22\""}) {
+    EXPECT_EQ(run({write("c.json", R"({"machine": {"user": )" + std::string(user) + "}}")}), 0);
+  }
+}
+
+TEST_F(Zevsim, NamesANumberBeyondEveryType) {
+  const std::string overflow = write("a.json", "{\n \"name\": \"1e999\",\n \"script\": [-1e999]}");
+  EXPECT_EQ(run({overflow}), 2);
+  EXPECT_EQ(err_, overflow + ": line 3, column 13: the number -1e999 is beyond every type\n");
+  const std::string whole = write("b.json", R"({"machine": {"wow64": 1, "uiLanguage": 0}})");
+  EXPECT_EQ(run({whole}), 2);
+  const std::string large = write("c.json", R"({"machine": {"uiLanguage": 99999999999999999999}})");
+  EXPECT_EQ(run({large}), 2);
+  EXPECT_EQ(err_, large +
+                      ": $.machine.uiLanguage: a number beyond every type where a whole number "
+                      "is wanted\n");
+}
+
+TEST_F(Zevsim, NamesANumberThatNoPropertyTakes) {
+  const std::string range = " is not within -2147483648 to 2147483647\n";
+  const std::string set = write("a.json", R"({"script": [{"set": {"global.gPage": 4294967297}}]})");
+  EXPECT_EQ(run({set}), 2);
+  EXPECT_EQ(err_, set + ": $.script[0].set[\"global.gPage\"]: 4294967297" + range);
+  const std::string expected =
+      write("b.json", R"({"script": [{"expect": {"Form1.Check1.Value": {"not": 2147483648}}}]})");
+  EXPECT_EQ(run({expected}), 2);
+  EXPECT_EQ(err_,
+            expected + ": $.script[0].expect[\"Form1.Check1.Value\"].not: 2147483648" + range);
+  const std::string awaited =
+      write("c.json", R"({"script": [{"at": {"set": ["Check1.Value", 2147483648]}, "do": []}]})");
+  EXPECT_EQ(run({awaited}), 2);
+  EXPECT_EQ(err_, awaited + ": $.script[0].at.set[1]: 2147483648" + range);
+}
+
+TEST_F(Zevsim, NamesANumberThatNoValueOfTheRegistryHolds) {
+  const std::string file = write("a.json", R"({"machine": {"registry": {"HKCU": {"T": {"n": 0}}}},
+                    "script": [{"expect": {"registry:HKCU\\T|n": 4294967296}}]})");
+  EXPECT_EQ(run({file}), 2);
+  EXPECT_EQ(err_, file +
+                      ": $.script[0].expect[\"registry:HKCU\\\\T|n\"]: 4294967296 is not within "
+                      "-2147483648 to 4294967295\n");
+}
+
+TEST_F(Zevsim, NamesAControlThatNoFormHas) {
+  const auto reasonOf = [&](const std::string& step) {
+    EXPECT_EQ(run({write("a.json", R"({"script": [)" + step + "]}")}), 2) << step;
+    const std::string start = file("a.json") + ": ";
+    EXPECT_THAT(err_, StartsWith(start));
+    return err_.substr(std::min(start.size(), err_.size()));
+  };
+  EXPECT_EQ(reasonOf(R"({"click": "None"})"), "$.script[0].click: Form1 has no control None\n");
+  EXPECT_EQ(reasonOf(R"({"set": {"None.Caption": "x"}})"),
+            "$.script[0].set[\"None.Caption\"]: the program has no form None, and Form1 has no "
+            "control None\n");
+  EXPECT_EQ(reasonOf(R"({"at": {"set": ["None.Caption", "x"]}, "do": []}, {"click": "Command2"})"),
+            "$.script[0].at.set[0]: the program has no property None.Caption\n");
+  EXPECT_EQ(reasonOf(R"({"click": "Command2"}, {"at": {"set": ["Label8.None", ""]}, "do": []})"),
+            "$.script[1].at.set[0]: the program has no property Label8.None\n");
+  EXPECT_EQ(reasonOf(R"({"at": {"set": ["Form3.Label8.Caption", ""]}, "do": []}, {"expect": {}})"),
+            "$.script[0].at.set[0]: the program has no property Form3.Label8.Caption\n");
+  EXPECT_EQ(reasonOf(R"({"at": {"set": ["Form2.Label8.Caption", ""]}, "do": []}, {"expect": {}})"),
+            "$.script[0].at.set[0]: the program has no property Form2.Label8.Caption\n");
+}
+
+TEST_F(Zevsim, WaitsForPropertiesOfFormsAndControls) {
+  for (const char* property : {"Form1.Caption", "form2.caption", "Form1.Label8.Caption",
+                               "label8.CAPTION", "Frame1(2).Visible", "Drive1.Drive"}) {
+    const std::string script = R"({"script": [{"at": {"set": [")" + std::string(property) +
+                               R"(", "x"]}, "do": []}, {"click": "Command2"}]})";
+    EXPECT_EQ(run({write("a.json", script)}), 0) << err_;
+  }
+}
+
+TEST_F(Zevsim, NamesAFormThatIsNotThere) {
+  const std::string visible =
+      write("a.json", R"({"script": [{"expect": {"Form9.Visible": {"not": true}}}]})");
+  EXPECT_EQ(run({visible}), 2);
+  EXPECT_EQ(err_, visible +
+                      ": $.script[0].expect[\"Form9.Visible\"]: the program has no form Form9, "
+                      "and Form1 has no control Form9\n");
+  const std::string control =
+      write("b.json", R"({"script": [{"expect": {"Form9.Command1.Caption": "x"}}]})");
+  EXPECT_EQ(run({control}), 2);
+  EXPECT_EQ(err_, control +
+                      ": $.script[0].expect[\"Form9.Command1.Caption\"]: the program has no "
+                      "form Form9\n");
+  factory_ = [](Platform& platform) { return std::make_unique<SettingsWriter>(platform); };
+  EXPECT_EQ(run({visible}), 2);
+  EXPECT_EQ(err_, visible +
+                      ": $.script[0].expect[\"Form9.Visible\"]: the program has no form Form9, "
+                      "and no form is active that could have such a control\n");
+}
+
+TEST_F(Zevsim, NamesAnOperationThatIsNotThere) {
+  const std::string file =
+      write("a.json", R"({"script": [{"expect": {"calls:Kil": 0, "calls:kill": 0}}]})");
+  EXPECT_EQ(run({file}), 2);
+  EXPECT_EQ(err_, file + ": $.script[0].expect[\"calls:Kil\"]: no operation \"Kil\"\n");
+}
+
 TEST_F(Zevsim, Gives2ForABadCommandLine) {
   EXPECT_EQ(run({"--nonsense"}), 2);
   EXPECT_THAT(err_, StartsWith("zevsim: no option --nonsense\n"));
@@ -244,6 +356,42 @@ TEST_F(Zevsim, DrawsTheProgressOnATerminal) {
   EXPECT_THAT(
       out_,
       HasSubstr("\r[########################################] 96%  file8\x1b[K\n[Toy] Done."));
+}
+
+TEST_F(Zevsim, CutsTheProgressToTheWidth) {
+  terminal_ = true;
+  const std::string scenario = write("a.json",
+                                     R"({"script": [{"click": "Command2"},
+          {"set": {"Form1.Label12.Caption": "C:\\a folder of a rather long name\\a file"}}]})");
+  EXPECT_EQ(run({scenario, "--progress", "--width", "40"}), 0);
+  EXPECT_EQ(out_, "\r[.....................]   ...name\\a file\x1b[K\n");
+}
+
+TEST_F(Zevsim, ShowsTheProgressOfAHandsRun) {
+  terminal_ = true;
+  EXPECT_EQ(run({}, "click Next\nclick Run\n\n"), 0);
+  EXPECT_THAT(out_, HasSubstr("] 48%  file4\x1b[K"));
+  EXPECT_THAT(out_, HasSubstr("] 96%  file8\x1b[K\n+- Toy ----+\n| Done.    |\n"));
+  terminal_ = false;
+  EXPECT_EQ(run({}, "click Next\nclick Run\n\n"), 0);
+  EXPECT_THAT(out_, HasSubstr("> 0%  file1\n12%  file2\n"));
+}
+
+TEST_F(Zevsim, ShowsNoProgressOfWhatIsHidden) {
+  const std::string scenario =
+      write("a.json", R"({"script": [{"set": {"Form1.Label12.Caption": "hidden"}}]})");
+  EXPECT_EQ(run({scenario, "--progress"}), 0);
+  EXPECT_EQ(out_, "");
+}
+
+TEST_F(Zevsim, TakesAWidthFromFortyColumns) {
+  for (const char* width : {"39", "1001", "-50", "50x", ""}) {
+    EXPECT_EQ(run({"--width", width}), 2);
+    EXPECT_THAT(err_, StartsWith("zevsim: no width of " + std::string(width) + " columns; "));
+  }
+  EXPECT_EQ(run({"--width", "40"}), 0);
+  EXPECT_THAT(out_, StartsWith("+- Toy --------------------------------+\n"));
+  EXPECT_EQ(run({"--width", "1000"}), 0);
 }
 
 TEST_F(Zevsim, IsPlayedByHand) {

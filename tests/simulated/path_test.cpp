@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/file_name.h"
+
 namespace zev::simulated {
 namespace {
 
@@ -31,6 +33,17 @@ TEST(Path, IsResolvedAsTheSystemDoes) {
       {u"C:\\a.\\b", u"C:\\a\\b"},
       {u"C:\\a \\b", u"C:\\a \\b"},
       {u"C:\\...", u"C:\\"},
+      {u"9:\\x", u"9:\\x"},
+      {u"9:x", u"9:\\x"},
+      {u".:", u".:\\"},
+      {u"::\\x", u"::\\x"},
+      {u"`:\\x", u"`:\\x"},
+      {u"{:\\x", u"{:\\x"},
+      {u"\u00E9:\\x", u"\u00E9:\\x"},
+      {u"\u0131:\\x", u"\u0131:\\x"},
+      {u"\u6F22:\\x", u"\u6F22:\\x"},
+      {u" 9:x", u"C:\\Users\\bob\\ 9:x"},
+      {u"\\:\\x", u"C:\\:\\x"},
   };
   for (const Row& row : rows) {
     Path path;
@@ -68,7 +81,7 @@ TEST(Path, NamesAreCheckedOneByOne) {
                               u"a.con", u"LPT0", u"{x}", u"a+b,c;d=[e]"}) {
     EXPECT_TRUE(validName(name)) << toUtf8(name);
   }
-  for (const TextView name : {u"", u"a:b", u"a*", u"a?", u"<", u">", u"|", u"\"", u"a\tb", u"con",
+  for (const TextView name : {u"", u"a:b", u"a\\b", u"a/b", u"a*", u"a?", u"<", u">", u"|", u"\"", u"a\tb", u"con",
                               u"Nul.txt", u"AUX", u"prn.a.b", u"COM1", u"lpt9.x", u"con .txt"}) {
     EXPECT_FALSE(validName(name)) << toUtf8(name);
   }

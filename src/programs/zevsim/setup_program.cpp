@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 #include "wizard/setup.h"
@@ -62,7 +63,7 @@ struct Reader {
   }
 };
 
-/// True if the value has the type of the global.
+/// True if the value has the type of the global and fits into it.
 struct Writer {
   Globals& globals;
   const PropertyValue& value;
@@ -72,7 +73,7 @@ struct Writer {
   template <typename Number>
   bool operator()(Number Globals::*member) const {
     const auto* number = std::get_if<std::int32_t>(&value);
-    if (number == nullptr) return false;
+    if (number == nullptr || !std::in_range<Number>(*number)) return false;
     globals.*member = static_cast<Number>(*number);
     return true;
   }
