@@ -195,7 +195,10 @@ def read_value(written):
     if kind.startswith("str"):
         text = unescape(data[1:-1])
         return {"type": number, "value": text.rstrip("\0") if number != 7 else text}
-    return {"type": number, "value": data.replace(",", "").replace("\\\n", "").replace(" ", "")}
+    digits = data.replace(",", "").replace("\\\n", "").replace(" ", "")
+    if number in (1, 2):  # a text without its NUL
+        return {"type": number, "value": bytes.fromhex(digits).decode("utf-16-le").rstrip("\0")}
+    return {"type": number, "value": digits}
 
 
 def read_values(block):
