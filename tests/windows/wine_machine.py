@@ -219,9 +219,17 @@ class Template:
             stamp = self.work / f"{self.name}.stamp"
             if not stamp.exists() or stamp.read_text() != self.stamp():
                 stamp.unlink(missing_ok=True)
-                self.make()
+                self.make_twice_at_most()
                 stamp.write_text(self.stamp())
         return self.folder
+
+    def make_twice_at_most(self):
+        """On a busy machine Wine's first start can fail; that is told."""
+        try:
+            self.make()
+        except RuntimeError as error:
+            print(f"{error}; once more", file=sys.stderr)
+            self.make()
 
     def make(self):
         shutil.rmtree(self.folder, ignore_errors=True)
