@@ -81,8 +81,9 @@ TEST(Path, NamesAreCheckedOneByOne) {
                               u"a.con", u"LPT0", u"{x}", u"a+b,c;d=[e]"}) {
     EXPECT_TRUE(validName(name)) << toUtf8(name);
   }
-  for (const TextView name : {u"", u"a:b", u"a\\b", u"a/b", u"a*", u"a?", u"<", u">", u"|", u"\"", u"a\tb", u"con",
-                              u"Nul.txt", u"AUX", u"prn.a.b", u"COM1", u"lpt9.x", u"con .txt"}) {
+  for (const TextView name :
+       {u"", u"a:b", u"a\\b", u"a/b", u"a*", u"a?", u"<", u">", u"|", u"\"", u"a\tb", u"con",
+        u"Nul.txt", u"AUX", u"prn.a.b", u"COM1", u"lpt9.x", u"con .txt"}) {
     EXPECT_FALSE(validName(name)) << toUtf8(name);
   }
   EXPECT_TRUE(validName(Text(255, u'a')));
