@@ -10,7 +10,8 @@ add_compile_options(
   -Woverloaded-virtual -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # g++ 12 finds these in its own headers where there is nothing.
-  add_compile_options(-Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
+  add_compile_options(
+    -Wno-restrict -Wno-stringop-overflow -Wno-array-bounds -Wno-maybe-uninitialized)
 endif()
 string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
