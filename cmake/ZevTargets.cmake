@@ -19,6 +19,7 @@ string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 # once. Names without a namespace of their own must then differ within a room. Off, each file is
 # compiled by itself, which shows that it includes what it needs.
 set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
+set(ZEV_UNIT_FILES 8 CACHE STRING "How many files of a room are then compiled together")
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
 foreach(kind room fast machine json test)
   string(TOUPPER ${kind} upper)
@@ -30,8 +31,8 @@ set(zev_common_headers
   <algorithm> <array> <cstdint> <deque> <filesystem> <fstream> <functional> <limits> <map> <memory>
   <optional> <set> <span> <sstream> <stdexcept> <string> <string_view> <utility> <variant> <vector>)
 
-# Compiles a target as all code of its kind is: the flags, files in units of eight, and the headers
-# that many include, common ones and those named, precompiled once for the kind.
+# Compiles a target as all code of its kind is: the flags, files in units, and the headers that many
+# include, common ones and those named, precompiled once for the kind.
 function(zev_code name kind)
   cmake_parse_arguments(CODE "" "" "FLAGS;HEADERS;KNOWS" ${ARGN})
   target_compile_options(${name} PRIVATE ${CODE_FLAGS})
@@ -40,7 +41,11 @@ function(zev_code name kind)
   endif()
   # What one file names for itself, another one in the same unit may name again within a function.
   target_compile_options(${name} PRIVATE -Wno-shadow)
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  set(unit_files ${ZEV_UNIT_FILES})
+  if(kind STREQUAL "test")
+    set(unit_files 8)
+  endif()
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${unit_files})
   # With g++ a precompiled header costs more than it saves.
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     return()

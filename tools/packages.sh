@@ -11,6 +11,9 @@ packages_to_test=(
   curl nginx-light ncat socat python3-pexpect python3-pyte
 )
 
+# What tools/mutate reads the code with.
+packages_to_mutate=(python3-clang)
+
 # The Windows programs, their tests, and the machine that they run on.
 packages_for_windows=(
   g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32 googletest

@@ -394,7 +394,7 @@ class Tester:
             return self.fail(stage.title, "the build could not be configured", log)
         suites = self.choose(stage)
         targets = sorted({target for suite in suites for target in suite.targets} |
-                         (set(stage.also) if not self.rooms else set()))
+                         (set(stage.also) if suites or not self.rooms else set()))
         if self.rooms and not suites:
             return []
         if self.everything and "all" in stage.also:

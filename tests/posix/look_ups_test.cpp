@@ -175,6 +175,16 @@ TEST_F(HeldLookUps, AreTakenBackByTheEndOfTheService) {
   EXPECT_EQ(buffer[0], 0);
 }
 
+TEST_F(HeldLookUps, ThatWaitAreNotAskedBehindTheEndOfTheService) {
+  for (int i = 0; i < 20; ++i) start(u"slow");
+  EXPECT_TRUE(gate->awaitAsked(LookUps::mostThreads));
+  EXPECT_EQ(sockets().WSACleanup(), 0);
+  gate->open();
+  settle();
+  std::this_thread::sleep_for(100ms);
+  EXPECT_EQ(gate->asked(), LookUps::mostThreads);
+}
+
 TEST_F(HeldLookUps, DoNotHoldUpTheEnd) {
   start(u"stuck");
   EXPECT_TRUE(gate->awaitAsked(1));

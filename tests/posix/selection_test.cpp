@@ -428,8 +428,11 @@ TEST_F(Selecting, EndsAndBeginsAnew) {
 
 TEST_F(Selecting, WantsAWindow) {
   const std::int32_t socket = newSocket();
-  EXPECT_EQ(sockets().WSAAsyncSelect(socket, 0, eventMessage, allEvents), ws::failed);
-  EXPECT_EQ(lastError(), ws::error::invalidArgument);
+  for (const std::int32_t events : {allEvents, ws::fdRead}) {
+    EXPECT_EQ(sockets().WSAAsyncSelect(socket, 0, eventMessage, events), ws::failed) << events;
+    EXPECT_EQ(lastError(), ws::error::invalidArgument) << events;
+  }
+  EXPECT_EQ(sockets().WSAAsyncSelect(socket, 0, 0, 0), 0) << "no event, and nobody to tell";
 }
 
 TEST_F(Selecting, NeverTellsANewSocketOfAnOldOne) {

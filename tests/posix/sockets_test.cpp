@@ -1,6 +1,13 @@
 #include <sys/resource.h>
+#include <sys/socket.h>
+
+#include <chrono>
+#include <csignal>
+#include <functional>
+#include <thread>
 
 #include "posix/on_the_machine.h"
+#include "posix/peer.h"
 
 namespace zev::posix {
 namespace {
@@ -47,6 +54,59 @@ TEST_F(SocketsOfPosix, DoNothingBeforeTheStart) {
   fails(sockets().gethostbyname(u"localhost"), nullptr);
   fails(sockets().inet_addr(u"127.0.0.1"), ws::failed);
   fails(sockets().inet_ntoa(1), nullptr);
+}
+
+/// A listener that has no room for one more connection: who connects waits until there is.
+class FullListener {
+ public:
+  FullListener() { EXPECT_EQ(::listen(listener.descriptor(), 0), 0); }
+
+  Peer listener = Peer::listening();
+
+ private:
+  const Peer first_ = Peer::connectedTo(listener.port());
+};
+
+/// Interrupts this thread in a moment, and a moment later does something else.
+class Interruption {
+ public:
+  explicit Interruption(std::function<void()> then) {
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    ::sigaction(SIGUSR1, &action, &before_);
+    later_ = std::thread([interrupted = ::pthread_self(), then = std::move(then)] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      ::pthread_kill(interrupted, SIGUSR1);
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      then();
+    });
+  }
+  ~Interruption() {
+    later_.join();
+    ::sigaction(SIGUSR1, &before_, nullptr);
+  }
+
+ private:
+  struct sigaction before_ {};
+  std::thread later_;
+};
+
+TEST_F(SocketsOfPosix, ConnectToTheEndThroughASignal) {
+  FullListener full;
+  const std::uint16_t port = full.listener.port();
+  const std::int32_t socket = newSocket();
+  const Interruption interruption([&] { full.listener.accept(); });
+  EXPECT_EQ(sockets().connect(socket, loopback(port)), 0);
+  SocketAddress peer;
+  EXPECT_EQ(sockets().getpeername(socket, peer), 0);
+}
+
+TEST_F(SocketsOfPosix, AreRefusedThroughASignal) {
+  FullListener full;
+  const std::uint16_t port = full.listener.port();
+  const std::int32_t socket = newSocket();
+  const Interruption interruption([&] { full.listener.close(); });
+  EXPECT_EQ(errorOf(sockets().connect(socket, loopback(port))), 10061);
 }
 
 TEST_F(SocketsOfPosix, LastUntilTheLastStartIsTakenBack) {

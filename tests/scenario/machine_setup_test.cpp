@@ -201,6 +201,19 @@ TEST(MachineSetup, RefusesAFileOnADriveThatIsNotThere) {
             "$.machine.files[\"Q:\\\\a.txt\"]: the machine has no such drive");
 }
 
+TEST(MachineSetup, RefusesAFileThatItsDriveCannotHave) {
+  EXPECT_EQ(errorOf([] { Built(R"("files": {"C:\\a?": "a"})"); }),
+            "$.machine.files[\"C:\\\\a?\"]: no absolute path of the system: C:\\a?");
+  // Names of the machine have up to 255 characters, those of the host so many bytes.
+  std::string name;
+  while (name.size() < 400) name += "\u00FC";
+  EXPECT_EQ(errorOf([&] {
+              Built(R"("drives": {"D": {"host": ")" + testing::TempDir() +
+                    R"("}}, "files": {"D:\\)" + name + R"(": "a"})");
+            }),
+            "$.machine.files[\"D:\\\\" + name + "\"]: cannot lay D:\\" + name);
+}
+
 TEST(MachineSetup, WritesRegistryValuesOfEveryType) {
   const Built built(R"("registry": {"HKEY_LOCAL_MACHINE": {"Software\\Test": {
       "": "default", "text": "Işık", "number": 7, "minus": -1,

@@ -148,6 +148,28 @@ TEST(Player, AnswersInputBoxesFromTheSameQueue) {
                  {"click": "Command3"}, {"expect": {"ended": null, "boxes": [{"style": 36}]}})");
 }
 
+/// Writes down what it hears of input boxes, and answers them.
+class InputWitness final : public Companion {
+ public:
+  std::optional<Answer> input(TextView prompt, TextView title, TextView initial) override {
+    heard.push_back(join(prompt, u"|", title, u"|", initial));
+    return Answer{.text = u"Eve"};
+  }
+  void inputAnswered(TextView prompt, TextView title, TextView answer) override {
+    heard.push_back(join(prompt, u"|", title, u"|", answer));
+  }
+
+  std::vector<Text> heard;
+};
+
+TEST(Player, HandsAnInputBoxToItsCompanion) {
+  const Scenario scenario = parseScenario(R"({"script": [{"click": "Command5"}]})");
+  simulated::NoTranscript transcript;
+  InputWitness witness;
+  Player(scenario, makeToyProgram, transcript, witness).play();
+  EXPECT_EQ(witness.heard, (std::vector<Text>{u"Your name:|Name|nobody", u"Your name:|Name|Eve"}));
+}
+
 TEST(Player, TakesTheInitialTextOfAnInputBoxByDefault) {
   expectHolds(R"({"click": "Command5"}, {"expect": {"global.gName": "nobody", "boxes": []}})");
 }

@@ -148,6 +148,15 @@ INSTANTIATE_TEST_SUITE_P(
             "WorkingDirectory"},
         BadScript{R"({"set": {"gLanguage": 1}})",
                   "$.script[0].set.gLanguage: \"gLanguage\" is no global and no property"},
+        BadScript{R"({"set": {"global.gLanguage": [1]}})",
+                  "$.script[0].set[\"global.gLanguage\"]: a list where a text, a whole number, or "
+                  "true or false is wanted"},
+        BadScript{R"({"set": {"Label1.Caption": null}})",
+                  "$.script[0].set[\"Label1.Caption\"]: null where a text, a whole number, or true "
+                  "or false is wanted"},
+        BadScript{R"({"set": {"Label1.Tag": 1.5}})",
+                  "$.script[0].set[\"Label1.Tag\"]: a fraction where a text, a whole "
+                  "number, or true or false is wanted"},
         BadScript{
             R"({"change": {"users": "x"}})",
             "$.script[0].change.users: unknown key \"users\"; the keys are version, architecture, "
@@ -278,6 +287,12 @@ TEST_F(ScenarioFiles, CutsLengthensAndInvertsThePackage) {
   EXPECT_EQ(installer(R"({"file": "p", "length": 12})"), std::string("\0\0", 2) + "0123456789");
   EXPECT_EQ(installer(R"({"file": "p", "cutEnd": 9, "length": 2})"), std::string("\0", 1) + "0");
   EXPECT_EQ(installer(R"({"file": "p", "length": 2, "flip": [1]})"), "0\xCE");
+}
+
+TEST_F(ScenarioFiles, TakesNumbersOfBytesUpToTwoGigabytes) {
+  EXPECT_EQ(package(R"({"length": 2147483648})").length, std::uint64_t{2147483648});
+  EXPECT_EQ(errorOf([&] { package(R"({"length": 2147483649})"); }),
+            "$.package.length: 2147483649 is not within 0 to 2147483648");
 }
 
 TEST_F(ScenarioFiles, RefusesToCutMoreThanThereIs) {

@@ -290,6 +290,15 @@ TEST_F(Zevsim, WritesWhatIsSeenFromOutsideBeforeEachStepAndBox) {
             "\n");
 }
 
+TEST_F(Zevsim, WritesInputBoxesAsTheyAreSeenFromOutside) {
+  const std::string scenario =
+      write("a.json", R"({"script": [{"answer": [{"text": "Eve"}]}, {"click": "Command5"}]})");
+  EXPECT_EQ(run({scenario, "--transcript", file("t"), "--outside", file("o")}), 0);
+  EXPECT_THAT(
+      read("o"),
+      HasSubstr(R"({"event":"input","prompt":"Your name:","title":"Name","answer":"Eve"})"));
+}
+
 TEST_F(Zevsim, WritesTheStateOfTheMachine) {
   const std::string scenario = write("a.json", R"({"machine": {"files": {"C:\\a.txt": "hello"}}})");
   EXPECT_EQ(run({scenario, "--state", file("state.json")}), 0);

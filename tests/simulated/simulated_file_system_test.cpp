@@ -57,6 +57,13 @@ TEST_F(SimulatedFileSystemTest, ListsNamesSortedByTheirUpperCase) {
   EXPECT_EQ(files().Dir(u"C:\\d\\*.*", 0), u"A");
 }
 
+TEST_F(SimulatedFileSystemTest, PatternsOfWildcardsAloneFindEverything) {
+  machine.disks().putText(u"C:\\d\\ab", "");
+  EXPECT_EQ(files().Dir(u"C:\\d\\*", 0), u"ab");
+  EXPECT_EQ(files().Dir(u"C:\\d\\??", 0), u"ab");
+  EXPECT_EQ(files().Dir(u"C:\\d\\?", 0), u"");
+}
+
 TEST_F(SimulatedFileSystemTest, RelativePathsStartInTheFolderOfTheProgram) {
   machine.disks().putText(u"C:\\Users\\bob\\Downloads\\near.txt", "x");
   EXPECT_EQ(openError(u"near.txt"), success);
@@ -204,6 +211,23 @@ TEST_F(SimulatedFileSystemTest, ADriveWithoutAMediumIsNotReady) {
   EXPECT_EQ(system().CreateDirectoryA(u"A:\\d"), notReady);
   EXPECT_FALSE(system().rootExists(u"A:\\"));
   EXPECT_EQ(platform().drives.GetDriveTypeA(u"A:\\"), 2u);
+}
+
+TEST_F(SimulatedFileSystemTest, AFileThatIsOpenIsNotReadyWithoutItsMedium) {
+  machine.disks().setDrive(u'A', {.type = 2});
+  FileHandle file = 0;
+  ASSERT_EQ(system().CreateFileA(u"A:\\f", FileAccess::Write, FileShare::All,
+                                 FileDisposition::OpenAlways, file),
+            success);
+  machine.disks().setDrive(u'A', {.type = 2, .ready = false});
+  const std::uint8_t byte[] = {7};
+  std::size_t written = 0;
+  EXPECT_EQ(system().WriteFile(file, 0, byte, written), notReady);
+  EXPECT_EQ(written, 0u);
+  machine.disks().setDrive(u'A', {.type = 2});
+  EXPECT_EQ(system().WriteFile(file, 0, byte, written), success);
+  EXPECT_EQ(written, 1u);
+  system().CloseHandle(file);
 }
 
 // ---- space

@@ -47,6 +47,30 @@ TEST_F(SimulatedMachineTest, MachinesLiveSideBySide) {
   EXPECT_EQ(machine.clock(), 5u);
 }
 
+TEST_F(SimulatedMachineTest, ItsDisksWantFullPathsThatAFileCanHave) {
+  const Text name(200, u'n');
+  for (const Text& path : {Text(), Text(u"name"), Text(u"\\name"), Text(u"\\\\server\\share\\name"),
+                           Text(u"C:\\na?me"), u"C:\\" + name + u"\\" + name}) {
+    EXPECT_THROW(machine.disks().exists(path), std::invalid_argument) << toUtf8(path);
+  }
+}
+
+TEST_F(SimulatedMachineTest, HandsOutTheFunctionsThatItsSystemHas) {
+  Kernel& kernel = platform().kernel;
+  EXPECT_NE(kernel.ProcAddress("user32", "SetWindowLongA"), 0u);
+  EXPECT_EQ(kernel.ProcAddress("vba6", "EbMode"), 0u);
+}
+
+TEST_F(SimulatedMachineTest, AConversationFailsWhenItsServerHasGone) {
+  Dde& dde = platform().dde;
+  dde.LinkTopic(u"Progman|progman");
+  dde.LinkMode(2);
+  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[one]"); }), 0);
+  machine.settings().services.programManager = false;
+  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[two]"); }), 282);
+  EXPECT_THAT(machine.records().dde, ElementsAre(u"[one]"));
+}
+
 TEST_F(SimulatedMachineTest, ANewStartKeepsTheMachineAndDropsTheProcess) {
   files().OpenBinary(1, u"C:\\f", true);
   RegistryKey key = 0;

@@ -117,6 +117,8 @@ TEST_F(SimulatedRegistryTest, BadKeyNamesAreRefused) {
   EXPECT_EQ(createError(HKEY_CURRENT_USER, u"\\K"), 161u);
   EXPECT_EQ(createError(HKEY_CURRENT_USER, Text(256, u'k')), invalidParameter);
   EXPECT_EQ(createError(HKEY_CURRENT_USER, Text(255, u'k')), success);
+  EXPECT_EQ(createError(HKEY_CURRENT_USER, u"a\\" + Text(255, u'k')), success);
+  EXPECT_EQ(createError(HKEY_CURRENT_USER, u"a\\" + Text(256, u'k')), invalidParameter);
   EXPECT_EQ(createError(HKEY_CURRENT_USER, u"K\\"), success);
   EXPECT_TRUE(machine.registry().hasKey(HKEY_CURRENT_USER, u"K"));
 }

@@ -255,6 +255,19 @@ TEST_F(HeldTest, WhatArrivedBeforeIsHandedOver) {
   EXPECT_EQ(text, Variant(u"hello there"));
 }
 
+TEST_F(HeldTest, ASingleByteThatArrivedBeforeIsHandedOverToo) {
+  hold([&](std::int32_t request) {
+    const auto holding = module.GetAcceptObject(request);
+    ASSERT_TRUE(pumpTo(client, sckConnected));
+    client->SendData(u"h");
+    ASSERT_TRUE(pumpUntil([&] { return holding->BytesReceived() == 1; }));
+    server->Accept(request);
+  });
+  ASSERT_TRUE(pumpTo(server, sckConnected));
+  EXPECT_EQ(server.log, Lines({"DataArrival 1"}));
+  EXPECT_EQ(server->BytesReceived(), 1);
+}
+
 TEST_F(HeldTest, TheClosingOfThePeerIsKeptBehindItsData) {
   SocketState atArrival = sckClosed;
   server.then.DataArrival = [&](std::int32_t) {

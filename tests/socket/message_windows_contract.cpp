@@ -55,6 +55,11 @@ TEST_F(MessageWindowsContract, ADyingWindowHearsOfItBeforeTheCallReturns) {
   EXPECT_EQ(ear.count(WM_DESTROY), 1u);
   EXPECT_EQ(ear.count(WM_NCDESTROY), 1u);
   EXPECT_EQ(ear.messages.back().message, WM_NCDESTROY);
+  for (const WindowMessage& each : ear.messages) {
+    if (each.message != WM_DESTROY && each.message != WM_NCDESTROY) continue;
+    EXPECT_EQ(each.wParam, 0u) << each.message;
+    EXPECT_EQ(each.lParam, 0) << each.message;
+  }
 }
 
 TEST_F(MessageWindowsContract, WhatWasPostedToADyingWindowVanishes) {

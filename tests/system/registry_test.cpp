@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "system/attributes.h"
 #include "system/on_a_machine.h"
 
@@ -44,7 +46,7 @@ class RegistryStore : public OnAMachine, public testing::Test {
 /// The value files, with both folders there.
 class ValueFileStore : public OnAMachine, public testing::Test {
  protected:
-  ValueFileStore() {
+  ValueFileStore() : OnAMachine(true) {
     globals().gOSClass = 4;
     machine.disks().putDirectory(first);
     machine.disks().putDirectory(second);
@@ -60,6 +62,26 @@ class ValueFileStore : public OnAMachine, public testing::Test {
   }
   std::int32_t number(TextView name) {
     return registry->GetRegDword(HKEY_LOCAL_MACHINE, key, name, -5, normal);
+  }
+
+  /// What has its attributes changed, in order, by an act that finds the first folder read-only
+  /// and its value hidden as well.
+  std::vector<std::string> attributesChanged(const std::function<void()>& act) {
+    files().SetFileAttributesA(first, 1 | 16);
+    files().SetFileAttributesA(join(first, u"\\Dizin"), 1 | 2 | 32);
+    const std::size_t before = attributeCalls().size();
+    act();
+    const std::vector<std::string> all = attributeCalls();
+    return {all.begin() + static_cast<std::ptrdiff_t>(before), all.end()};
+  }
+
+ private:
+  std::vector<std::string> attributeCalls() const {
+    std::vector<std::string> paths;
+    for (const simulated::Event& call : transcript.of("call")) {
+      if (call.at("name") == "SetFileAttributesA") paths.push_back(call.at("arguments").at(0));
+    }
+    return paths;
   }
 };
 
@@ -236,6 +258,20 @@ TEST_F(ValueFileStore, AHiddenReadOnlyFileIsReadAndStaysVisible) {
   files().SetFileAttributesA(path, 1 | 2 | 32);
   registry->SetRegString(HKEY_LOCAL_MACHINE, key, u"Dizin", u"y", normal);
   EXPECT_EQ(content(first, u"Dizin"), "y\r\n");
+}
+
+TEST_F(ValueFileStore, TheFoldersAttributesAreClearedBeforeTheFiles) {
+  put(first, u"Dizin", "x\r\n");
+  const std::string folder = toUtf8(first);
+  const std::string file = folder + "\\Dizin";
+  const std::vector<std::string> order = {folder, file, file};
+  EXPECT_EQ(attributesChanged([&] { text(u"Dizin"); }), order);
+  EXPECT_EQ(attributesChanged(
+                [&] { registry->SetRegString(HKEY_LOCAL_MACHINE, key, u"Dizin", u"y", normal); }),
+            order);
+  EXPECT_EQ(attributesChanged(
+                [&] { registry->DeleteRegValue(HKEY_LOCAL_MACHINE, key, u"Dizin", normal); }),
+            order);
 }
 
 TEST_F(ValueFileStore, DeletesAValueInBothFolders) {

@@ -248,6 +248,25 @@ class Datagrams(Case, unittest.TestCase):
         self.assertEqual(zevnet.ends()[0], 0, zevnet.lines)
         self.assertIn(f"closed: sent {len(sent)} bytes, received {len(sent)} bytes", zevnet.lines)
 
+    def plain(self):
+        """A plain socket for datagrams."""
+        plain = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+        self.addCleanup(plain.close)
+        plain.settimeout(PATIENCE)
+        plain.bind(("127.0.0.1", 0))
+        return plain
+
+    def test_sends_to_its_receiver_whoever_has_written(self):
+        receiver, stranger = self.plain(), self.plain()
+        zevnet = self.zevnet("connect", "--udp", "127.0.0.1", receiver.getsockname()[1])
+        zevnet.write(b"one")
+        piece, sender = receiver.recvfrom(100)
+        self.assertEqual(piece, b"one")
+        stranger.sendto(b"strange", sender)
+        self.assertEqual(zevnet.read(7), b"strange")
+        zevnet.write(b"two")
+        self.assertEqual(receiver.recvfrom(100)[0], b"two")
+
     def test_with_a_listening_ncat(self):
         port = free_port(socket.SOCK_DGRAM)
         self.with_listening_peer(tool("ncat"), "-u", "-l", "127.0.0.1", port, port=port)
@@ -361,6 +380,18 @@ class Failures(Case, unittest.TestCase):
         self.accept(listener).sendall(b"x")
         self.assert_fails(zevnet, "32: Broken pipe (standard output)")
 
+    def test_a_standard_input_that_cannot_be_read(self):
+        listener, port = self.listener()
+        folder = os.open("/", os.O_RDONLY)
+        self.addCleanup(os.close, folder)
+        zevnet = self.zevnet("connect", "127.0.0.1", port, stdin=folder)
+        self.accept(listener)
+        self.assert_fails(zevnet, "21: Is a directory (standard input)")
+
+    def test_too_few_files(self):
+        zevnet = self.start("sh", "-c", 'ulimit -n 4 && exec "$0" listen 0', ZEVNET)
+        self.assert_fails(zevnet, "zevnet: eventfd: Too many open files")
+
     def test_streams_that_were_never_open(self):
         listener, port = self.listener()
         zevnet = self.start("sh", "-c", 'exec "$0" connect 127.0.0.1 "$1" <&- >&-', ZEVNET, port)
@@ -441,6 +472,17 @@ class Listening(Case, unittest.TestCase):
         connection = self.call(port)
         self.assertEqual(connection.recv(100), b"early")
         self.assertEqual(connection.recv(100), b"")
+
+    def test_closes_all_connections_behind_the_input(self):
+        zevnet, port = self.listening("--keep", "--close")
+        connections = [self.call(port) for _ in range(3)]
+        for _ in connections:
+            zevnet.line("^connected from")
+        zevnet.write(b"last")
+        zevnet.process.stdin.close()
+        for connection in connections:
+            self.assertEqual(connection.recv(100), b"last")
+            self.assertEqual(connection.recv(100), b"")
 
     def test_goes_on_reading_behind_the_end_of_the_input(self):
         zevnet, port = self.listening(stdin=subprocess.DEVNULL)
