@@ -102,7 +102,9 @@ TEST(PathRows, LeadWhereTheirTableSays) {
     EXPECT_EQ(page.boxes(), row.boxes) << toUtf8(row.in);
     EXPECT_EQ(page.machine.calls("MkDir"), static_cast<std::uint64_t>(row.made)) << toUtf8(row.in);
     EXPECT_TRUE(!row.ok || page.stands(row.out)) << toUtf8(row.in);
-    if (row.made == 0) EXPECT_EQ(page.everything(), before) << toUtf8(row.in);
+    if (row.made == 0) {
+      EXPECT_EQ(page.everything(), before) << toUtf8(row.in);
+    }
   }
 }
 

@@ -389,7 +389,13 @@ class Failures(Case, unittest.TestCase):
         self.assert_fails(zevnet, "21: Is a directory (standard input)")
 
     def test_too_few_files(self):
-        zevnet = self.start("sh", "-c", 'ulimit -n 4 && exec "$0" listen 0', ZEVNET)
+        # A sanitizer looks at memory through a pipe, and takes an object for none if it gets none.
+        with tempfile.NamedTemporaryFile("w", suffix=".supp") as rules:
+            rules.write("vptr:*\n")
+            rules.flush()
+            zevnet = self.start("sh", "-c", 'ulimit -n 4 && exec env "$1" "$0" listen 0', ZEVNET,
+                                f"UBSAN_OPTIONS=suppressions={rules.name}")
+            zevnet.process.wait(10)
         self.assert_fails(zevnet, "zevnet: eventfd: Too many open files")
 
     def test_streams_that_were_never_open(self):
