@@ -153,7 +153,9 @@ class InputWitness final : public Companion {
  public:
   std::optional<Answer> input(TextView prompt, TextView title, TextView initial) override {
     heard.push_back(join(prompt, u"|", title, u"|", initial));
-    return Answer{.text = u"Eve"};
+    Answer answer;
+    answer.text = u"Eve";
+    return answer;
   }
   void inputAnswered(TextView prompt, TextView title, TextView answer) override {
     heard.push_back(join(prompt, u"|", title, u"|", answer));

@@ -82,7 +82,11 @@ constexpr ControlDesign treeFormControls[] = {
 };
 
 TEST(Prompt, FindsAFolderInTheOpenedOne) {
-  Form form({.name = u"Form1", .width = 1800, .height = 1200, .controls = treeFormControls});
+  Form form({.name = u"Form1",
+             .caption = u"",
+             .width = 1800,
+             .height = 1200,
+             .controls = treeFormControls});
   auto& tree = form.control<DirListBox>(u"Dir1");
   const auto folder = [&](const std::string& written) {
     const FolderNames names = [](const Text& opened) -> std::vector<Text> {
