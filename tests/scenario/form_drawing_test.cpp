@@ -52,6 +52,28 @@ TEST(FormDrawing, DrawsThePageThatIsShownAndItsProgress) {
 )");
 }
 
+constexpr ControlDesign heightsOnAPage[] = {
+    {.name = u"Label1", .kind = ControlKind::Label, .place = {0, 0, 900, 240}},
+    {.name = u"Label2", .kind = ControlKind::Label, .place = {0, 240 + 160, 900, 240}},
+    {.name = u"Label3", .kind = ControlKind::Label, .place = {900, 240 + 159, 900, 240}},
+};
+
+TEST(FormDrawing, GivesAControlTheRowThatTwoThirdsOfARowReach) {
+  Form form({.name = u"Form1",
+             .caption = u"T",
+             .width = 1800,
+             .height = 960,
+             .controls = heightsOnAPage});
+  for (const auto* name : {u"Label1", u"Label2", u"Label3"})
+    form.control<Label>(name).Caption = name;
+  EXPECT_EQ(drawForm(form), R"(+- T ----------------------+
+| Label1                   |
+|             Label3       |
+| Label2                   |
++--------------------------+
+)");
+}
+
 constexpr ControlDesign treeControls[] = {
     {.name = u"Dir1", .kind = ControlKind::DirListBox, .place = {75, 0, 1650, 1200}},
 };
