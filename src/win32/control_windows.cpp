@@ -35,11 +35,11 @@ WindowKind kindOf(const Control& control) {
     case ControlKind::Label:
       return labelKind(control.design());
     case ControlKind::CommandButton:
-      return {L"BUTTON", WS_TABSTOP | BS_PUSHBUTTON | BS_NOTIFY, 0};
+      return {L"BUTTON", WS_TABSTOP | BS_PUSHBUTTON, 0};
     case ControlKind::OptionButton:
-      return {L"BUTTON", WS_TABSTOP | BS_RADIOBUTTON | BS_NOTIFY, 0};
+      return {L"BUTTON", WS_TABSTOP | BS_RADIOBUTTON, 0};
     case ControlKind::CheckBox:
-      return {L"BUTTON", WS_TABSTOP | BS_CHECKBOX | BS_NOTIFY, 0};
+      return {L"BUTTON", WS_TABSTOP | BS_CHECKBOX, 0};
     case ControlKind::Image:
       return {L"STATIC", SS_OWNERDRAW | SS_NOTIFY, 0};
     case ControlKind::ComboBox:
