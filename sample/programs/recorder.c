@@ -1,4 +1,5 @@
 /* The main program. Without an option that it knows it ends at once. */
+#include "note_start.h"
 #include "program.h"
 
 static void tell(const char* text) {
@@ -6,6 +7,7 @@ static void tell(const char* text) {
 }
 
 void entry(void) {
+  noteStart();
   if (hasOption("/about")) tell("ZEV Screen Recorder 6\r\nVersion 6.0.21");
   if (hasOption("/help")) {
     tell("/filmworks\tshow the recorder\r\n/reeldesk\tshow the movie editor\r\n"

@@ -31,6 +31,12 @@ struct Records {
   std::vector<Start> opened;  ///< files and folders opened with the program of their type
 };
 
+/// What became of it, since the machine was made.
+struct Happened {
+  std::vector<Start> started;  ///< command lines of programs that were started
+  std::vector<Start> opened;
+};
+
 /// All that the services of one machine share. It outlives the programs that run on it.
 struct MachineState {
   explicit MachineState(Transcript& whereTo) : transcript(whereTo) {}
@@ -42,6 +48,7 @@ struct MachineState {
   std::map<Text, ShortcutProperties> shortcuts;  ///< by upper-case path of the file
   std::set<Text> running;                        ///< upper-case paths of programs in use
   Records records;
+  Happened happened;
   SimulatedNetwork network;  ///< and the clock of the machine
 
   /// Milliseconds since the machine was made.

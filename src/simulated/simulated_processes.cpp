@@ -79,7 +79,9 @@ std::int32_t SimulatedProcesses::start(const Text& program, TextView commandLine
 
 void SimulatedProcesses::recordShell(TextView commandLine, std::int32_t style, std::int32_t error) {
   const Text line = machine_.throughAnsi(beforeNul(commandLine));
-  machine_.records.shell.push_back({line, style, machine_.currentFolder().text()});
+  const Start asked{line, style, machine_.currentFolder().text()};
+  machine_.records.shell.push_back(asked);
+  if (error == 0) machine_.happened.started.push_back(asked);
   if (!machine_.transcript.wants("shell")) return;
   machine_.transcript.add(
       {{"event", "shell"}, {"command", toUtf8(line)}, {"style", style}, {"error", error}});
@@ -142,7 +144,9 @@ std::intptr_t SimulatedProcesses::ShellExecuteA(WindowHandle, TextView, TextView
   std::uint32_t attributes = 0;
   const SystemError error = files_.GetFileAttributesA(path, attributes);
   if (error != system_error::success) return static_cast<std::intptr_t>(error);
-  machine_.records.opened.push_back({path, show, machine_.throughAnsi(beforeNul(directory))});
+  const Start opened{path, show, machine_.throughAnsi(beforeNul(directory))};
+  machine_.records.opened.push_back(opened);
+  machine_.happened.opened.push_back(opened);
   if (machine_.transcript.wants("open")) {
     machine_.transcript.add({{"event", "open"}, {"path", toUtf8(path)}});
   }

@@ -76,6 +76,15 @@ void addKeys(Json& keys, const RegistryNode& node, const Text& path) {
   }
 }
 
+Json toJson(const std::vector<Start>& starts, const char* what) {
+  Json all = Json::array();
+  for (const Start& each : starts) {
+    all.push_back(
+        {{what, toUtf8(each.what)}, {"style", each.style}, {"directory", toUtf8(each.directory)}});
+  }
+  return all;
+}
+
 }  // namespace
 
 Json stateReport(const MachineState& machine) {
@@ -98,7 +107,9 @@ Json stateReport(const MachineState& machine) {
   return {{"drives", std::move(drives)},
           {"files", std::move(files)},
           {"registry", std::move(registry)},
-          {"shortcuts", std::move(shortcuts)}};
+          {"shortcuts", std::move(shortcuts)},
+          {"started", toJson(machine.happened.started, "command")},
+          {"opened", toJson(machine.happened.opened, "path")}};
 }
 
 }  // namespace zev::simulated

@@ -282,6 +282,8 @@ void makeShortcuts(SortedJson& state, const InstallOrder& order) {
 
 SortedJson comparable(const SortedJson& state) {
   SortedJson result = state;
+  result.erase("started");
+  result.erase("opened");
   for (SortedJson& drive : result["drives"]) drive.erase("free");
   for (auto& [path, entry] : result["files"].items()) {
     if (path.ends_with(".lnk")) entry = {{"shortcut", true}};

@@ -84,6 +84,21 @@ TEST_F(ExportTest, TheStateHoldsFilesRegistryAndShortcuts) {
   EXPECT_EQ(state["shortcuts"].size(), 1u);
 }
 
+/// A program that could not be started was not, and the start of the own program begins nothing
+/// anew.
+TEST_F(ExportTest, TheStateTellsWhatWasStartedAndOpened) {
+  machine.disks().putText(u"C:\\p.exe", "MZ");
+  platform().processes.Shell(u"C:\\p.exe /a", 2);
+  EXPECT_THROW(platform().processes.Shell(u"C:\\none.exe", 1), RuntimeError);
+  platform().processes.ShellExecuteA(0, u"open", u"C:\\Windows", u"", u"C:", 1);
+  platform().processes.ShellExecuteA(0, u"open", u"C:\\none", u"", u"C:", 1);
+  machine.startProgram();
+  const nlohmann::ordered_json state = machine.state();
+  EXPECT_EQ(state["started"].dump(),
+            R"([{"command":"C:\\p.exe /a","style":2,"directory":"C:\\Users\\bob\\Downloads"}])");
+  EXPECT_EQ(state["opened"].dump(), R"([{"path":"C:\\Windows","style":1,"directory":"C:"}])");
+}
+
 TEST_F(ExportTest, EqualMachinesHaveEqualStates) {
   ToldPerson nobody;
   NoTranscript none;

@@ -2,12 +2,13 @@
 """Plays scenarios on the real program under Wine and on the simulated machine, and compares what can
 be seen of both from outside, and what both leave behind.
 
-    compare_scenarios.py WORK --driver zevdrive.exe --program ZEVSetup.exe --image IMAGE.exe
-                         --simulator zevsim FILE-OR-FOLDER...
+    compare_scenarios.py WORK --driver zevdrive.exe --opener notes_start.exe
+                         --program ZEVSetup.exe --image IMAGE.exe --simulator zevsim
+                         FILE-OR-FOLDER...
 
 The driver plays the script on the program's windows and writes the transcript of somebody in front of
 the screen; the simulator writes the same transcript. They must be equal line by line, and so must the
-end states: files with their bytes, registry, shortcuts. What Wine cannot carry is left out, by a
+end states: files with their bytes, registry, shortcuts, and what was started and opened. What Wine cannot carry is left out, by a
 reason that is counted. What is Wine's own is mapped, by a rule that is counted.
 
 Scenarios that need the same languages and drives share a machine, one after the other. Between two of
@@ -35,6 +36,8 @@ import wine_machine
 from prefix_state import SEEN_BY_32_BITS, Drive, Files, Registry, attributes_of, read_link, sha256_of
 
 TOOLS = "C:\\windows\\zevtest"  # nobody looks there
+STARTS = f"{TOOLS}\\starts.txt"  # what was started notes it there
+OPENER = f"{TOOLS}\\notes_start.exe"
 TIMEOUT = 30
 REFUSED = 4
 
@@ -61,7 +64,7 @@ class BobMachine(wine_machine.Machine):
         self.locales = locales
 
     def environment(self):
-        own = {"USER": "bob", "LOGNAME": "bob"}
+        own = {"USER": "bob", "LOGNAME": "bob", "ZEV_NOTE_STARTS": STARTS}
         if self.locales:
             own["LOCPATH"] = str(self.locales)
         return {**super().environment(), **own}
@@ -75,7 +78,7 @@ class BobTemplate(wine_machine.Template):
         return BobMachine(self.folder, width=self.width)
 
     def settings(self):
-        return super().settings() + self.avi_values()
+        return super().settings() + self.avi_values() + self.opener()
 
     def keep_to_itself(self, machine):
         super().keep_to_itself(machine)
@@ -87,6 +90,13 @@ class BobTemplate(wine_machine.Template):
         for key, value in scenario_machine.AVI_VALUES.items():
             lines += ["", f"[HKEY_CLASSES_ROOT\\{key}]", f'@="{value}"']
         return "\n".join(lines) + "\n"
+
+    @staticmethod
+    def opener():
+        """Who opens a folder: a program that notes it and has no window."""
+        command = f'"{OPENER}" "%1"'.replace("\\", "\\\\").replace('"', '\\"')
+        return ("\n[HKEY_CLASSES_ROOT\\Folder\\shell\\open\\command]\n"
+                f'@="{command}"\n\n[-HKEY_CLASSES_ROOT\\Folder\\shell\\open\\ddeexec]\n')
 
     @staticmethod
     def leave_only(folder, *names):
@@ -148,6 +158,7 @@ class Session:
         self.machine.__enter__()
         self.holder = self.hold()
         self.machine.put(settings.driver, f"{TOOLS}\\zevdrive.exe")
+        self.machine.put(settings.opener, OPENER)
         self.machine.put(settings.program, scenario_machine.PROGRAM)
         wine_machine.give(self.machine.path(f"{TOOLS}\\x").parent)
         wine_machine.give(self.machine.path(scenario_machine.PROGRAM))
@@ -218,6 +229,16 @@ class Session:
                 continue
         return found
 
+    def starts(self, expected):
+        """What has noted its start; what was started last gets the time to."""
+        file = self.machine.path(STARTS)
+        end = time.monotonic() + LONGEST_NOTE
+        while True:
+            lines = file.read_text("utf-8").splitlines() if file.exists() else []
+            if len(lines) >= expected or time.monotonic() > end:
+                return [Start.noted(line) for line in lines]
+            time.sleep(0.05)
+
     def end_what_is_left(self):
         """Ends programs that the scenario has started; Wine's own services stay."""
         for process in self.running() - self.processes:
@@ -228,8 +249,9 @@ class Session:
             except OSError:
                 continue
 
-    def play(self, plan):
-        """Plays a scenario: exit status, what the driver told, and the transcript's lines."""
+    def play(self, plan, starts):
+        """Plays a scenario: exit status, what the driver told, the transcript's lines, and what was
+        started, which should be so many."""
         package = self.settings.package_of(plan)
         if package is not None or plan.installer != scenario_machine.PROGRAM:
             path = self.machine.path(plan.installer)
@@ -238,13 +260,15 @@ class Session:
             wine_machine.give(path.parent)
         transcript = self.machine.path(f"{TOOLS}\\t.jsonl")
         transcript.unlink(missing_ok=True)
+        self.machine.path(STARTS).unlink(missing_ok=True)
         status, told = self.drive(plan.driven(), "--program", plan.installer, "--transcript",
                                   f"{TOOLS}\\t.jsonl", "--timeout", str(TIMEOUT))
+        started = self.starts(starts)
         self.end_what_is_left()
         self.files.look()
         self.registry.look()
         lines = transcript.read_text(encoding="utf-8").splitlines() if transcript.exists() else []
-        return status, told, lines
+        return status, told, lines, started
 
     def reset(self):
         """Takes every trace back. What stays nevertheless: then the machine is of no more use."""
@@ -256,6 +280,40 @@ class Session:
         self.files.look()
         return ([f"{hive}\\{key}" for hive, key in self.registry.changed()
                  if not SHELL_KEYS.match(key)] + list(self.files.new()))
+
+
+# ---- what was started
+
+
+LONGEST_NOTE = 5  # seconds
+
+# Programs that the package brings: they note their start. What a scenario lays under the name of a
+# program is none.
+NOTING = ("vcredist_x86.exe", "Screen Recorder 6.exe")
+
+
+class Start(collections.namedtuple("Start", "what style directory")):
+    """A program by its command line, or what was opened, by its path and without a folder."""
+
+    @staticmethod
+    def noted(line):
+        style, directory, command = line.split("\t")
+        if command.lower().startswith(f'"{OPENER.lower()}"'):
+            return Start(command[len(OPENER) + 2:].strip().strip('"'), int(style), None)
+        return Start(command.strip(), int(style), directory.rstrip("\\"))
+
+    @staticmethod
+    def expected(state):
+        programs = [Start(each["command"], each["style"], each["directory"].rstrip("\\"))
+                    for each in state["started"]
+                    if each["command"].strip('"').endswith(NOTING)]
+        return programs + [Start(each["path"], each["style"], None) for each in state["opened"]]
+
+
+def compare_starts(noted, expected):
+    return ([f"started only on the simulated machine: {each}" for each in expected
+             if each not in noted] +
+            [f"started only on the real one: {each}" for each in noted if each not in expected])
 
 
 # ---- what is Wine's own
@@ -427,6 +485,7 @@ class Settings:
     def __init__(self, options):
         self.work = pathlib.Path(options.work).resolve()
         self.driver = pathlib.Path(options.driver).resolve()
+        self.opener = pathlib.Path(options.opener).resolve()
         self.program = pathlib.Path(options.program).resolve()
         self.simulator = pathlib.Path(options.simulator).resolve()
         self.package = self.program.read_bytes()
@@ -499,7 +558,8 @@ def judge(settings, plan, session, result, mapping):
     if not simulation.usable:
         result.differences.append(f"the simulator cannot play it: {simulation.told.strip()}")
         return
-    status, told, lines = session.play(plan)
+    starts = Start.expected(simulation.state)
+    status, told, lines, started = session.play(plan, len(starts))
     if status == REFUSED:
         result.left_out = told.strip().removeprefix("not played: ")
         return
@@ -511,6 +571,7 @@ def judge(settings, plan, session, result, mapping):
     result.differences += compare_files(session.files, simulation.state, known, mapping)
     result.differences += compare_registry(session.registry, simulation.state)
     result.differences += compare_links(session.files, simulation.state)
+    result.differences += compare_starts(started, starts)
     for place in sorted(failed_expectations(told) - failed_expectations(simulation.told)):
         rule = next((rule for rule, pattern in [*OWN_EXPECTATIONS, *plan.own_expectations]
                      if pattern.search(place)), None)
@@ -684,6 +745,7 @@ def parse_arguments():
     parser.add_argument("work", help="folder for machines, shared with other tests")
     parser.add_argument("places", nargs="+", help="scenarios, or folders of them")
     parser.add_argument("--driver", required=True, help="zevdrive.exe")
+    parser.add_argument("--opener", required=True, help="notes_start.exe")
     parser.add_argument("--program", required=True, help="the packed ZEVSetup.exe")
     parser.add_argument("--image", required=True, help="the image in front of its package")
     parser.add_argument("--simulator", required=True, help="zevsim")

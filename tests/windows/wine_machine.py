@@ -27,7 +27,7 @@ LOADER = {64: "/usr/lib/wine/wine64", 32: "/usr/lib/wine/wine"}
 WINESERVER = {64: "/usr/lib/wine/wineserver64", 32: "/usr/lib/wine/wineserver32"}
 
 # To be raised when a template made by an older version of this file no longer fits.
-EDITION = 2
+EDITION = 3
 
 # A desktop of Wine's own gives title bars without a window manager; a crash shows no box; menus,
 # .NET and the browser's engine stay away.

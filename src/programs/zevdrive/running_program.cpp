@@ -12,13 +12,15 @@ constexpr DWORD pause = 2;
 constexpr int quietLooks = 6;
 constexpr std::chrono::seconds longestUnseen{10};
 
+/// As the shell does: the program begins in its own folder.
 PROCESS_INFORMATION start(const Text& path) {
   Text command = join(u"\"", path, u"\"");
+  const Text folder = path.substr(0, path.find_last_of(u'\\') + 1);
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process{};
   if (!CreateProcessW(win32::wide(path), reinterpret_cast<wchar_t*>(command.data()), nullptr,
-                      nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+                      nullptr, FALSE, 0, nullptr, win32::wide(folder), &startup, &process)) {
     throw DriveError("cannot start " + toUtf8(path) + ": error " + std::to_string(GetLastError()));
   }
   return process;
