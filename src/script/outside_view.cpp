@@ -1,5 +1,7 @@
 #include "script/outside_view.h"
 
+#include <cmath>
+
 #include "script/expectation.h"
 
 namespace zev::scenario {
@@ -26,13 +28,26 @@ Text inLines(TextView text) {
   return lines;
 }
 
+constexpr std::int32_t twipsAPixel = 15;  // of 1440 an inch, at 96 pixels an inch
+
+/// As windows are placed: to the nearest pixel, a half away from 0.
+std::int32_t onPixels(std::int32_t twips) {
+  return twipsOfPixels(static_cast<std::int32_t>(std::lround(twips / double{twipsAPixel})));
+}
+
 SeenForm sightOf(const Form& form) {
-  SeenForm seen{
-      &form, form.loaded() && form.Visible, Text(beforeNul(form.Caption.get())), form.Enabled, {}};
+  SeenForm seen;
+  seen.form = &form;
+  seen.visible = form.loaded() && form.Visible;
+  seen.caption = Text(beforeNul(form.Caption.get()));
+  seen.enabled = form.Enabled;
+  seen.width = onPixels(form.design().width);
+  seen.height = onPixels(form.design().height);
   for (std::size_t place = 0; place < form.Controls().size(); ++place) {
     const Control& control = *form.Controls()[place];
     if (!isSeen(control)) continue;
-    seen.controls[place] = {shownText(control), control.Enabled, control.Visible};
+    seen.controls[place] = {shownText(control), control.Enabled, control.Visible,
+                            seenPlace(control)};
   }
   return seen;
 }
@@ -42,6 +57,19 @@ SeenForm sightOf(const Form& form) {
 bool isSeen(const Control& control) {
   return control.kind() != ControlKind::Line && control.kind() != ControlKind::Menu &&
          !control.design().bar;
+}
+
+bool dropsDown(const Control& control) {
+  return control.kind() == ControlKind::ComboBox || control.kind() == ControlKind::DriveListBox;
+}
+
+std::int32_t twipsOfPixels(std::int32_t pixels) { return pixels * twipsAPixel; }
+
+SeenPlace seenPlace(const Control& control) {
+  const std::int32_t left = onPixels(control.Left);
+  const std::int32_t top = onPixels(control.Top);
+  return {left, top, onPixels(control.Left + control.Width) - left,
+          dropsDown(control) ? 0 : onPixels(control.Top + control.Height) - top};
 }
 
 std::string_view textPropertyOf(const Control& control) {
@@ -76,9 +104,18 @@ void OutsideView::lookAt(const SeenForm& now, bool boxOpen) {
     before.enabled = now.enabled;
   }
   before.caption = now.caption;
+  lookAtFrame(now, before);
   for (const auto& [place, control] : now.controls) {
     lookAt(*now.form, place, control, before.controls[place]);
   }
+}
+
+void OutsideView::lookAtFrame(const SeenForm& now, SeenForm& before) {
+  const Text& form = now.form->name();
+  if (now.width != before.width) tellSet(form, "Width", now.width);
+  if (now.height != before.height) tellSet(form, "Height", now.height);
+  before.width = now.width;
+  before.height = now.height;
 }
 
 void OutsideView::lookAt(const Form& form, std::size_t place, const SeenControl& now,
@@ -89,6 +126,10 @@ void OutsideView::lookAt(const Form& form, std::size_t place, const SeenControl&
   if (now.text != before.text) tellSet(name, textPropertyOf(control), toUtf8(now.text));
   if (now.enabled != before.enabled) tellSet(name, "Enabled", now.enabled);
   if (now.visible != before.visible) tellSet(name, "Visible", now.visible);
+  if (now.place != before.place) {
+    tellSet(name, "Place", {now.place.left, now.place.top, now.place.width, now.place.height});
+  }
+  if (now.inSight != before.inSight) tellSet(name, "InSight", now.inSight);
   before = now;
 }
 

@@ -11,12 +11,27 @@
 
 namespace zev::scenario {
 
+/// Where a control is in what it lies in: twips, which are a whole number of pixels of a screen
+/// with 96 dots an inch.
+struct SeenPlace {
+  std::int32_t left = 0;
+  std::int32_t top = 0;
+  std::int32_t width = 0;
+  std::int32_t height = 0;  ///< 0 for a list that drops down: the system gives it its height
+
+  bool operator==(const SeenPlace&) const = default;
+};
+
 /// What can be seen of a control from outside the program. A kind that shows no text of its own has
 /// an empty one.
 struct SeenControl {
   Text text{};
   bool enabled = true;
   bool visible = true;
+  SeenPlace place{};
+  /// False if it is visible and nevertheless nobody sees it: it is empty, out of what it lies in,
+  /// or lies under others.
+  bool inSight = true;
 
   bool operator==(const SeenControl&) const = default;
 };
@@ -28,6 +43,8 @@ struct SeenForm {
   bool visible = false;
   Text caption{};
   bool enabled = true;
+  std::int32_t width = 0;  ///< of what lies within its frame, in twips, as the places of controls
+  std::int32_t height = 0;
   std::map<std::size_t, SeenControl> controls{};
 
   bool operator==(const SeenForm&) const = default;
@@ -39,6 +56,15 @@ using Sight = std::vector<SeenForm>;
 /// True for a control that somebody outside can find: a line and a progress bar are drawn by what
 /// they lie in.
 bool isSeen(const Control& control);
+
+/// True for a list of which one entry is seen until it drops down.
+bool dropsDown(const Control& control);
+
+/// A place as it comes out on a screen with 96 dots an inch.
+SeenPlace seenPlace(const Control& control);
+
+/// Twips of a number of pixels there.
+std::int32_t twipsOfPixels(std::int32_t pixels);
 
 /// The name of the property that a control shows as its text: "Caption" or "Text"; empty if there
 /// is none.
@@ -58,7 +84,8 @@ inline constexpr TextView errorBoxStart = u"Run-time error '";
 /// Writes the transcript that somebody in front of the screen could write, as JSON Lines: `show`,
 /// `hide` and `set` for what has changed when the program is looked at, which is at rest, and
 /// `step`, `box`, `input` and `end` for what happens between. A form that is seen for the first
-/// time is told by all that is not empty, enabled and visible.
+/// time is told by the places of its controls and by all else that is not empty, enabled and
+/// visible.
 class OutsideView {
  public:
   /// Borrows the stream.
@@ -79,6 +106,7 @@ class OutsideView {
 
  private:
   void lookAt(const SeenForm& now, bool boxOpen);
+  void lookAtFrame(const SeenForm& now, SeenForm& before);
   void lookAt(const Form& form, std::size_t place, const SeenControl& now, SeenControl& before);
   void tellSet(const Text& control, std::string_view property, Json value);
   void tell(const Json& event);

@@ -20,7 +20,8 @@ constexpr ControlDesign controls[] = {
     {.name = u"Bar", .kind = ControlKind::Label, .text = u"unseen", .bar = true},
     {.name = u"Command1", .kind = ControlKind::CommandButton, .text = u"Go", .enabled = false},
 };
-constexpr FormDesign design = {.name = u"Form1", .caption = u"Title", .controls = controls};
+constexpr FormDesign design = {
+    .name = u"Form1", .caption = u"Title", .width = 6450, .height = 2995, .controls = controls};
 
 /// A toolkit that shows nothing.
 class NoScreen final : public FormEngine {
@@ -70,6 +71,8 @@ TEST_F(OutsideViewTest, TellsAFormWhenItIsFirstSeenByAllThatIsNotPlain) {
       ElementsAre(
           R"({"event":"show","form":"Form1"})",
           R"({"event":"set","control":"Form1","property":"Caption","value":"Title"})",
+          R"({"event":"set","control":"Form1","property":"Width","value":6450})",
+          R"({"event":"set","control":"Form1","property":"Height","value":3000})",
           R"({"event":"set","control":"Form1.Label1","property":"Caption",)"
           R"("value":"Hello"})",
           R"x({"event":"set","control":"Form1.Frame1(2)","property":"Visible","value":false})x",
@@ -90,6 +93,42 @@ TEST_F(OutsideViewTest, TellsOnlyWhatHasChangedAndNothingThatNobodySees) {
   form_.control<TextBox>(u"Text1").Text_ = Text(u"typed\0behind", 12);
   EXPECT_THAT(look(), ElementsAre(R"({"event":"set","control":"Form1.Text1","property":"Text",)"
                                   R"("value":"typed"})"));
+}
+
+constexpr ControlDesign placedControls[] = {
+    {.name = u"Text1", .kind = ControlKind::TextBox, .place = {120, 900, 5145, 2115}},
+    {.name = u"Label1", .kind = ControlKind::Label, .place = {7, 8, 22, 23}},
+    {.name = u"Combo1", .kind = ControlKind::ComboBox, .place = {15, -23, 300, 315}},
+    {.name = u"Drive1", .kind = ControlKind::DriveListBox, .place = {0, -22, 300, 315}},
+};
+constexpr FormDesign placedDesign = {.name = u"Form1", .controls = placedControls};
+
+/// A pixel is 15 twips: both edges of a control are moved to the nearest one.
+TEST_F(OutsideViewTest, TellsPlacesAsTheyComeOutInPixels) {
+  Form form{placedDesign};
+  application_.Show(form);
+  view_.look(sightOf(std::vector<Form*>{&form}), false);
+  const auto placed = [](std::string_view control, std::string_view place) {
+    return R"({"event":"set","control":"Form1.)" + std::string(control) +
+           R"(","property":"Place","value":)" + std::string(place) + "}";
+  };
+  EXPECT_THAT(written(),
+              ElementsAre(R"({"event":"show","form":"Form1"})",
+                          placed("Text1", "[120,900,5145,2115]"), placed("Label1", "[0,15,30,15]"),
+                          placed("Combo1", "[15,-30,300,0]"), placed("Drive1", "[0,-15,300,0]")));
+}
+
+TEST_F(OutsideViewTest, TellsThatAControlIsMovedAndThatNobodySeesIt) {
+  application_.Show(form_);
+  look();
+  form_.control<Label>(u"Label1").Left = 30;
+  EXPECT_THAT(look(), ElementsAre(R"({"event":"set","control":"Form1.Label1","property":"Place",)"
+                                  R"("value":[30,0,0,0]})"));
+  Sight covered = sightOf(std::vector<Form*>{&form_});
+  covered.front().controls.at(0).inSight = false;
+  view_.look(covered, false);
+  EXPECT_THAT(written(), ElementsAre(R"({"event":"set","control":"Form1.Label1",)"
+                                     R"("property":"InSight","value":false})"));
 }
 
 TEST_F(OutsideViewTest, SaysNothingOfWhetherFormsAreEnabledWhileABoxIsOpen) {

@@ -4,6 +4,8 @@
 
 #include "programs/zevdrive/box_icon.h"
 #include "programs/zevdrive/program_windows.h"
+#include "programs/zevdrive/real_input.h"
+#include "programs/zevdrive/window_places.h"
 #include "win32/input_box.h"
 
 namespace zev::drive {
@@ -95,10 +97,16 @@ ShownBox readBox(HWND box) {
   return shown;
 }
 
+/// By the Enter key what it stands for, else by the mouse. A box of a text wider than the screen
+/// can have its buttons beyond the edge.
 void press(const ShownBox& box, BoxAnswer answer) {
-  const int id = static_cast<int>(answer);
-  const bool single = GetDlgItem(box.window, id) == nullptr;
-  command(box.window, single ? IDCANCEL : id);
+  const int named = static_cast<int>(answer);
+  const int id = GetDlgItem(box.window, named) == nullptr ? IDCANCEL : named;
+  const HWND button = GetDlgItem(box.window, id);
+  if (answer == box.byDefault && GetForegroundWindow() == box.window) return pressKey(VK_RETURN);
+  const POINT middle = middleOf(button);
+  if (button != nullptr && reachedAt(middle, button)) return clickAt(middle);
+  command(box.window, id);
 }
 
 ShownInput readInput(HWND box) {

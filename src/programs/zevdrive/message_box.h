@@ -25,7 +25,7 @@ struct ShownBox {
 bool isInputBox(HWND box);
 
 ShownBox readBox(HWND box);
-/// Presses a button of a message box.
+/// Presses a button of a message box, by key or mouse.
 void press(const ShownBox& box, BoxAnswer answer);
 
 /// An input box on the screen.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "programs/zevdrive/window_places.h"
 #include "win32/control_windows.h"
 #include "win32/form_metrics.h"
 
@@ -36,6 +37,21 @@ std::optional<Text> askedText(HWND window) {
 bool isVisible(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0; }
 
 }  // namespace
+
+bool takesFocus(ControlKind kind) {
+  switch (kind) {
+    case ControlKind::CommandButton:
+    case ControlKind::OptionButton:
+    case ControlKind::CheckBox:
+    case ControlKind::TextBox:
+    case ControlKind::ComboBox:
+    case ControlKind::DriveListBox:
+    case ControlKind::DirListBox:
+      return true;
+    default:
+      return false;
+  }
+}
 
 std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first, LPARAM second) {
   DWORD_PTR answer = 0;
@@ -156,6 +172,26 @@ std::optional<scenario::SeenForm> ProgramWindows::sightOf(const Form& form) cons
     seen.controls[place] = {*text, IsWindowEnabled(own) != FALSE, isVisible(own)};
   }
   return seen;
+}
+
+scenario::Sight ProgramWindows::withPlaces(scenario::Sight sight) const {
+  for (scenario::SeenForm& each : sight) {
+    if (each.visible) addPlaces(each);
+  }
+  return sight;
+}
+
+void ProgramWindows::addPlaces(scenario::SeenForm& seen) const {
+  const HWND window = windowOf(*seen.form);
+  const SIZE inside = insideOf(window);
+  seen.width = scenario::twipsOfPixels(static_cast<std::int32_t>(inside.cx));
+  seen.height = scenario::twipsOfPixels(static_cast<std::int32_t>(inside.cy));
+  for (auto& [place, shown] : seen.controls) {
+    const Control& control = *seen.form->Controls()[place];
+    const HWND own = windowOf(*seen.form, control);
+    shown.place = placeOf(own, scenario::dropsDown(control));
+    shown.inSight = !IsWindowVisible(own) || inSight(own, window, takesFocus(control.kind()));
+  }
 }
 
 }  // namespace zev::drive

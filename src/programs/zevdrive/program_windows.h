@@ -15,6 +15,9 @@ inline constexpr UINT patience = 50;
 /// Sends a message and waits for its answer; none if the window's program is busy or gone.
 std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);
 
+/// Whether a person can give a control of a kind the focus.
+bool takesFocus(ControlKind kind);
+
 /// The name of a window's class.
 Text classOf(HWND window);
 
@@ -40,8 +43,10 @@ class ProgramWindows {
 
   /// True while some window of a visible form waits to be painted.
   bool paints() const;
-  /// What the forms show; none if the program is too busy to tell.
+  /// What the forms show, places left out; none if the program is too busy to tell.
   std::optional<scenario::Sight> sight() const;
+  /// The same with places, for a program at rest: they take long to ask.
+  scenario::Sight withPlaces(scenario::Sight sight) const;
 
  private:
   struct FormWindow {
@@ -53,6 +58,7 @@ class ProgramWindows {
   static BOOL CALLBACK addWindow(HWND window, LPARAM self);
   static BOOL CALLBACK addControl(HWND window, LPARAM controls);
   std::optional<scenario::SeenForm> sightOf(const Form& form) const;
+  void addPlaces(scenario::SeenForm& seen) const;
 
   DWORD thread_;
   std::vector<Form*> forms_;

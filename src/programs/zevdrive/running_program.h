@@ -37,7 +37,7 @@ class RunningProgram {
 
   ProgramWindows& windows() { return windows_; }
   /// What was to be seen when the program last settled.
-  const scenario::Sight& sight() const { return sight_; }
+  scenario::Sight sight() const { return windows_.withPlaces(sight_); }
 
  private:
   void requireTime(const char* what) const;

@@ -2,6 +2,7 @@
 
 #include "programs/zevdrive/folder_tree.h"
 #include "programs/zevdrive/window_hand.h"
+#include "programs/zevdrive/window_places.h"
 
 namespace zev::drive {
 
@@ -81,16 +82,36 @@ std::optional<Json> path(const ShownControl& shown) {
                     .path());
 }
 
+template <std::int32_t scenario::SeenPlace::*Side>
+std::optional<Json> side(const ShownControl& shown) {
+  return placeOf(shown.window, false).*Side;
+}
+
+std::optional<Json> height(const ShownControl& shown) {
+  if (scenario::dropsDown(shown.control)) return std::nullopt;
+  return side<&scenario::SeenPlace::height>(shown);
+}
+
 struct PropertyRow {
   TextView name;
   Property read;
 };
 
 constexpr PropertyRow propertyRows[] = {
-    {u"Caption", caption}, {u"Text", text},           {u"Enabled", enabled},
-    {u"Visible", visible}, {u"Value", value},         {u"ListIndex", listIndex},
-    {u"List", list},       {u"ListCount", listCount}, {u"Drive", drive},
+    {u"Caption", caption},
+    {u"Text", text},
+    {u"Enabled", enabled},
+    {u"Visible", visible},
+    {u"Value", value},
+    {u"ListIndex", listIndex},
+    {u"List", list},
+    {u"ListCount", listCount},
+    {u"Drive", drive},
     {u"Path", path},
+    {u"Left", side<&scenario::SeenPlace::left>},
+    {u"Top", side<&scenario::SeenPlace::top>},
+    {u"Width", side<&scenario::SeenPlace::width>},
+    {u"Height", height},
 };
 
 }  // namespace

@@ -1,24 +1,12 @@
 #include "programs/zevdrive/window_hand.h"
 
+#include "programs/zevdrive/real_input.h"
+#include "programs/zevdrive/running_program.h"
+#include "programs/zevdrive/window_places.h"
 #include "win32/form_metrics.h"
 
 namespace zev::drive {
 namespace {
-
-bool takesFocus(ControlKind kind) {
-  switch (kind) {
-    case ControlKind::CommandButton:
-    case ControlKind::OptionButton:
-    case ControlKind::CheckBox:
-    case ControlKind::TextBox:
-    case ControlKind::ComboBox:
-    case ControlKind::DriveListBox:
-    case ControlKind::DirListBox:
-      return true;
-    default:
-      return false;
-  }
-}
 
 bool isButton(ControlKind kind) {
   return kind == ControlKind::CommandButton || kind == ControlKind::OptionButton ||
@@ -54,19 +42,21 @@ bool WindowHand::reaches(const Form& form, const Control& control) const {
   return true;
 }
 
-/// A button takes the focus with the click itself. Of the others only those hear a click that the
-/// program listens to; the mouse button tells them.
+/// By the mouse, where the control is. Of a list a click would drop it down, and of a text box move
+/// the caret: they only take the focus.
 void WindowHand::click(const Form& form, const Control& control) const {
   if (!reaches(form, control)) return;
+  if (takesFocus(control.kind()) && !isButton(control.kind())) return focus(form, control);
   const HWND window = windows_.windowOf(form, control);
-  if (isButton(control.kind())) {
-    PostMessageW(window, BM_CLICK, 0, 0);
-    return;
+  const POINT middle = middleOf(window);
+  if (!reachedAt(middle, window)) SetForegroundWindow(windows_.windowOf(form));
+  if (!reachedAt(middle, window)) {
+    throw DriveError(toUtf8(control.name()) + " lies under other windows");
   }
-  focus(form, control);
-  if (takesFocus(control.kind()) && control.kind() != ControlKind::TextBox) return;
-  PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
-  PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(1, 1));
+  if (!isButton(control.kind())) return clickAt(middle);
+  if (!clickButtonAt(middle, window)) {
+    throw DriveError(toUtf8(control.name()) + " does not hear the mouse");
+  }
 }
 
 /// The program hears of a new focus when its message loop turns.
