@@ -493,6 +493,7 @@ class Settings:
         self.image_size = pathlib.Path(options.image).stat().st_size
         self.locales = self.work / "locales"
         self.width = options.width
+        self.windows = options.windows
         self.of_32_bits = is_of_32_bits(self.package)
 
     def package_of(self, plan):
@@ -500,7 +501,7 @@ class Settings:
         return scenario_machine.make_package(plan, self.package) if plan.package else None
 
     def plan(self, path):
-        return scenario_machine.plan_of(path, self.image_size, len(self.package))
+        return scenario_machine.plan_of(path, self.image_size, len(self.package), self.windows)
 
 
 class Simulation:
@@ -750,12 +751,15 @@ def parse_arguments():
     parser.add_argument("--image", required=True, help="the image in front of its package")
     parser.add_argument("--simulator", required=True, help="zevsim")
     parser.add_argument("--width", type=int, choices=(32, 64), default=64, help="bits of Windows")
+    parser.add_argument("--windows", help="Wine's name for the Windows that it answers as, whatever "
+                        "the scenario says")
     parser.add_argument("--only", default="", help="only scenarios whose path matches this")
     parser.add_argument("--sample", type=int, default=1, help="only every n-th of them")
     parser.add_argument("--jobs", type=int, default=2, help="machines beside each other")
     parser.add_argument("--floor", type=pathlib.Path,
                         help="how many are compared and left out at least, and at most")
     parser.add_argument("--keep-floor", action="store_true", help="writes that file anew")
+    parser.add_argument("--all", action="store_true", help="one that is left out is a failure")
     parser.add_argument("--list", action="store_true", help="also name those that are left out")
     return parser.parse_args()
 
@@ -779,7 +783,9 @@ def main():
     status = tell_all(runner, left_out, mapping, time.monotonic() - begin)
     if options.floor:
         status = max(status, hold_floor(options.floor, runner, left_out, options.keep_floor))
-    if options.list:
+    if options.all and left_out:
+        status = 1
+    if options.list or options.all:
         for reason, paths in sorted(left_out.items()):
             for path in paths:
                 print(f"left out: {short(path)}: {reason}")

@@ -19,13 +19,14 @@ class LeftOut(Exception):
 VERSIONS = {
     (1, 4, 10): "win98",
     (2, 4, 0): "nt40",
+    (2, 5, 0): "win2k",
     (2, 5, 1): "winxp",
     (2, 5, 2): "win2003",
     (2, 6, 0): "vista",
     (2, 6, 1): None,
     (2, 6, 2): "win8",
 }
-BEFORE_PROFILES = ("win98", "nt40", "winxp", "win2003")  # they do not ask for local data
+BEFORE_PROFILES = ("win98", "nt40", "win2k", "winxp", "win2003")  # they do not ask for local data
 
 # Languages of the system whose locales can be made and whose code page is the usual one.
 LOCALES = {1031: "de_DE", 1033: None, 1036: "fr_FR", 3079: "de_AT", 3082: "es_ES", 4108: "fr_CH"}
@@ -333,8 +334,9 @@ def make_package(plan, package):
     return bytes(data)
 
 
-def plan_of(path, image_size, package_size):
-    """The plan for a scenario's file; raises LeftOut."""
+def plan_of(path, image_size, package_size, windows=None):
+    """The plan for a scenario's file, on the Windows that it names or on another one; raises
+    LeftOut."""
     document = json.loads(pathlib.Path(path).read_text())
     for name, reason in KNOWN_TO_DIFFER.items():
         if str(path).endswith(f"/{name}.json"):
@@ -349,6 +351,7 @@ def plan_of(path, image_size, package_size):
             take(copy.deepcopy(machine[side]), plan)
     take_package(plan, image_size, package_size)
     name = plan.installer.rpartition("\\")[2]
+    plan.version = windows or plan.version
     if plan.version:
         plan.set_value("HKEY_CURRENT_USER", f"Software\\Wine\\AppDefaults\\{name}", "Version",
                        plan.version)
