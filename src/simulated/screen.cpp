@@ -135,6 +135,10 @@ void Screen::setFocus(Form& form, Control* control) {
   if (active && control != nullptr) post(*control, control->GotFocus);
 }
 
+void Screen::focusGiven(Control& control) {
+  if (Form* form = formOf(control)) setFocus(*form, &control);
+}
+
 /// The control with the focus may not keep it.
 void Screen::refocus(Form& form) {
   const Control* current = focused(form);

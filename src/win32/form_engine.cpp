@@ -23,6 +23,7 @@ void WindowsEngine::shown(Form& form) {
   std::erase(visible_, &form);
   visible_.push_back(&form);
   windows_.at(&form)->show(owner);
+  trackFocus();
 }
 
 void WindowsEngine::hidden(Form& form) {
@@ -39,6 +40,7 @@ void WindowsEngine::unloaded(Form& form) {
   }
   windows_.erase(&form);
   if (!visible_.empty()) SetForegroundWindow(windows_.at(visible_.back())->handle());
+  trackFocus();
 }
 
 FormWindow* WindowsEngine::windowOf(const Component& component) const {
@@ -119,6 +121,13 @@ void WindowsEngine::refreshed(Component& component) {
 }
 
 // ---- the focus
+
+void WindowsEngine::focusGiven(Control& control) {
+  FormWindow* window = windowOf(control);
+  if (window == nullptr) return;
+  window->setFocus(&control);
+  trackFocus();
+}
 
 /// A handler hears of a change only if the focus went to another control of the program: a box or
 /// another program takes it for a time alone.

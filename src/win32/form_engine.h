@@ -30,6 +30,7 @@ class WindowsEngine final : public FormEngine, private FormListener {
   double TwipsPerPixelX() override;
   void propertyWritten(PropertyBase& property) override;
   void refreshed(Component& component) override;
+  void focusGiven(Control& control) override;
 
   /// The window of the form that is in use; null without one.
   HWND activeWindow() const;

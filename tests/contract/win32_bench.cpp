@@ -1,6 +1,7 @@
 #include "contract/bench.h"
 #include "support/fake_dialogs.h"
-#include "support/fake_form_engine.h"
+#include "win32/control_windows.h"
+#include "win32/form_engine.h"
 #include "win32/machine.h"
 #include "win32/windows_api.h"
 
@@ -55,9 +56,11 @@ void removeKey(RegistryApi& registry, const Text& key) {
 
 /// What one process owns; it goes before the test is tidied up, so that no file is open then.
 struct Process {
-  test::FakeFormEngine engine;
-  test::FakeDialogs dialogs;
+  Process() { engine.serve(application); }
+
+  win32::WindowsEngine engine;
   Application application{engine};
+  test::FakeDialogs dialogs;
   win32::Machine machine;
   Platform platform = machine.platform(application, dialogs);
 };
@@ -84,6 +87,15 @@ class Win32Bench final : public Bench {
     char16_t letter = u'Q';
     while ((taken & (1u << (letter - u'A'))) != 0) ++letter;
     return letter;
+  }
+
+  const Control* focused(const Form& form) override {
+    const auto window = reinterpret_cast<HWND>(process_->engine.windowHandle(form));
+    const HWND focus = GetFocus();
+    if (focus == nullptr || !IsChild(window, focus)) return nullptr;
+    const int place = GetDlgCtrlID(focus) - win32::firstControlId;
+    const Control* control = form.Controls().at(static_cast<std::size_t>(place));
+    return control->canTakeFocus() ? control : nullptr;
   }
 
   bool isWine() override {
