@@ -55,6 +55,7 @@ class WindowsEngine final : public FormEngine, private FormListener {
   bool moveWithinOptions(FormWindow& window, Control& from, TabDirection direction);
   bool moveFocus(FormWindow& window, Control* from, TabDirection direction);
   void trackFocus();
+  void loseFocus();
   void refocus(FormWindow& window);
   bool takesInput(const Control& control) const;
   void post(Control& control, EventProcedure event);

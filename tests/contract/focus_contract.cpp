@@ -1,4 +1,5 @@
-// Where every binding leaves the focus when the program gives it away.
+// Where every binding leaves the focus when what has it can no longer keep it, and when the program
+// gives it away.
 
 #include <gmock/gmock.h>
 
@@ -70,7 +71,10 @@ class FocusContract : public ContractTest {
   Form form{design};
   Form above{designAbove};
   Frame& frame1 = form.control<Frame>(u"Frame1");
+  Frame& frame2 = form.control<Frame>(u"Frame2");
   TextBox& text = form.control<TextBox>(u"Text1");
+  CheckBox& check = form.control<CheckBox>(u"Check1");
+  CommandButton& command1 = form.control<CommandButton>(u"Command1");
   CommandButton& command2 = form.control<CommandButton>(u"Command2");
   std::vector<std::string> events;
 };
@@ -78,6 +82,61 @@ class FocusContract : public ContractTest {
 TEST_F(FocusContract, StartsOnTheFirstControlThatCanTakeIt) {
   EXPECT_EQ(focused(), "Command1");
   EXPECT_THAT(events, ElementsAre("got Command1"));
+}
+
+// ---- a control that cannot keep it
+
+TEST_F(FocusContract, GoesOnToTheNextControlInTheTabOrder) {
+  EXPECT_THAT(after([&] { command1.Enabled = false; }),
+              ElementsAre("lost Command1", "got Command2"));
+  EXPECT_EQ(focused(), "Command2");
+  EXPECT_THAT(after([&] { command2.Visible = false; }), ElementsAre("lost Command2", "got Text1"));
+  EXPECT_EQ(focused(), "Text1");
+  EXPECT_THAT(after([&] { frame1.Enabled = false; }), ElementsAre("lost Text1"));
+  EXPECT_EQ(focused(), "");
+}
+
+TEST_F(FocusContract, GoesToTheFirstThatCanTakeItWhenNoneCould) {
+  command2.Enabled = false;
+  frame1.Visible = false;
+  EXPECT_THAT(after([&] { command1.Enabled = false; }), ElementsAre("lost Command1"));
+  EXPECT_EQ(focused(), "");
+  EXPECT_THAT(after([&] { command2.Enabled = true; }), ElementsAre("got Command2"));
+  EXPECT_EQ(focused(), "Command2");
+}
+
+TEST_F(FocusContract, GoesAlsoBackToTheOneThatHadIt) {
+  command2.Enabled = false;
+  frame1.Visible = false;
+  command1.Enabled = false;
+  EXPECT_THAT(after([&] { command1.Enabled = true; }),
+              ElementsAre("lost Command1", "got Command1"));
+  EXPECT_EQ(focused(), "Command1");
+}
+
+TEST_F(FocusContract, OfSeveralThatCanTakeItAgainTheFirstGetsIt) {
+  check.SetFocus();
+  command1.Enabled = false;
+  command2.Enabled = false;
+  settle();
+  EXPECT_THAT(after([&] { frame1.Visible = false; }), ElementsAre("lost Check1"));
+  EXPECT_EQ(focused(), "");
+  EXPECT_THAT(after([&] { frame1.Visible = true; }), ElementsAre("got Text1"));
+  EXPECT_EQ(focused(), "Text1");
+}
+
+/// The window that a hidden control lay in may have the keyboard meanwhile: nobody goes on from
+/// there.
+TEST_F(FocusContract, GoesToTheFirstBehindAHiddenControlOfAContainer) {
+  text.SetFocus();
+  command1.Enabled = false;
+  command2.Enabled = false;
+  check.Enabled = false;
+  settle();
+  EXPECT_THAT(after([&] { text.Visible = false; }), ElementsAre("lost Text1"));
+  EXPECT_EQ(focused(), "");
+  EXPECT_THAT(after([&] { frame2.Visible = true; }), ElementsAre("got Command3"));
+  EXPECT_EQ(focused(), "Command3");
 }
 
 // ---- the program gives it

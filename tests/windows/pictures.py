@@ -30,7 +30,7 @@ TABS_FROM_INSTALL = 3
 TURKISH = "1"  # by its number: the wizard's list does not have it
 
 # The window of the new group would lie over the form: folders are opened by a program without one.
-NO_WINDOW = "C:\\\\windows\\\\system32\\\\hostname.exe"
+NO_WINDOW = "C:\\\\windows\\\\system32\\\\rundll32.exe"
 
 FIRST_WAIT = 30.0
 RUN_WAIT = 120.0
@@ -146,6 +146,16 @@ class Sitting:
             time.sleep(0.2)
         time.sleep(2)
 
+    def finish(self, key):
+        """Presses what has the focus behind the run, which is Finish: the program ends."""
+        self.type("key", key)
+        try:
+            status = self.process.wait(REST_WAIT)
+        except subprocess.TimeoutExpired:
+            raise RuntimeError(f"{self.language} {self.dpi}: {key} does not press Finish") from None
+        if status != 0:
+            raise RuntimeError(f"{self.language} {self.dpi}: the program ends with {status}")
+
     def type(self, *what):
         subprocess.run(["xdotool", *what], check=True,
                        env={**os.environ, "DISPLAY": self.machine.display.name})
@@ -196,6 +206,7 @@ def walk(options, language, dpi):
         typed(sitting, TABS_FROM_INSTALL, "C:\\ZEV Screen Recorder 6")
         sitting.await_end_of_run()
         sitting.picture("4-finished", in_frame=True)
+        sitting.finish("Return")
 
 
 def typed(sitting, tabs, directory):
