@@ -42,6 +42,22 @@ class KeyboardTest(unittest.TestCase):
         sitting.keys("Return")
         sitting.keys("Tab", "Tab", "space", *["Tab"] * tabs_to_next, "Return")
 
+    def test_the_path_can_be_typed_behind_the_browser(self):
+        """It has the focus behind Cancel and behind Ok: from there it is one step back to Change Dir,
+        and what is typed is the directory."""
+        sitting = self.sit_down("win7")
+        self.to_the_directory(sitting)
+        sitting.keys("Tab", "Tab", "space")
+        sitting.keys("Escape")
+        sitting.keys("shift+Tab", "space")
+        sitting.keys("alt+o")
+        sitting.keys("Home", "shift+End", "Delete")
+        sitting.type("type", "--delay", "30", "C:\\Typed")
+        sitting.keys("Tab", "Tab")
+        sitting.type("key", "Return")
+        self.await_end_of_run(sitting, "C:\\Typed")
+        sitting.finish("Return")
+
     def test_finish_is_pressed_without_shortcuts(self):
         """No window of another program comes between, which would give the focus back."""
         sitting = self.sit_down("win8")

@@ -23,8 +23,8 @@ import wine_machine
 LANGUAGES = {"english": 0, "german": 1, "french": 3, "spanish": 4}
 SIZES = {96: "1024x768", 144: "1280x1024", 192: "1600x1200"}
 
-# From these buttons of the directory page to its text, in tab order.
-TABS_FROM_CHANGE_DIR = 1
+# To the path of the directory page, in tab order: the browser leads back to it by itself.
+TABS_FROM_BROWSER = 0
 TABS_FROM_INSTALL = 3
 
 TURKISH = "1"  # by its number: the wizard's list does not have it
@@ -197,7 +197,7 @@ def walk(options, language, dpi):
         sitting.keys("Tab", "Tab", "space")
         sitting.picture("browser")
         sitting.keys("Escape")
-        typed(sitting, TABS_FROM_CHANGE_DIR, "")
+        typed(sitting, TABS_FROM_BROWSER, "")
         sitting.picture("box-empty-directory")
         sitting.keys("Return")
         typed(sitting, TABS_FROM_INSTALL, "C:\\a>b")
