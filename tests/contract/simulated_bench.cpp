@@ -30,6 +30,11 @@ class SimulatedBench final : public Bench {
   const Control* focused(const Form& form) override {
     return machine_.screen().activeForm() == &form ? machine_.screen().focused(form) : nullptr;
   }
+  void refuseBoxes() override {
+    constexpr std::int32_t outOfMemory = 8;
+    machine_.setFaults(
+        {{.call = "MsgBox", .code = outOfMemory}, {.call = "InputBox", .code = outOfMemory}});
+  }
 
  private:
   Nobody person_;
