@@ -93,8 +93,10 @@ void FolderBrowser::openProposal() {
 }
 
 /// Every way of closing passes here; that by the title bar has nobody else to give the wizard back.
+/// The person comes back to the path, if the wizard still shows it.
 void FolderBrowser::Form_QueryUnload(UnloadMode mode) {
   if (mode == UnloadMode::ControlMenu) form1_.Enabled = true;
+  if (form1_.Text2.canTakeFocus()) form1_.Text2.SetFocus();
   wizard_.DizinGuncelle();
 }
 

@@ -22,6 +22,7 @@ inline constexpr std::int32_t systemYesNoDefaultNo = 4388;
 
 /// What a message box returns.
 enum class BoxAnswer : std::int32_t {
+  None = 0,  ///< nobody answered: the box could not be shown
   OK = 1,
   Cancel = 2,
   Abort = 3,
@@ -36,9 +37,11 @@ class Dialogs {
  public:
   virtual ~Dialogs() = default;
   /// A box with buttons, icon and default as the style's number says. It returns when the person
-  /// has answered; meanwhile the forms take no input.
+  /// has answered; meanwhile the forms take no input. A box that the system cannot show returns at
+  /// once, without an answer.
   virtual BoxAnswer MsgBox(TextView text, std::int32_t style, TextView title) = 0;
-  /// A box with a prompt and one text field. The text, empty if the person cancels.
+  /// A box with a prompt and one text field. The text, empty if the person cancels or the box
+  /// cannot be shown.
   virtual Text InputBox(TextView prompt, TextView title, TextView initial) = 0;
   /// The title that a box has when the program gives none.
   virtual Text defaultTitle() = 0;

@@ -49,6 +49,11 @@ bool Control::canTakeFocus() const {
   return enabled;
 }
 
+void Control::SetFocus() {
+  if (!canTakeFocus()) throw RuntimeError(ErrorNumber::InvalidProcedureCall);
+  if (observer() != nullptr) observer()->focusGiven(*this);
+}
+
 Label::Label(const ControlDesign& design) : Control(design) { Caption.design(Text(design.text)); }
 
 CommandButton::CommandButton(const ControlDesign& design) : Control(design) {

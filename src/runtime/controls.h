@@ -69,6 +69,8 @@ class Control : public Component {
   bool showing() const;
   /// True if a person can give it the focus, now.
   bool canTakeFocus() const;
+  /// Gives it the focus, at the latest when its form is in use; error 5 if it cannot take it.
+  void SetFocus();
 
   Property<bool> Visible{*this, "Visible"};
   Property<bool> Enabled{*this, "Enabled"};

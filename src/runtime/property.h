@@ -14,6 +14,7 @@ namespace zev {
 using PropertyValue = std::variant<bool, std::int32_t, Text>;
 
 class Component;
+class Control;
 
 /// One property of a form or control, reached by its name at run time.
 class PropertyBase {
@@ -46,6 +47,9 @@ class FormObserver {
   virtual void propertyWritten(PropertyBase& property) = 0;
   /// A component is to be painted at once.
   virtual void refreshed(Component& component) = 0;
+  /// The program gives the focus to a control that can take it. It has it now if its form is the
+  /// one in use, and else as soon as it is.
+  virtual void focusGiven(Control& control) = 0;
 };
 
 /// What forms and controls have in common: a name, properties, and somebody who shows them.
@@ -70,6 +74,9 @@ class Component {
   void observe(FormObserver* observer) { observer_ = observer; }
   /// Paints the component at once.
   void Refresh();
+
+ protected:
+  FormObserver* observer() const { return observer_; }
 
  private:
   friend class PropertyBase;

@@ -249,7 +249,7 @@ void InstrumentedDde::LinkExecute(TextView command) {
 BoxAnswer InstrumentedDialogs::MsgBox(TextView text, std::int32_t style, TextView title) {
   return instrumentation_.perform(
       {"MsgBox"}, {text, style, title}, [&] { return dialogs_.MsgBox(text, style, title); },
-      [](std::int32_t) { return BoxAnswer::Cancel; }, [] { return BoxAnswer::OK; });
+      [](std::int32_t) { return BoxAnswer::None; }, [] { return BoxAnswer::OK; });
 }
 
 Text InstrumentedDialogs::InputBox(TextView prompt, TextView title, TextView initial) {

@@ -135,10 +135,14 @@ void Screen::setFocus(Form& form, Control* control) {
   if (active && control != nullptr) post(*control, control->GotFocus);
 }
 
-/// The control with the focus may not keep it.
+void Screen::focusGiven(Control& control) {
+  if (Form* form = formOf(control)) setFocus(*form, &control);
+}
+
+/// The control with the focus may not keep it, or there is one again that can take what nobody had.
 void Screen::refocus(Form& form) {
   const Control* current = focused(form);
-  if (current != nullptr && !current->canTakeFocus()) setFocus(form, nextFocusable(form, current));
+  if (current == nullptr || !current->canTakeFocus()) setFocus(form, nextFocusable(form, current));
 }
 
 /// An event of a form that is gone by its turn does not run.

@@ -41,6 +41,7 @@ class Screen final : public FormEngine {
   double TwipsPerPixelX() override;
   void propertyWritten(PropertyBase& property) override;
   void refreshed(Component& component) override;
+  void focusGiven(Control& control) override;
 
   Application& application() const { return *application_; }
   /// The form that a control lies on; null if it is not loaded.

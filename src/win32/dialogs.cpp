@@ -19,13 +19,15 @@ class OpenBox {
 
 }  // namespace
 
-/// The numbers of styles and answers are the system's own.
+/// The numbers of styles and answers are the system's own; a box that it cannot show has none of
+/// them.
 BoxAnswer WindowsDialogs::MsgBox(TextView text, std::int32_t style, TextView title) {
   const OpenBox open(engine_);
   const Text shownText(text);
   const Text shownTitle(title);
-  return static_cast<BoxAnswer>(MessageBoxW(engine_.activeWindow(), wide(shownText),
-                                            wide(shownTitle), static_cast<UINT>(style)));
+  const int answer = MessageBoxW(engine_.activeWindow(), wide(shownText), wide(shownTitle),
+                                 static_cast<UINT>(style));
+  return answer > 0 ? static_cast<BoxAnswer>(answer) : BoxAnswer::None;
 }
 
 Text WindowsDialogs::InputBox(TextView prompt, TextView title, TextView initial) {

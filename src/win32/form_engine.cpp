@@ -23,6 +23,7 @@ void WindowsEngine::shown(Form& form) {
   std::erase(visible_, &form);
   visible_.push_back(&form);
   windows_.at(&form)->show(owner);
+  trackFocus();
 }
 
 void WindowsEngine::hidden(Form& form) {
@@ -39,6 +40,7 @@ void WindowsEngine::unloaded(Form& form) {
   }
   windows_.erase(&form);
   if (!visible_.empty()) SetForegroundWindow(windows_.at(visible_.back())->handle());
+  trackFocus();
 }
 
 FormWindow* WindowsEngine::windowOf(const Component& component) const {
@@ -120,25 +122,40 @@ void WindowsEngine::refreshed(Component& component) {
 
 // ---- the focus
 
+void WindowsEngine::focusGiven(Control& control) {
+  FormWindow* window = windowOf(control);
+  if (window == nullptr) return;
+  window->setFocus(&control);
+  trackFocus();
+}
+
 /// A handler hears of a change only if the focus went to another control of the program: a box or
-/// another program takes it for a time alone.
+/// another program takes it for a time alone. So does the window that a hidden control lies in,
+/// until the focus finds its place.
 void WindowsEngine::trackFocus() {
   const HWND focus = GetFocus();
   FormWindow* window = windowAround(focus);
   Control* now = window == nullptr ? nullptr : window->controlOf(focus);
-  if (now == nullptr || now == focused_) return;
+  if (now == nullptr || now == focused_ || !now->canTakeFocus()) return;
   window->followFocus(*now);
-  if (focused_ != nullptr) post(*focused_, focused_->LostFocus);
+  loseFocus();
   focused_ = now;
   post(*focused_, focused_->GotFocus);
 }
 
-/// The control with the focus may not keep it.
+void WindowsEngine::loseFocus() {
+  if (focused_ != nullptr) post(*focused_, focused_->LostFocus);
+  focused_ = nullptr;
+}
+
+/// The control with the focus may not keep it, or there is one again that can take what nobody had.
 void WindowsEngine::refocus(FormWindow& window) {
   const Control* current = window.focused();
-  if (current != nullptr && !current->canTakeFocus()) {
-    window.setFocus(nextFocusable(window.form(), current));
-  }
+  if (current != nullptr && current->canTakeFocus()) return;
+  Control* next = nextFocusable(window.form(), current);
+  if (next == nullptr && current == focused_) loseFocus();
+  window.setFocus(next);
+  trackFocus();
 }
 
 // ---- what a person does

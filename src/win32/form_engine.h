@@ -30,6 +30,7 @@ class WindowsEngine final : public FormEngine, private FormListener {
   double TwipsPerPixelX() override;
   void propertyWritten(PropertyBase& property) override;
   void refreshed(Component& component) override;
+  void focusGiven(Control& control) override;
 
   /// The window of the form that is in use; null without one.
   HWND activeWindow() const;
@@ -54,6 +55,7 @@ class WindowsEngine final : public FormEngine, private FormListener {
   bool moveWithinOptions(FormWindow& window, Control& from, TabDirection direction);
   bool moveFocus(FormWindow& window, Control* from, TabDirection direction);
   void trackFocus();
+  void loseFocus();
   void refocus(FormWindow& window);
   bool takesInput(const Control& control) const;
   void post(Control& control, EventProcedure event);

@@ -146,7 +146,7 @@ void FormWindow::hide() { ShowWindow(window_, SW_HIDE); }
 void FormWindow::showProperty(const PropertyBase& property) {
   if (&property.owner() == &form_) {
     if (property.name() == "Caption") SetWindowTextW(window_, wide(form_.Caption.get()));
-    if (property.name() == "Enabled") EnableWindow(window_, form_.Enabled ? TRUE : FALSE);
+    if (property.name() == "Enabled") enable();
     if (property.name() == "Icon" && !form_.Icon.get().empty()) {
       const LPARAM small = reinterpret_cast<LPARAM>(iconOf(GetSystemMetrics(SM_CXSMICON)));
       const LPARAM big = reinterpret_cast<LPARAM>(iconOf(GetSystemMetrics(SM_CXICON)));
@@ -170,6 +170,12 @@ void FormWindow::showProperty(const PropertyBase& property) {
     showContent(control, window);
     place(control);
   }
+}
+
+/// A disabled window has no focus, even if it is the one in use: it gets it back now.
+void FormWindow::enable() {
+  EnableWindow(window_, form_.Enabled ? TRUE : FALSE);
+  if (form_.Enabled) setFocus(focused_);
 }
 
 /// A progress bar and its text are one picture.

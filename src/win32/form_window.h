@@ -59,6 +59,7 @@ class FormWindow {
   void place(const Control& control);
   void takeFont(const Control& control);
   void centre();
+  void enable();
   void command(int id, int code, HWND from);
   void drawItem(const DRAWITEMSTRUCT& item);
   void drawContainer(HDC canvas, HWND window);

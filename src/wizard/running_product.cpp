@@ -75,8 +75,9 @@ void RunningProduct::letEventsRun() {
   ignoringErrors([&] { program_.DoEvents(); });
 }
 
+/// Nobody can answer a box that is not shown, however often it is asked for.
 bool RunningProduct::personGivesUp() {
-  BoxAnswer answer = BoxAnswer::OK;
+  BoxAnswer answer = BoxAnswer::None;
   ignoringErrors([&] {
     answer = program_.platform.dialogs.MsgBox(
         join(phrases_.Translate(u"ZEV Screen Recorder is currently running, please close it before "
@@ -84,7 +85,7 @@ bool RunningProduct::personGivesUp() {
              lineEnd, lineEnd, phrases_.Translate(u"Press on OK button to continue...")),
         box_style::okCancelDefaultCancel, phrases_.Translate(u"Screen Recorder"));
   });
-  return answer == BoxAnswer::Cancel;
+  return answer != BoxAnswer::OK;
 }
 
 }  // namespace zev

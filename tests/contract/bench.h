@@ -24,6 +24,11 @@ class Bench {
   virtual char16_t freeLetter() = 0;
   /// Full path of a program that starts and ends by itself.
   virtual Text program() = 0;
+  /// The control of a form that what is typed now goes to; null if that is none that can take the
+  /// focus.
+  virtual const Control* focused(const Form& form) = 0;
+  /// From here on the system can show no box.
+  virtual void refuseBoxes() = 0;
   /// True on Wine: where it is known to differ from Windows, a case says so and why.
   virtual bool isWine() { return false; }
 };

@@ -27,6 +27,14 @@ class SimulatedBench final : public Bench {
   Text key() override { return u"Software\\Contract"; }
   char16_t freeLetter() override { return u'Q'; }
   Text program() override { return u"C:\\Windows\\system32\\hostname.exe"; }
+  const Control* focused(const Form& form) override {
+    return machine_.screen().activeForm() == &form ? machine_.screen().focused(form) : nullptr;
+  }
+  void refuseBoxes() override {
+    constexpr std::int32_t outOfMemory = 8;
+    machine_.setFaults(
+        {{.call = "MsgBox", .code = outOfMemory}, {.call = "InputBox", .code = outOfMemory}});
+  }
 
  private:
   Nobody person_;

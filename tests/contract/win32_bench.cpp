@@ -1,6 +1,10 @@
+#include <array>
+#include <string_view>
+
 #include "contract/bench.h"
-#include "support/fake_dialogs.h"
-#include "support/fake_form_engine.h"
+#include "win32/control_windows.h"
+#include "win32/dialogs.h"
+#include "win32/form_engine.h"
 #include "win32/machine.h"
 #include "win32/windows_api.h"
 
@@ -55,11 +59,34 @@ void removeKey(RegistryApi& registry, const Text& key) {
 
 /// What one process owns; it goes before the test is tidied up, so that no file is open then.
 struct Process {
-  test::FakeFormEngine engine;
-  test::FakeDialogs dialogs;
+  Process() { engine.serve(application); }
+
+  win32::WindowsEngine engine;
   Application application{engine};
+  win32::WindowsDialogs dialogs{engine};
   win32::Machine machine;
   Platform platform = machine.platform(application, dialogs);
+};
+
+/// As long as it lives, no window of this thread can be made that is a box.
+class NoBoxes {
+ public:
+  NoBoxes() : hook_(SetWindowsHookExW(WH_CBT, refuse, nullptr, GetCurrentThreadId())) {}
+  ~NoBoxes() { UnhookWindowsHookEx(hook_); }
+  NoBoxes(const NoBoxes&) = delete;
+  NoBoxes& operator=(const NoBoxes&) = delete;
+
+ private:
+  static LRESULT CALLBACK refuse(int code, WPARAM window, LPARAM details) {
+    std::array<wchar_t, 16> name{};
+    if (code == HCBT_CREATEWND) {
+      GetClassNameW(reinterpret_cast<HWND>(window), name.data(), static_cast<int>(name.size()));
+    }
+    const bool box = std::wstring_view(name.data()) == L"#32770";
+    return box ? 1 : CallNextHookEx(nullptr, code, window, details);
+  }
+
+  HHOOK hook_;
 };
 
 class Win32Bench final : public Bench {
@@ -86,6 +113,17 @@ class Win32Bench final : public Bench {
     return letter;
   }
 
+  const Control* focused(const Form& form) override {
+    const auto window = reinterpret_cast<HWND>(process_->engine.windowHandle(form));
+    const HWND focus = GetFocus();
+    if (focus == nullptr || !IsChild(window, focus)) return nullptr;
+    const int place = GetDlgCtrlID(focus) - win32::firstControlId;
+    const Control* control = form.Controls().at(static_cast<std::size_t>(place));
+    return control->canTakeFocus() ? control : nullptr;
+  }
+
+  void refuseBoxes() override { noBoxes_ = std::make_unique<NoBoxes>(); }
+
   bool isWine() override {
     return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
   }
@@ -105,6 +143,7 @@ class Win32Bench final : public Bench {
 
   std::unique_ptr<Process> process_ = std::make_unique<Process>();
   Text folder_ = join(temporaryFolder(), uniqueName());
+  std::unique_ptr<NoBoxes> noBoxes_;
 };
 
 }  // namespace

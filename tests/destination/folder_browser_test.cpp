@@ -344,6 +344,7 @@ class Painter final : public FormObserver {
  public:
   void propertyWritten(PropertyBase&) override {}
   void refreshed(Component& component) override { painted.push_back(toUtf8(component.name())); }
+  void focusGiven(Control&) override {}
   std::vector<std::string> painted;
 };
 

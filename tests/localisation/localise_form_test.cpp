@@ -42,6 +42,7 @@ struct Watcher final : FormObserver {
     writes.push_back(name);
   }
   void refreshed(Component&) override {}
+  void focusGiven(Control&) override {}
 };
 
 class LocaliseTest : public testing::Test {

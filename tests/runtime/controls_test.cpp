@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/form.h"
+#include "support/fake_form_engine.h"
 #include "support/raised.h"
 
 namespace zev {
@@ -123,6 +124,19 @@ TEST(Control, TakesTheFocusIfItsKindDoesAndNothingIsDisabledOrHidden) {
   frame.Enabled = true;
   frame.Visible = false;
   EXPECT_FALSE(tree.option(u"Option1").canTakeFocus());
+}
+
+TEST(Control, IsGivenTheFocusOnlyIfItCanTakeIt) {
+  TreeForm tree;
+  test::FakeFormEngine engine;
+  tree.observeAll(&engine);
+  tree.option(u"Option1").SetFocus();
+  EXPECT_EQ(engine.log, (std::vector<std::string>{"focus Option1"}));
+  EXPECT_EQ(raisedBy([&] { tree.control<Label>(u"Label1").SetFocus(); }), 5);
+  EXPECT_EQ(raisedBy([&] { tree.control<CheckBox>(u"Check1").SetFocus(); }), 5);
+  EXPECT_EQ(engine.log.size(), 1u);
+  tree.observeAll(nullptr);
+  tree.option(u"Option2").SetFocus();
 }
 
 TEST(Control, BeginsAsItIsDesigned) {

@@ -22,6 +22,7 @@ struct Watcher final : FormObserver {
   void refreshed(Component& component) override {
     log.push_back("refreshed " + toUtf8(component.name()));
   }
+  void focusGiven(Control&) override {}
 };
 
 TEST(Property, TellsTheObserverOfEveryWrite) {

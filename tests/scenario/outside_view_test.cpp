@@ -38,6 +38,7 @@ class NoScreen final : public FormEngine {
   double TwipsPerPixelX() override { return 15; }
   void propertyWritten(PropertyBase&) override {}
   void refreshed(Component&) override {}
+  void focusGiven(Control&) override {}
 };
 
 class OutsideViewTest : public testing::Test {

@@ -14,7 +14,7 @@ namespace zev::test {
 class FakeFormEngine final : public FormEngine {
  public:
   /// What was told of forms, properties and passes, in order: "loaded Form1", "Label1.Caption",
-  /// "refreshed Label1", "pass".
+  /// "refreshed Label1", "focus Text1", "pass".
   std::vector<std::string> log;
   /// What the system has for the program; pump() and wait() run one each.
   std::deque<std::function<void()>> messages;
@@ -44,6 +44,7 @@ class FakeFormEngine final : public FormEngine {
     log.push_back(toUtf8(property.owner().name()) + "." + std::string(property.name()));
   }
   void refreshed(Component& component) override { note("refreshed", component); }
+  void focusGiven(Control& control) override { note("focus", control); }
 
  private:
   void note(const char* what, const Component& component) {

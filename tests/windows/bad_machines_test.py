@@ -208,11 +208,11 @@ class BadMachineTest(unittest.TestCase):
         folder.chmod(0o555)
         self.addCleanup(folder.chmod, mode)
 
-    def tool(self, source, *options):
-        """A little program of the tests, put on the machine."""
+    def tool(self, source, *options, kind=".exe"):
+        """A little program or library of the tests, put on the machine."""
         made = pathlib.Path(tempfile.mkdtemp(dir=self.work))
         self.addCleanup(shutil.rmtree, made, ignore_errors=True)
-        name = pathlib.Path(source).with_suffix(".exe").name
+        name = pathlib.Path(source).with_suffix(kind).name
         subprocess.run([self.compiler, "-O1", str(HERE / source), *options, "-o", str(made / name)],
                        check=True)
         return self.machine.put(made / name, f"{TOOLS}\\{name}")
@@ -416,6 +416,25 @@ class BadMachineTest(unittest.TestCase):
         self.play(*install(), *finishes([]))
         self.assertFalse(self.host(f"{OWN_PROGRAMS}\\{GROUP}").exists())
         self.assert_no_shortcuts()
+
+    # ---- boxes that cannot be shown
+
+    def refuse_boxes(self):
+        """The windows of a running product, and no message box in any program."""
+        library = self.tool("refuses_boxes.c", "-shared", "-Wl,--kill-at", kind=".dll")
+        ready = f"{TOOLS}\\ready"
+        self.start_tool(f"{SYSTEM_FOLDER}\\rundll32.exe", f"{library},refuse", ready)
+        end = time.monotonic() + 30
+        while not self.host(ready).exists():
+            self.assertLess(time.monotonic(), end, "boxes are not refused")
+            time.sleep(0.1)
+
+    def test_no_box_can_ask_to_close_the_product(self):
+        """The question has no answer, which counts as Cancel."""
+        self.switch_on()
+        self.refuse_boxes()
+        self.play({"expect": {"boxes": [], "ended": "unload"}})
+        self.assertFalse(self.host(INSTALL).exists())
 
     # ---- Cancel while the run is on
 

@@ -23,14 +23,14 @@ import wine_machine
 LANGUAGES = {"english": 0, "german": 1, "french": 3, "spanish": 4}
 SIZES = {96: "1024x768", 144: "1280x1024", 192: "1600x1200"}
 
-# From these buttons of the directory page to its text, in tab order.
-TABS_FROM_CHANGE_DIR = 1
+# To the path of the directory page, in tab order: the browser leads back to it by itself.
+TABS_FROM_BROWSER = 0
 TABS_FROM_INSTALL = 3
 
 TURKISH = "1"  # by its number: the wizard's list does not have it
 
 # The window of the new group would lie over the form: folders are opened by a program without one.
-NO_WINDOW = "C:\\\\windows\\\\system32\\\\hostname.exe"
+NO_WINDOW = "C:\\\\windows\\\\system32\\\\rundll32.exe"
 
 FIRST_WAIT = 30.0
 RUN_WAIT = 120.0
@@ -146,6 +146,16 @@ class Sitting:
             time.sleep(0.2)
         time.sleep(2)
 
+    def finish(self, key):
+        """Presses what has the focus behind the run, which is Finish: the program ends."""
+        self.type("key", key)
+        try:
+            status = self.process.wait(REST_WAIT)
+        except subprocess.TimeoutExpired:
+            raise RuntimeError(f"{self.language} {self.dpi}: {key} does not press Finish") from None
+        if status != 0:
+            raise RuntimeError(f"{self.language} {self.dpi}: the program ends with {status}")
+
     def type(self, *what):
         subprocess.run(["xdotool", *what], check=True,
                        env={**os.environ, "DISPLAY": self.machine.display.name})
@@ -187,7 +197,7 @@ def walk(options, language, dpi):
         sitting.keys("Tab", "Tab", "space")
         sitting.picture("browser")
         sitting.keys("Escape")
-        typed(sitting, TABS_FROM_CHANGE_DIR, "")
+        typed(sitting, TABS_FROM_BROWSER, "")
         sitting.picture("box-empty-directory")
         sitting.keys("Return")
         typed(sitting, TABS_FROM_INSTALL, "C:\\a>b")
@@ -196,6 +206,7 @@ def walk(options, language, dpi):
         typed(sitting, TABS_FROM_INSTALL, "C:\\ZEV Screen Recorder 6")
         sitting.await_end_of_run()
         sitting.picture("4-finished", in_frame=True)
+        sitting.finish("Return")
 
 
 def typed(sitting, tabs, directory):
