@@ -1,6 +1,7 @@
 #include "win32/form_window.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "runtime/tab_order.h"
 #include "win32/control_windows.h"
@@ -25,8 +26,7 @@ HICON iconOf(int size) {
                                        IMAGE_ICON, size, size, LR_SHARED));
 }
 
-/// A label that others lie upon goes under them; all other controls follow the tab order, so that a
-/// label precedes the field that it names.
+/// A label that others lie upon goes under them.
 bool liesUnderOthers(const Form& form, const Control& control) {
   if (control.kind() != ControlKind::Label || control.design().bar) return false;
   const RECT own = pixelPlace(control, usualDpi);
@@ -37,6 +37,32 @@ bool liesUnderOthers(const Form& form, const Control& control) {
     RECT common{};
     return IntersectRect(&common, &own, &other) != 0 && other.top > own.top;
   });
+}
+
+int depthOf(const Control& control) {
+  int depth = 0;
+  for (const Control* each = control.container(); each != nullptr; each = each->container())
+    ++depth;
+  return depth;
+}
+
+/// A label stands right before the field that it names, where those look for it who read the screen
+/// aloud: so buttons, which can come between them in the tab order, stand behind all fields. What
+/// lies under others comes last.
+int rankOf(const Form& form, const Control& control) {
+  if (liesUnderOthers(form, control)) return 2;
+  return control.kind() == ControlKind::CommandButton ? 1 : 0;
+}
+
+/// The order in which windows lie upon each other, else that of the tab key. A container comes
+/// before what lies in it.
+std::vector<Control*> windowOrder(const Form& form) {
+  std::vector<Control*> order = tabOrder(form);
+  std::stable_sort(order.begin(), order.end(), [&](const Control* first, const Control* second) {
+    return std::pair(depthOf(*first), rankOf(form, *first)) <
+           std::pair(depthOf(*second), rankOf(form, *second));
+  });
+  return order;
 }
 
 }  // namespace
@@ -70,19 +96,7 @@ FormWindow::~FormWindow() {
 // ---- making
 
 void FormWindow::makeControls() {
-  std::vector<Control*> order = tabOrder(form_);
-  std::stable_partition(order.begin(), order.end(),
-                        [&](const Control* each) { return !liesUnderOthers(form_, *each); });
-  // A container comes before what lies in it, whatever its place in the order.
-  std::stable_sort(order.begin(), order.end(), [](const Control* first, const Control* second) {
-    const auto depth = [](const Control* each) {
-      int levels = 0;
-      while ((each = each->container()) != nullptr) ++levels;
-      return levels;
-    };
-    return depth(first) < depth(second);
-  });
-  for (const Control* each : order) {
+  for (const Control* each : windowOrder(form_)) {
     const auto place = std::find(form_.Controls().begin(), form_.Controls().end(), each);
     const int id = firstControlId + static_cast<int>(place - form_.Controls().begin());
     windows_[each] = makeControlWindow(*each, parentOf(*each), id);
