@@ -18,6 +18,7 @@ TEST(TextBlock, MeasuresInColumns) {
   EXPECT_EQ(columnsOf(u"a\u00E9"), 2);
   EXPECT_EQ(columnsOf(wide), 2);
   EXPECT_EQ(columnsOf(beyond), 2);
+  EXPECT_EQ(columnsOf(u"\U00010000\U0010FFFF"), 4);
   EXPECT_EQ(columnsOf(combined), 1);
   EXPECT_EQ(columnsOf(u"\uFF21\uAC00\u3042\u1100"), 8);
 }

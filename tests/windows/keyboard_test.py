@@ -21,7 +21,7 @@ INSTALL = "C:\\Program Files\\ZEV Screen Recorder 6"
 class KeyboardTest(unittest.TestCase):
     def sit_down(self, windows):
         options = argparse.Namespace(work=self.work, package=self.package, folder=self.work,
-                                     here=False)
+                                     kept=None, here=False)
         sitting = Sitting(options, "english", 96, windows=windows)
         self.addCleanup(sitting.close)
         return sitting

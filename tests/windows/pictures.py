@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Takes the pictures of the real program: its pages, dialogs and boxes, driven by the keyboard alone.
 
-    pictures.py WORK PACKAGE.exe FOLDER [--languages english,german] [--dpi 96] [--here]
+    pictures.py WORK PACKAGE.exe FOLDER [--languages english,german] [--dpi 96] [--kept FOLDER] [--here]
 
 WORK is the folder of wine_machine.py; the pictures come into FOLDER as LANGUAGE-DPI-NAME.png. It
-fails if a picture shows nothing or the same as another one of its set. With --here a person at the
-present display can look on.
+fails if a picture shows nothing or the same as another one of its set, or differs from the kept one
+of its name. With --here a person at the present display can look on.
 """
 
 import argparse
@@ -31,6 +31,11 @@ TURKISH = "1"  # by its number: the wizard's list does not have it
 
 # The window of the new group would lie over the form: folders are opened by a program without one.
 NO_WINDOW = "C:\\\\windows\\\\system32\\\\rundll32.exe"
+
+# So much of a picture may differ from the kept one: the digits of the free space do. A button that is
+# elsewhere is ten times as much. Colours may differ where fonts are drawn with soft edges.
+MOST_DIFFERENT = 0.001
+SOFT_EDGES = "25%"
 
 FIRST_WAIT = 30.0
 RUN_WAIT = 120.0
@@ -68,7 +73,9 @@ class Sitting:
         self.machine = wine_machine.Machine(self.folder)
         self.machine.display, self.window = display(options, SIZES[dpi])
         self.target = pathlib.Path(options.folder)
+        self.kept = options.kept
         self.seen = {}
+        self.differences = []
         self.frame = None
         try:
             self.prepare(windows)
@@ -173,9 +180,31 @@ class Sitting:
         file = self.target / f"{self.language}-{self.dpi}-{name}.png"
         subprocess.run(["convert", "png:-", *cut, "+repage", "-strip", str(file)], input=shown,
                        check=True)
+        if self.kept:
+            self.differences += difference(file, self.kept / file.name)
         if self.frame is None:
             self.frame = subprocess.run(["convert", "png:-", "-format", "%@", "info:"], input=shown,
                                         capture_output=True, check=True).stdout.decode()
+
+
+def difference(file, kept):
+    """How a picture differs from the kept one, if it does."""
+    if not kept.exists():
+        return [f"{file.name}: there is no kept picture {kept}"]
+    size, before = (subprocess.run(["identify", "-format", "%w %h", str(each)], capture_output=True,
+                                   check=True, text=True).stdout for each in (file, kept))
+    if size != before:
+        return [f"{file.name}: {size} pixels, the kept one {before}"]
+    width, height = map(int, size.split())
+    compared = subprocess.run(["compare", "-metric", "AE", "-fuzz", SOFT_EDGES, str(file), str(kept),
+                               str(file.with_suffix(".difference.png"))],
+                              capture_output=True, text=True)
+    different = float(compared.stderr)
+    if different <= MOST_DIFFERENT * width * height:
+        file.with_suffix(".difference.png").unlink()
+        return []
+    return [f"{file.name}: {different:.0f} pixels differ from {kept}, see "
+            f"{file.with_suffix('.difference.png')}"]
 
 
 def pixels(picture):
@@ -207,6 +236,7 @@ def walk(options, language, dpi):
         sitting.await_end_of_run()
         sitting.picture("4-finished", in_frame=True)
         sitting.finish("Return")
+        hold(sitting)
 
 
 def typed(sitting, tabs, directory):
@@ -217,17 +247,25 @@ def typed(sitting, tabs, directory):
     sitting.keys("Tab", "Tab", "Return")
 
 
+def hold(sitting):
+    """Fails if any picture of a sitting differs from the kept one."""
+    if sitting.differences:
+        raise RuntimeError("\n".join(sitting.differences))
+
+
 def look_at_options(options, language, dpi):
     """The dialog of the one system that has it."""
     with Sitting(options, language, dpi, windows="win8") as sitting:
         sitting.keys("shift+Tab", "space")
         sitting.picture("options")
+        hold(sitting)
 
 
 def look_at_gallery(options):
     """A page in the language that the wizard does not offer: the program is another one."""
     with Sitting(options, "turkish", options.dpi, arguments=[TURKISH]) as sitting:
         sitting.picture("1-welcome")
+        hold(sitting)
 
 
 def main():
@@ -238,6 +276,7 @@ def main():
     parser.add_argument("--languages", default=",".join(LANGUAGES))
     parser.add_argument("--gallery", action="store_true",
                         help="the program shows a page alone: form_gallery.exe")
+    parser.add_argument("--kept", type=pathlib.Path, help="pictures to hold these against")
     parser.add_argument("--here", action="store_true", help="use the present display")
     parser.add_argument("--dpi", type=int, default=96, choices=list(SIZES))
     options = parser.parse_args()

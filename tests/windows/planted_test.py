@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
-"""Libraries planted beside the setup program are not loaded.
+"""Libraries planted beside the setup program are not loaded, through a whole install: with the folder
+browser, the shortcuts and the group that is opened.
 
-    planted_test.py WORK IMAGE.exe COMPILER
+    planted_test.py WORK PACKAGE.exe DRIVER.exe COMPILER
 
-WORK is the folder of wine_machine.py, COMPILER the C compiler for the image's system.
+WORK is the folder of wine_machine.py, DRIVER is zevdrive, COMPILER the C compiler for the package's
+system.
 """
 
+import json
 import pathlib
 import shutil
 import subprocess
@@ -21,13 +24,24 @@ HERE = pathlib.Path(__file__).parent
 # Libraries that programs with windows are known to load.
 PLANTED = ["comctl32", "uxtheme", "version", "lz32", "dwmapi", "cryptbase", "cryptsp", "profapi",
            "userenv", "winmm", "wsock32", "iphlpapi", "netapi32", "propsys", "ntmarta", "secur32",
-           "apphelp", "msimg32", "oleacc"]
+           "apphelp", "msimg32", "oleacc", "mpr", "linkinfo", "ntshrui", "cscapi", "srvcli", "slc",
+           "shdocvw", "setupapi", "clbcatq", "sxs", "wldp", "edputil", "wtsapi32", "dbghelp",
+           "urlmon", "wininet", "mswsock", "dnsapi", "usp10", "riched20", "duser", "xmllite"]
 
 # What Wine's own window library links and finds beside any program with windows: there it is none of
 # the system's known libraries, which it is on Windows.
 LOADED_BY_WINE = {"version"}
 
 SECONDS_TO_COME_UP = 4
+SECONDS_TO_INSTALL = 120
+
+INSTALL = {"script": [
+    {"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"},
+    {"click": "Command4"}, {"expect": {"Form3.Visible": True}}, {"click": "Form3.Command2"},
+    {"click": "Command2"},
+    {"expect": {"boxes": [], "Form1.Command2.Caption": "Finish", "Form1.Command2.Enabled": True}},
+    {"click": "Command2"}, {"expect": {"ended": "unload"}},
+]}
 
 
 class PlantedMachine(wine_machine.Machine):
@@ -38,7 +52,7 @@ class PlantedMachine(wine_machine.Machine):
 
 
 class PlantedTest(unittest.TestCase):
-    work = image = compiler = None
+    work = package = driver = compiler = None
 
     def setUp(self):
         self.folder = wine_machine.Template(self.work).copy()
@@ -51,29 +65,41 @@ class PlantedTest(unittest.TestCase):
                         str(self.made / output)], check=True)
         return self.made / output
 
-    def loaded(self, program, *arguments):
-        """Names of the planted libraries that ran beside a program."""
+    def plant(self, machine):
         library = self.compile("planted_library.c", "planted.dll", "-shared")
-        with PlantedMachine(self.folder) as machine:
-            for name in PLANTED:
-                machine.put(library, f"C:\\Downloads\\{name}.dll")
-            process = machine.start(machine.put(program, "C:\\Downloads\\Program.exe"), *arguments)
-            time.sleep(SECONDS_TO_COME_UP)
-            lives = process.poll() is None
-            ran = machine.path("C:\\Downloads\\x").parent.glob("*.ran")
-            return lives, {file.name.removesuffix(".dll.ran").lower() for file in ran}
+        for name in PLANTED:
+            machine.put(library, f"C:\\Downloads\\{name}.dll")
+
+    @staticmethod
+    def loaded(machine):
+        """Names of the planted libraries that ran."""
+        ran = machine.path("C:\\Downloads\\x").parent.glob("*.ran")
+        return {file.name.removesuffix(".dll.ran").lower() for file in ran}
 
     def test_the_setup_program_loads_none(self):
-        lives, ran = self.loaded(self.image)
-        self.assertEqual(ran - LOADED_BY_WINE, set())
-        self.assertTrue(lives, "the wizard did not come up")
+        with PlantedMachine(self.folder) as machine:
+            self.plant(machine)
+            driver = machine.put(self.driver, "C:\\Driver\\zevdrive.exe")
+            program = machine.put(self.package, "C:\\Downloads\\ZEVSetup.exe")
+            machine.path("C:\\Driver\\install.json").write_text(json.dumps(INSTALL))
+            status = machine.run(driver, "C:\\Driver\\install.json", "--program", program,
+                                 "--transcript", "C:\\Driver\\told.jsonl",
+                                 timeout=SECONDS_TO_INSTALL)
+            links = {file.name for file in machine.drive.rglob("*ZEV Screen Recorder*/*.lnk")}
+            self.assertEqual(self.loaded(machine) - LOADED_BY_WINE, set())
+            self.assertEqual(status, 0, "the install was not played to its end")
+            self.assertEqual(len(links), 5, links)
 
     def test_a_careless_program_loads_them(self):
         careless = self.compile("careless_program.c", "careless.exe", "-mwindows")
-        _, ran = self.loaded(careless, *(f"{name}.dll" for name in PLANTED))
-        self.assertGreater(len(ran), len(PLANTED) // 2)
+        with PlantedMachine(self.folder) as machine:
+            self.plant(machine)
+            machine.start(machine.put(careless, "C:\\Downloads\\Careless.exe"),
+                          *(f"{name}.dll" for name in PLANTED))
+            time.sleep(SECONDS_TO_COME_UP)
+            self.assertGreater(len(self.loaded(machine)), len(PLANTED) // 2)
 
 
 if __name__ == "__main__":
-    PlantedTest.work, PlantedTest.image, PlantedTest.compiler = sys.argv[1:]
+    PlantedTest.work, PlantedTest.package, PlantedTest.driver, PlantedTest.compiler = sys.argv[1:]
     unittest.main(argv=sys.argv[:1])

@@ -1,16 +1,12 @@
 #include "programs/zevdrive/box_icon.h"
 
-#include <algorithm>
-#include <vector>
+#include "programs/zevdrive/screen_picture.h"
 
 namespace zev::drive {
 namespace {
 
-using Pixels = std::vector<std::uint32_t>;
-
 constexpr int tries = 50;
 constexpr DWORD pause = 10;  // milliseconds
-constexpr std::uint32_t colourMask = 0xFFFFFF;
 
 struct IconRow {
   std::int32_t style;
@@ -25,57 +21,6 @@ const IconRow iconRows[] = {
     {MB_ICONASTERISK, reinterpret_cast<LPCWSTR>(IDI_ASTERISK)},
 };
 // clang-format on
-
-/// A picture in memory that can be drawn on and read.
-class Canvas {
- public:
-  Canvas(int width, int height)
-      : size_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)) {
-    BITMAPINFO description{};
-    description.bmiHeader.biSize = sizeof description.bmiHeader;
-    description.bmiHeader.biWidth = width;
-    description.bmiHeader.biHeight = -height;
-    description.bmiHeader.biPlanes = 1;
-    description.bmiHeader.biBitCount = 32;
-    context_ = CreateCompatibleDC(nullptr);
-    bitmap_ = CreateDIBSection(context_, &description, DIB_RGB_COLORS, &bits_, nullptr, 0);
-    before_ = SelectObject(context_, bitmap_);
-  }
-  ~Canvas() {
-    SelectObject(context_, before_);
-    DeleteObject(bitmap_);
-    DeleteDC(context_);
-  }
-  Canvas(const Canvas&) = delete;
-  Canvas& operator=(const Canvas&) = delete;
-
-  HDC context() const { return context_; }
-  Pixels pixels() const {
-    GdiFlush();
-    const auto* first = static_cast<const std::uint32_t*>(bits_);
-    Pixels all(first, first + size_);
-    for (std::uint32_t& each : all) each &= colourMask;
-    return all;
-  }
-
- private:
-  std::size_t size_;
-  void* bits_ = nullptr;
-  HDC context_ = nullptr;
-  HBITMAP bitmap_ = nullptr;
-  HGDIOBJ before_ = nullptr;
-};
-
-/// Read from the screen as a whole: a window of another program need not give its picture.
-Pixels shownPixels(HWND window, int width, int height) {
-  const Canvas canvas(width, height);
-  POINT corner{0, 0};
-  ClientToScreen(window, &corner);
-  const HDC screen = GetDC(nullptr);
-  BitBlt(canvas.context(), 0, 0, width, height, screen, corner.x, corner.y, SRCCOPY);
-  ReleaseDC(nullptr, screen);
-  return canvas.pixels();
-}
 
 Pixels iconPixels(LPCWSTR icon, std::uint32_t background, int width, int height) {
   const Canvas canvas(width, height);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "programs/zevdrive/screen_picture.h"
 #include "programs/zevdrive/window_places.h"
 #include "win32/control_windows.h"
 #include "win32/form_metrics.h"
@@ -32,6 +33,23 @@ std::optional<Text> askedText(HWND window) {
       ask(window, WM_GETTEXT, buffer.size(), reinterpret_cast<LPARAM>(buffer.data()));
   if (!copied) return std::nullopt;
   return Text(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(*copied));
+}
+
+constexpr int paintingLooks = 50;
+constexpr DWORD paintingPause = 10;  // milliseconds
+
+/// Whether there is anything to be seen of a control: a label without a text shows nothing, nor
+/// does what only holds others.
+bool hasLook(const Control& control, const scenario::SeenControl& shown) {
+  switch (control.kind()) {
+    case ControlKind::Label:
+      return !trim(shown.text).empty();
+    case ControlKind::Frame:
+    case ControlKind::PictureBox:
+      return control.design().border;
+    default:
+      return true;
+  }
 }
 
 bool isVisible(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0; }
@@ -181,17 +199,45 @@ scenario::Sight ProgramWindows::withPlaces(scenario::Sight sight) const {
   return sight;
 }
 
+/// A picture of a form tells something where nothing lies upon it.
 void ProgramWindows::addPlaces(scenario::SeenForm& seen) const {
   const HWND window = windowOf(*seen.form);
   const SIZE inside = insideOf(window);
   seen.width = scenario::twipsOfPixels(static_cast<std::int32_t>(inside.cx));
   seen.height = scenario::twipsOfPixels(static_cast<std::int32_t>(inside.cy));
+  const bool onTop = box_ == nullptr && activeForm() == seen.form;
   for (auto& [place, shown] : seen.controls) {
     const Control& control = *seen.form->Controls()[place];
     const HWND own = windowOf(*seen.form, control);
     shown.place = placeOf(own, scenario::dropsDown(control));
-    shown.inSight = !IsWindowVisible(own) || inSight(own, window, takesFocus(control.kind()));
+    if (!IsWindowVisible(own)) continue;
+    shown.inSight = inSight(own, window, takesFocus(control.kind()));
   }
+  if (onTop) lookForBlanks(seen);
+}
+
+/// What is painted comes to the screen in its time: what still shows nothing then is not in sight.
+void ProgramWindows::lookForBlanks(scenario::SeenForm& seen) const {
+  std::vector<std::size_t> blank;
+  for (int each = 0; each < paintingLooks; ++each, Sleep(paintingPause)) {
+    blank = blanksOf(seen);
+    if (blank.empty()) return;
+  }
+  for (const std::size_t place : blank) seen.controls.at(place).inSight = false;
+}
+
+std::vector<std::size_t> ProgramWindows::blanksOf(const scenario::SeenForm& seen) const {
+  const ScreenPicture picture(windowOf(*seen.form));
+  std::vector<std::size_t> blank;
+  for (const auto& [place, shown] : seen.controls) {
+    const Control& control = *seen.form->Controls()[place];
+    const HWND own = windowOf(*seen.form, control);
+    if (!IsWindowVisible(own) || !hasLook(control, shown)) continue;
+    RECT area{};
+    GetWindowRect(own, &area);
+    if (picture.plain(area)) blank.push_back(place);
+  }
+  return blank;
 }
 
 }  // namespace zev::drive

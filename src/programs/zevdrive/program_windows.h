@@ -59,6 +59,8 @@ class ProgramWindows {
   static BOOL CALLBACK addControl(HWND window, LPARAM controls);
   std::optional<scenario::SeenForm> sightOf(const Form& form) const;
   void addPlaces(scenario::SeenForm& seen) const;
+  void lookForBlanks(scenario::SeenForm& seen) const;
+  std::vector<std::size_t> blanksOf(const scenario::SeenForm& seen) const;
 
   DWORD thread_;
   std::vector<Form*> forms_;
