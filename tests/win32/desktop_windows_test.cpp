@@ -12,13 +12,14 @@ namespace {
 /// A window of this program at the top level.
 class OwnWindow {
  public:
-  explicit OwnWindow(const char* title)
-      : window_(CreateWindowExA(0, "STATIC", title, WS_OVERLAPPEDWINDOW, 0, 0, 100, 100, nullptr,
-                                nullptr, nullptr, nullptr)) {}
+  explicit OwnWindow(const char* title, DWORD style = 0)
+      : window_(CreateWindowExA(0, "STATIC", title, WS_OVERLAPPEDWINDOW | style, 0, 0, 100, 100,
+                                nullptr, nullptr, nullptr, nullptr)) {}
   ~OwnWindow() { DestroyWindow(window_); }
   OwnWindow(const OwnWindow&) = delete;
   OwnWindow& operator=(const OwnWindow&) = delete;
 
+  HWND window() const { return window_; }
   WindowHandle handle() const { return reinterpret_cast<WindowHandle>(window_); }
 
  private:
@@ -58,10 +59,34 @@ TEST(DesktopWindows, NoWindowLeavesTheBufferAsItWas) {
   EXPECT_EQ(buffer, u"    ");
 }
 
-TEST(DesktopWindows, ComeToTheFront) {
+/// True if one of two windows lies over the other.
+bool liesOver(const OwnWindow& upper, const OwnWindow& lower) {
+  for (HWND each = upper.window(); each != nullptr; each = GetWindow(each, GW_HWNDNEXT)) {
+    if (each == lower.window()) return true;
+  }
+  return false;
+}
+
+TEST(DesktopWindows, ComeToTheFrontAndAreInUseThen) {
   Win32Windows windows;
-  const OwnWindow window("Front");
-  EXPECT_TRUE(windows.BringWindowToTop(window.handle()));
+  const OwnWindow one("One", WS_VISIBLE);
+  const OwnWindow other("Other", WS_VISIBLE);
+  for (const OwnWindow* each : {&one, &other, &one}) {
+    EXPECT_TRUE(windows.SetForegroundWindow(each->handle()));
+    EXPECT_EQ(GetForegroundWindow(), each->window());
+  }
+  EXPECT_FALSE(windows.SetForegroundWindow(0));
+}
+
+TEST(DesktopWindows, ComeToTheTopOfTheOthers) {
+  Win32Windows windows;
+  const OwnWindow one("One", WS_VISIBLE);
+  const OwnWindow other("Other", WS_VISIBLE);
+  EXPECT_TRUE(windows.BringWindowToTop(one.handle()));
+  EXPECT_TRUE(liesOver(one, other));
+  EXPECT_TRUE(windows.BringWindowToTop(other.handle()));
+  EXPECT_TRUE(liesOver(other, one));
+  EXPECT_FALSE(windows.BringWindowToTop(0));
 }
 
 }  // namespace

@@ -307,7 +307,18 @@ def main():
         begin = time.monotonic()
         print(f"{Template(options.work, options.width).made()} ({time.monotonic() - begin:.1f} s)")
         return 0
-    return run(options.work, options.program, options.arguments, options.timeout, options.width)
+    try:
+        return run(options.work, options.program, options.arguments, options.timeout, options.width)
+    except subprocess.TimeoutExpired:
+        return failed(f"{options.program} did not end within {options.timeout:g} seconds; it was "
+                      "ended, with its machine")
+    except OSError as error:
+        return failed(f"{error.filename}: {error.strerror}")
+
+
+def failed(why):
+    print(f"wine_machine: {why}", file=sys.stderr)
+    return 1
 
 
 if __name__ == "__main__":
