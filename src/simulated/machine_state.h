@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 #include "simulated/disks.h"
 #include "simulated/machine_settings.h"
 #include "simulated/network/simulated_network.h"

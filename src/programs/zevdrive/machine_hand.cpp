@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "programs/zevdrive/windows_witness.h"
-#include "runtime/code_page.h"
 #include "win32/form_metrics.h"
 
 namespace zev::drive {
@@ -43,7 +42,7 @@ struct ContentWriter {
   }
   void operator()(const scenario::Directory&) const { fs::create_directories(path); }
   void operator()(const scenario::FileText& content) const {
-    const std::string bytes = toCodePage(content.text, GetACP());
+    const std::string bytes = win32::toAnsi(content.text);
     write(bytes.data(), bytes.size());
   }
   void operator()(const scenario::FileBytes& content) const {
@@ -106,7 +105,7 @@ LSTATUS store(HKEY key, const Text& name, const scenario::RegistryData& data) {
   const std::vector<std::uint8_t> bytes = bytesOf(data);
   const auto size = static_cast<DWORD>(bytes.size());
   if (holdsText(data)) return RegSetValueExW(key, wide(name), 0, data.type, bytes.data(), size);
-  const std::string ansi = toCodePage(name, GetACP());
+  const std::string ansi = win32::toAnsi(name);
   return RegSetValueExA(key, ansi.c_str(), 0, data.type, bytes.data(), size);
 }
 
