@@ -25,7 +25,7 @@ class ShellFolders {
   /// 0 and a list on success.
   virtual std::int32_t SHGetSpecialFolderLocation(WindowHandle window, std::int32_t csidl,
                                                   ItemIdList& list) = 0;
-  /// The path into a buffer of 260 units, ended by a NUL. False on failure.
+  /// The path into a buffer of 260 bytes, ended by a NUL. False on failure.
   virtual bool SHGetPathFromIDList(ItemIdList list, Text& buffer) = 0;
   /// 0 on success.
   virtual std::int32_t CLSIDFromString(TextView text, Guid& identifier) = 0;

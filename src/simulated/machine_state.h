@@ -65,8 +65,9 @@ struct MachineState {
   const ProgramSettings* program(TextView path) const;
 };
 
-/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. What the
-/// buffer cannot hold is dropped.
-void writeAnswer(Text& buffer, const std::string& answer, std::uint32_t codePage);
+/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. The buffer
+/// stands for as many bytes; what they cannot hold is dropped. Returns the units of the whole
+/// answer, without the NUL.
+std::uint32_t writeAnswer(Text& buffer, const std::string& answer, std::uint32_t codePage);
 
 }  // namespace zev::simulated

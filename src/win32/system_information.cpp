@@ -20,11 +20,11 @@ std::vector<char> bytesFor(std::uint32_t size) {
   return std::vector<char>(std::max<std::size_t>(size, 1));
 }
 
-/// Hands a path on that a call wrote, if it wrote one.
+/// Hands a path on that a call wrote; a length that is none of a path as it is.
 std::uint32_t pathAnswer(const std::vector<char>& answer, std::uint32_t length, std::uint32_t size,
                          Text& buffer) {
-  if (length > 0 && length < size) writeAnswer(buffer, {answer.data(), length});
-  return length;
+  if (length == 0 || length >= size) return length;
+  return writeAnswer(buffer, {answer.data(), length});
 }
 
 void copyRecord(const OSVERSIONINFOEXA& system, OSVERSIONINFO& record) {
@@ -72,10 +72,9 @@ std::uint16_t Win32System::GetSystemDefaultUILanguage() {
 
 bool Win32System::GetUserNameA(Text& buffer, std::uint32_t& size) {
   std::vector<char> answer = bytesFor(size);
-  DWORD units = size;
-  const bool found = ::GetUserNameA(answer.data(), &units) != FALSE;
-  if (found) writeAnswer(buffer, answer.data());
-  size = units;
+  DWORD bytes = size;
+  const bool found = ::GetUserNameA(answer.data(), &bytes) != FALSE;
+  size = found ? writeAnswer(buffer, answer.data()) + 1 : bytes;
   return found;
 }
 
@@ -84,12 +83,11 @@ bool Win32System::LookupAccountNameA(TextView account, std::uint32_t sidSize, Te
   std::vector<char> identifier = bytesFor(sidSize);
   std::vector<char> answer = bytesFor(domainSize);
   DWORD identifierBytes = sidSize;
-  DWORD units = domainSize;
+  DWORD bytes = domainSize;
   SID_NAME_USE use{};
   const bool found = ::LookupAccountNameA(nullptr, ansiArgument(account).c_str(), identifier.data(),
-                                          &identifierBytes, answer.data(), &units, &use) != FALSE;
-  if (found) writeAnswer(domain, answer.data());
-  domainSize = units;
+                                          &identifierBytes, answer.data(), &bytes, &use) != FALSE;
+  domainSize = found ? writeAnswer(domain, answer.data()) : bytes;
   return found;
 }
 
