@@ -17,7 +17,8 @@ using Guid = std::array<std::uint8_t, 16>;
 inline constexpr std::int32_t CSIDL_PROGRAMS = 2;
 inline constexpr std::int32_t CSIDL_PERSONAL = 5;
 
-/// Folders that the shell knows, by number on every system and by identifier on newer ones.
+/// Folders that the shell knows, by number on every system and by identifier on newer ones. A path
+/// that the code page of the system cannot write comes in its short form, if it has one.
 class ShellFolders {
  public:
   virtual ~ShellFolders() = default;

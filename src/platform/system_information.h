@@ -32,7 +32,8 @@ class SystemInformation {
   virtual ~SystemInformation() = default;
 
   /// Length of the answer without the NUL; 0 on failure; the size needed, NUL included, for a
-  /// buffer too small, which stays as it is. Paths; the first one ends in a backslash.
+  /// buffer too small, which stays as it is. Paths; the first one ends in a backslash. One that the
+  /// code page cannot write comes in its short form, if it has one.
   virtual std::uint32_t GetTempPathA(std::uint32_t size, Text& buffer) = 0;
   virtual std::uint32_t GetWindowsDirectoryA(Text& buffer, std::uint32_t size) = 0;
   virtual std::uint32_t GetSystemDirectoryA(Text& buffer, std::uint32_t size) = 0;

@@ -70,6 +70,7 @@ void changeDrive(simulated::Disks& disks, const DriveEntry& entry) {
   take(drive.sectorsPerCluster, entry.change->sectorsPerCluster);
   take(drive.bytesPerSector, entry.change->bytesPerSector);
   take(drive.label, entry.change->label);
+  take(drive.shortNames, entry.change->shortNames);
   take(drive.host, entry.change->host);
   disks.setDrive(entry.letter, std::move(drive));
 }

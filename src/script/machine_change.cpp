@@ -135,6 +135,7 @@ constexpr KeyRow<DriveChange> driveKeys[] = {
     {"sectorsPerCluster", readGeometry<&DriveChange::sectorsPerCluster>},
     {"bytesPerSector", readGeometry<&DriveChange::bytesPerSector>},
     {"label", into<&DriveChange::label>},
+    {"shortNames", into<&DriveChange::shortNames>},
     {"host", [](const JsonReader& value, DriveChange& drive) { drive.host = value.hostFolder(); }},
 };
 

@@ -4,6 +4,12 @@
 
 namespace zev::simulated {
 
+Text MachineState::givenPath(const Text& path) {
+  if (throughAnsi(path) == path) return path;
+  const std::optional<Text> brief = disks.shortPath(path);
+  return brief && throughAnsi(*brief) == *brief ? *brief : path;
+}
+
 Path MachineState::currentFolder() const {
   Path program;
   parsePath(settings.installer, Path{}, program);

@@ -59,6 +59,11 @@ struct MachineState {
   Text fromAnsi(std::string_view bytes) const { return fromCodePage(bytes, codePage()); }
   Text throughAnsi(TextView text) const { return throughCodePage(text, codePage()); }
 
+  /// A path as the system gives it to programs of the code page: itself, or, if the page cannot
+  /// write it, its short form. Where there is none, or the page cannot write that either, the path
+  /// itself.
+  Text givenPath(const Text& path);
+
   /// The folder that the program was started in, from which relative paths start.
   Path currentFolder() const;
   /// The settings of a program, by its path; none if the machine says nothing of it.

@@ -12,9 +12,9 @@ constexpr std::uint32_t sidBytes = 28;  // of an account of a machine or domain
 }  // namespace
 
 std::uint32_t SimulatedSystem::answerPath(const std::optional<Text>& path, Text& buffer,
-                                          std::uint32_t size) const {
+                                          std::uint32_t size) {
   if (!path) return 0;
-  const std::string answer = machine_.toAnsi(*path);
+  const std::string answer = machine_.toAnsi(machine_.givenPath(*path));
   const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
   return needed > size ? needed : writeAnswer(buffer, answer, machine_.codePage());
 }

@@ -6,6 +6,7 @@
 #include "win32/ansi.h"
 #include "win32/system_library.h"
 #include "win32/windows_api.h"
+#include "win32/writable_path.h"
 
 namespace zev::win32 {
 namespace {
@@ -20,11 +21,16 @@ std::vector<char> bytesFor(std::uint32_t size) {
   return std::vector<char>(std::max<std::size_t>(size, 1));
 }
 
-/// Hands a path on that a call wrote; a length that is none of a path as it is.
-std::uint32_t pathAnswer(const std::vector<char>& answer, std::uint32_t length, std::uint32_t size,
-                         Text& buffer) {
-  if (length == 0 || length >= size) return length;
-  return writeAnswer(buffer, {answer.data(), length});
+/// Hands a path on that `call` writes into a buffer of wide units, given with its size.
+template <typename Call>
+std::uint32_t givePath(Call call, Text& buffer, std::uint32_t size) {
+  Text path(longestPath, u'\0');
+  const DWORD length = call(reinterpret_cast<wchar_t*>(path.data()), longestPath);
+  if (length == 0 || length >= longestPath) return 0;
+  path.resize(length);
+  const std::string answer = toAnsi(writablePath(path));
+  const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
+  return needed > size ? needed : writeAnswer(buffer, answer);
 }
 
 void copyRecord(const OSVERSIONINFOEXA& system, OSVERSIONINFO& record) {
@@ -47,18 +53,16 @@ static_assert(sizeof(OSVERSIONINFOEXA) == OSVERSIONINFO::extendedForm);
 // ---- folders
 
 std::uint32_t Win32System::GetTempPathA(std::uint32_t size, Text& buffer) {
-  std::vector<char> answer = bytesFor(size);
-  return pathAnswer(answer, ::GetTempPathA(size, answer.data()), size, buffer);
+  return givePath([](wchar_t* path, DWORD room) { return ::GetTempPathW(room, path); }, buffer,
+                  size);
 }
 
 std::uint32_t Win32System::GetWindowsDirectoryA(Text& buffer, std::uint32_t size) {
-  std::vector<char> answer = bytesFor(size);
-  return pathAnswer(answer, ::GetWindowsDirectoryA(answer.data(), size), size, buffer);
+  return givePath(::GetWindowsDirectoryW, buffer, size);
 }
 
 std::uint32_t Win32System::GetSystemDirectoryA(Text& buffer, std::uint32_t size) {
-  std::vector<char> answer = bytesFor(size);
-  return pathAnswer(answer, ::GetSystemDirectoryA(answer.data(), size), size, buffer);
+  return givePath(::GetSystemDirectoryW, buffer, size);
 }
 
 // ---- the user
