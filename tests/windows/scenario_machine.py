@@ -28,8 +28,15 @@ VERSIONS = {
 }
 BEFORE_PROFILES = ("win98", "nt40", "win2k", "winxp", "win2003")  # they do not ask for local data
 
-# Languages of the system whose locales can be made and whose code page is the usual one.
-LOCALES = {1031: "de_DE", 1033: None, 1036: "fr_FR", 3079: "de_AT", 3082: "es_ES", 4108: "fr_CH"}
+# Languages of the system whose locales can be made, by their code pages.
+LANGUAGES = {
+    1252: {1031: "de_DE", 1033: None, 1036: "fr_FR", 3079: "de_AT", 3082: "es_ES", 4108: "fr_CH"},
+    932: {1041: "ja_JP"},
+    936: {2052: "zh_CN"},
+    949: {1042: "ko_KR"},
+    950: {1028: "zh_TW"},
+    65001: {1081: "hi_IN"},
+}
 
 DRIVE_TYPES = {2: "floppy", 3: "hd", 4: "network", 5: "cdrom", 6: "ramdisk"}
 PLENTY = (10 ** 9, 10 ** 12)  # bytes: enough for an install, and nothing that a figure cannot hold
@@ -131,9 +138,17 @@ def only(usual, reason):
 
 
 def take_language(language, plan):
-    if language not in LOCALES:
-        raise LeftOut("a language without a locale of the usual code page")
-    plan.locale = LOCALES[language]
+    page = plan.document["machine"].get("codePage", 1252)
+    if language not in LANGUAGES.get(page, {}):
+        raise LeftOut("a language without a locale of its code page")
+    plan.locale = LANGUAGES[page][language]
+
+
+def take_code_page(page, plan):
+    if page not in LANGUAGES:
+        raise LeftOut("another code page")
+    if "uiLanguage" not in plan.document["machine"] and page != 1252:
+        plan.locale, = LANGUAGES[page].values()
 
 
 def take_folders(folders, plan):
@@ -257,7 +272,7 @@ SIDES = {
     "metrics": take_none("metrics of the system"),
     "productInfo": only(0, "the edition"),
     "uiLanguage": take_language,
-    "codePage": only(1252, "another code page"),
+    "codePage": take_code_page,
     "user": only("bob", "another account, or none"),
     "domain": only("BOBPC", "another domain, or none"),
     "folders": take_folders,
