@@ -1,7 +1,10 @@
 // What the calls of every binding do with letters of several bytes, and with those that the code
-// page of the system does not have. Each binding runs all contracts on several code pages.
+// page of the system does not have. Each binding runs all contracts on several code pages; which
+// one it should be the environment says.
 
 #include <gmock/gmock.h>
+
+#include <cstdlib>
 
 #include "contract/bench.h"
 
@@ -36,6 +39,10 @@ class CodePageContract : public ContractTest {
       if (each.codePage == bench().codePage()) words_ = each;
     }
     ASSERT_NE(words_.codePage, 0u) << "no words for the code page " << bench().codePage();
+    const char* wanted = std::getenv("ZEV_CODE_PAGE");
+    if (wanted != nullptr) {
+      ASSERT_EQ(std::to_string(bench().codePage()), wanted);
+    }
   }
 
   Text inside() const { return Text(words_.inside); }

@@ -38,6 +38,13 @@ LANGUAGES = {
     65001: {1081: "hi_IN"},
 }
 
+
+def locale_of(page):
+    """A language of a code page that has one alone."""
+    locale, = LANGUAGES[page].values()
+    return locale
+
+
 DRIVE_TYPES = {2: "floppy", 3: "hd", 4: "network", 5: "cdrom", 6: "ramdisk"}
 PLENTY = (10 ** 9, 10 ** 12)  # bytes: enough for an install, and nothing that a figure cannot hold
 
@@ -98,7 +105,8 @@ class Plan:
         self.drives = {}       # letter to Wine's word for the type
         self.installer = PROGRAM
         self.package = dict(document.get("package", {}))
-        self.machine = {"files": {}, "registry": {}}  # as the driver prepares it
+        # As the driver prepares it, which looks whether the code page is this one.
+        self.machine = {"codePage": 1252, "files": {}, "registry": {}}
         self.without_members = False  # the package was cut to less than the image
         self.own_expectations = []  # (rule, pattern) of those that cannot hold for this one
 
@@ -147,8 +155,9 @@ def take_language(language, plan):
 def take_code_page(page, plan):
     if page not in LANGUAGES:
         raise LeftOut("another code page")
+    plan.machine["codePage"] = page
     if "uiLanguage" not in plan.document["machine"] and page != 1252:
-        plan.locale, = LANGUAGES[page].values()
+        plan.locale = locale_of(page)
 
 
 def take_folders(folders, plan):

@@ -202,6 +202,13 @@ constexpr RefusedSide refusedSides[] = {
     {"programs", [](const MachineChange& change) { return !change.programs.empty(); }},
 };
 
+/// On another code page a scenario could hold by chance.
+void requireCodePage(const MachineChange& machine) {
+  if (machine.codePage.value_or(GetACP()) == GetACP()) return;
+  throw ScenarioError("$.machine.codePage",
+                      "this Windows has the code page " + std::to_string(GetACP()));
+}
+
 }  // namespace
 
 std::optional<std::string> refusal(const MachineChange& change) {
@@ -239,6 +246,7 @@ void MachineHand::change(const MachineChange& change) {
 }
 
 void MachineHand::prepare(const MachineChange& machine) {
+  requireCodePage(machine);
   change(machine);
   if (!machine.folders.temp || !*machine.folders.temp) return;
   const Text& temp = **machine.folders.temp;
