@@ -37,7 +37,8 @@ class Processes {
                                       TextView parameters, TextView directory,
                                       std::int32_t show) = 0;
   /// Folder of the program's own file, without a trailing backslash but for a root, and the name of
-  /// that file without its extension.
+  /// that file without its extension: both of the short form, if there is one, of a path that the
+  /// code page of the system cannot write.
   virtual Text ownFolder() = 0;
   virtual Text ownName() = 0;
 };

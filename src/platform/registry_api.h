@@ -42,14 +42,14 @@ class RegistryApi {
   /// (accessDenied); others delete them too.
   virtual SystemError RegDeleteKeyA(RegistryKey hive, TextView key) = 0;
   virtual SystemError RegDeleteValueA(RegistryKey handle, TextView name) = 0;
-  /// Name of the n-th subkey, from 0, into a buffer of `size` units, ended by a NUL; noMoreItems
+  /// Name of the n-th subkey, from 0, into a buffer of `size` bytes, ended by a NUL; noMoreItems
   /// behind the last, moreData for a buffer too small.
   virtual SystemError RegEnumKeyA(RegistryKey handle, std::uint32_t index, Text& buffer,
                                   std::uint32_t size) = 0;
   /// Type of a value and size of its data in bytes, without the data.
   virtual SystemError RegQueryValueExA(RegistryKey handle, TextView name, std::uint32_t& type,
                                        std::uint32_t& size) = 0;
-  /// The data as text into a buffer of `size` units; what the data does not fill stays as it was.
+  /// The data as text into a buffer of `size` bytes; what the data does not fill stays as it was.
   /// On return `size` is the size of the data in bytes. A buffer too small: moreData.
   virtual SystemError RegQueryValueExA(RegistryKey handle, TextView name, std::uint32_t& type,
                                        Text& buffer, std::uint32_t& size) = 0;

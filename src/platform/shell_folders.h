@@ -17,7 +17,8 @@ using Guid = std::array<std::uint8_t, 16>;
 inline constexpr std::int32_t CSIDL_PROGRAMS = 2;
 inline constexpr std::int32_t CSIDL_PERSONAL = 5;
 
-/// Folders that the shell knows, by number on every system and by identifier on newer ones.
+/// Folders that the shell knows, by number on every system and by identifier on newer ones. A path
+/// that the code page of the system cannot write comes in its short form, if it has one.
 class ShellFolders {
  public:
   virtual ~ShellFolders() = default;
@@ -25,7 +26,7 @@ class ShellFolders {
   /// 0 and a list on success.
   virtual std::int32_t SHGetSpecialFolderLocation(WindowHandle window, std::int32_t csidl,
                                                   ItemIdList& list) = 0;
-  /// The path into a buffer of 260 units, ended by a NUL. False on failure.
+  /// The path into a buffer of 260 bytes, ended by a NUL. False on failure.
   virtual bool SHGetPathFromIDList(ItemIdList list, Text& buffer) = 0;
   /// 0 on success.
   virtual std::int32_t CLSIDFromString(TextView text, Guid& identifier) = 0;

@@ -26,7 +26,8 @@ class WScriptShell {
   virtual ~WScriptShell() = default;
   /// Error 440 for a path that is no shortcut's.
   virtual std::unique_ptr<Shortcut> CreateShortcut(TextView path) = 0;
-  /// A folder by its name, such as "Desktop"; empty for one that the shell does not know.
+  /// A folder by its name, such as "Desktop"; empty for one that the shell does not know. A path
+  /// that the code page of the system cannot write comes in its short form, if it has one.
   virtual Text SpecialFolders(TextView name) = 0;
 };
 

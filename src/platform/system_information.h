@@ -22,25 +22,30 @@ struct OSVERSIONINFO {
   static constexpr std::uint32_t extendedForm = 156;
 };
 
-/// What the system tells of itself and of the user. A buffer is a text of the size given with it; a
-/// call writes its answer over the beginning, ended by a NUL, and leaves the rest. Texts come from
-/// the code page of the system.
+/// What the system tells of itself and of the user. Texts come from the code page of the system. A
+/// buffer is a text that stands for as many bytes, given with it as its size; a call writes its
+/// answer over the beginning, ended by a NUL, and leaves the rest. Sizes that a call takes and
+/// needs are in bytes. The length of an answer is in the units that it takes in the buffer, where a
+/// letter of two bytes is one: what it cuts is the answer.
 class SystemInformation {
  public:
   virtual ~SystemInformation() = default;
 
   /// Length of the answer without the NUL; 0 on failure; the size needed, NUL included, for a
-  /// buffer too small, which stays as it is. Paths; the first one ends in a backslash.
+  /// buffer too small, which stays as it is. Paths; the first one ends in a backslash. One that the
+  /// code page cannot write comes in its short form, if it has one.
   virtual std::uint32_t GetTempPathA(std::uint32_t size, Text& buffer) = 0;
   virtual std::uint32_t GetWindowsDirectoryA(Text& buffer, std::uint32_t size) = 0;
   virtual std::uint32_t GetSystemDirectoryA(Text& buffer, std::uint32_t size) = 0;
 
   virtual std::uint16_t GetSystemDefaultUILanguage() = 0;
 
-  /// The logon name; `size` becomes its length with the NUL. False on failure.
+  /// The logon name; `size` becomes its length with the NUL. False on failure; for a buffer too
+  /// small `size` becomes the size needed.
   virtual bool GetUserNameA(Text& buffer, std::uint32_t& size) = 0;
-  /// Looks an account of this machine up: the domain's name into a buffer of `domainSize` units.
-  /// The security identifier, of at most `sidSize` bytes, is not handed on. False on failure.
+  /// Looks an account of this machine up: the domain's name into a buffer of `domainSize` bytes,
+  /// which becomes its length. The security identifier, of at most `sidSize` bytes, is not handed
+  /// on. False on failure.
   virtual bool LookupAccountNameA(TextView account, std::uint32_t sidSize, Text& domain,
                                   std::uint32_t& domainSize) = 0;
 

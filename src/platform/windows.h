@@ -20,9 +20,10 @@ class Windows {
   /// The window that stands to `window` as the command says: the first one of its level, or the
   /// next. 0 if there is none.
   virtual WindowHandle GetWindow(WindowHandle window, std::uint32_t command) = 0;
+  /// Bytes of the title in the code page of the system, at least. 0 without a title.
   virtual std::int32_t GetWindowTextLengthA(WindowHandle window) = 0;
-  /// The title into a buffer of `size` units, the terminating NUL included, cut to fit. Returns the
-  /// length without the NUL.
+  /// The title into a buffer of `size` bytes, the terminating NUL included, cut to fit. Returns the
+  /// units of what fitted, without the NUL.
   virtual std::int32_t GetWindowTextA(WindowHandle window, Text& buffer, std::int32_t size) = 0;
   virtual bool SetForegroundWindow(WindowHandle window) = 0;
   virtual bool BringWindowToTop(WindowHandle window) = 0;

@@ -4,8 +4,8 @@
 
 #include <new>
 
+#include "code_page/code_page.h"
 #include "posix/code_queue.h"
-#include "runtime/code_page.h"
 
 namespace zev::posix {
 namespace {

@@ -13,10 +13,10 @@
 #include <iterator>
 #include <utility>
 
+#include "code_page/code_page.h"
 #include "posix/address.h"
 #include "posix/error_numbers.h"
 #include "posix/look_up.h"
-#include "runtime/code_page.h"
 
 namespace zev::posix {
 namespace {

@@ -4,6 +4,7 @@
 #include <array>
 #include <stdexcept>
 
+#include "code_page/code_page.h"
 #include "script/matcher.h"
 
 namespace zev::scenario {
@@ -14,7 +15,7 @@ class SimulatedWitness final : public Witness {
  public:
   explicit SimulatedWitness(const simulated::SimulatedMachine& machine) : machine_(machine) {}
 
-  std::uint32_t codePage() const override { return machine_.settings().system.codePage; }
+  Text fromAnsi(std::string_view bytes) const override { return fromCodePage(bytes, codePage()); }
 
   std::optional<Entry> entry(const Text& path) const override {
     const auto found = machine_.disks().find(path);
@@ -55,6 +56,8 @@ class SimulatedWitness final : public Witness {
     if (value.isText()) all.text = value.text();
     return all;
   }
+
+  std::uint32_t codePage() const { return machine_.settings().system.codePage; }
 
   const simulated::SimulatedMachine& machine_;
 };

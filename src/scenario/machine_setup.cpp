@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 
 namespace zev::scenario {
 namespace {
@@ -70,6 +70,7 @@ void changeDrive(simulated::Disks& disks, const DriveEntry& entry) {
   take(drive.sectorsPerCluster, entry.change->sectorsPerCluster);
   take(drive.bytesPerSector, entry.change->bytesPerSector);
   take(drive.label, entry.change->label);
+  take(drive.shortNames, entry.change->shortNames);
   take(drive.host, entry.change->host);
   disks.setDrive(entry.letter, std::move(drive));
 }

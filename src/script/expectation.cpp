@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "platform/operations.h"
-#include "runtime/code_page.h"
 #include "script/matcher.h"
 
 namespace zev::scenario {
@@ -72,7 +71,7 @@ std::optional<Text> fileText(const Witness& witness, const Text& path) {
   const auto bytes = entry ? witness.read(path, 0, entry->size) : std::nullopt;
   if (!bytes) return std::nullopt;
   const std::string_view chars(reinterpret_cast<const char*>(bytes->data()), bytes->size());
-  return fromCodePage(chars, witness.codePage());
+  return witness.fromAnsi(chars);
 }
 
 /// A place and the bytes there, as many as are expected.

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 
+#include "code_page/code_page.h"
 #include "platform/file_name.h"
 #include "platform/file_system.h"
 #include "platform/operations.h"
 #include "platform/registry_api.h"
-#include "runtime/code_page.h"
 
 namespace zev::scenario {
 namespace {
@@ -135,6 +135,7 @@ constexpr KeyRow<DriveChange> driveKeys[] = {
     {"sectorsPerCluster", readGeometry<&DriveChange::sectorsPerCluster>},
     {"bytesPerSector", readGeometry<&DriveChange::bytesPerSector>},
     {"label", into<&DriveChange::label>},
+    {"shortNames", into<&DriveChange::shortNames>},
     {"host", [](const JsonReader& value, DriveChange& drive) { drive.host = value.hostFolder(); }},
 };
 

@@ -43,6 +43,7 @@ struct DriveChange {
   std::optional<std::uint32_t> sectorsPerCluster;
   std::optional<std::uint32_t> bytesPerSector;
   std::optional<Text> label;
+  std::optional<bool> shortNames;
   std::optional<std::filesystem::path> host;
 };
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/file_system.h"
@@ -31,8 +32,8 @@ class Witness {
 
   virtual ~Witness() = default;
 
-  /// Code page of the machine's texts.
-  virtual std::uint32_t codePage() const = 0;
+  /// The text of a file's bytes, by the machine's code page.
+  virtual Text fromAnsi(std::string_view bytes) const = 0;
   /// A file or folder; none if there is no such entry.
   virtual std::optional<Entry> entry(const Text& path) const = 0;
   /// Up to `count` bytes of a file from an offset on; none without the file.

@@ -109,6 +109,21 @@ Guard Drive::guard(const Path& path) const {
   return found == guards.end() ? Guard{} : found->second;
 }
 
+Path Drive::longPath(const Path& path) {
+  const bool mayHoldShort = std::any_of(path.names.begin(), path.names.end(), [](const Text& name) {
+    return name.find(u'~') != Text::npos;
+  });
+  if (!settings.shortNames || !mayHoldShort) return path;
+  Path known{path.drive, {}, false};
+  for (const Text& name : path.names) {
+    const bool there = volume->find(known.child(name)).has_value();
+    const auto meant = there ? std::nullopt : shortNames.nameOf(*volume, known, name);
+    known = known.child(meant.value_or(name));
+  }
+  known.closed = path.closed;
+  return known;
+}
+
 // ---- drives
 
 void Disks::setDrive(char16_t letter, DriveSettings settings) {
@@ -117,6 +132,7 @@ void Disks::setDrive(char16_t letter, DriveSettings settings) {
     drive.volume = settings.host ? makeHostVolume(*settings.host) : makeMemoryVolume();
     drive.used = 0;
     drive.guards.clear();
+    drive.shortNames = {};
   }
   drive.settings = std::move(settings);
 }
@@ -269,6 +285,21 @@ Guard Disks::guard(TextView text) const {
   const Path path = absolute(text);
   const Drive* drive = at(path.drive);
   return drive == nullptr ? Guard{} : drive->guard(path);
+}
+
+std::optional<Text> Disks::shortPath(TextView text) {
+  Path path;
+  if (parsePath(text, Path{}, path) != system_error::success) return std::nullopt;
+  Drive* drive = at(path.drive);
+  const bool kept = drive != nullptr && drive->settings.shortNames && drive->volume->find(path);
+  if (!kept) return std::nullopt;
+  Path entry{path.drive, {}, false};
+  Path shortened = entry;
+  for (const Text& name : path.names) {
+    entry = entry.child(name);
+    shortened = shortened.child(drive->shortNames.of(*drive->volume, entry));
+  }
+  return join(shortened.text(), path.closed && !path.isRoot() ? u"\\" : u"");
 }
 
 void Disks::exportDrive(char16_t letter, const fs::path& folder) const {

@@ -13,6 +13,7 @@
 #include "runtime/text.h"
 #include "simulated/machine_settings.h"
 #include "simulated/path.h"
+#include "simulated/short_names.h"
 #include "simulated/volume.h"
 
 namespace zev::simulated {
@@ -30,11 +31,14 @@ struct Drive {
   std::unique_ptr<Volume> volume;
   std::int64_t used = 0;         ///< bytes, as far as they were laid or written here
   std::map<Text, Guard> guards;  ///< by Path::key of the entry
+  ShortNames shortNames;
 
   std::uint64_t clusterBytes() const;
   /// The space that a file of that size takes: whole clusters.
   std::uint64_t spaceFor(std::uint64_t size) const;
   Guard guard(const Path& path) const;
+  /// The path with the names that its short ones stand for. What is not there stays.
+  Path longPath(const Path& path);
 };
 
 /// The drives of a machine with all that lies on them. Its functions set the machine up and look at
@@ -72,6 +76,9 @@ class Disks {
   /// SHA-256 of a file in lower-case hexadecimal digits; none if it is no file.
   std::optional<std::string> sha256(TextView path) const;
   Guard guard(TextView path) const;
+  /// The path by short names, as far as its entries have them, with a backslash at its end if it
+  /// has one. None for an entry that is not there and on a drive without short names.
+  std::optional<Text> shortPath(TextView path);
 
   /// Lays the content of a drive out as real files in a folder of the host, which is created.
   /// Throws std::runtime_error where the host refuses.

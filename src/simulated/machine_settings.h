@@ -73,7 +73,8 @@ struct DriveSettings {
   std::uint32_t sectorsPerCluster = 8;
   std::uint32_t bytesPerSector = 512;
   Text label{};
-  bool ready = true;  ///< false: no medium in the drive
+  bool ready = true;       ///< false: no medium in the drive
+  bool shortNames = true;  ///< its entries have names of eight letters and three beside their own
   /// The folder of the host that the drive lies over; none: memory.
   std::optional<std::filesystem::path> host{};
 };

@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 #include "simulated/disks.h"
 #include "simulated/machine_settings.h"
 #include "simulated/network/simulated_network.h"
@@ -59,14 +59,20 @@ struct MachineState {
   Text fromAnsi(std::string_view bytes) const { return fromCodePage(bytes, codePage()); }
   Text throughAnsi(TextView text) const { return throughCodePage(text, codePage()); }
 
+  /// A path as the system gives it to programs of the code page: itself, or, if the page cannot
+  /// write it, its short form. Where there is none, or the page cannot write that either, the path
+  /// itself.
+  Text givenPath(const Text& path);
+
   /// The folder that the program was started in, from which relative paths start.
   Path currentFolder() const;
   /// The settings of a program, by its path; none if the machine says nothing of it.
   const ProgramSettings* program(TextView path) const;
 };
 
-/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. What the
-/// buffer cannot hold is dropped.
-void writeAnswer(Text& buffer, const std::string& answer, std::uint32_t codePage);
+/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. The buffer
+/// stands for as many bytes; what they cannot hold is dropped. Returns the units of the whole
+/// answer, without the NUL.
+std::uint32_t writeAnswer(Text& buffer, const std::string& answer, std::uint32_t codePage);
 
 }  // namespace zev::simulated

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 
 namespace zev::simulated {
 namespace {

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <string>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 
 namespace zev::simulated {
 namespace {

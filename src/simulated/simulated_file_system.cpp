@@ -35,7 +35,9 @@ SystemError SimulatedFileSystem::lookUpDrive(TextView text, Place& place) const 
   if (error != success) return error;
   place.drive = machine_.disks.at(place.path.drive);
   if (place.drive == nullptr) return pathNotFound;
-  return place.drive->settings.ready ? success : notReady;
+  if (!place.drive->settings.ready) return notReady;
+  place.path = place.drive->longPath(place.path);
+  return success;
 }
 
 /// Success if the parent is there, whether or not the entry is.
@@ -87,7 +89,7 @@ SystemError SimulatedFileSystem::FindFirstFileA(TextView pattern, DirectoryEntry
     found.entries.push_back(std::move(*single));
   }
   if (found.entries.empty()) return fileNotFound;
-  entry = found.entries.front();
+  entry = shown(found.entries.front());
   found.next = 1;
   search = ++lastHandle_;
   searches_.emplace(search, std::move(found));
@@ -99,8 +101,14 @@ SystemError SimulatedFileSystem::FindNextFileA(FileHandle search, DirectoryEntry
   if (found == searches_.end()) return invalidHandle;
   Search& running = found->second;
   if (running.next >= running.entries.size()) return noMoreFiles;
-  entry = running.entries[running.next++];
+  entry = shown(running.entries[running.next++]);
   return success;
+}
+
+/// A letter that the code page cannot write is lost.
+DirectoryEntry SimulatedFileSystem::shown(DirectoryEntry entry) const {
+  entry.name = machine_.throughAnsi(entry.name);
+  return entry;
 }
 
 void SimulatedFileSystem::FindClose(FileHandle search) { searches_.erase(search); }

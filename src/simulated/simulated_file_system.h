@@ -77,6 +77,7 @@ class SimulatedFileSystem final : public FileSystem {
     bool onReadOnlyMedium() const;
   };
 
+  DirectoryEntry shown(DirectoryEntry entry) const;
   SystemError lookUpDrive(TextView text, Place& place) const;
   SystemError lookUp(TextView text, Place& place) const;
   SystemError lookUpPattern(TextView pattern, Place& directory, Text& leaf) const;

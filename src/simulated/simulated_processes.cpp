@@ -38,14 +38,14 @@ bool SimulatedProcesses::isProgram(TextView path) const {
 
 /// The program of that name as the system looks for it: with its extension, and a bare name in the
 /// folder of the own program, in the system's and in that of Windows.
-std::optional<Text> SimulatedProcesses::existing(TextView program) const {
+std::optional<Text> SimulatedProcesses::existing(TextView program) {
   const Text name = hasExtension(program) ? Text(program) : join(program, u".exe");
   if (name.find_first_of(u"\\/:") != Text::npos) {
     return isProgram(name) ? std::optional(name) : std::nullopt;
   }
   const FolderSettings& folders = machine_.settings.folders;
   for (const std::optional<Text>& folder :
-       {std::optional(folderOf(machine_.settings.installer)), folders.system, folders.windows}) {
+       {std::optional(ownFolder()), folders.system, folders.windows}) {
     const Text path = folder ? join(withoutTrailing(*folder, u'\\'), u"\\", name) : Text();
     if (folder && isProgram(path)) return path;
   }
@@ -54,7 +54,7 @@ std::optional<Text> SimulatedProcesses::existing(TextView program) const {
 
 /// The program of a command line: what is quoted, or the shortest beginning up to a blank that is a
 /// program.
-std::optional<Text> SimulatedProcesses::programOf(TextView commandLine) const {
+std::optional<Text> SimulatedProcesses::programOf(TextView commandLine) {
   const TextView line = ltrim(commandLine);
   if (line.starts_with(u'"')) return existing(line.substr(1, line.find(u'"', 1) - 1));
   for (std::size_t end = line.find(u' ');; end = line.find(u' ', end + 1)) {
@@ -155,10 +155,14 @@ std::intptr_t SimulatedProcesses::ShellExecuteA(WindowHandle, TextView, TextView
 
 // ---- the own program
 
-Text SimulatedProcesses::ownFolder() { return folderOf(machine_.settings.installer); }
+Text SimulatedProcesses::ownPath() {
+  return machine_.throughAnsi(machine_.givenPath(machine_.settings.installer));
+}
+
+Text SimulatedProcesses::ownFolder() { return folderOf(ownPath()); }
 
 Text SimulatedProcesses::ownName() {
-  const Text& path = machine_.settings.installer;
+  const Text path = ownPath();
   const Text name = path.substr(path.find_last_of(u'\\') + 1);
   return name.substr(0, name.find_last_of(u'.'));
 }

@@ -42,8 +42,9 @@ class SimulatedProcesses final : public Processes {
     std::uint64_t ends = 0;  ///< on the machine's clock
   };
 
-  std::optional<Text> programOf(TextView commandLine) const;
-  std::optional<Text> existing(TextView program) const;
+  Text ownPath();
+  std::optional<Text> programOf(TextView commandLine);
+  std::optional<Text> existing(TextView program);
   bool isProgram(TextView path) const;
   std::int32_t start(const Text& program, TextView commandLine);
 

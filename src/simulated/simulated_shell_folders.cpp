@@ -91,7 +91,7 @@ std::int32_t SimulatedShellFolders::SHGetSpecialFolderLocation(WindowHandle, std
 bool SimulatedShellFolders::SHGetPathFromIDList(ItemIdList list, Text& buffer) {
   const auto found = lists_.find(list);
   if (found == lists_.end()) return false;
-  const std::string path = machine_.toAnsi(*found->second);
+  const std::string path = machine_.toAnsi(machine_.givenPath(*found->second));
   if (path.size() >= pathBufferUnits) return false;
   writeAnswer(buffer, path, machine_.codePage());
   return true;
@@ -110,8 +110,9 @@ std::int32_t SimulatedShellFolders::SHGetKnownFolderPath(const Guid& folder, std
     if (!parseGuid(row.identifier, known) || known != folder) continue;
     const std::optional<Text>& place = machine_.settings.folders.*row.folder;
     if (!place) return failed;
-    auto text = std::make_unique<char16_t[]>(place->size() + 1);
-    std::copy(place->begin(), place->end(), text.get());
+    const Text given = machine_.givenPath(*place);
+    auto text = std::make_unique<char16_t[]>(given.size() + 1);
+    std::copy(given.begin(), given.end(), text.get());
     path = text.get();
     texts_.emplace(path, std::move(text));
     return succeeded;

@@ -14,7 +14,7 @@ namespace zev::simulated {
 class SimulatedShellFolders final : public ShellFolders {
  public:
   /// Borrows the machine.
-  explicit SimulatedShellFolders(const MachineState& machine) : machine_(machine) {}
+  explicit SimulatedShellFolders(MachineState& machine) : machine_(machine) {}
 
   std::int32_t SHGetSpecialFolderLocation(WindowHandle window, std::int32_t csidl,
                                           ItemIdList& list) override;
@@ -32,7 +32,7 @@ class SimulatedShellFolders final : public ShellFolders {
  private:
   std::optional<Text> specialFolder(std::int32_t csidl) const;
 
-  const MachineState& machine_;
+  MachineState& machine_;
   std::map<void*, std::unique_ptr<Text>>
       lists_;  ///< a list is the address of the path it stands for
   std::map<void*, std::unique_ptr<char16_t[]>> texts_;

@@ -20,11 +20,22 @@ Text fullPath(const MachineState& machine, TextView text) {
   return error == system_error::success ? path.text() : Text(text);
 }
 
+/// What a shortcut is known by, whether its path was given by short names or not.
+Text keyOf(MachineState& machine, const Text& fullPath) {
+  Path path;
+  parsePath(fullPath, Path{}, path);
+  Drive* drive = machine.disks.at(path.drive);
+  return upperCase(drive != nullptr ? drive->longPath(path).text() : fullPath);
+}
+
 class SimulatedShortcut final : public Shortcut {
  public:
   SimulatedShortcut(MachineState& machine, FileSystem& files, TextView path)
-      : machine_(machine), files_(files), path_(fullPath(machine, path)) {
-    const auto known = machine.shortcuts.find(upperCase(path_));
+      : machine_(machine),
+        files_(files),
+        path_(fullPath(machine, path)),
+        key_(keyOf(machine, path_)) {
+    const auto known = machine.shortcuts.find(key_);
     if (known != machine.shortcuts.end()) properties_ = known->second;
   }
 
@@ -40,7 +51,7 @@ class SimulatedShortcut final : public Shortcut {
       throw RuntimeError(automationError(error), join(u"Unable to save shortcut \"", path_, u"\"."),
                          u"WshShortcut.Save");
     }
-    machine_.shortcuts[upperCase(path_)] = properties_;
+    machine_.shortcuts[key_] = properties_;
     if (!machine_.transcript.wants("shortcut")) return;
     machine_.transcript.add(
         {{"event", "shortcut"}, {"path", toUtf8(path_)}, {"properties", toJson(properties_)}});
@@ -61,6 +72,7 @@ class SimulatedShortcut final : public Shortcut {
   MachineState& machine_;
   FileSystem& files_;
   Text path_;
+  Text key_;
   ShortcutProperties properties_;
 };
 
@@ -77,7 +89,10 @@ class SimulatedWScriptShell final : public WScriptShell {
     return std::make_unique<SimulatedShortcut>(machine_, files_, path);
   }
 
-  Text SpecialFolders(TextView name) override {
+  Text SpecialFolders(TextView name) override { return machine_.givenPath(folder(name)); }
+
+ private:
+  Text folder(TextView name) const {
     const FolderSettings& folders = machine_.settings.folders;
     if (equalText(name, u"Desktop")) return folders.desktop.value_or(Text());
     if (equalText(name, u"MyDocuments")) return folders.documents.value_or(Text());
@@ -86,7 +101,6 @@ class SimulatedWScriptShell final : public WScriptShell {
     return known ? programs->second.value_or(Text()) : Text();
   }
 
- private:
   MachineState& machine_;
   FileSystem& files_;
 };

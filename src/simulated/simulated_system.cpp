@@ -12,13 +12,11 @@ constexpr std::uint32_t sidBytes = 28;  // of an account of a machine or domain
 }  // namespace
 
 std::uint32_t SimulatedSystem::answerPath(const std::optional<Text>& path, Text& buffer,
-                                          std::uint32_t size) const {
+                                          std::uint32_t size) {
   if (!path) return 0;
-  const std::string answer = machine_.toAnsi(*path);
-  const auto length = static_cast<std::uint32_t>(answer.size());
-  if (length >= size) return length + 1;
-  writeAnswer(buffer, answer, machine_.codePage());
-  return length;
+  const std::string answer = machine_.toAnsi(machine_.givenPath(*path));
+  const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
+  return needed > size ? needed : writeAnswer(buffer, answer, machine_.codePage());
 }
 
 std::uint32_t SimulatedSystem::GetTempPathA(std::uint32_t size, Text& buffer) {
@@ -43,8 +41,7 @@ bool SimulatedSystem::GetUserNameA(Text& buffer, std::uint32_t& size) {
   const std::string answer = machine_.toAnsi(*user);
   const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
   const bool fits = needed <= size;
-  if (fits) writeAnswer(buffer, answer, machine_.codePage());
-  size = needed;
+  size = fits ? writeAnswer(buffer, answer, machine_.codePage()) + 1 : needed;
   return fits;
 }
 
@@ -54,10 +51,9 @@ bool SimulatedSystem::LookupAccountNameA(TextView account, std::uint32_t sidSize
   if (!system.domain || !system.user) return false;
   if (!equalText(machine_.throughAnsi(beforeNul(account)), *system.user)) return false;
   const std::string answer = machine_.toAnsi(*system.domain);
-  const auto length = static_cast<std::uint32_t>(answer.size());
-  const bool fits = length < domainSize && sidSize >= sidBytes;
-  if (fits) writeAnswer(domain, answer, machine_.codePage());
-  domainSize = fits ? length : length + 1;
+  const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
+  const bool fits = needed <= domainSize && sidSize >= sidBytes;
+  domainSize = fits ? writeAnswer(domain, answer, machine_.codePage()) : needed;
   return fits;
 }
 

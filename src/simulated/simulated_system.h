@@ -8,7 +8,7 @@ namespace zev::simulated {
 class SimulatedSystem final : public SystemInformation {
  public:
   /// Borrows the machine.
-  explicit SimulatedSystem(const MachineState& machine) : machine_(machine) {}
+  explicit SimulatedSystem(MachineState& machine) : machine_(machine) {}
 
   std::uint32_t GetTempPathA(std::uint32_t size, Text& buffer) override;
   std::uint32_t GetWindowsDirectoryA(Text& buffer, std::uint32_t size) override;
@@ -27,9 +27,9 @@ class SimulatedSystem final : public SystemInformation {
                       std::uint32_t packMinor, std::uint32_t& code) override;
 
  private:
-  std::uint32_t answerPath(const std::optional<Text>& path, Text& buffer, std::uint32_t size) const;
+  std::uint32_t answerPath(const std::optional<Text>& path, Text& buffer, std::uint32_t size);
 
-  const MachineState& machine_;
+  MachineState& machine_;
 };
 
 }  // namespace zev::simulated

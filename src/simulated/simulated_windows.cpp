@@ -54,8 +54,7 @@ std::int32_t SimulatedWindows::GetWindowTextA(WindowHandle window, Text& buffer,
   if (!found || size <= 0) return 0;
   const std::string title =
       machine_.toAnsi(found->title).substr(0, static_cast<std::size_t>(size) - 1);
-  writeAnswer(buffer, title, machine_.codePage());
-  return static_cast<std::int32_t>(title.size());
+  return static_cast<std::int32_t>(writeAnswer(buffer, title, machine_.codePage()));
 }
 
 bool SimulatedWindows::SetForegroundWindow(WindowHandle window) { return find(window).has_value(); }

@@ -45,12 +45,13 @@ Text fromAnsi(std::string_view bytes) {
 
 std::string ansiArgument(TextView text) { return toAnsi(beforeNul(text)); }
 
-void writeAnswer(Text& buffer, std::string_view answer) {
+std::uint32_t writeAnswer(Text& buffer, std::string_view answer) {
   const std::size_t room = std::min(answer.size() + 1, buffer.size());
   std::string kept(answer);
   kept.push_back('\0');
   kept.resize(room);
   buffer.replace(0, room, fromAnsi(kept));
+  return static_cast<std::uint32_t>(fromAnsi(answer).size());
 }
 
 }  // namespace zev::win32

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,9 +16,10 @@ Text fromAnsi(std::string_view bytes);
 /// The argument of a call: the bytes of a text up to its first NUL.
 std::string ansiArgument(TextView text);
 
-/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. What the
-/// buffer cannot hold is dropped.
-void writeAnswer(Text& buffer, std::string_view answer);
+/// Writes a call's answer and a NUL over the beginning of a buffer and leaves the rest. The buffer
+/// stands for as many bytes; what they cannot hold is dropped. Returns the units of the whole
+/// answer, without the NUL.
+std::uint32_t writeAnswer(Text& buffer, std::string_view answer);
 
 /// Texts and the system's wide ones have the same units.
 inline const wchar_t* wide(const Text& text) {

@@ -23,9 +23,9 @@ std::int32_t Win32Windows::GetWindowTextLengthA(WindowHandle window) {
 std::int32_t Win32Windows::GetWindowTextA(WindowHandle window, Text& buffer, std::int32_t size) {
   if (size <= 0 || !::IsWindow(windowOf(window))) return 0;
   std::vector<char> title(static_cast<std::size_t>(size));
-  const int length = ::GetWindowTextA(windowOf(window), title.data(), size);
-  writeAnswer(buffer, {title.data(), static_cast<std::size_t>(length)});
-  return length;
+  const int bytes = ::GetWindowTextA(windowOf(window), title.data(), size);
+  return static_cast<std::int32_t>(
+      writeAnswer(buffer, {title.data(), static_cast<std::size_t>(bytes)}));
 }
 
 bool Win32Windows::SetForegroundWindow(WindowHandle window) {

@@ -1,11 +1,10 @@
 #include "win32/processes.h"
 
-#include <vector>
-
 #include "platform/file_system.h"
 #include "runtime/error.h"
 #include "win32/ansi.h"
 #include "win32/windows_api.h"
+#include "win32/writable_path.h"
 // The shell's functions come behind the system's.
 #include <shellapi.h>
 
@@ -25,10 +24,11 @@ HANDLE handleOf(ProcessHandle process) { return reinterpret_cast<HANDLE>(process
 const char* orNone(const std::string& text) { return text.empty() ? nullptr : text.c_str(); }
 
 Text ownPath() {
-  constexpr DWORD longestPath = 32768;
-  std::vector<char> path(longestPath);
-  const DWORD length = ::GetModuleFileNameA(nullptr, path.data(), longestPath);
-  return fromAnsi({path.data(), length});
+  Text path(longestPath, u'\0');
+  const DWORD length =
+      ::GetModuleFileNameW(nullptr, reinterpret_cast<wchar_t*>(path.data()), longestPath);
+  path.resize(length);
+  return fromAnsi(toAnsi(writablePath(path)));
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include "win32/shell_folders.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "win32/ansi.h"
 #include "win32/windows_api.h"
+#include "win32/writable_path.h"
 // The shell's functions come behind the system's.
 #include <objbase.h>
 #include <shlobj.h>
@@ -18,6 +20,8 @@ GUID systemGuid(const Guid& identifier) {
   std::memcpy(&guid, identifier.data(), sizeof guid);
   return guid;
 }
+
+Text textOf(const wchar_t* text) { return reinterpret_cast<const char16_t*>(text); }
 
 }  // namespace
 
@@ -34,12 +38,14 @@ std::int32_t Win32ShellFolders::SHGetSpecialFolderLocation(WindowHandle window, 
 }
 
 bool Win32ShellFolders::SHGetPathFromIDList(ItemIdList list, Text& buffer) {
-  const auto call = shell32_.find<decltype(::SHGetPathFromIDListA)>("SHGetPathFromIDListA");
-  char path[MAX_PATH] = {};
+  const auto call = shell32_.find<decltype(::SHGetPathFromIDListW)>("SHGetPathFromIDListW");
+  wchar_t path[MAX_PATH] = {};
   const bool found =
       call != nullptr && list != nullptr && call(static_cast<LPCITEMIDLIST>(list), path) != FALSE;
-  if (found) writeAnswer(buffer, path);
-  return found;
+  const std::string answer = toAnsi(writablePath(textOf(path)));
+  if (!found || answer.size() >= MAX_PATH) return false;
+  writeAnswer(buffer, answer);
+  return true;
 }
 
 std::int32_t Win32ShellFolders::CLSIDFromString(TextView text, Guid& identifier) {
@@ -58,8 +64,22 @@ std::int32_t Win32ShellFolders::SHGetKnownFolderPath(const Guid& folder, std::ui
   if (call == nullptr) return E_NOTIMPL;
   wchar_t* answer = nullptr;
   const HRESULT result = call(systemGuid(folder), flags, reinterpret_cast<HANDLE>(token), &answer);
-  if (result == S_OK) path = reinterpret_cast<char16_t*>(answer);
+  if (result == S_OK) path = given(answer);
   return result;
+}
+
+/// The path itself, or its short form in memory of its own.
+char16_t* Win32ShellFolders::given(wchar_t* path) {
+  auto* const itself = reinterpret_cast<char16_t*>(path);
+  const Text writable = writablePath(itself);
+  const auto call = ole32_.find<decltype(::CoTaskMemAlloc)>("CoTaskMemAlloc");
+  if (writable == itself || call == nullptr) return itself;
+  const std::size_t units = writable.size() + 1;
+  auto* const copy = static_cast<char16_t*>(call(units * sizeof(char16_t)));
+  if (copy == nullptr) return itself;
+  std::copy_n(writable.c_str(), units, copy);
+  CoTaskMemFree(path);
+  return copy;
 }
 
 std::int32_t Win32ShellFolders::lstrlenW(const char16_t* text) {

@@ -18,6 +18,8 @@ class Win32ShellFolders final : public ShellFolders {
   void CoTaskMemFree(void* memory) override;
 
  private:
+  char16_t* given(wchar_t* path);
+
   SystemLibrary shell32_{"shell32.dll"};
   SystemLibrary ole32_{"ole32.dll"};
 };

@@ -1,5 +1,7 @@
 #include "win32/shortcuts.h"
 
+#include "win32/writable_path.h"
+
 namespace zev::win32 {
 namespace {
 
@@ -37,7 +39,7 @@ class Win32WScriptShell final : public WScriptShell {
   }
 
   Text SpecialFolders(TextView name) override {
-    return object_.object(u"SpecialFolders").item(Text(name));
+    return writablePath(object_.object(u"SpecialFolders").item(Text(name)));
   }
 
  private:

@@ -6,6 +6,7 @@
 #include "win32/ansi.h"
 #include "win32/system_library.h"
 #include "win32/windows_api.h"
+#include "win32/writable_path.h"
 
 namespace zev::win32 {
 namespace {
@@ -20,11 +21,16 @@ std::vector<char> bytesFor(std::uint32_t size) {
   return std::vector<char>(std::max<std::size_t>(size, 1));
 }
 
-/// Hands a path on that a call wrote, if it wrote one.
-std::uint32_t pathAnswer(const std::vector<char>& answer, std::uint32_t length, std::uint32_t size,
-                         Text& buffer) {
-  if (length > 0 && length < size) writeAnswer(buffer, {answer.data(), length});
-  return length;
+/// Hands a path on that `call` writes into a buffer of wide units, given with its size.
+template <typename Call>
+std::uint32_t givePath(Call call, Text& buffer, std::uint32_t size) {
+  Text path(longestPath, u'\0');
+  const DWORD length = call(reinterpret_cast<wchar_t*>(path.data()), longestPath);
+  if (length == 0 || length >= longestPath) return 0;
+  path.resize(length);
+  const std::string answer = toAnsi(writablePath(path));
+  const auto needed = static_cast<std::uint32_t>(answer.size() + 1);
+  return needed > size ? needed : writeAnswer(buffer, answer);
 }
 
 void copyRecord(const OSVERSIONINFOEXA& system, OSVERSIONINFO& record) {
@@ -47,18 +53,16 @@ static_assert(sizeof(OSVERSIONINFOEXA) == OSVERSIONINFO::extendedForm);
 // ---- folders
 
 std::uint32_t Win32System::GetTempPathA(std::uint32_t size, Text& buffer) {
-  std::vector<char> answer = bytesFor(size);
-  return pathAnswer(answer, ::GetTempPathA(size, answer.data()), size, buffer);
+  return givePath([](wchar_t* path, DWORD room) { return ::GetTempPathW(room, path); }, buffer,
+                  size);
 }
 
 std::uint32_t Win32System::GetWindowsDirectoryA(Text& buffer, std::uint32_t size) {
-  std::vector<char> answer = bytesFor(size);
-  return pathAnswer(answer, ::GetWindowsDirectoryA(answer.data(), size), size, buffer);
+  return givePath(::GetWindowsDirectoryW, buffer, size);
 }
 
 std::uint32_t Win32System::GetSystemDirectoryA(Text& buffer, std::uint32_t size) {
-  std::vector<char> answer = bytesFor(size);
-  return pathAnswer(answer, ::GetSystemDirectoryA(answer.data(), size), size, buffer);
+  return givePath(::GetSystemDirectoryW, buffer, size);
 }
 
 // ---- the user
@@ -72,10 +76,9 @@ std::uint16_t Win32System::GetSystemDefaultUILanguage() {
 
 bool Win32System::GetUserNameA(Text& buffer, std::uint32_t& size) {
   std::vector<char> answer = bytesFor(size);
-  DWORD units = size;
-  const bool found = ::GetUserNameA(answer.data(), &units) != FALSE;
-  if (found) writeAnswer(buffer, answer.data());
-  size = units;
+  DWORD bytes = size;
+  const bool found = ::GetUserNameA(answer.data(), &bytes) != FALSE;
+  size = found ? writeAnswer(buffer, answer.data()) + 1 : bytes;
   return found;
 }
 
@@ -84,12 +87,11 @@ bool Win32System::LookupAccountNameA(TextView account, std::uint32_t sidSize, Te
   std::vector<char> identifier = bytesFor(sidSize);
   std::vector<char> answer = bytesFor(domainSize);
   DWORD identifierBytes = sidSize;
-  DWORD units = domainSize;
+  DWORD bytes = domainSize;
   SID_NAME_USE use{};
   const bool found = ::LookupAccountNameA(nullptr, ansiArgument(account).c_str(), identifier.data(),
-                                          &identifierBytes, answer.data(), &units, &use) != FALSE;
-  if (found) writeAnswer(domain, answer.data());
-  domainSize = units;
+                                          &identifierBytes, answer.data(), &bytes, &use) != FALSE;
+  domainSize = found ? writeAnswer(domain, answer.data()) : bytes;
   return found;
 }
 

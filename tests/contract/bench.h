@@ -29,11 +29,22 @@ class Bench {
   virtual const Control* focused(const Form& form) = 0;
   /// From here on the system can show no box.
   virtual void refuseBoxes() = 0;
+  /// Number of the code page of the system's texts.
+  virtual std::uint32_t codePage() = 0;
+  /// Makes a folder whose name may have letters that the code page does not have.
+  virtual void makeFolder(const Text& path) = 0;
+  /// Whether there is such an entry, whatever letters its path has.
+  virtual bool isThere(const Text& path) = 0;
+  /// Until the end of the test that folder is the one for temporary files, or for the user's
+  /// documents.
+  virtual void nameTemporaryFolder(const Text& path) = 0;
+  virtual void nameDocuments(const Text& path) = 0;
   /// True on Wine: where it is known to differ from Windows, a case says so and why.
   virtual bool isWine() { return false; }
 };
 
-/// Drives that are no letters, and one that is behind the code page the system's default character.
+/// Drives that are no letters; where the code page does not have the last ones they are its default
+/// character behind it.
 inline constexpr TextView noDrives[] = {
     u"9:", u"_:", u".:", u" :", u"::", u"@:", u"[:", u"`:", u"{:", u"\u00E9:", u"\u6F22:",
 };
@@ -57,7 +68,7 @@ class ContractTest : public testing::Test {
   }
   /// How the folder that such a drive would be is refused.
   SystemError missingFolderOn(TextView drive) {
-    const bool refusedByName = bench_->isWine() && drive.front() == u'\u6F22';
+    const bool refusedByName = bench_->isWine() && system().toAnsi(drive) == "?:";
     return refusedByName ? system_error::invalidName : system_error::pathNotFound;
   }
 

@@ -328,13 +328,5 @@ TEST_F(FileSystemContract, SearchesNoMissingFolder) {
   EXPECT_EQ(searchError(in(u"none\\*.*")), pathNotFound);
 }
 
-// ---- text
-
-TEST_F(FileSystemContract, LosesWhatTheCodePageCannotRepresent) {
-  EXPECT_EQ(system().toAnsi(u"plain"), "plain");
-  EXPECT_EQ(system().fromAnsi("plain"), u"plain");
-  EXPECT_EQ(system().toAnsi(u"\u4E2D"), "?");
-}
-
 }  // namespace
 }  // namespace zev::contract

@@ -1,3 +1,6 @@
+#include <cstdlib>
+#include <string>
+
 #include "contract/bench.h"
 #include "simulated/simulated_machine.h"
 
@@ -13,9 +16,13 @@ class Nobody final : public simulated::Person {
   Text input(TextView, TextView, TextView) override { return {}; }
 };
 
+/// A machine of the code page that the environment names, or else of the usual one.
 class SimulatedBench final : public Bench {
  public:
   SimulatedBench() {
+    if (const char* page = std::getenv("ZEV_CODE_PAGE")) {
+      machine_.settings().system.codePage = static_cast<std::uint32_t>(std::stoul(page));
+    }
     machine_.disks().putDirectory(folder());
     machine_.disks().putText(program(), "MZ");
     machine_.startProgram();
@@ -35,6 +42,12 @@ class SimulatedBench final : public Bench {
     machine_.setFaults(
         {{.call = "MsgBox", .code = outOfMemory}, {.call = "InputBox", .code = outOfMemory}});
   }
+
+  std::uint32_t codePage() override { return machine_.settings().system.codePage; }
+  void makeFolder(const Text& path) override { machine_.disks().putDirectory(path); }
+  bool isThere(const Text& path) override { return machine_.disks().exists(path); }
+  void nameTemporaryFolder(const Text& path) override { machine_.settings().folders.temp = path; }
+  void nameDocuments(const Text& path) override { machine_.settings().folders.documents = path; }
 
  private:
   Nobody person_;

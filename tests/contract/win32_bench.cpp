@@ -1,7 +1,10 @@
 #include <array>
+#include <filesystem>
+#include <optional>
 #include <string_view>
 
 #include "contract/bench.h"
+#include "win32/ansi.h"
 #include "win32/control_windows.h"
 #include "win32/dialogs.h"
 #include "win32/form_engine.h"
@@ -11,32 +14,25 @@
 namespace zev::contract {
 namespace {
 
+namespace fs = std::filesystem;
+
+/// Where the shell looks up the folders of the user.
+constexpr const wchar_t* shellFolders =
+    L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+
+const HKEY currentUser = reinterpret_cast<HKEY>(static_cast<LONG_PTR>(LONG(0x80000001)));
+
 /// A name that no other run of these tests has at the same time.
 Text uniqueName() { return join(u"ZevContract", decimal(GetCurrentProcessId())); }
 
-std::vector<DirectoryEntry> entriesOf(FileSystem& files, const Text& folder) {
-  std::vector<DirectoryEntry> entries;
-  DirectoryEntry entry;
-  FileHandle search = 0;
-  if (files.FindFirstFileA(folder + u"\\*.*", entry, search) != 0) return entries;
-  do {
-    if (entry.name != u"." && entry.name != u"..") entries.push_back(entry);
-  } while (files.FindNextFileA(search, entry) == 0);
-  files.FindClose(search);
-  return entries;
-}
-
-void removeFolder(FileSystem& files, const Text& folder) {
-  for (const DirectoryEntry& entry : entriesOf(files, folder)) {
-    const Text path = join(folder, u"\\", entry.name);
-    files.SetFileAttributesA(path, file_attribute::normal);
-    if ((entry.attributes & file_attribute::directory) != 0) {
-      removeFolder(files, path);
-    } else {
-      files.DeleteFileA(path);
-    }
+/// Names may have letters that the code page does not have.
+void removeFolder(const Text& folder) {
+  const fs::path path(win32::wide(folder));
+  std::error_code refused;
+  for (const auto& entry : fs::recursive_directory_iterator(path, refused)) {
+    SetFileAttributesW(entry.path().c_str(), FILE_ATTRIBUTE_NORMAL);
   }
-  files.RemoveDirectoryA(folder);
+  fs::remove_all(path, refused);
 }
 
 std::vector<Text> subkeysOf(RegistryApi& registry, const Text& key) {
@@ -94,9 +90,10 @@ class Win32Bench final : public Bench {
   Win32Bench() { platform().files.MkDir(folder_); }
   ~Win32Bench() override {
     process_.reset();
-    win32::Win32FileSystem files;
     win32::Win32Registry registry;
-    removeFolder(files, folder_);
+    nameTemporaryFolder(temporaryFolder_);
+    if (documents_) nameDocuments(*documents_);
+    removeFolder(folder_);
     removeKey(registry, key());
   }
 
@@ -124,6 +121,20 @@ class Win32Bench final : public Bench {
 
   void refuseBoxes() override { noBoxes_ = std::make_unique<NoBoxes>(); }
 
+  std::uint32_t codePage() override { return GetACP(); }
+  void makeFolder(const Text& path) override { fs::create_directories(win32::wide(path)); }
+  bool isThere(const Text& path) override { return fs::exists(win32::wide(path)); }
+
+  void nameTemporaryFolder(const Text& path) override {
+    for (const wchar_t* name : {L"TMP", L"TEMP"}) SetEnvironmentVariableW(name, win32::wide(path));
+  }
+
+  void nameDocuments(const Text& path) override {
+    if (!documents_) documents_ = namedDocuments();
+    const auto size = static_cast<DWORD>((path.size() + 1) * sizeof(wchar_t));
+    RegSetKeyValueW(currentUser, shellFolders, L"Personal", REG_EXPAND_SZ, path.c_str(), size);
+  }
+
   bool isWine() override {
     return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
   }
@@ -135,6 +146,14 @@ class Win32Bench final : public Bench {
     return buffer.substr(0, length);
   }
 
+  static Text namedDocuments() {
+    wchar_t path[MAX_PATH] = {};
+    DWORD size = sizeof path;
+    RegGetValueW(currentUser, shellFolders, L"Personal", RRF_RT_ANY | RRF_NOEXPAND, nullptr, path,
+                 &size);
+    return reinterpret_cast<const char16_t*>(path);
+  }
+
   Text systemFolder() {
     Text buffer = blanks(MAX_PATH);
     const std::uint32_t length = platform().system.GetSystemDirectoryA(buffer, MAX_PATH);
@@ -142,8 +161,10 @@ class Win32Bench final : public Bench {
   }
 
   std::unique_ptr<Process> process_ = std::make_unique<Process>();
-  Text folder_ = join(temporaryFolder(), uniqueName());
+  Text temporaryFolder_ = temporaryFolder();
+  Text folder_ = join(temporaryFolder_, uniqueName());
   std::unique_ptr<NoBoxes> noBoxes_;
+  std::optional<Text> documents_;  ///< as they were named before the test named others
 };
 
 }  // namespace

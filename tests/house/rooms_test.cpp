@@ -19,6 +19,7 @@ const std::set<std::string> portableRooms = {"runtime", "platform", "state",    
 /// it.
 const Arrows allowed = {
     {"runtime", {}},
+    {"code_page", {"runtime"}},
     {"platform", {"runtime"}},
     {"lz", {"runtime", "platform"}},
     {"socket", {"runtime", "platform"}},
@@ -28,11 +29,11 @@ const Arrows allowed = {
     {"package", {"system"}},
     {"destination", {"system"}},
     {"wizard", {"package", "destination"}},
-    {"simulated", {"runtime", "platform", "lz"}},
-    {"script", {"platform"}},
+    {"simulated", {"runtime", "code_page", "platform", "lz"}},
+    {"script", {"code_page", "platform"}},
     {"scenario", {"script", "simulated"}},
     {"win32", {"runtime", "platform", "lz"}},
-    {"posix", {"runtime", "platform"}},
+    {"posix", {"runtime", "code_page", "platform"}},
 };
 
 std::string roomOf(const std::string& path) { return path.substr(0, path.find('/')); }

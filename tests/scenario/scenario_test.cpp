@@ -177,7 +177,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadScript{R"("version": {"fails": 1})",
                   "$.machine.version.fails: a whole number where true or false is wanted"},
         BadScript{R"("metrics": {"x": 1})", "$.machine.metrics.x: the key \"x\" is no number"},
-        BadScript{R"("codePage": 932)", "$.machine.codePage: no code page that is known here"},
+        BadScript{R"("codePage": 1361)", "$.machine.codePage: no code page that is known here"},
         BadScript{R"("user": 5)", "$.machine.user: a whole number where a text is wanted"},
         BadScript{
             R"("folders": {"home": "C:\\"})",

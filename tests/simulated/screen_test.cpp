@@ -342,5 +342,20 @@ TEST_F(ScreenTest, TellsWhatIsPaintedAtOnce) {
                                             R"({"event":"refresh","control":"Form1"})"));
 }
 
+TEST_F(ScreenTest, TitlesTakeTheBytesOfTheirLetters) {
+  machine.settings().system.codePage = 932;
+  begin();
+  machine.settings().windows = {u"\u9332\u753B ZEV"};
+  Windows& windows = platform().windows;
+  const WindowHandle window = windows.GetWindow(screen().windowHandle(first), GW_HWNDFIRST);
+  EXPECT_EQ(windows.GetWindowTextLengthA(window), 8);
+  Text buffer = blanks(12);
+  EXPECT_EQ(windows.GetWindowTextA(window, buffer, 9), 6);
+  EXPECT_EQ(buffer, Text(u"\u9332\u753B ZEV\0   ", 10));
+  buffer = blanks(12);
+  EXPECT_EQ(windows.GetWindowTextA(window, buffer, 6), 3);
+  EXPECT_EQ(beforeNul(buffer), u"\u9332\u753B ");
+}
+
 }  // namespace
 }  // namespace zev::simulated

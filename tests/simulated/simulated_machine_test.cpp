@@ -35,6 +35,26 @@ TEST_F(SimulatedMachineTest, IsAUsualOneToBeginWith) {
             u"{00020003-0000-0000-C000-000000000046}");
 }
 
+TEST_F(SimulatedMachineTest, UserAndDomainAreCountedInLettersAndTakeBytes) {
+  machine.settings().system.codePage = 932;
+  machine.settings().system.user = u"\u7530\u4E2D";
+  machine.settings().system.domain = u"\u80FD\u767B";
+  Text buffer = blanks(8);
+  std::uint32_t size = 4;
+  EXPECT_FALSE(platform().system.GetUserNameA(buffer, size));
+  EXPECT_EQ(size, 5u) << "the bytes that are needed";
+  ASSERT_TRUE(platform().system.GetUserNameA(buffer, size));
+  EXPECT_EQ(size, 3u) << "the letters and the NUL";
+  EXPECT_EQ(buffer, Text(u"\u7530\u4E2D\0   ", 6));
+  Text domain = blanks(8);
+  size = 4;
+  EXPECT_FALSE(platform().system.LookupAccountNameA(u"\u7530\u4E2D", 256, domain, size));
+  EXPECT_EQ(size, 5u);
+  ASSERT_TRUE(platform().system.LookupAccountNameA(u"\u7530\u4E2D", 256, domain, size));
+  EXPECT_EQ(size, 2u);
+  EXPECT_EQ(beforeNul(domain), u"\u80FD\u767B");
+}
+
 TEST_F(SimulatedMachineTest, MachinesLiveSideBySide) {
   ToldPerson someone;
   NoTranscript none;

@@ -136,6 +136,8 @@ def make_locales(folder, names):
         if not target.exists():
             subprocess.run(["localedef", "-i", name, "-f", "UTF-8", str(target)],
                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if not target.exists():
+            raise RuntimeError(f"localedef could not make the locale {name}")
     return folder
 
 

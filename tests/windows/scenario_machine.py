@@ -28,8 +28,22 @@ VERSIONS = {
 }
 BEFORE_PROFILES = ("win98", "nt40", "win2k", "winxp", "win2003")  # they do not ask for local data
 
-# Languages of the system whose locales can be made and whose code page is the usual one.
-LOCALES = {1031: "de_DE", 1033: None, 1036: "fr_FR", 3079: "de_AT", 3082: "es_ES", 4108: "fr_CH"}
+# Languages of the system whose locales can be made, by their code pages.
+LANGUAGES = {
+    1252: {1031: "de_DE", 1033: None, 1036: "fr_FR", 3079: "de_AT", 3082: "es_ES", 4108: "fr_CH"},
+    932: {1041: "ja_JP"},
+    936: {2052: "zh_CN"},
+    949: {1042: "ko_KR"},
+    950: {1028: "zh_TW"},
+    65001: {1081: "hi_IN"},
+}
+
+
+def locale_of(page):
+    """A language of a code page that has one alone."""
+    locale, = LANGUAGES[page].values()
+    return locale
+
 
 DRIVE_TYPES = {2: "floppy", 3: "hd", 4: "network", 5: "cdrom", 6: "ramdisk"}
 PLENTY = (10 ** 9, 10 ** 12)  # bytes: enough for an install, and nothing that a figure cannot hold
@@ -91,7 +105,8 @@ class Plan:
         self.drives = {}       # letter to Wine's word for the type
         self.installer = PROGRAM
         self.package = dict(document.get("package", {}))
-        self.machine = {"files": {}, "registry": {}}  # as the driver prepares it
+        # As the driver prepares it, which looks whether the code page is this one.
+        self.machine = {"codePage": 1252, "files": {}, "registry": {}}
         self.without_members = False  # the package was cut to less than the image
         self.own_expectations = []  # (rule, pattern) of those that cannot hold for this one
 
@@ -131,9 +146,18 @@ def only(usual, reason):
 
 
 def take_language(language, plan):
-    if language not in LOCALES:
-        raise LeftOut("a language without a locale of the usual code page")
-    plan.locale = LOCALES[language]
+    page = plan.document["machine"].get("codePage", 1252)
+    if language not in LANGUAGES.get(page, {}):
+        raise LeftOut("a language without a locale of its code page")
+    plan.locale = LANGUAGES[page][language]
+
+
+def take_code_page(page, plan):
+    if page not in LANGUAGES:
+        raise LeftOut("another code page")
+    plan.machine["codePage"] = page
+    if "uiLanguage" not in plan.document["machine"] and page != 1252:
+        plan.locale = locale_of(page)
 
 
 def take_folders(folders, plan):
@@ -257,7 +281,7 @@ SIDES = {
     "metrics": take_none("metrics of the system"),
     "productInfo": only(0, "the edition"),
     "uiLanguage": take_language,
-    "codePage": only(1252, "another code page"),
+    "codePage": take_code_page,
     "user": only("bob", "another account, or none"),
     "domain": only("BOBPC", "another domain, or none"),
     "folders": take_folders,

@@ -19,6 +19,10 @@ double readSeconds(const std::string& value) {
   return seconds;
 }
 
+std::filesystem::path pathOf(const std::string& utf8) {
+  return std::u8string(utf8.begin(), utf8.end());
+}
+
 /// One option: its name, whether a value follows, and what it sets.
 struct OptionRow {
   const char* name;
@@ -28,11 +32,11 @@ struct OptionRow {
 
 // clang-format off
 constexpr OptionRow optionRows[] = {
-    {"--program", true, [](const std::string& value, DriveOptions& to) { to.program = value; }},
-    {"--transcript", true, [](const std::string& value, DriveOptions& to) { to.transcript = value; }},
+    {"--program", true, [](const std::string& value, DriveOptions& to) { to.program = pathOf(value); }},
+    {"--transcript", true, [](const std::string& value, DriveOptions& to) { to.transcript = pathOf(value); }},
     {"--timeout", true, [](const std::string& value, DriveOptions& to) { to.timeout = readSeconds(value); }},
     {"--prepare", false, [](const std::string&, DriveOptions& to) { to.prepare = true; }},
-    {"--save-registry", true, [](const std::string& value, DriveOptions& to) { to.registry = value; }},
+    {"--save-registry", true, [](const std::string& value, DriveOptions& to) { to.registry = pathOf(value); }},
     {"--check", false, [](const std::string&, DriveOptions& to) { to.check = true; }},
     {"--help", false, [](const std::string&, DriveOptions& to) { to.help = true; }},
     {"-h", false, [](const std::string&, DriveOptions& to) { to.help = true; }},
@@ -75,7 +79,7 @@ DriveOptions parseOptions(const std::vector<std::string>& arguments) {
     const std::string& argument = arguments[place];
     if (!argument.starts_with('-')) {
       if (options.scenario) throw UsageError("more than one scenario: " + argument);
-      options.scenario = argument;
+      options.scenario = pathOf(argument);
       continue;
     }
     const OptionRow& option = findOption(argument);

@@ -26,7 +26,7 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads the arguments behind the program's name.
+/// Reads the arguments behind the program's name, in UTF-8.
 DriveOptions parseOptions(const std::vector<std::string>& arguments);
 
 /// The text that --help prints.

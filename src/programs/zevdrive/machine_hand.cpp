@@ -4,7 +4,6 @@
 #include <fstream>
 
 #include "programs/zevdrive/windows_witness.h"
-#include "runtime/code_page.h"
 #include "win32/form_metrics.h"
 
 namespace zev::drive {
@@ -43,7 +42,7 @@ struct ContentWriter {
   }
   void operator()(const scenario::Directory&) const { fs::create_directories(path); }
   void operator()(const scenario::FileText& content) const {
-    const std::string bytes = toCodePage(content.text, GetACP());
+    const std::string bytes = win32::toAnsi(content.text);
     write(bytes.data(), bytes.size());
   }
   void operator()(const scenario::FileBytes& content) const {
@@ -106,7 +105,7 @@ LSTATUS store(HKEY key, const Text& name, const scenario::RegistryData& data) {
   const std::vector<std::uint8_t> bytes = bytesOf(data);
   const auto size = static_cast<DWORD>(bytes.size());
   if (holdsText(data)) return RegSetValueExW(key, wide(name), 0, data.type, bytes.data(), size);
-  const std::string ansi = toCodePage(name, GetACP());
+  const std::string ansi = win32::toAnsi(name);
   return RegSetValueExA(key, ansi.c_str(), 0, data.type, bytes.data(), size);
 }
 
@@ -203,6 +202,13 @@ constexpr RefusedSide refusedSides[] = {
     {"programs", [](const MachineChange& change) { return !change.programs.empty(); }},
 };
 
+/// On another code page a scenario could hold by chance.
+void requireCodePage(const MachineChange& machine) {
+  if (machine.codePage.value_or(GetACP()) == GetACP()) return;
+  throw ScenarioError("$.machine.codePage",
+                      "this Windows has the code page " + std::to_string(GetACP()));
+}
+
 }  // namespace
 
 std::optional<std::string> refusal(const MachineChange& change) {
@@ -240,6 +246,7 @@ void MachineHand::change(const MachineChange& change) {
 }
 
 void MachineHand::prepare(const MachineChange& machine) {
+  requireCodePage(machine);
   change(machine);
   if (!machine.folders.temp || !*machine.folders.temp) return;
   const Text& temp = **machine.folders.temp;

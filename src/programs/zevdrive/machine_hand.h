@@ -26,7 +26,7 @@ class MachineHand {
   /// Fails with a ScenarioError for what the system refuses.
   void change(const scenario::MachineChange& change);
   /// The same at the beginning, when the temporary folder can be another one as well: that of all
-  /// programs which are started from here.
+  /// programs which are started from here. The code page has to be the machine's.
   void prepare(const scenario::MachineChange& machine);
 
  private:

@@ -118,6 +118,11 @@ int driveMain(const std::vector<std::string>& arguments) {
 }  // namespace
 }  // namespace zev::drive
 
-int main(int argumentCount, char** arguments) {
-  return zev::drive::driveMain({arguments + 1, arguments + argumentCount});
+/// Wide, since a path may have letters that the code page does not have.
+int wmain(int argumentCount, wchar_t** arguments) {
+  std::vector<std::string> utf8;
+  for (int place = 1; place < argumentCount; ++place) {
+    utf8.push_back(zev::toUtf8(reinterpret_cast<const char16_t*>(arguments[place])));
+  }
+  return zev::drive::driveMain(utf8);
 }

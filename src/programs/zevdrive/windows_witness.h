@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "script/witness.h"
+#include "win32/ansi.h"
 #include "win32/windows_api.h"
 
 namespace zev::drive {
@@ -19,7 +20,7 @@ class InUse : public std::runtime_error {
 /// The Windows that this runs on, as expectations ask it.
 class WindowsWitness final : public scenario::Witness {
  public:
-  std::uint32_t codePage() const override { return GetACP(); }
+  Text fromAnsi(std::string_view bytes) const override { return win32::fromAnsi(bytes); }
   std::optional<Entry> entry(const Text& path) const override;
   std::optional<std::vector<std::uint8_t>> read(const Text& path, std::uint64_t offset,
                                                 std::uint64_t count) const override;

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 
 namespace zev::simulated {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 #include "simulated/network/datagram_socket.h"
 #include "simulated/network/host_record.h"
 #include "simulated/network/stream_socket.h"

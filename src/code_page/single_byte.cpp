@@ -1,18 +1,9 @@
-#include "runtime/code_page.h"
+#include "code_page/single_byte.h"
 
 #include <algorithm>
-#include <array>
-#include <stdexcept>
 
 namespace zev {
 namespace {
-
-constexpr std::uint32_t ascii = 20127;
-constexpr std::uint32_t utf8 = 65001;
-constexpr char defaultCharacter = '?';
-
-/// What the bytes from 0x80 on stand for; those below are ASCII in every page.
-using UpperHalf = std::array<char16_t, 128>;
 
 consteval unsigned hexDigit(char digit) {
   return static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'A' + 10);
@@ -31,13 +22,20 @@ consteval UpperHalf upperHalf(std::string_view digits) {
   return units;
 }
 
-struct CodePage {
+/// ASCII has nothing from 0x80 on.
+consteval UpperHalf noUpperHalf() {
+  UpperHalf units{};
+  units.fill(char16_t{defaultCharacter});
+  return units;
+}
+
+struct SingleBytePage {
   std::uint32_t number;
   UpperHalf units;
 };
 
 // clang-format off
-constexpr CodePage codePages[] = {
+constexpr SingleBytePage singleBytePages[] = {
     {437,  // DOS, United States
      upperHalf(
                 "00C7 00FC 00E9 00E2 00E4 00E0 00E5 00E7 00EA 00EB 00E8 00EF 00EE 00EC 00C4 00C5 "
@@ -158,6 +156,7 @@ constexpr CodePage codePages[] = {
                 "0110 00D1 0309 00D3 00D4 01A0 00D6 00D7 00D8 00D9 00DA 00DB 00DC 01AF 0303 00DF "
                 "00E0 00E1 00E2 0103 00E4 00E5 00E6 00E7 00E8 00E9 00EA 00EB 0301 00ED 00EE 00EF "
                 "0111 00F1 0323 00F3 00F4 01A1 00F6 00F7 00F8 00F9 00FA 00FB 00FC 01B0 20AB 00FF")},
+    {20127, noUpperHalf()},  // ASCII
     {28591,  // ISO 8859-1
      upperHalf(
                 "0080 0081 0082 0083 0084 0085 0086 0087 0088 0089 008A 008B 008C 008D 008E 008F "
@@ -171,61 +170,33 @@ constexpr CodePage codePages[] = {
 };
 // clang-format on
 
+}  // namespace
+
 const UpperHalf* singleByteTable(std::uint32_t codePage) {
-  for (const CodePage& page : codePages) {
+  for (const SingleBytePage& page : singleBytePages) {
     if (page.number == codePage) return &page.units;
   }
   return nullptr;
 }
 
-/// The table of a single-byte page; null for ASCII, which needs none.
-const UpperHalf* requireTable(std::uint32_t codePage) {
-  const UpperHalf* table = singleByteTable(codePage);
-  if (table == nullptr && codePage != ascii) {
-    throw std::invalid_argument("unknown code page " + std::to_string(codePage));
-  }
-  return table;
-}
-
-char byteOf(char16_t unit, const UpperHalf* table) {
-  if (unit < 0x80) return static_cast<char>(unit);
-  if (table == nullptr) return defaultCharacter;
-  const auto found = std::find(table->begin(), table->end(), unit);
-  if (found == table->end()) return defaultCharacter;
-  return static_cast<char>(static_cast<unsigned char>(0x80 + (found - table->begin())));
-}
-
-char16_t unitOf(unsigned char byte, const UpperHalf* table) {
-  if (byte < 0x80) return byte;
-  return table == nullptr ? char16_t{defaultCharacter} : (*table)[byte - 0x80u];
-}
-
-}  // namespace
-
-bool isKnownCodePage(std::uint32_t codePage) {
-  return codePage == ascii || codePage == utf8 || singleByteTable(codePage) != nullptr;
-}
-
-std::string toCodePage(TextView text, std::uint32_t codePage) {
-  if (codePage == utf8) return toUtf8(text);
-  const UpperHalf* table = requireTable(codePage);
+std::string toSingleByte(TextView text, const UpperHalf& table) {
   std::string bytes(text.size(), '\0');
-  std::transform(text.begin(), text.end(), bytes.begin(),
-                 [&](char16_t unit) { return byteOf(unit, table); });
+  std::transform(text.begin(), text.end(), bytes.begin(), [&](char16_t unit) {
+    if (unit < 0x80) return static_cast<char>(unit);
+    const auto found = std::find(table.begin(), table.end(), unit);
+    if (found == table.end()) return defaultCharacter;
+    return static_cast<char>(static_cast<unsigned char>(0x80 + (found - table.begin())));
+  });
   return bytes;
 }
 
-Text fromCodePage(std::string_view bytes, std::uint32_t codePage) {
-  if (codePage == utf8) return fromUtf8(bytes);
-  const UpperHalf* table = requireTable(codePage);
+Text fromSingleByte(std::string_view bytes, const UpperHalf& table) {
   Text text(bytes.size(), u'\0');
-  std::transform(bytes.begin(), bytes.end(), text.begin(),
-                 [&](char byte) { return unitOf(static_cast<unsigned char>(byte), table); });
+  std::transform(bytes.begin(), bytes.end(), text.begin(), [&](char each) {
+    const auto byte = static_cast<unsigned char>(each);
+    return byte < 0x80 ? char16_t{byte} : table[byte - 0x80u];
+  });
   return text;
-}
-
-Text throughCodePage(TextView text, std::uint32_t codePage) {
-  return fromCodePage(toCodePage(text, codePage), codePage);
 }
 
 }  // namespace zev

@@ -1,8 +1,9 @@
-#include "runtime/code_page.h"
+#include "code_page/code_page.h"
 
 #include <gtest/gtest.h>
 #include <iconv.h>
 
+#include <iterator>
 #include <stdexcept>
 
 namespace zev {
@@ -75,17 +76,91 @@ TEST(CodePage, LosesWhatItCannotRepresent) {
   EXPECT_EQ(fromCodePage("\xE9", 20127), u"?");
 }
 
+TEST(CodePage, UnassignedBytesOfTheWesternPageAreControls) {
+  EXPECT_EQ(fromCodePage("\x81\x8D\x8F\x90\x9D", 1252), u"\u0081\u008D\u008F\u0090\u009D");
+}
+
 TEST(CodePage, PassesUtf8) {
   EXPECT_EQ(toCodePage(u"\u0130\u20AC", 65001), "\xC4\xB0\xE2\x82\xAC");
   EXPECT_EQ(fromCodePage("\xC4\xB0\xE2\x82\xAC", 65001), u"\u0130\u20AC");
 }
 
+// ---- double-byte pages
+
+constexpr std::uint32_t doubleByte[] = {932, 936, 949, 950};
+
+struct Sample {
+  std::uint32_t page;
+  TextView text;
+  std::string_view bytes;
+};
+
+/// Second bytes that are a backslash elsewhere, one-byte letters, corners of each page.
+constexpr Sample samples[] = {
+    {932, u"C:\\\u8868\u30BD\u80FD", "C:\\\x95\\\x83\\\x94\\"},
+    {932, u"\u7530\u4E2D \uFF71\uFF9D", "\x93\x63\x92\x86 \xB1\xDD"},
+    {932, u"\uFF5E\u2460\u9AD9\u3042", "\x81\x60\x87\x40\xFB\xFC\x82\xA0"},
+    {936, u"\u4E2D\u6587 \u20AC", "\xD6\xD0\xCE\xC4 \x80"},
+    {949, u"\uD55C\uAD6D \uB620", "\xC7\xD1\xB1\xB9 \x8C\x63"},
+    {950, u"\u8A31\u529F\u84CB", "\xB3\\\xA5\\\xBB\\"},
+};
+
+TEST(CodePage, HasTheCharactersOfEastAsia) {
+  for (const Sample& sample : samples) {
+    EXPECT_EQ(toCodePage(sample.text, sample.page), sample.bytes) << sample.page;
+    EXPECT_EQ(fromCodePage(sample.bytes, sample.page), sample.text) << sample.page;
+  }
+}
+
+TEST(CodePage, BringsEveryUnitOfADoubleBytePageThereAndBackOrLosesIt) {
+  for (const std::uint32_t page : doubleByte) {
+    int kept = 0;
+    for (unsigned unit = 1; unit < 0x10000; ++unit) {
+      const Text text(1, static_cast<char16_t>(unit));
+      const std::string bytes = toCodePage(text, page);
+      if (bytes == "?" && unit != '?') continue;
+      ASSERT_EQ(fromCodePage(bytes, page), text) << page << " " << unit;
+      ++kept;
+    }
+    EXPECT_GT(kept, 7000) << page;
+  }
+}
+
+TEST(CodePage, TakesNothingForItsLooksInADoubleBytePage) {
+  EXPECT_EQ(toCodePage(u"C:\u00A5x\u203E\u301C", 932), "C:?x??");
+  EXPECT_EQ(toCodePage(u"\u00E9\U0001F600", 932), "???");
+}
+
+TEST(CodePage, KnowsNoCharacterOfHalfAPair) {
+  EXPECT_EQ(fromCodePage("a\x83", 932), u"a\u30FB");
+  EXPECT_EQ(fromCodePage(std::string_view("a\x83\0b", 4), 932), Text(u"a\u30FB\0b", 4));
+  EXPECT_EQ(fromCodePage("a\x83 b", 932), u"a\u30FBb");
+  EXPECT_EQ(fromCodePage("a\x83", 936), u"a?");
+  EXPECT_EQ(fromCodePage("a\x83", 949), u"a?");
+  EXPECT_EQ(fromCodePage("a\x83", 950), u"a?");
+}
+
+TEST(CodePage, KeepsANulInADoubleBytePage) {
+  EXPECT_EQ(toCodePage(TextView(u"\u3042\0b", 3), 932), std::string("\x82\xA0\0b", 4));
+  EXPECT_EQ(fromCodePage(std::string_view("\x82\xA0\0b", 4), 932), Text(u"\u3042\0b", 3));
+}
+
+// ---- numbers
+
 TEST(CodePage, RefusesANumberThatItDoesNotKnow) {
-  EXPECT_FALSE(isKnownCodePage(932));
-  EXPECT_THROW(toCodePage(u"a", 932), std::invalid_argument);
-  EXPECT_THROW(fromCodePage("a", 932), std::invalid_argument);
-  for (const Page& page : pages) EXPECT_TRUE(isKnownCodePage(page.number)) << page.number;
-  EXPECT_TRUE(isKnownCodePage(65001));
+  EXPECT_FALSE(isKnownCodePage(1361));
+  EXPECT_THROW(toCodePage(u"a", 1361), std::invalid_argument);
+  EXPECT_THROW(fromCodePage("a", 0), std::invalid_argument);
+}
+
+TEST(CodePage, ConvertsByEveryNumberThatItKnows) {
+  int known = 0;
+  for (std::uint32_t number = 0; number < 0x10000; ++number) {
+    if (!isKnownCodePage(number)) continue;
+    EXPECT_EQ(throughCodePage(u"ZEV 6", number), u"ZEV 6") << number;
+    ++known;
+  }
+  EXPECT_EQ(known, std::ssize(pages) + std::ssize(doubleByte) + 1);
 }
 
 }  // namespace
