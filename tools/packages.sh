@@ -17,7 +17,7 @@ packages_to_mutate=(python3-clang)
 # The Windows programs, their tests, and the machine that they run on.
 packages_for_windows=(
   g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32 googletest
-  mmdebstrap arch-test xvfb imagemagick xdotool locales python3
+  mmdebstrap uidmap arch-test xvfb imagemagick xdotool locales python3
 )
 
 as_root() {
