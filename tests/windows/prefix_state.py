@@ -312,8 +312,9 @@ class Registry:
 # ---- shortcuts
 
 
-def read_link(host_path):
-    """The properties of a shell link that its maker set."""
+def read_link(host_path, code_page=1252):
+    """The properties of a shell link that its maker set, on a machine of that code page."""
+    encoding = "utf-8" if code_page == 65001 else f"cp{code_page}"
     data = pathlib.Path(host_path).read_bytes()
     size, flags = struct.unpack_from("<I16xI", data)
     show, = struct.unpack_from("<I", data, 60)
@@ -326,7 +327,7 @@ def read_link(host_path):
         length, _, info = struct.unpack_from("<3I", data, place)
         if info & 1:
             begin = place + struct.unpack_from("<I", data, place + 16)[0]
-            target = data[begin:data.index(b"\0", begin)].decode("cp1252")
+            target = data[begin:data.index(b"\0", begin)].decode(encoding)
         place += length
     texts = {}
     for bit, name in ((4, "Description"), (8, "Relative"), (16, "WorkingDirectory"),
@@ -336,7 +337,7 @@ def read_link(host_path):
             count, = struct.unpack_from("<H", data, place)
             width = 2 if flags & 0x80 else 1
             raw = data[place + 2:place + 2 + count * width]
-            texts[name] = raw.decode("utf-16-le" if width == 2 else "cp1252").rstrip("\0")
+            texts[name] = raw.decode("utf-16-le" if width == 2 else encoding).rstrip("\0")
             place += 2 + count * width
     return {"TargetPath": target, "Arguments": texts["Arguments"], "WindowStyle": show,
             "Icon": texts["Icon"], "IconIndex": icon_index, "Description": texts["Description"],
