@@ -26,7 +26,7 @@ const Arrows allowed = {
     {"state", {"platform", "socket"}},
     {"localisation", {"state"}},
     {"system", {"localisation"}},
-    {"package", {"system"}},
+    {"package", {"system", "lz"}},
     {"destination", {"system"}},
     {"wizard", {"package", "destination"}},
     {"digest", {}},
