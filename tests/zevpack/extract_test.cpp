@@ -150,6 +150,23 @@ TEST_F(ZevpackExtract, WritesOverFilesThatWereThere) {
   EXPECT_EQ(readFile(folder_ / "mine.txt"), Bytes(9));
 }
 
+TEST_F(ZevpackExtract, LaysNothingIfOneFileCannotBeLaid) {
+  makeFolder(folder_);
+  for (const char* hindrance : {"zeveffs.dll.partial", "Stop.wav"}) {
+    if (hindrance == std::string("Stop.wav")) {
+      writeFile(folder_ / hindrance, Bytes(9));
+      fs::permissions(folder_ / hindrance, static_cast<fs::perms>(0444));
+    } else {
+      fs::create_symlink("nowhere", folder_ / hindrance);
+    }
+    const Outcome outcome = extract();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, HasSubstr((folder_ / hindrance).string()));
+    EXPECT_EQ(namesIn(folder_), std::set<std::string>{hindrance});
+    fs::remove(folder_ / hindrance);
+  }
+}
+
 TEST_F(ZevpackExtract, RefusesAFileInPlaceOfTheFolder) {
   makeFolder(folder_.parent_path());
   writeFile(folder_, Bytes(9));

@@ -164,12 +164,14 @@ int verify(const Verification& wanted) {
 
 namespace {
 
-/// No file that is laid may be the package itself.
-void keepPackage(const fs::path& package, const fs::path& file) {
+/// What can be known before anything is laid: no file may be the package itself, and each can be
+/// written.
+void checkTarget(const fs::path& package, const fs::path& file) {
   std::error_code ignored;
   if (fs::equivalent(package, file, ignored)) {
     throw ToolError(file.string() + " is the package itself, and would be replaced");
   }
+  requireWritable(file);
 }
 
 fs::path laidAs(const fs::path& folder, const Member& member, bool packed) {
@@ -193,7 +195,7 @@ int extract(const fs::path& path, const fs::path& folder, bool packed, Stored st
   const PackageFile package(path);
   const bool right = check(path, package, stored, force);
   const std::vector<Member> all = members();
-  for (const Member& member : all) keepPackage(path, laidAs(folder, member, packed));
+  for (const Member& member : all) checkTarget(path, laidAs(folder, member, packed));
   makeFolder(folder);
   Progress progress("Extracting", all.size());
   std::size_t laid = 0;

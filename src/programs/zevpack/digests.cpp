@@ -70,7 +70,7 @@ class ListReader {
     const bool known =
         std::find(separators.begin(), separators.end(), separator) != separators.end();
     if (!isDigest(entry.substr(0, digestSize)) || !known) refuse("is no digest of a file");
-    const std::string name(entry.substr(digestSize + separator.size()));
+    std::string name(entry.substr(digestSize + separator.size()));
     if (std::find(names_.begin(), names_.end(), name) == names_.end()) {
       refuse("names \"" + name + "\", which is no file of the product");
     }

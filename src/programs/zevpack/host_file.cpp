@@ -87,6 +87,13 @@ Bytes readWhole(const fs::path& path) {
   return bytes;
 }
 
+std::string partialName(const fs::path& path) { return path.string() + ".partial"; }
+
+[[noreturn]] void refuseTaken(const fs::path& path) {
+  throw ToolError("cannot write " + path.string() + ": " + partialName(path) +
+                  " is there, which may be somebody's; move it away");
+}
+
 /// The mode of the file that is to be replaced; none if there is none.
 std::optional<mode_t> replacedMode(const fs::path& path) {
   struct stat entry {};
@@ -107,6 +114,7 @@ Bytes readFile(const fs::path& path) {
 void requireWritable(const fs::path& path) {
   constexpr mode_t writing = S_IWUSR | S_IWGRP | S_IWOTH;
   struct stat entry {};
+  if (::lstat(partialName(path).c_str(), &entry) == 0) refuseTaken(path);
   if (::stat(path.c_str(), &entry) != 0) return;
   if (const std::string kind = kindOf(entry.st_mode); !kind.empty()) {
     throw ToolError("cannot write " + path.string() + ": it is " + kind);
@@ -119,14 +127,11 @@ void requireWritable(const fs::path& path) {
 NewFile::NewFile(fs::path path) : path_(std::move(path)) {
   requireWritable(path_);
   const auto mode = replacedMode(path_);
-  const std::string partial = path_.string() + ".partial";
   try {
-    partial_.emplace(partial);
+    partial_.emplace(partialName(path_));
   } catch (const std::system_error& error) {
-    const bool taken = error.code() == std::errc::file_exists;
-    throw ToolError("cannot write " + path_.string() + ": " +
-                    (taken ? partial + " is there, which may be somebody's; move it away"
-                           : error.code().message()));
+    if (error.code() == std::errc::file_exists) refuseTaken(path_);
+    throw ToolError("cannot write " + path_.string() + ": " + error.code().message());
   }
   if (mode && ::fchmod(partial_->descriptor(), *mode) != 0) {
     throw ToolError("cannot write " + path_.string() + " with its mode: " + reason());

@@ -46,8 +46,8 @@ class NewFile {
 
 void writeFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
-/// ToolError if a file or folder cannot be written to by that name, as far as that can be told
-/// before: what NewFile refuses in its constructor, a NAME.partial excepted.
+/// ToolError if no file can be written by that name, as far as that can be told before: for what
+/// NewFile would refuse that has its name, or the name that it is made under.
 void requireWritable(const std::filesystem::path& path);
 
 /// Makes a folder with its missing parents. ToolError if it cannot be made.

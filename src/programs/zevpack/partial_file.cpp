@@ -76,8 +76,7 @@ PartialFile::PartialFile(std::string path) : path_(std::move(path)) {
   static const bool handled = (handleSignals(), true);
   static_cast<void>(handled);
   const SignalsHeldBack held;
-  descriptor_ =
-      ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, anybody);
+  descriptor_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anybody);
   if (descriptor_ < 0) fail("cannot make " + path_);
   there_ = true;
   next_ = std::exchange(partialFiles, this);

@@ -4,7 +4,7 @@
 
 namespace zev::packing {
 
-/// A file in the making, under a name of its own. It is made exclusively and never through a link;
+/// A file in the making, under a name of its own. It is made exclusively, so never through a link;
 /// while this lives nothing is left of it, however the process ends, unless that is killed on the
 /// spot.
 class PartialFile {
