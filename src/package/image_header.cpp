@@ -108,8 +108,7 @@ std::optional<std::vector<std::uint8_t>> readOptional(const ReadAt& read, std::u
   auto header = readBytes(read, place, size);
   if (!header || size < optional::directories32) return std::nullopt;
   const std::uint32_t magic = number16(*header, 0);
-  const bool known =
-      magic == optional::magic32 || (magic == optional::magic64 && size >= optional::directories64);
+  const bool known = magic == optional::magic32 || magic == optional::magic64;
   return known ? std::move(header) : std::nullopt;
 }
 

@@ -84,6 +84,22 @@ TEST(PackageEnd, TakesNoOtherByteForOneThatAligns) {
   EXPECT_EQ(endOf(file), 8584u);
 }
 
+TEST(PackageEnd, TakesNothingOffInFrontOfATableThatIsNotAligned) {
+  Bytes file = packedBehind(madeImage(), 5000);
+  file.resize(file.size() + 3);
+  const std::size_t table = file.size();
+  ASSERT_NE(table % 8, 0u);
+  nameCertificates(file, table, 100);
+  file.resize(table + 100, 0xC5);
+  EXPECT_EQ(endOf(file), table);
+}
+
+TEST(PackageEnd, TakesNothingOffIfNothingTellsWhatAlignsTheTable) {
+  Bytes file = zerosBehind(madeImage({.size = 3584}));
+  file.resize(file.size() + 16);
+  EXPECT_EQ(endOf(signedFile(file)), file.size());
+}
+
 TEST(PackageEnd, LiesInFrontOfATableOfAnySize) {
   const Bytes file = packedBehind(madeImage(), 5000);
   for (const std::size_t size : {1u, 8u, 1471u, 100000u}) {

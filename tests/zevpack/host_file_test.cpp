@@ -148,20 +148,16 @@ TEST_F(NewFileTest, LeavesNothingBehindASignal) {
   }
 }
 
-TEST_F(NewFileTest, IsNotEndedByASignalThatIsIgnored) {
-  const pid_t child = fork();
-  if (child == 0) {
-    std::signal(SIGHUP, SIG_IGN);
-    NewFile file(at("out"));
-    file.append(Bytes{1});
-    raise(SIGHUP);
-    file.keep();
-    _exit(0);
+TEST_F(NewFileTest, IsMadeUnderANameThatNobodyTakesMeanwhile) {
+  writeFile(at("file"), Bytes{7});
+  std::filesystem::create_symlink(at("missing"), at("link"));
+  for (const char* taken : {"file", "link"}) {
+    EXPECT_THAT([&] { PartialFile(at(taken).string()); },
+                testing::Throws<std::system_error>(
+                    testing::Property(&std::system_error::code, std::errc::file_exists)));
   }
-  int ended = 0;
-  ASSERT_EQ(waitpid(child, &ended, 0), child);
-  EXPECT_TRUE(WIFEXITED(ended) && WEXITSTATUS(ended) == 0);
-  EXPECT_EQ(names(), Names{"out"});
+  EXPECT_EQ(names(), (Names{"file", "link"}));
+  EXPECT_EQ(readFile(at("file")), Bytes{7});
 }
 
 TEST_F(NewFileTest, RefusesAFolderThatIsMissing) {
