@@ -8,7 +8,7 @@ packages_to_run=(
 packages_to_test=(
   g++-multilib clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev googletest
   libbenchmark-dev libmspack-dev mscompress valgrind binutils file python3
-  curl nginx-light ncat socat python3-pexpect python3-pyte
+  curl nginx-light ncat socat openssl osslsigncode python3-pexpect python3-pyte
 )
 
 # What tools/mutate reads the code with.
@@ -17,7 +17,7 @@ packages_to_mutate=(python3-clang)
 # The Windows programs, their tests, and the machine that they run on.
 packages_for_windows=(
   g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32 googletest
-  mmdebstrap uidmap arch-test xvfb imagemagick xdotool locales python3
+  mmdebstrap uidmap arch-test xvfb imagemagick xdotool locales openssl osslsigncode python3
 )
 
 as_root() {

@@ -10,7 +10,7 @@
 namespace zev::lz {
 
 std::vector<std::uint8_t> compress(std::span<const std::uint8_t> plain, std::uint8_t nameByte) {
-  if (plain.size() > std::numeric_limits<std::uint32_t>::max()) {
+  if (plain.size() > std::numeric_limits<std::int32_t>::max()) {
     throw std::length_error("file too long to be packed");
   }
   const SzddHeader header{kModeLzss, nameByte, static_cast<std::uint32_t>(plain.size())};

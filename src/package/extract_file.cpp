@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "package/package_end.h"
 #include "runtime/buffer.h"
 #include "runtime/error.h"
 #include "runtime/number.h"
@@ -43,8 +44,8 @@ void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,
   files.OpenBinary(copy.source, source, false);
   copy.destination = files.FreeFile();
   files.OpenBinary(copy.destination, destination, true);
-  const std::int32_t position =
-      add(subtract(subtract(files.LOF(copy.source), tailOffset), size), 1);
+  const std::int32_t end = packageEnd(files, source, files.LOF(copy.source));
+  const std::int32_t position = add(subtract(subtract(end, tailOffset), size), 1);
   if (position < 1) {
     program.platform.dialogs.MsgBox(
         phrases.Translate(u"Installation file is not complete! You should download the whole "

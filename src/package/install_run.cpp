@@ -3,6 +3,7 @@
 #include "localisation/addresses.h"
 #include "package/expand_file.h"
 #include "package/extract_file.h"
+#include "package/package_end.h"
 #include "package/projects.h"
 #include "package/shorten_path.h"
 #include "runtime/number.h"
@@ -110,7 +111,7 @@ bool InstallRun::openPackage() {
       u"Copying files into temporary folder and expanding into install directory..."));
   const Text folder(withoutTrailing(trim(platform_.processes.ownFolder()), u'\\'));
   PackagePath_ = join(folder, u"\\", platform_.processes.ownName(), u".exe");
-  if (platform_.files.FileLen(PackagePath_) < smallestPackage) {
+  if (packageLength() < smallestPackage) {
     tellIncomplete();
     form_.Command1_Click();
     return false;
@@ -122,6 +123,14 @@ bool InstallRun::openPackage() {
   }
   program_.DoEvents();
   return true;
+}
+
+/// The length without what signing put behind the package. A file that cannot be opened is told by
+/// its members, one by one.
+std::int32_t InstallRun::packageLength() {
+  std::int32_t length = platform_.files.FileLen(PackagePath_);
+  ignoringErrors([&] { length = packageEnd(platform_.files, PackagePath_, length); });
+  return length;
 }
 
 void InstallRun::tellIncomplete() {

@@ -11,7 +11,7 @@
 
 namespace zev {
 
-/// A package file shorter than this is not complete.
+/// A package shorter than this is not complete.
 inline constexpr std::int32_t smallestPackage = 9'000'000;
 
 /// The one long procedure that does the whole job, from the package to the button "Finish": a
@@ -43,6 +43,8 @@ class InstallRun final : private RunReport {
   void makeShortcuts();
   void registerUsers();
   void finish();
+
+  std::int32_t packageLength();
 
   // Members.
   void layMember(const ManifestRow& row);

@@ -7,8 +7,8 @@
 namespace zev {
 namespace {
 
-constexpr std::size_t pathRoom = 512;
-constexpr std::int32_t pathPosition = 26;  // 1-based
+/// Places in a file are counted from 1.
+constexpr std::int32_t pathPosition = videoPathOffset + 1;
 
 }  // namespace
 
@@ -25,8 +25,8 @@ Text projectsFolder(Program& program) {
 }
 
 void patchSampleProject(Program& program, TextView projectsFolder) {
-  FixedText<pathRoom> path;
-  path = join(program.globals.gInstallDir.trimmed(), u"\\SampleAVI.avi");
+  FixedText<videoPathSize> path;
+  path = join(program.globals.gInstallDir.trimmed(), sampleVideo);
   Files& files = program.platform.files;
   const std::int32_t number = files.FreeFile();
   files.OpenBinaryWrite(number, join(projectsFolder, u"\\SampleProject.zrd"));

@@ -167,6 +167,17 @@ std::int32_t RuntimeFiles::FileLen(TextView path) {
   return length32(entry.size);
 }
 
+std::size_t RuntimeFiles::peek(TextView path, std::uint64_t offset, std::span<std::uint8_t> into) {
+  FileHandle handle = 0;
+  require(system_.CreateFileA(path, FileAccess::Read, FileShare::All, FileDisposition::OpenExisting,
+                              handle));
+  std::size_t read = 0;
+  const SystemError error = system_.ReadFile(handle, offset, into, read);
+  system_.CloseHandle(handle);
+  require(error);
+  return read;
+}
+
 bool RuntimeFiles::SetFileAttributesA(TextView path, std::int32_t attributes) {
   return system_.SetFileAttributesA(path, static_cast<std::uint32_t>(attributes)) ==
          system_error::success;

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <iomanip>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 
 #include "scenario/boxes.h"
 #include "scenario/event_writer.h"
@@ -25,6 +27,16 @@ std::ofstream openForWriting(const std::filesystem::path& file) {
   std::ofstream out(file, std::ios::binary | std::ios::trunc);
   if (!out) throw UsageError("cannot write " + file.string());
   return out;
+}
+
+/// What could not be written is no result.
+void requireWritten(std::ostream& out, const std::string& what) {
+  if (!out.flush()) throw std::runtime_error("cannot write " + what);
+}
+
+/// A file that was asked for or not: an unopened one has nothing to be written.
+void requireFileWritten(std::ofstream& out, const std::optional<std::filesystem::path>& file) {
+  if (file) requireWritten(out, file->string());
 }
 
 std::string shown(const Json& value) {
@@ -161,8 +173,9 @@ void printSummary(Player& player, const Tally& tally, RealClock::duration real, 
 
 void writeResults(const ZevsimOptions& options, Player& player) {
   if (options.state) {
-    openForWriting(*options.state)
-        << player.machine().state().dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    std::ofstream out = openForWriting(*options.state);
+    out << player.machine().state().dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    requireFileWritten(out, options.state);
   }
   if (!options.exportFolder) return;
   std::filesystem::create_directories(*options.exportFolder);
@@ -198,9 +211,11 @@ int play(const ZevsimOptions& options, const ProgramFactory& factory, const Cons
   companion.finish();
   const auto real = RealClock::now() - begin;
 
-  if (lines != nullptr) lines->flush();
+  requireFileWritten(file, options.transcript);
+  requireFileWritten(outside, options.outside);
   if (options.summary) printSummary(player, transcript.tally(), real, console.out);
   writeResults(options, player);
+  requireWritten(console.out, "standard output");
   return player.failures() == 0 ? exit_status::held : exit_status::failed;
 }
 
@@ -223,6 +238,7 @@ int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& 
     const ZevsimOptions options = parseOptions(arguments);
     if (options.help) {
       console.out << zevsimUsage;
+      requireWritten(console.out, "standard output");
       return exit_status::held;
     }
     return playReporting(options, factory, console);

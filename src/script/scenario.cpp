@@ -100,9 +100,13 @@ Scenario parseScenario(std::string_view text, const std::filesystem::path& folde
 }
 
 Scenario readScenario(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
+  // A pipe would be waited for.
+  std::error_code ignored;
+  const bool isFile = std::filesystem::is_regular_file(file, ignored);
+  std::ifstream in;
+  if (isFile) in.open(file, std::ios::binary);
   std::ostringstream text;
-  if (std::filesystem::is_directory(file) || !in) throw ScenarioError("$", "cannot be read");
+  if (!isFile || !in) throw ScenarioError("$", "cannot be read");
   text << in.rdbuf();
   return parseScenario(text.str(), file.parent_path());
 }

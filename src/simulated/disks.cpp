@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "simulated/sha256.h"
+#include "digest/sha256.h"
 
 namespace zev::simulated {
 namespace {

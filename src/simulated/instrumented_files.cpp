@@ -61,6 +61,11 @@ std::int32_t InstrumentedFiles::FileLen(TextView path) {
   return statement({"FileLen"}, {path}, [&] { return files_.FileLen(path); });
 }
 
+std::size_t InstrumentedFiles::peek(TextView path, std::uint64_t offset,
+                                    std::span<std::uint8_t> into) {
+  return files_.peek(path, offset, into);
+}
+
 bool InstrumentedFiles::SetFileAttributesA(TextView path, std::int32_t attributes) {
   return instrumentation_.perform(
       {"SetFileAttributesA"}, {path, attributes},

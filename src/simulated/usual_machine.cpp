@@ -28,7 +28,7 @@ constexpr AviRow aviRows[] = {
     {u"AVIFile\\CLSID", u"{00022602-0000-0000-C000-000000000046}"},
 };
 
-constexpr std::int32_t programsFolder = 2;
+constexpr std::int32_t usualProgramsFolder = 2;
 
 }  // namespace
 
@@ -41,7 +41,7 @@ FolderSettings usualFolders(TextView user) {
   folders.documents = home + u"\\Documents";
   folders.localAppData = home + u"\\AppData\\Local";
   folders.desktop = home + u"\\Desktop";
-  folders.special[programsFolder] =
+  folders.special[usualProgramsFolder] =
       home + u"\\AppData\\Roaming\\Microsoft\\Windows\\Start Menu\\Programs";
   return folders;
 }

@@ -151,6 +151,30 @@ TEST_F(FilesContract, AttributesAndLengthAreThoseOfTheFile) {
   EXPECT_FALSE(files().SetFileAttributesA(in(u"none"), 0));
 }
 
+TEST_F(FilesContract, AFileIsPeekedIntoByItsNameAtAnyPlace) {
+  const Text path = made(u"file", u"12345");
+  std::vector<std::uint8_t> piece(4, std::uint8_t{'-'});
+  EXPECT_EQ(files().peek(path, 1, piece), 4u);
+  EXPECT_EQ(std::string(piece.begin(), piece.end()), "2345");
+  EXPECT_EQ(files().peek(path, 4, piece), 3u);
+  EXPECT_EQ(std::string(piece.begin(), piece.end()), "5\r\n5");
+  EXPECT_EQ(files().peek(path, 100, piece), 0u);
+  EXPECT_EQ(errorOf([&] { files().peek(in(u"none"), 0, piece); }), 53);
+  EXPECT_EQ(files().FreeFile(), 1);
+  files().Kill(path);  // nobody has it open
+}
+
+TEST_F(FilesContract, AFileIsPeekedIntoWhileItIsOpenUnlessItIsLocked) {
+  const Text path = made(u"file", u"12345");
+  std::vector<std::uint8_t> piece(2);
+  files().OpenBinary(1, path, false);
+  EXPECT_EQ(files().peek(path, 0, piece), 2u);
+  files().Close(1);
+  files().OpenBinary(1, path, true);
+  EXPECT_EQ(errorOf([&] { files().peek(path, 0, piece); }), 70);
+  files().Close(1);
+}
+
 // ---- numbers
 
 TEST_F(FilesContract, NumbersAreGivenFromTheLowestOn) {

@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
+#include "package/manifest.h"
 #include "package/projects.h"
+#include "support/made_image.h"
 #include "system/on_a_machine.h"
 
 namespace zev {
@@ -53,6 +56,30 @@ TEST_F(ExtractFileTest, CountsBackFromTheEnd) {
 TEST_F(ExtractFileTest, PositionOneIsTheFirstByte) {
   EXPECT_TRUE(extract(4, 6));
   EXPECT_EQ(textOf(work), "0123");
+}
+
+TEST_F(ExtractFileTest, CountsBackFromTheTableThatSigningLeaves) {
+  test::Bytes file = test::madeImage();
+  file.resize(file.size() + packageSize - 10);
+  for (const char digit : {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'}) {
+    file.push_back(static_cast<std::uint8_t>(digit));
+  }
+  const test::Bytes withTable = test::signedFile(file);
+  machine.disks().putText(package, std::string(withTable.begin(), withTable.end()));
+  EXPECT_TRUE(extract(3, 0));
+  EXPECT_EQ(textOf(work), "789");
+  EXPECT_TRUE(extract(2, 3));
+  EXPECT_EQ(textOf(work), "56");
+  EXPECT_EQ(machine.openHandles().files, 0u);
+}
+
+TEST_F(ExtractFileTest, LooksForTheTableWithoutAStatement) {
+  EXPECT_TRUE(extract(3, 0));
+  std::vector<std::string> calls;
+  for (const simulated::Event& call : transcript.of("call")) calls.push_back(call["name"]);
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "OpenBinary"), 2);
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "LOF"), 1);
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), "Get"), 1);
 }
 
 TEST_F(ExtractFileTest, PositionZeroIsToldTwice) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -255,6 +256,35 @@ TEST_F(Zevsim, Helps) {
   EXPECT_EQ(run({"--help"}), 0);
   EXPECT_EQ(out_, zevsimUsage);
   EXPECT_EQ(run({"-h"}), 0);
+}
+
+TEST_F(Zevsim, Gives3ForResultsThatCannotBeWritten) {
+  if (!fs::is_character_file("/dev/full")) GTEST_SKIP() << "no device of that name";
+  const std::string scenario = write("a.json", R"({"script": [{"click": "Command6"}]})");
+  for (const char* option : {"--transcript", "--outside", "--state"}) {
+    EXPECT_EQ(run({scenario, option, "/dev/full"}), 3) << option;
+    EXPECT_EQ(err_, "zevsim: cannot write /dev/full\n") << option;
+  }
+}
+
+TEST_F(Zevsim, Gives3IfStandardOutputCannotBeWritten) {
+  if (!fs::is_character_file("/dev/full")) GTEST_SKIP() << "no device of that name";
+  const std::string scenario = write("a.json", R"({"script": [{"click": "Command6"}]})");
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{scenario}, {scenario, "--summary"}, {"--help"}}) {
+    std::istringstream in;
+    std::ofstream out("/dev/full");
+    std::ostringstream err;
+    EXPECT_EQ(zevsimMain(arguments, factory_, {in, out, err, false}), 3) << arguments.back();
+    EXPECT_EQ(err.str(), "zevsim: cannot write standard output\n") << arguments.back();
+  }
+}
+
+TEST_F(Zevsim, WaitsForNoPipe) {
+  ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(run({file("pipe")}), 2);
+  EXPECT_EQ(err_, file("pipe") + ": $: cannot be read\n");
+  EXPECT_EQ(run({write("a.json", "{}"), "--package", file("pipe")}), 2);
 }
 
 TEST_F(Zevsim, WritesTheTranscriptToAFile) {

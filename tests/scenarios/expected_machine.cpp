@@ -9,7 +9,7 @@
 
 #include "runtime/text.h"
 #include "scenarios/told_boxes.h"
-#include "simulated/sha256.h"
+#include "digest/sha256.h"
 #include "support/table.h"
 
 namespace zev {
@@ -49,7 +49,7 @@ std::string parentOf(const std::string& path) { return path.substr(0, path.rfind
 std::string upper(const std::string& path) { return toUtf8(upperCase(fromUtf8(path))); }
 
 std::string digestOf(const std::string& bytes) {
-  return simulated::sha256Hex({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+  return sha256Hex({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
 }
 
 // ---- the sample product

@@ -415,6 +415,20 @@ class Failures(Case, unittest.TestCase):
                 self.assertEqual(zevnet.ends(), (2, b""))
                 self.assertTrue(zevnet.lines)
 
+    def test_a_word_that_is_no_command_is_named(self):
+        zevnet = self.zevnet("speak", "localhost", "80")
+        self.assertEqual(zevnet.ends(), (2, b""))
+        self.assertIn("speak", " ".join(zevnet.lines))
+
+    def test_what_cannot_be_written_is_a_failure(self):
+        listener, port = self.listener()
+        zevnet = self.start("sh", "-c", 'exec "$0" connect 127.0.0.1 "$1" >/dev/full', ZEVNET, port)
+        self.accept(listener).sendall(b"x")
+        self.assert_fails(zevnet, "28: No space left on device (standard output)")
+        for arguments in (["--help"], ["connect", "--help"]):
+            zevnet = self.start("sh", "-c", 'exec "$0" "$@" >/dev/full', ZEVNET, *arguments)
+            self.assert_fails(zevnet, "zevnet: cannot write to standard output")
+
     def test_help_is_no_failure(self):
         status, text = self.zevnet("connect", "--help").ends()
         self.assertEqual(status, 0)

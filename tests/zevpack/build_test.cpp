@@ -5,6 +5,7 @@
 
 #include "lz/compressor.h"
 #include "programs/zevpack/member_check.h"
+#include "support/made_image.h"
 #include "support/table.h"
 #include "zevpack/made_package.h"
 #include "zevpack/tool.h"
@@ -30,9 +31,13 @@ class ZevpackBuild : public ToolTest {
     writeMembers(folder_, made_);
   }
 
-  Outcome build(const std::string& before = "") const {
-    return zevpack({"build", "--image", image_, "--members", folder_, "--output", package_},
-                   before);
+  Outcome build(const std::string& before = "") const { return buildWith({}, before); }
+
+  Outcome buildWith(const std::vector<std::string>& options, const std::string& before = "") const {
+    std::vector<std::string> arguments = {"build", "--image",  image_,  "--members",
+                                          folder_, "--output", package_};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return zevpack(arguments, before);
   }
 
   fs::path memberFile(std::int32_t row) const {
@@ -51,7 +56,7 @@ class ZevpackBuild : public ToolTest {
   const fs::path image_ = at("image");
   const fs::path folder_ = at("members");
   const fs::path package_ = at("package");
-  const std::vector<MadeMember> made_ = storedMembers();
+  const std::vector<MadeMember> made_ = packedMembers();
 };
 
 TEST_F(ZevpackBuild, LaysTheMembersInReverseBehindTheImage) {
@@ -78,9 +83,11 @@ TEST_F(ZevpackBuild, GivesTheSamePackageTwice) {
 }
 
 TEST_F(ZevpackBuild, TakesTheLengthOfTheImageAsItIs) {
-  writeFile(image_, Bytes{0x4D});
-  ASSERT_EQ(build().status, 0);
-  EXPECT_EQ(fs::file_size(package_), kMembersTogether + 1);
+  for (const std::size_t size : {600u, 601u, 607u}) {
+    writeFile(image_, test::madeImage({.size = size}));
+    ASSERT_EQ(build().status, 0);
+    EXPECT_EQ(fs::file_size(package_), kMembersTogether + size);
+  }
 }
 
 TEST_F(ZevpackBuild, ReplacesThePackageThatWasThere) {
@@ -104,6 +111,18 @@ TEST_F(ZevpackBuild, PrefersTheExactNameToOneInOtherCase) {
   writeFile(folder_ / "STOP.WA_", Bytes(1));
   writeFile(folder_ / "stop.wa_", Bytes(2));
   EXPECT_EQ(build().status, 0);
+}
+
+TEST_F(ZevpackBuild, ChoosesNoneOfTwoNamesInOtherCase) {
+  fs::rename(memberFile(4), folder_ / "STOP.WA_");
+  fs::copy_file(folder_ / "STOP.WA_", folder_ / "stop.wa_");
+  const Outcome outcome = build();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("row 4, Stop.wa_: "));
+  EXPECT_THAT(outcome.err, HasSubstr((folder_ / "STOP.WA_").string()));
+  EXPECT_THAT(outcome.err, HasSubstr((folder_ / "stop.wa_").string()));
+  EXPECT_THAT(outcome.err, HasSubstr("both could be Stop.wa_"));
+  expectNothingWritten();
 }
 
 TEST_F(ZevpackBuild, LeavesOtherFilesAlone) {
@@ -210,6 +229,143 @@ TEST_F(ZevpackBuild, LeavesThePackageThatWasThereIfTheMachineRefusesToWrite) {
   EXPECT_EQ(readFile(package_), before);
   EXPECT_EQ(namesIn(package_.parent_path()),
             (std::set<std::string>{"image", "members", "package"}));
+}
+
+TEST_F(ZevpackBuild, RefusesAMemberThatWouldNotExpandToItsFile) {
+  writeFile(memberFile(4), noise(2576, 99));
+  Bytes otherMode = made_[placeOf(8)].packed;
+  otherMode[8] = 'B';
+  writeFile(memberFile(8), otherMode);
+  const Outcome outcome = build();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("row 4, Stop.wa_: no header of a packed file\n"));
+  EXPECT_THAT(outcome.err, HasSubstr("row 8, Key118m.wa_: unknown compression mode\n"));
+  EXPECT_THAT(outcome.err, HasSubstr("nothing was written; --force"));
+  expectNothingWritten();
+}
+
+TEST_F(ZevpackBuild, RefusesTheLetterThatVerifyWouldRefuse) {
+  Bytes upper = made_[placeOf(4)].packed;
+  ASSERT_EQ(upper[9], 'v');
+  upper[9] = 'V';
+  fs::remove(memberFile(4));
+  writeFile(folder_ / "STOP.WA_", upper);
+  const Outcome outcome = build();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("row 4, Stop.wa_: the header names the character 'V' instead "
+                                     "of 'v'"));
+  expectNothingWritten();
+}
+
+TEST_F(ZevpackBuild, TakesSuchMembersIfAPersonForcesItAndSaysWhatIsWrong) {
+  writeFile(memberFile(4), noise(2576, 99));
+  const Outcome outcome = buildWith({"--force"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.err, HasSubstr("row 4, Stop.wa_: no header of a packed file\n"));
+  EXPECT_EQ(fs::file_size(package_), madeImage().size() + kMembersTogether);
+  writeFile(memberFile(4), noise(2575, 99));
+  EXPECT_EQ(buildWith({"--force"}).status, 1) << "a size that would move all others";
+}
+
+TEST_F(ZevpackBuild, TakesStoredMembersIfToldThatTheyAreRight) {
+  writeMembers(folder_, storedMembers());
+  EXPECT_EQ(build().status, 1);
+  expectNothingWritten();
+  const Outcome outcome = buildWith({"--plain-ok"});
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_TRUE(readFile(package_) == packageOf(madeImage(), storedMembers()));
+}
+
+TEST_F(ZevpackBuild, NamesAMemberThatCannotBeReadAndAllOthersBesideIt) {
+  fs::remove(memberFile(4));
+  fs::create_symlink("/proc/self/mem", memberFile(4));
+  fs::remove(memberFile(1));
+  writeFile(memberFile(56), Bytes(3));
+  const Outcome outcome = build();
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("row 4, Stop.wa_: cannot read " + memberFile(4).string()));
+  EXPECT_THAT(outcome.err, HasSubstr("row 1, MCD28m.wa_: neither it nor"));
+  EXPECT_THAT(outcome.err, HasSubstr("row 56, zeveffs.dl_: the packed file has 3 bytes"));
+  expectNothingWritten();
+}
+
+class ZevpackBuildImage : public ZevpackBuild {
+ protected:
+  /// The image is refused in these words, and a person can force it.
+  void expectRefused(const Bytes& image, const std::string& why) const {
+    writeFile(image_, image);
+    const Outcome outcome = build();
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "zevpack: " + image_.string() + ": " + why +
+                               "\nnothing was written; --force builds it all the same\n");
+    expectNothingWritten();
+    const Outcome forced = buildWith({"--force"});
+    EXPECT_EQ(forced.status, 0);
+    EXPECT_THAT(forced.err, HasSubstr(why));
+    EXPECT_EQ(fs::file_size(package_), image.size() + kMembersTogether);
+    fs::remove(package_);
+  }
+};
+
+TEST_F(ZevpackBuildImage, ThatIsNoProgramIsRefused) {
+  expectRefused(noise(3583, 1), "there is no program in front of the members");
+  Bytes otherSystem = madeImage();
+  otherSystem[64] = 'N';
+  expectRefused(otherSystem, "there is no program in front of the members");
+}
+
+TEST_F(ZevpackBuildImage, ThatIsCutShortIsRefused) {
+  Bytes image = madeImage();
+  image.pop_back();
+  expectRefused(image,
+                "the program in front of the members is cut short: its header tells of 3583 bytes, "
+                "there are 3582");
+}
+
+TEST_F(ZevpackBuildImage, ThatIsAPackageAlreadyIsRefused) {
+  const std::string why = "the program in front of the members carries members already";
+  expectRefused(packageOf(madeImage(), made_), why);
+  expectRefused(packageOf(madeImage(), storedMembers()), why);
+  expectRefused(test::signedFile(packageOf(madeImage(), made_)), why);
+  Bytes cut = packageOf(madeImage(), made_);
+  cut.resize(cut.size() - 1000);
+  expectRefused(cut, why);
+}
+
+TEST_F(ZevpackBuildImage, ThatIsSignedIsRefused) {
+  expectRefused(test::signedFile(madeImage()),
+                "the program was signed before it got its members, and that signature is void; the "
+                "package is built first and signed last");
+}
+
+TEST_F(ZevpackBuildImage, WithSomethingElseBehindItIsTaken) {
+  Bytes image = madeImage();
+  image.resize(image.size() + 100, 0x2A);
+  writeFile(image_, image);
+  EXPECT_EQ(build().status, 0);
+}
+
+TEST_F(ZevpackBuild, DoesNotReplaceItsImageOrAMember) {
+  const auto refused = [&](const fs::path& output, const std::string& why) {
+    const std::set<std::string> before = namesIn(folder_);
+    const Outcome outcome =
+        zevpack({"build", "--image", image_, "--members", folder_, "--output", output, "--force"});
+    EXPECT_EQ(outcome.status, 1) << output;
+    EXPECT_THAT(outcome.err, HasSubstr(output.string())) << output;
+    EXPECT_THAT(outcome.err, HasSubstr(why)) << output;
+    EXPECT_EQ(namesIn(folder_), before);
+    EXPECT_EQ(readFile(memberFile(4)), made_[placeOf(4)].packed);
+    EXPECT_EQ(readFile(image_), madeImage());
+  };
+  refused(image_, "would replace its own image");
+  refused(memberFile(4), "would lie among the members");
+  refused(folder_ / "package", "would lie among the members");
+  refused(folder_ / ".." / "members" / "package", "would lie among the members");
+  fs::create_directory_symlink(folder_, at("link"));
+  refused(at("link") / "package", "would lie among the members");
+  fs::create_hard_link(image_, at("twin"));
+  refused(at("twin"), "would replace its own image");
 }
 
 TEST_F(ZevpackBuild, RefusesAnEmptyImage) {

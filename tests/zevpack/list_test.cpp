@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "support/made_image.h"
 #include "support/table.h"
 #include "zevpack/made_package.h"
 #include "zevpack/tool.h"
@@ -16,9 +17,11 @@ using testing::StartsWith;
 
 class ZevpackList : public ToolTest {
  protected:
-  Outcome list(const Bytes& bytes) const {
+  Outcome list(const Bytes& bytes, const std::vector<std::string>& options = {}) const {
     writeFile(at("package"), bytes);
-    return zevpack({"list", at("package")});
+    std::vector<std::string> arguments = {"list", at("package")};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return zevpack(arguments);
   }
 };
 
@@ -50,14 +53,35 @@ TEST_F(ZevpackList, ShowsOffsetsAndSizesOfEveryMember) {
   }
 }
 
-TEST_F(ZevpackList, MarksMembersWithoutAHeader) {
+TEST_F(ZevpackList, NamesMembersWithoutAHeaderAsWrongUnlessToldOtherwise) {
   std::vector<MadeMember> made = packedMembers();
   made[placeOf(4)].packed = noise(2576, 99);
-  const Outcome outcome = list(packageOf(madeImage(), made));
-  EXPECT_EQ(outcome.status, 0);
+  const Bytes package = packageOf(madeImage(), made);
+  const Outcome outcome = list(package);
+  EXPECT_EQ(outcome.status, 1);
   for (const std::string& line : linesOf(outcome.out)) {
-    EXPECT_EQ(line.ends_with("2576  no header"), line.starts_with(beginning(4, "Stop.wa_")))
+    EXPECT_EQ(line.ends_with("2576  no header of a packed file"),
+              line.starts_with(beginning(4, "Stop.wa_")))
         << line;
+  }
+  EXPECT_EQ(list(package, {"--plain-ok"}).status, 0);
+}
+
+TEST_F(ZevpackList, ShowsThePlacesInASignedPackage) {
+  const Bytes package = packageOf(madeImage(), packedMembers());
+  const Outcome outcome = list(package);
+  const Outcome withTable = list(test::signedFile(package));
+  EXPECT_EQ(withTable.status, 0);
+  EXPECT_EQ(withTable.out, outcome.out);
+}
+
+TEST_F(ZevpackList, SaysWhatIsNoPackage) {
+  const Outcome outcome = list(noise(16'000'000, 3));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.out, HasSubstr("there is no program in front of the members"));
+  for (const std::string& line : linesOf(outcome.out)) {
+    if (line.find(".wa_ ") == std::string::npos) continue;
+    EXPECT_THAT(line, EndsWith("  no header of a packed file"));
   }
 }
 
@@ -66,7 +90,8 @@ TEST_F(ZevpackList, NamesMembersThatBeginInFrontOfTheFile) {
   const Outcome outcome = list(Bytes(whole.end() - 194 - 178, whole.end()));
   EXPECT_EQ(outcome.status, 1);
   const std::vector<std::string> lines = linesOf(outcome.out);
-  ASSERT_EQ(lines.size(), 57u);
+  ASSERT_EQ(lines.size(), 58u);
+  EXPECT_EQ(lines[57], "there is no program in front of the members");
   EXPECT_THAT(lines[1], StartsWith(beginning(1, "MCD28m.wa_")));
   EXPECT_THAT(lines[2], StartsWith(beginning(2, "MCU28m.wa_")));
   for (std::size_t row = 3; row <= 56; ++row) {

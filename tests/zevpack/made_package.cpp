@@ -5,6 +5,7 @@
 
 #include "lz/lzss_format.h"
 #include "lz/szdd_header.h"
+#include "support/made_image.h"
 
 namespace zev::packing {
 namespace {
@@ -102,7 +103,7 @@ std::vector<MadeMember> storedMembers() {
   });
 }
 
-Bytes madeImage() { return noise(kImageSize, 0); }
+Bytes madeImage() { return test::madeImage({.size = kImageSize}); }
 
 Bytes packageOf(const Bytes& image, const std::vector<MadeMember>& made) {
   Bytes package = image;

@@ -31,7 +31,7 @@ MadeMember densestOfSize(std::size_t size, std::uint8_t nameByte);
 std::vector<MadeMember> packedMembers();
 std::vector<MadeMember> storedMembers();
 
-/// The image of a made package.
+/// The image of a made package: a program's, of an odd length.
 Bytes madeImage();
 
 /// The package as it must come out: the image, then the members from the last one to the first.

@@ -1,8 +1,10 @@
 // How the tool answers a wrong use, and inputs that it cannot read.
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "zevpack/made_package.h"
 #include "zevpack/tool.h"
 
 namespace zev::packing {
@@ -13,6 +15,9 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 using Arguments = std::vector<std::string>;
+
+/// Of the shell: enough for the tool, and not for a file of 400 MB.
+constexpr const char* littleMemory = "ulimit -v 200000";
 
 class ZevpackUse : public ToolTest {
  protected:
@@ -79,7 +84,10 @@ TEST_F(ZevpackUse, GivesTwoAndPointsToTheHelp) {
       {"list"},
       {"list", file, file},
       {"list", file, "verify", file},
-      {"list", file, "--plain-ok"},
+      {"list", file, "--force"},
+      {"verify", "--against", file},
+      {"verify", "--installed", at("")},
+      {"verify", file, "--system", at("")},
       {"verify"},
       {"verify", file, "--packed"},
       {"extract", file},
@@ -112,6 +120,69 @@ TEST_F(ZevpackUse, NamesAFolderInPlaceOfAFile) {
   expectUnreadable(at("folder"), "is a folder");
 }
 
+TEST_F(ZevpackUse, NamesAPipeOrADeviceAndWaitsForNeither) {
+  ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
+  expectUnreadable(at("pipe"), "is a pipe, not a file");
+  expectUnreadable("/dev/zero", "is a device, not a file");
+}
+
+TEST_F(ZevpackUse, NamesAFileThatIsTooLong) {
+  writeFile(at("long"), Bytes(10));
+  fs::resize_file(at("long"), std::uintmax_t{1} << 31);
+  expectUnreadable(at("long"), "is longer than 2 GiB");
+}
+
+TEST_F(ZevpackUse, NamesAFileThatNeedsMoreMemoryThanThereIs) {
+  const Outcome probe = zevpack({"--help"}, littleMemory);
+  if (probe.status != 0) GTEST_SKIP() << "this build of the tool needs more memory to begin with";
+  writeFile(at("big"), Bytes(10));
+  fs::resize_file(at("big"), 400'000'000);
+  for (const Arguments& each : readers(at("big"))) {
+    const Outcome outcome = zevpack(each, littleMemory);
+    EXPECT_EQ(outcome.status, 1) << each.front();
+    EXPECT_EQ(outcome.err,
+              "zevpack: " + at("big").string() + ": there is not enough memory for it\n")
+        << each.front();
+  }
+  EXPECT_EQ(names(), (std::set<std::string>{"big"}));
+}
+
+TEST_F(ZevpackUse, NamesAFileThatNeedsMoreMemoryThanThereIsToExpand) {
+  if (zevpack({"--help"}, littleMemory).status != 0) GTEST_SKIP() << "as above";
+  const MadeMember dense = densestOfSize(14 + 17 * 1'000'000, 'v');  // 144,000,000 bytes
+  writeFile(at("dense.wa_"), dense.packed);
+  const Outcome outcome = zevpack({"expand", at("dense.wa_"), at("dense.wav")}, "ulimit -v 160000");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err,
+            "zevpack: " + at("dense.wa_").string() + ": there is not enough memory to expand it\n");
+  EXPECT_EQ(names(), (std::set<std::string>{"dense.wa_"}));
+}
+
+TEST_F(ZevpackUse, NamesAWordThatIsNoCommand) {
+  for (const Arguments& words :
+       {Arguments{"biuld"}, Arguments{"biuld", "--image", "x"}, Arguments{"verifi", "package"}}) {
+    const Outcome outcome = zevpack(words);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_THAT(outcome.err, HasSubstr(words.front()));
+  }
+}
+
+TEST_F(ZevpackUse, FailsIfWhatItSaysCannotBeWritten) {
+  if (!fs::is_character_file("/dev/full")) GTEST_SKIP() << "no device of that name";
+  writeFile(at("package"), packageOf(madeImage(), packedMembers()));
+  const std::string package = at("package");
+  for (const Arguments& each :
+       {Arguments{"list", package}, Arguments{"list", "--digests", package},
+        Arguments{"verify", package}, Arguments{"--help"}, Arguments{"list", "--help"}}) {
+    std::string command = std::string("'") + ZEVPACK_TOOL + "'";
+    for (const std::string& word : each) command += " '" + word + "'";
+    const Outcome outcome = runProgram("sh", {"-c", command + " >/dev/full"});
+    EXPECT_EQ(outcome.status, 1) << each.front();
+    EXPECT_THAT(outcome.err, HasSubstr("zevpack: cannot write to standard output: No space left"))
+        << each.front();
+  }
+}
+
 TEST_F(ZevpackUse, NamesAFileInPlaceOfAFolder) {
   writeFile(at("file"), Bytes(10));
   expectUnreadable(at("file") / "inner", "Not a directory");
@@ -132,7 +203,7 @@ TEST_F(ZevpackUse, NamesAFileWhoseReadsFail) {
 }
 
 TEST_F(ZevpackUse, NamesAFolderOfMembersThatCannotBeListed) {
-  writeFile(at("image"), Bytes(10));
+  writeFile(at("image"), madeImage());
   for (const fs::path& folder : {at("missing"), at("image")}) {
     const Outcome outcome =
         zevpack({"build", "--image", at("image"), "--members", folder, "--output", at("out")});

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "support/made_image.h"
 #include "zevpack/made_package.h"
 #include "zevpack/tool.h"
 
@@ -64,9 +65,53 @@ TEST_F(ZevpackVerify, FindsNothingWrongWithARightPackage) {
   EXPECT_EQ(outcome.err, "");
 }
 
-TEST_F(ZevpackVerify, AsksForNoImage) {
+TEST_F(ZevpackVerify, FindsNothingWrongWithASignedPackage) {
+  const Outcome outcome = verify(test::signedFile(right_));
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_EQ(
+      outcome.out,
+      package_.string() + ": 56 of 56 members are right, with a certificate table behind them\n");
+}
+
+TEST_F(ZevpackVerify, FindsAByteBehindTheTableWrong) {
+  Bytes bytes = test::signedFile(right_);
+  bytes.push_back(0);
+  const Outcome outcome = verify(bytes);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(rowsNamed(outcome.out), rows(1, 56));
+}
+
+TEST_F(ZevpackVerify, FindsMembersWithoutAProgramWrong) {
   const Bytes bare(right_.begin() + static_cast<std::ptrdiff_t>(startOf(56)), right_.end());
-  EXPECT_EQ(verify(bare).status, 0);
+  const Outcome outcome = verify(bare);
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.out, "there is no program in front of the members\n" + package_.string() +
+                             ": 56 of 56 members are right, the program is not\n");
+}
+
+TEST_F(ZevpackVerify, FindsMembersBehindAPackageWrong) {
+  const std::string why = "the program in front of the members carries members already\n";
+  EXPECT_THAT(verify(packageOf(right_, packedMembers())).out, HasSubstr(why));
+  EXPECT_EQ(verify(packageOf(right_, packedMembers())).status, 1);
+  EXPECT_EQ(verify(packageOf(packageOf(madeImage(), storedMembers()), packedMembers())).status, 1);
+}
+
+TEST_F(ZevpackVerify, FindsAProgramThatWasSignedBeforeItGotItsMembersWrong) {
+  const Outcome outcome = verify(packageOf(test::signedFile(madeImage()), packedMembers()));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.out, HasSubstr("built first and signed last"));
+}
+
+TEST_F(ZevpackVerify, FindsAByteMoreOrLessAmongStoredMembersWrong) {
+  Bytes bytes = packageOf(madeImage(), storedMembers());
+  bytes.push_back(0);
+  const Outcome more = verify(bytes, true);
+  EXPECT_EQ(more.status, 1);
+  EXPECT_THAT(more.out, HasSubstr("1 bytes lie between the program and the members"));
+  bytes.resize(bytes.size() - 2);
+  const Outcome less = verify(bytes, true);
+  EXPECT_EQ(less.status, 1);
+  EXPECT_THAT(less.out, HasSubstr("cut short"));
 }
 
 TEST_F(ZevpackVerify, FindsTheFirstByteMissing) {

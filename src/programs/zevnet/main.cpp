@@ -1,5 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <iostream>
 
 #include "programs/zevnet/posix_terminal.h"
 #include "programs/zevnet/zevnet.h"
@@ -54,6 +55,13 @@ void addCommands(CLI::App& app, Wishes& wishes) {
   listen.callback([&wishes] { wishes.listen = true; });
 }
 
+/// The exit status behind the help.
+int helpWritten() {
+  if (std::cout.flush()) return 0;
+  std::fputs("zevnet: cannot write to standard output\n", stderr);
+  return 1;
+}
+
 int runOnThisMachine(const Wishes& wishes) {
   PosixTerminal::openMissingStreams();
   zev::posix::Machine machine;
@@ -68,14 +76,16 @@ int runOnThisMachine(const Wishes& wishes) {
 int main(int argc, char** argv) {
   CLI::App app("zevnet connects standard input and output with the network.");
   app.name("zevnet");
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   Wishes wishes;
   addCommands(app, wishes);
   try {
     app.parse(argc, argv);
+    // Asked for here, a word that is no command has been named by then.
+    if (app.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
     return runOnThisMachine(wishes);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : wrongUse;
+    return app.exit(error) == 0 ? helpWritten() : wrongUse;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "zevnet: %s\n", error.what());
     return 1;

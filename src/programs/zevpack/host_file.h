@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "programs/zevpack/partial_file.h"
 
 namespace zev::packing {
 
@@ -17,32 +20,35 @@ class ToolError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The whole content of a file. ToolError if it cannot be read.
+/// The longest file that the tool reads or writes: what an expansion can tell the length of.
+inline constexpr std::uint64_t longestFile = 0x7FFFFFFF;
+
+/// The whole content of a regular file. ToolError if it is none, is longer than `longestFile`, or
+/// cannot be read.
 Bytes readFile(const std::filesystem::path& path);
 
-/// Writes a file whole or not at all: it takes its name only when every byte is on the disk.
-/// ToolError if it cannot be written, or if something other than a file has its name; what stood
-/// there before is then untouched.
+/// Writes a file whole or not at all: it is made as NAME.partial, and takes its name and the mode
+/// of what it replaces only when every byte is written. ToolError if it cannot be, if something
+/// other than a file has its name or what has it is read-only, or if a file NAME.partial is there,
+/// which is left alone; what stood there before is then untouched.
 class NewFile {
  public:
   explicit NewFile(std::filesystem::path path);
-  ~NewFile();
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
 
   void append(std::span<const std::uint8_t> bytes);
   /// Gives the file its name. Without it nothing is left of the file.
   void keep();
 
  private:
-  [[noreturn]] void fail(const std::string& what) const;
-
   std::filesystem::path path_;
-  std::filesystem::path partial_;
-  std::FILE* file_ = nullptr;
+  std::optional<PartialFile> partial_;
 };
 
 void writeFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
+
+/// ToolError if no file can be written by that name, as far as that can be told before: for what
+/// NewFile would refuse that has its name, or the name that it is made under.
+void requireWritable(const std::filesystem::path& path);
 
 /// Makes a folder with its missing parents. ToolError if it cannot be made.
 void makeFolder(const std::filesystem::path& path);

@@ -1,22 +1,49 @@
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <functional>
+#include <iostream>
+#include <new>
 
 #include "programs/zevpack/commands.h"
 #include "programs/zevpack/host_file.h"
 
 namespace {
 
-using zev::packing::ToolError;
+using namespace zev::packing;
 
+constexpr int failed = 1;
 constexpr int wrongUse = 2;
 
 /// What the person typed, as far as the commands need it.
 struct Arguments {
   std::string image, members, output, package, folder, in, out;
+  std::string against, installed, system, projects;
   bool packed = false;
   bool plainOk = false;
+  bool force = false;
+  bool digests = false;
+
+  Stored stored() const { return plainOk ? Stored::Right : Stored::Wrong; }
+  Force forced() const { return force ? Force::Yes : Force::No; }
 };
+
+std::optional<std::filesystem::path> given(const std::string& path) {
+  return path.empty() ? std::nullopt : std::optional<std::filesystem::path>(path);
+}
+
+Verification verification(const Arguments& a) {
+  if (a.package.empty() && (a.installed.empty() || a.against.empty())) {
+    throw CLI::RequiredError("a package, or --installed and --against");
+  }
+  if (a.installed.empty() && !(a.system.empty() && a.projects.empty())) {
+    throw CLI::RequiredError("--installed beside --system and --projects");
+  }
+  Verification wanted{given(a.package), given(a.against), std::nullopt, a.stored()};
+  if (!a.installed.empty()) wanted.installed = {a.installed, given(a.system), given(a.projects)};
+  return wanted;
+}
 
 /// Adds a command that runs `work` and remembers its exit status.
 CLI::App* command(CLI::App& app, const char* name, const char* help, int& status,
@@ -26,35 +53,63 @@ CLI::App* command(CLI::App& app, const char* name, const char* help, int& status
   return added;
 }
 
-void addCommands(CLI::App& app, Arguments& a, int& status) {
-  using namespace zev::packing;
-  CLI::App* c = command(app, "build", "Builds a package: the image with 56 members behind it",
-                        status, [&a] { return build(a.image, a.members, a.output); });
+void addPlainOk(CLI::App* c, Arguments& a) {
+  c->add_flag("--plain-ok", a.plainOk, "Members that are stored without compression are right");
+}
+
+void addBuild(CLI::App& app, Arguments& a, int& status) {
+  CLI::App* c =
+      command(app, "build", "Builds a package: the image with 56 members behind it", status,
+              [&a] { return build(a.image, a.members, a.output, a.stored(), a.forced()); });
   c->add_option("--image", a.image, "The program's own image")->required();
   c->add_option("--members", a.members,
                 "Folder of packed members under their packed names, or of plain files under their "
                 "installed names, which are compressed")
       ->required();
   c->add_option("--output", a.output, "The package to write")->required();
+  addPlainOk(c, a);
+  c->add_flag("--force", a.force,
+              "Builds it although the image is no program without members, or a member of the "
+              "right size would not expand");
+}
 
-  c = command(app, "list", "Lists the members of a package", status,
-              [&a] { return list(a.package); });
+void addList(CLI::App& app, Arguments& a, int& status) {
+  CLI::App* c =
+      command(app, "list", "Lists the members of a package; 1 if one is wrong", status, [&a] {
+        return a.digests ? listDigests(a.package, a.stored()) : list(a.package, a.stored());
+      });
   c->add_option("package", a.package, "The package")->required();
+  c->add_flag("--digests", a.digests, "SHA-256 of each expanded member, for sha256sum -c");
+  addPlainOk(c, a);
+}
 
-  c = command(app, "verify",
-              "Checks place, header and full expansion of every member; 1 if one is wrong", status,
-              [&a] { return verify(a.package, a.plainOk); });
-  c->add_option("package", a.package, "The package")->required();
-  c->add_flag("--plain-ok", a.plainOk, "Members that are stored without compression are right");
+void addVerify(CLI::App& app, Arguments& a, int& status) {
+  CLI::App* c = command(app, "verify",
+                        "Checks the program, and place, header and full expansion of every member, "
+                        "or what was laid of them; 1 if one is wrong",
+                        status, [&a] { return verify(verification(a)); });
+  c->add_option("package", a.package, "The package");
+  addPlainOk(c, a);
+  c->add_option("--against", a.against, "Digests that members and files have to have");
+  c->add_option("--installed", a.installed, "Install directory of a product to be checked");
+  c->add_option("--system", a.system, "System directory with its libraries");
+  c->add_option("--projects", a.projects, "Folder of the sample project");
+}
 
-  c = command(app, "extract", "Takes the members out of a package", status,
-              [&a] { return extract(a.package, a.folder, a.packed); });
+void addExtract(CLI::App& app, Arguments& a, int& status) {
+  CLI::App* c = command(app, "extract", "Takes the members out of a package", status, [&a] {
+    return extract(a.package, a.folder, a.packed, a.stored(), a.forced());
+  });
   c->add_option("package", a.package, "The package")->required();
   c->add_option("--to", a.folder, "Folder to write to; made if it is missing")->required();
   c->add_flag("--packed", a.packed, "As they are stored, under their packed names");
+  addPlainOk(c, a);
+  c->add_flag("--force", a.force, "Takes out what there is of a package that is not right");
+}
 
-  c = command(app, "compress", "Compresses one file", status,
-              [&a] { return compress(a.in, a.out); });
+void addSingleFiles(CLI::App& app, Arguments& a, int& status) {
+  CLI::App* c = command(app, "compress", "Compresses one file", status,
+                        [&a] { return compress(a.in, a.out); });
   c->add_option("in", a.in, "The plain file")->required();
   c->add_option("out", a.out, "The packed file to write")->required();
 
@@ -67,25 +122,43 @@ void addCommands(CLI::App& app, Arguments& a, int& status) {
   c->add_option("--to", a.folder, "Folder to write to; made if it is missing")->required();
 }
 
+int run(CLI::App& app, int argc, char** argv, const int& status) {
+  try {
+    app.parse(argc, argv);
+    // Asked for here, a word that is no command has been named by then.
+    if (app.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
+    return status;
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : wrongUse;
+  } catch (const std::bad_alloc&) {
+    std::fputs("zevpack: there is not enough memory\n", stderr);
+    return failed;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "zevpack: %s\n", error.what());
+    return failed;
+  }
+}
+
+/// What was printed is part of the work.
+int withOutputWritten(int status) {
+  std::cout.flush();
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout) return status;
+  std::fprintf(stderr, "zevpack: cannot write to standard output: %s\n", std::strerror(errno));
+  return failed;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   CLI::App app("zevpack builds and checks packages of the ZEV Screen Recorder setup.");
   app.name("zevpack");
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   Arguments arguments;
   int status = 0;
-  addCommands(app, arguments, status);
-  try {
-    app.parse(argc, argv);
-    return status;
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : wrongUse;
-  } catch (const ToolError& error) {
-    std::fprintf(stderr, "zevpack: %s\n", error.what());
-    return 1;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "zevpack: %s\n", error.what());
-    return 1;
-  }
+  addBuild(app, arguments, status);
+  addList(app, arguments, status);
+  addVerify(app, arguments, status);
+  addExtract(app, arguments, status);
+  addSingleFiles(app, arguments, status);
+  return withOutputWritten(run(app, argc, argv, status));
 }

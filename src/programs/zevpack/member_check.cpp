@@ -1,8 +1,12 @@
 #include "programs/zevpack/member_check.h"
 
+#include <algorithm>
+#include <new>
 #include <utility>
 
+#include "lz/compressor.h"
 #include "lz/expand.h"
+#include "lz/group_expander.h"
 #include "lz/memory_stream.h"
 #include "lz/szdd_header.h"
 #include "platform/lz_services.h"
@@ -18,8 +22,28 @@ std::string troubleOf(std::int32_t result) {
       return "unknown compression mode";
     case lz_error::badValue:
       return "the declared length is beyond 2 GiB";
+    case lz_error::writeFailure:
+    case lz_error::outOfMemory:
+      return "there is not enough memory to expand it";
     default:
       return "cannot be expanded (" + std::to_string(result) + ")";
+  }
+}
+
+/// The declared length, as far as the data can come to it: a damaged header costs no memory.
+std::size_t mostExpanded(std::span<const std::uint8_t> stored) {
+  const std::uint64_t groups = stored.size() / lz::kGroupInput + 1;
+  return std::min<std::uint64_t>({declaredLength(stored),
+                                  std::max<std::uint64_t>(groups * lz::kGroupOutput, stored.size()),
+                                  longestFile});
+}
+
+bool makeRoom(Bytes& bytes, std::size_t size) {
+  try {
+    bytes.reserve(size);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
   }
 }
 
@@ -29,11 +53,25 @@ std::string quoted(std::uint8_t character) { return {'\'', static_cast<char>(cha
 
 Expanded expandMember(std::span<const std::uint8_t> stored) {
   Bytes bytes;
+  if (!makeRoom(bytes, mostExpanded(stored))) return {{}, troubleOf(lz_error::outOfMemory)};
   lz::MemorySource source(stored);
   lz::MemorySink sink(bytes);
   const std::int32_t result = lz::expand(source, sink);
   if (result < 0) return {{}, troubleOf(result)};
   return {std::move(bytes), {}};
+}
+
+Bytes compressed(const std::filesystem::path& plain, std::uint8_t nameByte) {
+  const Bytes bytes = readFile(plain);
+  try {
+    Bytes packed = lz::compress(bytes, nameByte);
+    if (packed.size() > longestFile) {
+      throw ToolError(plain.string() + " compresses to more than 2 GiB");
+    }
+    return packed;
+  } catch (const std::bad_alloc&) {
+    throw ToolError(plain.string() + ": there is not enough memory to compress it");
+  }
 }
 
 bool isPacked(std::span<const std::uint8_t> stored) {

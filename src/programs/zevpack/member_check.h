@@ -17,6 +17,10 @@ struct Expanded {
 /// Expands a packed file as the installer would; a file without the header is taken as it is.
 Expanded expandMember(std::span<const std::uint8_t> stored);
 
+/// The packed file of a plain one. ToolError names that if it cannot be read, is too long to be
+/// packed and expanded again, or needs more memory than there is.
+Bytes compressed(const std::filesystem::path& plain, std::uint8_t nameByte);
+
 /// What is wrong with a stored member: its header, or its data. A member without a header is wrong
 /// too, unless `plainOk`: an installer would lay it as it is, which is what a misplaced member
 /// looks like. Empty if nothing is.

@@ -1,9 +1,10 @@
 #include "programs/zevpack/package_builder.h"
 
 #include <algorithm>
-#include <map>
+#include <cstdio>
 
-#include "lz/compressor.h"
+#include "programs/zevpack/folder.h"
+#include "programs/zevpack/member_check.h"
 #include "programs/zevpack/progress.h"
 
 namespace zev::packing {
@@ -11,80 +12,122 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The files of a folder, found by name without regard to case where no exact match is there.
-class Folder {
- public:
-  explicit Folder(const fs::path& path) : path_(path) {
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(path, error)) {
-      if (!entry.is_regular_file()) continue;
-      const std::string name = entry.path().filename().string();
-      byFoldedName_.emplace(toUtf8(lowerCase(fromUtf8(name))), entry.path());
-    }
-    if (error) throw ToolError("cannot list the folder " + path.string() + ": " + error.message());
-  }
-
-  std::optional<fs::path> find(const std::string& name) const {
-    const fs::path exact = path_ / name;
-    if (fs::is_regular_file(exact)) return exact;
-    const auto found = byFoldedName_.find(toUtf8(lowerCase(fromUtf8(name))));
-    if (found == byFoldedName_.end()) return std::nullopt;
-    return found->second;
-  }
-
- private:
-  fs::path path_;
-  std::map<std::string, fs::path> byFoldedName_;
-};
-
 std::string label(const Member& member) {
   return "row " + std::to_string(member.row) + ", " + member.packedName;
 }
 
-/// Takes one member from the folder; what is wrong with it goes to `trouble`.
-Bytes gather(const Member& member, const Folder& folder, std::string& trouble) {
+/// A member as it was found, and what is wrong with it.
+struct Found {
   Bytes stored;
-  std::string source;
-  if (const auto packed = folder.find(member.packedName)) {
-    stored = readFile(*packed);
-    source = "the packed file has ";
-  } else if (const auto plain = folder.find(member.installedName)) {
-    stored = lz::compress(readFile(*plain), nameByte(member));
-    source = member.installedName + " compresses to ";
-  } else {
-    trouble += "  " + label(member) + ": neither it nor " + member.installedName + " is there\n";
-    return {};
+  std::string trouble;   ///< that keeps it from its place
+  std::string doubtful;  ///< that a person may want all the same
+};
+
+std::string wrongSize(const Member& member, const std::string& source, std::size_t size) {
+  if (size == member.size) return {};
+  return source + std::to_string(size) + " bytes, the manifest says " + std::to_string(member.size);
+}
+
+Found takePacked(const Member& member, const fs::path& file, Stored stored) {
+  Found found{readFile(file), {}, {}};
+  found.trouble = wrongSize(member, "the packed file has ", found.stored.size());
+  if (found.trouble.empty()) {
+    found.doubtful = checkMember(found.stored, nameByte(member), stored == Stored::Right);
   }
-  if (stored.size() != member.size) {
-    trouble += "  " + label(member) + ": " + source + std::to_string(stored.size()) +
-               " bytes, the manifest says " + std::to_string(member.size) + "\n";
+  return found;
+}
+
+Found takePlain(const Member& member, const fs::path& file) {
+  Found found{compressed(file, nameByte(member)), {}, {}};
+  found.trouble = wrongSize(member, member.installedName + " compresses to ", found.stored.size());
+  return found;
+}
+
+Found take(const Member& member, const Folder& folder, Stored stored) {
+  try {
+    if (const auto packed = folder.find(member.packedName)) {
+      return takePacked(member, *packed, stored);
+    }
+    if (const auto plain = folder.find(member.installedName)) return takePlain(member, *plain);
+    return {{}, "neither it nor " + member.installedName + " is there", {}};
+  } catch (const ToolError& error) {
+    return {{}, error.what(), {}};
   }
-  return stored;
+}
+
+void note(std::string& list, const Member& member, const std::string& what) {
+  if (!what.empty()) list += "  " + label(member) + ": " + what + "\n";
+}
+
+/// What a person is told who forces it, and what refuses all others.
+void refuseUnless(Force force, const std::string& what) {
+  if (force == Force::No) {
+    throw ToolError(what + "nothing was written; --force builds it all the same");
+  }
+  std::fprintf(stderr, "zevpack: %s", what.c_str());
+}
+
+void checkProgram(const fs::path& path, const Bytes& image, Force force) {
+  if (image.empty()) throw ToolError("the image " + path.string() + " is empty");
+  const std::string trouble = troubleOfProgram(image, false);
+  if (!trouble.empty()) refuseUnless(force, path.string() + ": " + trouble + "\n");
+}
+
+/// The path with all links resolved, as far as it exists, without a separator at its end.
+fs::path resolved(const fs::path& path) {
+  std::error_code error;
+  const fs::path whole = fs::weakly_canonical(fs::absolute(path), error);
+  const fs::path& taken = error ? path : whole;
+  return taken.has_filename() ? taken : taken.parent_path();
+}
+
+bool liesIn(const fs::path& file, const fs::path& folder) {
+  const fs::path inner = resolved(file.has_parent_path() ? file.parent_path() : ".");
+  const fs::path outer = resolved(folder);
+  const auto differing = std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
+  return differing.first == outer.end();
+}
+
+/// What goes into the package is not to be replaced by it.
+void checkOutput(const fs::path& output, const fs::path& image, const fs::path& folder) {
+  std::error_code ignored;
+  if (fs::equivalent(output, image, ignored)) {
+    throw ToolError("the package " + output.string() + " would replace its own image");
+  }
+  if (liesIn(output, folder)) {
+    throw ToolError("the package " + output.string() + " would lie among the members in " +
+                    folder.string());
+  }
+  requireWritable(output);
 }
 
 }  // namespace
 
-std::vector<Bytes> gatherMembers(const fs::path& path) {
+std::vector<Bytes> gatherMembers(const fs::path& path, Stored stored, Force force) {
   const Folder folder(path);
   const std::vector<Member> all = members();
   Progress progress("Packing", all.size());
-  std::string trouble;
+  std::string trouble, doubtful;
   std::vector<Bytes> gathered;
   for (const Member& member : all) {
     progress.step(member.packedName);
-    gathered.push_back(gather(member, folder, trouble));
+    Found found = take(member, folder, stored);
+    note(trouble, member, found.trouble);
+    note(doubtful, member, found.doubtful);
+    gathered.push_back(std::move(found.stored));
   }
-  if (!trouble.empty()) {
-    throw ToolError("the members in " + path.string() + " do not fit the manifest:\n" + trouble +
-                    "nothing was written");
-  }
+  const std::string front = "the members in " + path.string() + " do not fit the manifest:\n";
+  if (!trouble.empty()) throw ToolError(front + trouble + doubtful + "nothing was written");
+  if (!doubtful.empty()) refuseUnless(force, front + doubtful);
   return gathered;
 }
 
-void buildPackage(const fs::path& image, const fs::path& folder, const fs::path& output) {
+void buildPackage(const fs::path& image, const fs::path& folder, const fs::path& output,
+                  Stored stored, Force force) {
   const Bytes front = readFile(image);
-  if (front.empty()) throw ToolError("the image " + image.string() + " is empty");
-  const std::vector<Bytes> gathered = gatherMembers(folder);
+  checkOutput(output, image, folder);
+  checkProgram(image, front, force);
+  const std::vector<Bytes> gathered = gatherMembers(folder, stored, force);
   NewFile package(output);
   package.append(front);
   std::for_each(gathered.rbegin(), gathered.rend(),

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-namespace zev::simulated {
+namespace zev {
 
 /// SHA-256 of bytes that come piece by piece.
 class Sha256 {
@@ -24,4 +24,4 @@ class Sha256 {
 /// The digest of one piece.
 std::string sha256Hex(std::span<const std::uint8_t> bytes);
 
-}  // namespace zev::simulated
+}  // namespace zev

@@ -1,10 +1,10 @@
-#include "simulated/sha256.h"
+#include "digest/sha256.h"
 
 #include <openssl/evp.h>
 
 #include <stdexcept>
 
-namespace zev::simulated {
+namespace zev {
 namespace {
 
 void require(int result) {
@@ -47,4 +47,4 @@ std::string sha256Hex(std::span<const std::uint8_t> bytes) {
   return digest.hex();
 }
 
-}  // namespace zev::simulated
+}  // namespace zev
