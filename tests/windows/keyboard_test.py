@@ -59,7 +59,7 @@ class KeyboardTest(unittest.TestCase):
         sitting.finish("Return")
 
     def test_finish_is_pressed_without_shortcuts(self):
-        """No window of another program comes between, which would give the focus back."""
+        """No window of a group of shortcuts comes between."""
         sitting = self.sit_down("win8")
         sitting.keys("shift+Tab", "space")
         sitting.keys("Tab", "space", "Tab", "space", "shift+Tab", "shift+Tab", "space")
