@@ -1,5 +1,5 @@
-/* For tests: a program that is started with ZEV_NOTE_STARTS in its environment notes how, in the file
-   of that name. */
+/* For tests: a program that is started with ZEV_NOTE_STARTS in its environment notes how, in the
+   file of that name. */
 #ifndef ZEV_SAMPLE_NOTE_START_H
 #define ZEV_SAMPLE_NOTE_START_H
 
@@ -15,7 +15,8 @@ static inline void addNoted(HANDLE file, const WCHAR* text) {
   if (length > 1) WriteFile(file, bytes, (DWORD)length - 1, &written, NULL);
 }
 
-/* A line of JSON would need its backslashes doubled: here what tells parts apart is the tabulator. */
+/* A line of JSON would need its backslashes doubled: here what tells parts apart is the tabulator.
+ */
 static inline void noteStart(void) {
   static WCHAR name[LONGEST_NOTED];
   static WCHAR folder[LONGEST_NOTED];

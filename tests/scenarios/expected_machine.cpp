@@ -7,9 +7,9 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "digest/sha256.h"
 #include "runtime/text.h"
 #include "scenarios/told_boxes.h"
-#include "digest/sha256.h"
 #include "support/table.h"
 
 namespace zev {
