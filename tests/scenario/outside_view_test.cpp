@@ -102,7 +102,7 @@ constexpr ControlDesign placedControls[] = {
     {.name = u"Combo1", .kind = ControlKind::ComboBox, .place = {15, -23, 300, 315}},
     {.name = u"Drive1", .kind = ControlKind::DriveListBox, .place = {0, -22, 300, 315}},
 };
-constexpr FormDesign placedDesign = {.name = u"Form1", .controls = placedControls};
+constexpr FormDesign placedDesign = {.name = u"Form1", .caption = {}, .controls = placedControls};
 
 /// A pixel is 15 twips: both edges of a control are moved to the nearest one.
 TEST_F(OutsideViewTest, TellsPlacesAsTheyComeOutInPixels) {
