@@ -32,7 +32,7 @@ PLANTED = ["comctl32", "uxtheme", "version", "lz32", "dwmapi", "cryptbase", "cry
 # the system's known libraries, which it is on Windows.
 LOADED_BY_WINE = {"version"}
 
-SECONDS_TO_COME_UP = 4
+SECONDS_TO_LOAD = 60
 SECONDS_TO_INSTALL = 120
 
 INSTALL = {"script": [
@@ -94,10 +94,13 @@ class PlantedTest(unittest.TestCase):
         careless = self.compile("careless_program.c", "careless.exe", "-mwindows")
         with PlantedMachine(self.folder) as machine:
             self.plant(machine)
-            machine.start(machine.put(careless, "C:\\Downloads\\Careless.exe"),
-                          *(f"{name}.dll" for name in PLANTED))
-            time.sleep(SECONDS_TO_COME_UP)
-            self.assertGreater(len(self.loaded(machine)), len(PLANTED) // 2)
+            process = machine.start(machine.put(careless, "C:\\Downloads\\Careless.exe"),
+                                    *(f"{name}.dll" for name in PLANTED))
+            self.addCleanup(wine_machine.end, process)
+            end = time.monotonic() + SECONDS_TO_LOAD
+            while len(self.loaded(machine)) <= len(PLANTED) // 2:
+                self.assertLess(time.monotonic(), end, f"only {self.loaded(machine)} were loaded")
+                time.sleep(0.2)
 
 
 if __name__ == "__main__":
