@@ -32,6 +32,9 @@ TURKISH = "1"  # by its number: the wizard's list does not have it
 # The window of the new group would lie over the form: folders are opened by a program without one.
 NO_WINDOW = "C:\\\\windows\\\\system32\\\\rundll32.exe"
 
+# A caret that blinks is another picture at each look, where looks take as long as it does.
+NO_BLINKING = "-1"
+
 # So much of a picture may differ from the kept one, and of the browser, which tells the free space of
 # the host's disk. A button that is elsewhere is more. Colours may differ where fonts are drawn with
 # soft edges.
@@ -93,7 +96,8 @@ class Sitting:
         self.machine.import_registry(
             "REGEDIT4\n\n"
             f'[HKEY_CURRENT_USER\\Software\\Wine]\n"Version"="{windows}"\n\n'
-            f'[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:{self.dpi:08x}\n\n'
+            f'[HKEY_CURRENT_USER\\Control Panel\\Desktop]\n"LogPixels"=dword:{self.dpi:08x}\n'
+            f'"CursorBlinkRate"="{NO_BLINKING}"\n\n'
             "[HKEY_CURRENT_USER\\Software\\Wine\\Explorer\\Desktops]\n"
             f'"Default"="{width_and_height}"\n\n'
             "[HKEY_CLASSES_ROOT\\Folder\\shell\\open\\command]\n"
@@ -229,12 +233,15 @@ def walk(options, language, dpi):
         sitting.picture("browser", most_different=MOST_DIFFERENT_SPACE)
         sitting.keys("Escape")
         typed(sitting, TABS_FROM_BROWSER, "")
+        sitting.keys("Return")
         sitting.picture("box-empty-directory")
         sitting.keys("Return")
         typed(sitting, TABS_FROM_INSTALL, "C:\\a>b")
+        sitting.keys("Return")
         sitting.picture("box-forbidden-characters")
         sitting.keys("Return")
         typed(sitting, TABS_FROM_INSTALL, "C:\\ZEV Screen Recorder 6")
+        sitting.type("key", "Return")  # the run moves on for longer than a screen may take to rest
         sitting.await_end_of_run()
         sitting.picture("4-finished", in_frame=True)
         sitting.finish("Return")
@@ -242,11 +249,11 @@ def walk(options, language, dpi):
 
 
 def typed(sitting, tabs, directory):
-    """Replaces the directory, so many tabs away, and presses Install."""
+    """Replaces the directory, so many tabs away, and goes on to Install."""
     sitting.keys(*["Tab"] * tabs, "Home", "shift+End", "Delete")
     if directory:
         sitting.type("type", "--delay", "30", directory)
-    sitting.keys("Tab", "Tab", "Return")
+    sitting.keys("Tab", "Tab")
 
 
 def hold(sitting):
