@@ -31,11 +31,18 @@ set(zev_common_headers
   <algorithm> <array> <cstdint> <deque> <filesystem> <fstream> <functional> <limits> <map> <memory>
   <optional> <set> <span> <sstream> <stdexcept> <string> <string_view> <utility> <variant> <vector>)
 
+# What code of a kind includes besides, precompiled with them, and the targets that these come from.
+set(zev_json_headers <nlohmann/json.hpp>)
+set(zev_json_knows nlohmann_json::nlohmann_json)
+set(zev_machine_headers ${zev_json_headers})
+set(zev_machine_knows ${zev_json_knows})
+set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h> ${zev_json_headers})
+set(zev_test_knows GTest::gtest GTest::gmock ${zev_json_knows})
+
 # Compiles a target as all code of its kind is: the flags, files in units, and the headers that many
-# include, common ones and those named, precompiled once for the kind.
+# include, precompiled once for the kind.
 function(zev_code name kind)
-  cmake_parse_arguments(CODE "" "" "FLAGS;HEADERS;KNOWS" ${ARGN})
-  target_compile_options(${name} PRIVATE ${CODE_FLAGS})
+  target_compile_options(${name} PRIVATE ${zev_${kind}_flags})
   if(NOT ZEV_FEW_UNITS OR (ZEV_FEW_UNITS STREQUAL "TESTS" AND NOT kind STREQUAL "test"))
     return()
   endif()
@@ -50,15 +57,15 @@ function(zev_code name kind)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     return()
   endif()
-  set(headers zev_${kind}_headers)
-  if(NOT TARGET ${headers})
-    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/${headers}.cpp CONTENT "")
-    add_library(${headers} OBJECT ${PROJECT_BINARY_DIR}/${headers}.cpp)
-    target_compile_options(${headers} PRIVATE ${CODE_FLAGS})
-    target_link_libraries(${headers} PRIVATE ${CODE_KNOWS})
-    target_precompile_headers(${headers} PRIVATE ${zev_common_headers} ${CODE_HEADERS})
+  set(precompiled zev_${kind}_precompiled)
+  if(NOT TARGET ${precompiled})
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/${precompiled}.cpp CONTENT "")
+    add_library(${precompiled} OBJECT ${PROJECT_BINARY_DIR}/${precompiled}.cpp)
+    target_compile_options(${precompiled} PRIVATE ${zev_${kind}_flags})
+    target_link_libraries(${precompiled} PRIVATE ${zev_${kind}_knows})
+    target_precompile_headers(${precompiled} PRIVATE ${zev_common_headers} ${zev_${kind}_headers})
   endif()
-  target_precompile_headers(${name} REUSE_FROM ${headers})
+  target_precompile_headers(${name} REUSE_FROM ${precompiled})
 endfunction()
 
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
@@ -69,16 +76,13 @@ function(zev_room name)
   add_library(${name} STATIC ${ROOM_SOURCES})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${name} PUBLIC ${ROOM_KNOWS})
-  set(json HEADERS <nlohmann/json.hpp> KNOWS nlohmann_json::nlohmann_json)
-  if(ROOM_JSON)
-    zev_code(${name} json FLAGS ${zev_json_flags} ${json})
-  elseif(ROOM_MACHINE)
-    zev_code(${name} machine FLAGS ${zev_machine_flags} ${json})
-  elseif(ROOM_FAST)
-    zev_code(${name} fast FLAGS ${zev_fast_flags})
-  else()
-    zev_code(${name} room FLAGS ${zev_room_flags})
-  endif()
+  set(kind room)
+  foreach(other FAST JSON MACHINE)
+    if(ROOM_${other})
+      string(TOLOWER ${other} kind)
+    endif()
+  endforeach()
+  zev_code(${name} ${kind})
 endfunction()
 
 set(zev_gtest_source /usr/src/googletest)
@@ -108,30 +112,20 @@ function(zev_gtest_without_threads)
   endforeach()
 endfunction()
 
-# What all code of tests is compiled with; behind the name TRUE: as what it tests, which is fast.
-function(zev_test_code name)
-  if(ARGN STREQUAL "TRUE")
-    zev_code(${name} fast FLAGS ${zev_fast_flags})
-    return()
-  endif()
-  zev_code(${name} test FLAGS ${zev_test_flags} HEADERS <gmock/gmock.h> <gtest/gtest.h>
-    KNOWS GTest::gtest GTest::gmock)
-endfunction()
-
-# Cases that several programs of tests share.
+# Cases that several programs of tests share, compiled as code of a KIND, of tests if none is named.
 function(zev_cases name)
-  cmake_parse_arguments(CASES "FAST" "" "SOURCES;KNOWS" ${ARGN})
+  cmake_parse_arguments(CASES "" "KIND" "SOURCES;KNOWS" KIND test ${ARGN})
   add_library(${name} OBJECT ${CASES_SOURCES})
-  zev_test_code(${name} ${CASES_FAST})
+  zev_code(${name} ${CASES_KIND})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${CASES_KNOWS} GTest::gtest GTest::gmock)
 endfunction()
 
-# A program of unit tests, with shared cases. With FAST it is optimised as what it tests.
+# A program of unit tests, with shared cases. Tests that work long are of the KIND of what they test.
 function(zev_test_program name)
-  cmake_parse_arguments(TESTS "FAST" "" "SOURCES;CASES;KNOWS" ${ARGN})
+  cmake_parse_arguments(TESTS "" "KIND" "SOURCES;CASES;KNOWS" KIND test ${ARGN})
   add_executable(${name} ${TESTS_SOURCES})
-  zev_test_code(${name} ${TESTS_FAST})
+  zev_code(${name} ${TESTS_KIND})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE
     ${TESTS_CASES} ${TESTS_KNOWS} GTest::gtest GTest::gmock GTest::gtest_main)
@@ -141,9 +135,11 @@ endfunction()
 # Tells ./test of a suite: a command that runs tests, a line of suites.json in the build's folder.
 # KIND says how it tells of its cases: gtest, unittest (Python's), or script, which is one case. ROOM
 # is the folder of tests that it is found by; TARGETS are what has to be built for it; in SHARDS
-# processes a gtest program can run beside itself. CORE suites are those of ./test without words.
+# processes a gtest program can run beside itself; FILTER chooses of its cases. CORE suites are those of
+# ./test without words.
 function(zev_suite name)
-  cmake_parse_arguments(SUITE "CORE" "KIND;ROOM;SHARDS;TIMEOUT" "COMMAND;TARGETS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(SUITE "CORE" "KIND;ROOM;SHARDS;TIMEOUT;FILTER" "COMMAND;TARGETS;ENVIRONMENT"
+    ${ARGN})
   foreach(default "KIND script" "SHARDS 1" "TIMEOUT 300")
     string(REPLACE " " ";" default "${default}")
     list(GET default 0 key)
@@ -166,7 +162,7 @@ function(zev_suite name)
   endforeach()
   set_property(GLOBAL APPEND_STRING PROPERTY zev_suites "{\"name\": \"${name}\", \"room\": \"${SUITE_ROOM}\", \
 \"kind\": \"${SUITE_KIND}\", \"core\": ${core}, \"shards\": ${SUITE_SHARDS}, \"timeout\": ${SUITE_TIMEOUT}, \
-\"targets\": [${SUITE_TARGETS}], \"environment\": [${SUITE_ENVIRONMENT}], \"command\": [${SUITE_COMMAND}]}\n")
+\"filter\": \"${SUITE_FILTER}\", \"targets\": [${SUITE_TARGETS}], \"environment\": [${SUITE_ENVIRONMENT}], \"command\": [${SUITE_COMMAND}]}\n")
 endfunction()
 
 # Writes what zev_suite was told, a suite a line.
@@ -177,15 +173,11 @@ endfunction()
 
 # A program of unit tests, each test known to CTest by itself if it can run where it is built. CTest
 # asks what they are when they are to be run. With a NETWORK each process has one of its own, with
-# nobody else on it.
+# nobody else on it. Cases that are IN_ALL, a filter, run in ./test all only.
 function(zev_tests name)
-  cmake_parse_arguments(TESTS "NETWORK;ALL_ONLY;FAST" "SHARDS;TIMEOUT"
-    "SOURCES;CASES;KNOWS;ENVIRONMENT" ${ARGN})
-  set(fast "")
-  if(TESTS_FAST)
-    set(fast FAST)
-  endif()
-  zev_test_program(${name} ${fast}
+  cmake_parse_arguments(TESTS "NETWORK;ALL_ONLY" "KIND;SHARDS;TIMEOUT;IN_ALL"
+    "SOURCES;CASES;KNOWS;ENVIRONMENT" KIND test ${ARGN})
+  zev_test_program(${name} KIND ${TESTS_KIND}
     SOURCES ${TESTS_SOURCES} CASES ${TESTS_CASES} KNOWS ${TESTS_KNOWS})
   if(CMAKE_CROSSCOMPILING)
     return()
@@ -201,11 +193,18 @@ function(zev_tests name)
       list(APPEND options ${option} ${TESTS_${option}})
     endif()
   endforeach()
-  if(NOT TESTS_ALL_ONLY)
-    list(APPEND options CORE)
-  endif()
-  zev_suite(${name} KIND gtest ${options} TARGETS ${name} ENVIRONMENT ${TESTS_ENVIRONMENT}
+  list(APPEND options KIND gtest TARGETS ${name} ENVIRONMENT ${TESTS_ENVIRONMENT}
     COMMAND ${alone} $<TARGET_FILE:${name}>)
+  set(core "")
+  if(NOT TESTS_ALL_ONLY)
+    set(core CORE)
+  endif()
+  if(TESTS_IN_ALL)
+    zev_suite(${name} ${core} FILTER -${TESTS_IN_ALL} ${options})
+    zev_suite(${name}_in_all FILTER ${TESTS_IN_ALL} ${options})
+  else()
+    zev_suite(${name} ${core} ${options})
+  endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 600 ENVIRONMENT "${TESTS_ENVIRONMENT}")
 endfunction()

@@ -157,10 +157,18 @@ class Suite:
         self.targets = row["targets"]
         self.environment = dict(each.split("=", 1) for each in row["environment"])
         self.command = row["command"]
+        self.filter = row["filter"]
 
     @property
     def key(self):
         return f"{self.preset}/{self.name}"
+
+    def filter_without(self, done):
+        """The words that choose this suite's cases of its program, less those done."""
+        if not done:
+            return [f"--gtest_filter={self.filter}"] if self.filter else []
+        joint = ":" if "-" in self.filter else "-"
+        return [f"--gtest_filter={self.filter}{joint}{':'.join(done)}"]
 
 
 def suites_of(preset):
@@ -256,7 +264,7 @@ class Job:
         done = []
         while True:
             reader = GtestReader(tell)
-            words = [*self.words, "--gtest_filter=-" + ":".join(done)] if done else self.words
+            words = [*self.words, *self.suite.filter_without(done)]
             status = self.process(processes, words, log, reader.read)
             done += reader.done
             if reader.name is None:
