@@ -19,7 +19,7 @@ string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 # once. Names without a namespace of their own must then differ within a room. Off, each file is
 # compiled by itself, which shows that it includes what it needs.
 set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
-set(ZEV_UNIT_FILES 8 CACHE STRING "How many files of a room are then compiled together")
+set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
 foreach(kind room fast machine json test)
   string(TOUPPER ${kind} upper)
@@ -48,11 +48,7 @@ function(zev_code name kind)
   endif()
   # What one file names for itself, another one in the same unit may name again within a function.
   target_compile_options(${name} PRIVATE -Wno-shadow)
-  set(unit_files ${ZEV_UNIT_FILES})
-  if(kind STREQUAL "test")
-    set(unit_files 8)
-  endif()
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${unit_files})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${ZEV_UNIT_FILES})
   # With g++ a precompiled header costs more than it saves.
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     return()
@@ -112,11 +108,17 @@ function(zev_gtest_without_threads)
   endforeach()
 endfunction()
 
+# Tests are code of a kind too, in smaller units: what stands in their files is alike.
+function(zev_test_code name kind)
+  zev_code(${name} ${kind})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE 8)
+endfunction()
+
 # Cases that several programs of tests share, compiled as code of a KIND, of tests if none is named.
 function(zev_cases name)
   cmake_parse_arguments(CASES "" "KIND" "SOURCES;KNOWS" KIND test ${ARGN})
   add_library(${name} OBJECT ${CASES_SOURCES})
-  zev_code(${name} ${CASES_KIND})
+  zev_test_code(${name} ${CASES_KIND})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE ${CASES_KNOWS} GTest::gtest GTest::gmock)
 endfunction()
@@ -125,7 +127,7 @@ endfunction()
 function(zev_test_program name)
   cmake_parse_arguments(TESTS "" "KIND" "SOURCES;CASES;KNOWS" KIND test ${ARGN})
   add_executable(${name} ${TESTS_SOURCES})
-  zev_code(${name} ${TESTS_KIND})
+  zev_test_code(${name} ${TESTS_KIND})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE
     ${TESTS_CASES} ${TESTS_KNOWS} GTest::gtest GTest::gmock GTest::gtest_main)

@@ -21,7 +21,7 @@ constexpr std::size_t kLargestEntry = 96 * 1024;
 constexpr std::size_t kEntriesAtLeast = 8;  // how finely a small pack is divided
 
 /// What an entry is made from: its number in the pack, its rough length and the pack's noise.
-struct Order {
+struct EntryOrder {
   std::size_t number;
   std::size_t length;
   Noise& noise;
@@ -32,7 +32,7 @@ int sideFor(std::size_t bytes) {
 }
 
 /// The parts of a window, above them the brushed metal of its frame.
-Bytes makeSkin(const Order& order) {
+Bytes makeSkin(const EntryOrder& order) {
   const int side = sideFor(order.length);
   const int metal = side * 2 / 5;
   Drawing skin(side, side);
@@ -43,7 +43,7 @@ Bytes makeSkin(const Order& order) {
   return toBitmap(skin);
 }
 
-Bytes makeMessages(const Order& order) {
+Bytes makeMessages(const EntryOrder& order) {
   static constexpr std::array kLanguages = {Language::kGerman, Language::kFrench,
                                             Language::kSpanish};
   const Language language = kLanguages[order.noise.below(kLanguages.size())];
@@ -56,7 +56,7 @@ Bytes makeMessages(const Order& order) {
 }
 
 /// A curve from 0 to 1 as 32-bit floating-point values, slow at both ends.
-Bytes makeCurve(const Order& order) {
+Bytes makeCurve(const EntryOrder& order) {
   const std::size_t steps = order.length / 16;
   const double sharpness = 1.5 + 0.01 * order.noise.below(300);
   Bytes out;
@@ -69,21 +69,21 @@ Bytes makeCurve(const Order& order) {
   return out;
 }
 
-Bytes makeCue(const Order& order) {
+Bytes makeCue(const EntryOrder& order) {
   static constexpr std::array<std::string_view, 4> kCues = {"Start.wav", "Shot.wav", "Beep.wav",
                                                             "Key1216m.wav"};
   return makeSound(kCues[order.noise.below(kCues.size())], order.length / 8,
                    static_cast<unsigned>(order.number));
 }
 
-Bytes makePicture(const Order& order) {
+Bytes makePicture(const EntryOrder& order) {
   const int side = sideFor(order.length / 2);
   return toPng(drawDesktop(side * 4 / 3, side, order.noise));
 }
 
 struct Kind {
   std::string_view name;
-  Bytes (*make)(const Order&);
+  Bytes (*make)(const EntryOrder&);
 };
 
 // The turns in which a pack is filled; what packs well comes more often, as in any program.

@@ -39,7 +39,9 @@ class Search {
     return false;
   }
 
-  Bytes& found() { return plain_; }
+  Fitted found(unsigned take) {
+    return {std::move(plain_), {static_cast<std::size_t>(room_), take}};
+  }
   bool tooLongWithoutRoom() const { return tooLongWithoutRoom_; }
 
  private:
@@ -80,10 +82,15 @@ std::size_t packedSize(std::span<const std::uint8_t> plain, std::uint8_t nameByt
   return lz::compress(plain, nameByte).size();
 }
 
-Bytes fitToPackedSize(const Build& build, std::uint8_t nameByte, std::size_t target) {
+Fitted fitToPackedSize(const Build& build, std::uint8_t nameByte, std::size_t target,
+                       std::optional<Fit> guess) {
+  if (guess) {
+    Bytes plain = build(guess->room, guess->take);
+    if (packedSize(plain, nameByte) == target) return {std::move(plain), *guess};
+  }
   Search search(build, nameByte, target);
   for (unsigned take = 0; take < kTakes; ++take) {
-    if (search.run(take)) return std::move(search.found());
+    if (search.run(take)) return search.found(take);
     if (search.tooLongWithoutRoom()) break;
   }
   throw std::length_error("no contents of this file pack to " + std::to_string(target) + " bytes");

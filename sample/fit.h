@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string_view>
 
 #include "sample/bytes.h"
@@ -16,10 +17,24 @@ using Build = std::function<Bytes(std::size_t room, unsigned take)>;
 /// The length of `plain` once it is packed.
 std::size_t packedSize(std::span<const std::uint8_t> plain, std::uint8_t nameByte);
 
-/// The file whose packed form is exactly `target` bytes long.
+/// What a file is built with.
+struct Fit {
+  std::size_t room = 0;
+  unsigned take = 0;
+  bool operator==(const Fit&) const = default;
+};
+
+struct Fitted {
+  Bytes plain;
+  Fit fit;
+};
+
+/// The file whose packed form is exactly `target` bytes long: as it is with `guess` if that gives
+/// the size, else as a search finds it, which packs it many times.
 /// Throws std::length_error if the file is too long with no room at all, or if no room and take
 /// within reach give the size.
-Bytes fitToPackedSize(const Build& build, std::uint8_t nameByte, std::size_t target);
+Fitted fitToPackedSize(const Build& build, std::uint8_t nameByte, std::size_t target,
+                       std::optional<Fit> guess = std::nullopt);
 
 /// Every byte value.
 inline constexpr std::string_view kAnyByte{};

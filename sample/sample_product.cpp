@@ -13,6 +13,7 @@
 #include "sample/embedded.h"
 #include "sample/fit.h"
 #include "sample/help.h"
+#include "sample/known_fits.h"
 #include "sample/languages.h"
 #include "sample/pictures.h"
 #include "sample/sounds.h"
@@ -29,8 +30,11 @@ struct Order {
   std::string_view installedName;
   std::uint8_t nameByte;
   std::size_t packedSize;
+  std::optional<Fit> guess;
 
-  Bytes fit(const Build& build) const { return fitToPackedSize(build, nameByte, packedSize); }
+  Fitted fit(const Build& build) const {
+    return fitToPackedSize(build, nameByte, packedSize, guess);
+  }
   std::size_t packed(std::span<const std::uint8_t> plain) const {
     return sample::packedSize(plain, nameByte);
   }
@@ -61,13 +65,13 @@ std::size_t partsThatFit(const Order& order, std::size_t parts,
   return fitting;
 }
 
-Bytes sound(const Order& order) {
+Fitted sound(const Order& order) {
   return order.fit(
       [&](std::size_t room, unsigned take) { return makeSound(order.installedName, room, take); });
 }
 
 /// An image with its data pack behind it; the last entry of the pack is the room.
-Bytes program(const Order& order) {
+Fitted program(const Order& order) {
   const auto image = embeddedFile(order.installedName);
   Bytes file(image.begin(), image.end());
   const std::size_t taken = order.packed(file) + kMargin;
@@ -80,7 +84,7 @@ Bytes program(const Order& order) {
   });
 }
 
-Bytes archive(const Order& order) {
+Fitted archive(const Order& order) {
   std::vector<Entry> entries = archiveCandidates(order.installedName);
   const std::size_t count = partsThatFit(order, entries.size(), [&](std::size_t parts) {
     const auto end = entries.begin() + static_cast<std::ptrdiff_t>(parts);
@@ -92,7 +96,7 @@ Bytes archive(const Order& order) {
   });
 }
 
-Bytes language(const Order& order, Language which) {
+Fitted language(const Order& order, Language which) {
   const std::vector<std::string> sections = languageSections(which);
   const auto text = [&](std::size_t parts) {
     Bytes out;
@@ -107,46 +111,46 @@ Bytes language(const Order& order, Language which) {
   });
 }
 
-Bytes german(const Order& order) { return language(order, Language::kGerman); }
-Bytes french(const Order& order) { return language(order, Language::kFrench); }
-Bytes spanish(const Order& order) { return language(order, Language::kSpanish); }
+Fitted german(const Order& order) { return language(order, Language::kGerman); }
+Fitted french(const Order& order) { return language(order, Language::kFrench); }
+Fitted spanish(const Order& order) { return language(order, Language::kSpanish); }
 
-Bytes video(const Order& order) {
+Fitted video(const Order& order) {
   const Bytes movie = makeVideo(order.nameByte, order.packedSize - kMargin);
   return order.fit(
       [&](std::size_t room, unsigned take) { return withJunkChunk(movie, filler(room, take)); });
 }
 
-Bytes help(const Order& order) {
+Fitted help(const Order& order) {
   return order.fit([](std::size_t room, unsigned take) { return makeHelp(filler(room, take)); });
 }
 
-Bytes palette(const Order& order) {
+Fitted palette(const Order& order) {
   return order.fit([](std::size_t room, unsigned take) { return makePalette(filler(room, take)); });
 }
 
-Bytes questionMark(const Order& order) {
+Fitted questionMark(const Order& order) {
   return order.fit(
       [](std::size_t room, unsigned take) { return makeQuestionMark(filler(room, take)); });
 }
 
-Bytes cursor(const Order& order, Colour tint) {
+Fitted cursor(const Order& order, Colour tint) {
   return order.fit(
       [&](std::size_t room, unsigned take) { return makeCursor(tint, filler(room, take)); });
 }
 
-Bytes blueCursor(const Order& order) { return cursor(order, {60, 110, 250}); }
-Bytes greenCursor(const Order& order) { return cursor(order, {50, 190, 80}); }
-Bytes redCursor(const Order& order) { return cursor(order, {235, 60, 50}); }
-Bytes yellowCursor(const Order& order) { return cursor(order, {250, 225, 60}); }
+Fitted blueCursor(const Order& order) { return cursor(order, {60, 110, 250}); }
+Fitted greenCursor(const Order& order) { return cursor(order, {50, 190, 80}); }
+Fitted redCursor(const Order& order) { return cursor(order, {235, 60, 50}); }
+Fitted yellowCursor(const Order& order) { return cursor(order, {250, 225, 60}); }
 
-Bytes applicationManifest(const Order& order) {
+Fitted applicationManifest(const Order& order) {
   return order.fit([](std::size_t room, unsigned take) {
     return bytesOf(makeApplicationManifest(letters(room, take)));
   });
 }
 
-Bytes project(const Order& order) {
+Fitted project(const Order& order) {
   return order.fit(
       [](std::size_t room, unsigned take) { return bytesOf(makeProject(letters(room, take))); });
 }
@@ -154,7 +158,7 @@ Bytes project(const Order& order) {
 /// How the files whose name ends in `ending` are made.
 struct Recipe {
   std::string_view ending;
-  Bytes (*make)(const Order&);
+  Fitted (*make)(const Order&);
 };
 
 // The first row that matches counts.
@@ -188,12 +192,15 @@ const Recipe& recipeFor(const std::string& installedName) {
 
 }  // namespace
 
-SampleProduct::SampleProduct(std::vector<SampleRow> rows) : rows_(std::move(rows)) {}
+SampleProduct::SampleProduct(std::vector<SampleRow> rows, Guessing guessing)
+    : rows_(std::move(rows)), guessing_(guessing) {}
 
 SampleFile SampleProduct::make(std::size_t index) const {
   const SampleRow& wanted = row(index);
-  const Order order{wanted.installedName, nameByte(index), wanted.packedSize};
-  return {wanted.packedName, wanted.installedName, recipeFor(wanted.installedName).make(order)};
+  const auto guess = guessing_ == Guessing::Yes ? knownFit(wanted.installedName) : std::nullopt;
+  const Order order{wanted.installedName, nameByte(index), wanted.packedSize, guess};
+  Fitted made = recipeFor(wanted.installedName).make(order);
+  return {wanted.packedName, wanted.installedName, std::move(made.plain), made.fit};
 }
 
 std::uint8_t SampleProduct::nameByte(std::size_t index) const {

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "sample/fit.h"
+
 namespace zev {
 
 /// One member of the package: its name there, the name of the file that it becomes, and the length
@@ -20,6 +22,7 @@ struct SampleFile {
   std::string packedName;
   std::string installedName;
   std::vector<std::uint8_t> bytes;
+  sample::Fit fit;
 };
 
 /// The files of a product whose package fits the install manifest byte for byte: real sounds,
@@ -29,7 +32,11 @@ struct SampleFile {
 /// An object is immutable; its files can be made by several threads at once.
 class SampleProduct {
  public:
-  explicit SampleProduct(std::vector<SampleRow> rows);
+  /// Whether a file is first tried with the fit that it is known to have, which is faster. Without,
+  /// the same fit is found.
+  enum class Guessing { No, Yes };
+
+  explicit SampleProduct(std::vector<SampleRow> rows, Guessing guessing = Guessing::Yes);
 
   std::size_t count() const { return rows_.size(); }
   const SampleRow& row(std::size_t index) const { return rows_.at(index); }
@@ -46,6 +53,7 @@ class SampleProduct {
 
  private:
   std::vector<SampleRow> rows_;
+  Guessing guessing_;
 };
 
 }  // namespace zev

@@ -590,7 +590,7 @@ class Tester:
 
 
 # Rooms that the stage `run` tests, whose suites take much longer under a sanitizer.
-RUN_ROOMS = {"support", "sample", "zevpack", "scenarios", "zevnet", "zevsim"}
+RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", "zevsim"}
 
 
 def known_rooms():

@@ -89,6 +89,39 @@ bool isNumeric(const Variant& value) {
   }
 }
 
+Variant::Variant() = default;
+Variant::Variant(TextView text) : value_(Text(text)) {}
+Variant::Variant(const char16_t* text) : value_(Text(text)) {}
+Variant::Variant(const Variant& other) = default;
+Variant::Variant(Variant&& other) noexcept = default;
+Variant& Variant::operator=(const Variant& other) = default;
+Variant& Variant::operator=(Variant&& other) noexcept = default;
+Variant::~Variant() = default;
+
+template <typename T>
+Variant::Variant(T value) requires(isOneOf<T>(static_cast<const Value*>(nullptr)))
+    : value_(std::in_place_type<T>, std::move(value)) {}
+
+template Variant::Variant(std::monostate);
+template Variant::Variant(Null);
+template Variant::Variant(std::int16_t);
+template Variant::Variant(std::int32_t);
+template Variant::Variant(float);
+template Variant::Variant(double);
+template Variant::Variant(Currency);
+template Variant::Variant(Date);
+template Variant::Variant(Text);
+template Variant::Variant(Object);
+template Variant::Variant(Missing);
+template Variant::Variant(bool);
+template Variant::Variant(std::uint8_t);
+template Variant::Variant(std::vector<std::int32_t>);
+template Variant::Variant(std::vector<std::uint8_t>);
+
+Variant Variant::missing() { return Variant(Missing{}); }
+
+bool Variant::operator==(const Variant& other) const = default;
+
 double Variant::number() const { return std::visit(ToDouble{}, value_); }
 
 Text toText(const Variant& value) {

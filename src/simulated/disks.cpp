@@ -17,8 +17,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t chunkBytes = 1u << 20;
 
-char16_t upperLetter(char16_t letter) { return upperCase(TextView(&letter, 1)).front(); }
-
 Path absolute(TextView text) {
   Path path;
   const bool parsed = parsePath(text, Path{}, path) == system_error::success;

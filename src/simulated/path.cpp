@@ -12,10 +12,6 @@ bool isLetter(char16_t unit) {
   return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
 }
 
-char16_t upperLetter(char16_t unit) {
-  return isLetter(unit) ? upperCase(TextView(&unit, 1)).front() : unit;
-}
-
 bool namesDrive(TextView text) {
   return text.size() >= 2 && text[1] == u':' && text[0] != separator;
 }
@@ -60,6 +56,10 @@ void addNames(Path& path, TextView text) {
 }
 
 }  // namespace
+
+char16_t upperLetter(char16_t unit) {
+  return isLetter(unit) ? upperCase(TextView(&unit, 1)).front() : unit;
+}
 
 Path Path::parent() const {
   Path above = *this;

@@ -23,6 +23,9 @@ struct Path {
   Text key() const;
 };
 
+/// A letter in upper case, as drives are known by; any other character as it is.
+char16_t upperLetter(char16_t unit);
+
 /// Longest path that the calls of the system take, in characters.
 inline constexpr std::size_t longestPath = 259;
 inline constexpr std::size_t longestDirectoryPath = 247;

@@ -9,7 +9,7 @@ namespace {
 
 constexpr double twipsPerPixel = 15;
 constexpr double pixelsPerCharacter = 6;
-constexpr std::uintptr_t handleStep = 2;
+constexpr std::uintptr_t formHandleStep = 2;
 
 Event toJson(const PropertyValue& value) {
   if (const auto* text = std::get_if<Text>(&value)) return toUtf8(*text);
@@ -24,7 +24,7 @@ Event toJson(const PropertyValue& value) {
 void Screen::loaded(Form& form) {
   forms_[&form] = &form;
   for (Control* each : form.Controls()) forms_[each] = &form;
-  lastHandle_ += handleStep;
+  lastHandle_ += formHandleStep;
   handles_[&form] = lastHandle_;
 }
 

@@ -6,7 +6,7 @@ namespace zev::simulated {
 namespace {
 
 constexpr WindowHandle firstForeignWindow = 0x10010;
-constexpr WindowHandle handleStep = 2;
+constexpr WindowHandle windowHandleStep = 2;
 
 auto byHandle(WindowHandle handle) {
   return [handle](const auto& window) { return window.handle == handle; };
@@ -19,7 +19,7 @@ std::vector<SimulatedWindows::Window> SimulatedWindows::desktop() const {
   WindowHandle handle = firstForeignWindow;
   for (const Text& title : machine_.settings.windows) {
     windows.push_back({handle, title});
-    handle += handleStep;
+    handle += windowHandleStep;
   }
   const std::vector<Form*>& forms = screen_.application().forms();
   for (auto form = forms.rbegin(); form != forms.rend(); ++form) {

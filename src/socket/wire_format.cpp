@@ -38,39 +38,41 @@ struct Row {
   Variant (*unpack)(std::span<const std::uint8_t> bytes);
 };
 
-using Bytes = std::span<const std::uint8_t>;
+using WireBytes = std::span<const std::uint8_t>;
 
 constexpr auto rows = std::to_array<Row>({
     {VariantType::Integer, 2,
      [](const Variant& v) {
        return lowByteFirst(static_cast<std::uint16_t>(*v.get<std::int16_t>()));
      },
-     [](Bytes b) { return Variant(fromLowByteFirst<std::int16_t>(b)); }},
+     [](WireBytes b) { return Variant(fromLowByteFirst<std::int16_t>(b)); }},
     {VariantType::Long, 4,
      [](const Variant& v) {
        return lowByteFirst(static_cast<std::uint32_t>(*v.get<std::int32_t>()));
      },
-     [](Bytes b) { return Variant(fromLowByteFirst<std::int32_t>(b)); }},
+     [](WireBytes b) { return Variant(fromLowByteFirst<std::int32_t>(b)); }},
     {VariantType::Single, 4,
      [](const Variant& v) { return lowByteFirst(std::bit_cast<std::uint32_t>(*v.get<float>())); },
-     [](Bytes b) { return Variant(std::bit_cast<float>(fromLowByteFirst<std::uint32_t>(b))); }},
+     [](WireBytes b) { return Variant(std::bit_cast<float>(fromLowByteFirst<std::uint32_t>(b))); }},
     {VariantType::Double, 8,
      [](const Variant& v) { return lowByteFirst(bitsOf(*v.get<double>())); },
-     [](Bytes b) { return Variant(std::bit_cast<double>(fromLowByteFirst<std::uint64_t>(b))); }},
+     [](WireBytes b) {
+       return Variant(std::bit_cast<double>(fromLowByteFirst<std::uint64_t>(b)));
+     }},
     {VariantType::Currency, 8,
      [](const Variant& v) {
        return lowByteFirst(static_cast<std::uint64_t>(v.get<Currency>()->scaled));
      },
-     [](Bytes b) { return Variant(Currency{fromLowByteFirst<std::int64_t>(b)}); }},
+     [](WireBytes b) { return Variant(Currency{fromLowByteFirst<std::int64_t>(b)}); }},
     {VariantType::Date, 8,
      [](const Variant& v) { return lowByteFirst(bitsOf(v.get<Date>()->days)); },
-     [](Bytes b) {
+     [](WireBytes b) {
        return Variant(Date{std::bit_cast<double>(fromLowByteFirst<std::uint64_t>(b))});
      }},
     {VariantType::Boolean, 2, [](const Variant& v) { return lowByteFirst(bitsOf(*v.get<bool>())); },
-     [](Bytes b) { return Variant(fromLowByteFirst<std::int16_t>(b) != 0); }},
+     [](WireBytes b) { return Variant(fromLowByteFirst<std::int16_t>(b) != 0); }},
     {VariantType::Byte, 1, [](const Variant& v) { return lowByteFirst(*v.get<std::uint8_t>()); },
-     [](Bytes b) { return Variant(b[0]); }},
+     [](WireBytes b) { return Variant(b[0]); }},
 });
 
 const Row* findRow(VariantType type) {

@@ -78,11 +78,9 @@ void fill(HDC canvas, const RECT& area, COLORREF colour) {
 void drawIcon(const DRAWITEMSTRUCT& item) {
   const int size = static_cast<int>(std::min(item.rcItem.right, item.rcItem.bottom));
   FillRect(item.hDC, &item.rcItem, GetSysColorBrush(COLOR_BTNFACE));
-  const auto icon = static_cast<HICON>(LoadImageW(
-      GetModuleHandleW(nullptr), MAKEINTRESOURCEW(iconResource), IMAGE_ICON, size, size, 0));
-  if (icon == nullptr) return;
-  DrawIconEx(item.hDC, 0, 0, icon, size, size, 0, nullptr, DI_NORMAL);
-  DestroyIcon(icon);
+  if (const HICON icon = programIcon(size)) {
+    DrawIconEx(item.hDC, 0, 0, icon, size, size, 0, nullptr, DI_NORMAL);
+  }
 }
 
 void drawBar(const Control* bar, const DRAWITEMSTRUCT& item, int dpi) {
@@ -97,6 +95,11 @@ void drawBar(const Control* bar, const DRAWITEMSTRUCT& item, int dpi) {
 int textLength(const Text& text) { return static_cast<int>(text.size()); }
 
 }  // namespace
+
+HICON programIcon(int size) {
+  return static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(iconResource),
+                                       IMAGE_ICON, size, size, LR_SHARED));
+}
 
 HWND makeControlWindow(const Control& control, HWND parent, int id) {
   const WindowKind kind = kindOf(control);

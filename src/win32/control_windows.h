@@ -22,6 +22,9 @@ int windowHeight(const Control& control, const RECT& place, int dpi);
 /// Shows the caption, text, state or entry that a control has now.
 void showContent(const Control& control, HWND window);
 
+/// The program's icon, `size` pixels wide and high; null if the image has none. The system owns it.
+HICON programIcon(int size);
+
 /// Draws a control whose window leaves that to its form: a picture, a text on a progress bar.
 void drawControl(const Form& form, const Control& control, const DRAWITEMSTRUCT& item, int dpi,
                  HFONT font);

@@ -10,7 +10,6 @@ namespace zev::win32 {
 namespace {
 
 constexpr UINT dpiChanged = 0x02E0;  // WM_DPICHANGED
-constexpr int iconResource = 1;
 
 DWORD styleOf(const Form&) { return WS_CAPTION | WS_SYSMENU | WS_CLIPCHILDREN; }
 
@@ -20,11 +19,6 @@ DWORD extendedStyleOf(const Form& form) {
 
 /// Each form has a class of its own, so that it can be found from outside.
 Text classOf(const Form& form) { return join(u"ZEV.", form.name()); }
-
-HICON iconOf(int size) {
-  return static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(iconResource),
-                                       IMAGE_ICON, size, size, LR_SHARED));
-}
 
 /// A label that others lie upon goes under them.
 bool liesUnderOthers(const Form& form, const Control& control) {
@@ -162,8 +156,8 @@ void FormWindow::showProperty(const PropertyBase& property) {
     if (property.name() == "Caption") SetWindowTextW(window_, wide(form_.Caption.get()));
     if (property.name() == "Enabled") enable();
     if (property.name() == "Icon" && !form_.Icon.get().empty()) {
-      const LPARAM small = reinterpret_cast<LPARAM>(iconOf(GetSystemMetrics(SM_CXSMICON)));
-      const LPARAM big = reinterpret_cast<LPARAM>(iconOf(GetSystemMetrics(SM_CXICON)));
+      const LPARAM small = reinterpret_cast<LPARAM>(programIcon(GetSystemMetrics(SM_CXSMICON)));
+      const LPARAM big = reinterpret_cast<LPARAM>(programIcon(GetSystemMetrics(SM_CXICON)));
       SendMessageW(window_, WM_SETICON, ICON_SMALL, small);
       SendMessageW(window_, WM_SETICON, ICON_BIG, big);
     }

@@ -19,8 +19,9 @@ Bytes textWithRoom(std::size_t room, unsigned take) {
 
 TEST(Fit, HitsEverySizeOfAStretch) {
   for (std::size_t size = 300; size < 500; ++size) {
-    const Bytes plain = fitToPackedSize(textWithRoom, 'x', size);
-    ASSERT_EQ(packedSize(plain, 'x'), size);
+    const Fitted made = fitToPackedSize(textWithRoom, 'x', size);
+    ASSERT_EQ(packedSize(made.plain, 'x'), size);
+    ASSERT_EQ(made.plain, textWithRoom(made.fit.room, made.fit.take));
   }
 }
 
@@ -31,6 +32,28 @@ TEST(Fit, RefusesASizeBelowThatWithoutRoom) {
 TEST(Fit, RefusesAFileThatDoesNotGrow) {
   const auto fixed = [](std::size_t, unsigned) { return Bytes(10, 'a'); };
   EXPECT_THROW(fitToPackedSize(fixed, 'x', 400), std::length_error);
+}
+
+/// A file's recipe that counts how often it is followed.
+struct CountedBuild {
+  int builds = 0;
+  Bytes operator()(std::size_t room, unsigned take) { return ++builds, textWithRoom(room, take); }
+};
+
+TEST(Fit, IsFoundAtOnceByARightGuess) {
+  const Fit right = fitToPackedSize(textWithRoom, 'x', 400).fit;
+  CountedBuild build;
+  const Fitted made = fitToPackedSize(std::ref(build), 'x', 400, right);
+  EXPECT_EQ(build.builds, 1);
+  EXPECT_EQ(made.fit, right);
+  EXPECT_EQ(made.plain, textWithRoom(right.room, right.take));
+}
+
+TEST(Fit, IsTheSameBehindAWrongGuess) {
+  const Fitted plain = fitToPackedSize(textWithRoom, 'x', 400);
+  const Fitted made = fitToPackedSize(textWithRoom, 'x', 400, Fit{plain.fit.room + 40, 3});
+  EXPECT_EQ(made.fit, plain.fit);
+  EXPECT_EQ(made.plain, plain.plain);
 }
 
 TEST(Filler, HasTheAskedLengthAndAlphabet) {

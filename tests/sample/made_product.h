@@ -80,7 +80,7 @@ class SampleProductTest : public testing::Test {
     const std::string path = std::string(ZEV_SAMPLE) + "/" + row.installedName;
     std::ifstream in(path, std::ios::binary);
     if (!in) throw std::runtime_error("no file of the sample product: " + path);
-    return {row.packedName, row.installedName, Bytes(std::istreambuf_iterator<char>(in), {})};
+    return {row.packedName, row.installedName, Bytes(std::istreambuf_iterator<char>(in), {}), {}};
   }
 };
 

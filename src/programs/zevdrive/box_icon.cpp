@@ -6,7 +6,7 @@ namespace zev::drive {
 namespace {
 
 constexpr int tries = 50;
-constexpr DWORD pause = 10;  // milliseconds
+constexpr DWORD iconPause = 10;  // milliseconds
 
 struct IconRow {
   std::int32_t style;
@@ -43,7 +43,7 @@ std::int32_t iconShownBy(HWND window) {
   const int width = static_cast<int>(area.right);
   const int height = static_cast<int>(area.bottom);
   if (width <= 0 || height <= 0) return 0;
-  for (int each = 0; each < tries; ++each, Sleep(pause)) {
+  for (int each = 0; each < tries; ++each, Sleep(iconPause)) {
     const Pixels shown = shownPixels(window, width, height);
     for (const IconRow& row : iconRows) {
       if (iconPixels(row.name, shown.front(), width, height) == shown) return row.style;

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "programs/zevpack/member_check.h"
+#include "programs/zevpack/parallel.h"
 #include "programs/zevpack/progress.h"
 #include "sample/sample_product.h"
 
@@ -234,10 +235,13 @@ int sample(const fs::path& folder) {
   makeFolder(folder);
   const SampleProduct product(sampleRows());
   Progress progress("Making", product.count());
-  std::size_t total = 0;
-  for (std::size_t index = 0; index < product.count(); ++index) {
+  std::vector<SampleFile> files(product.count());
+  inParallel(product.count(), [&](std::size_t index) {
     progress.step(product.row(index).installedName);
-    const SampleFile file = product.make(index);
+    files[index] = product.make(index);
+  });
+  std::size_t total = 0;
+  for (const SampleFile& file : files) {
     writeFile(folder / file.installedName, file.bytes);
     total += file.bytes.size();
   }

@@ -5,6 +5,7 @@
 
 #include "programs/zevpack/folder.h"
 #include "programs/zevpack/member_check.h"
+#include "programs/zevpack/parallel.h"
 #include "programs/zevpack/progress.h"
 
 namespace zev::packing {
@@ -107,14 +108,17 @@ std::vector<Bytes> gatherMembers(const fs::path& path, Stored stored, Force forc
   const Folder folder(path);
   const std::vector<Member> all = members();
   Progress progress("Packing", all.size());
+  std::vector<Found> found(all.size());
+  inParallel(all.size(), [&](std::size_t index) {
+    progress.step(all[index].packedName);
+    found[index] = take(all[index], folder, stored);
+  });
   std::string trouble, doubtful;
   std::vector<Bytes> gathered;
-  for (const Member& member : all) {
-    progress.step(member.packedName);
-    Found found = take(member, folder, stored);
-    note(trouble, member, found.trouble);
-    note(doubtful, member, found.doubtful);
-    gathered.push_back(std::move(found.stored));
+  for (std::size_t index = 0; index < all.size(); ++index) {
+    note(trouble, all[index], found[index].trouble);
+    note(doubtful, all[index], found[index].doubtful);
+    gathered.push_back(std::move(found[index].stored));
   }
   const std::string front = "the members in " + path.string() + " do not fit the manifest:\n";
   if (!trouble.empty()) throw ToolError(front + trouble + doubtful + "nothing was written");

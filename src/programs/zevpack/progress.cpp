@@ -14,6 +14,7 @@ Progress::~Progress() {
 }
 
 void Progress::step(std::string_view piece) {
+  const std::lock_guard alone(telling_);
   ++done_;
   if (!shown_) return;
   std::fprintf(stderr, "\r\x1B[K%s %zu of %zu: %.*s", work_.c_str(), done_, total_,

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <mutex>
 #include <string>
 #include <string_view>
 
 namespace zev::packing {
 
-/// A line on standard error that follows long work; nothing if that is no terminal.
+/// A line on standard error that follows long work; nothing if that is no terminal. Several threads
+/// can work on the pieces.
 class Progress {
  public:
   Progress(std::string_view work, std::size_t total);
@@ -18,6 +20,7 @@ class Progress {
   void step(std::string_view piece);
 
  private:
+  std::mutex telling_;
   std::string work_;
   std::size_t total_;
   std::size_t done_ = 0;
