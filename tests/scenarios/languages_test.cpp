@@ -282,12 +282,6 @@ std::vector<int> languageInTurn(std::size_t place) {
   return {languages[place % std::size(languages)]};
 }
 
-std::vector<int> otherLanguages(std::size_t place) {
-  std::vector<int> others(std::begin(languages), std::end(languages));
-  others.erase(others.begin() + static_cast<std::ptrdiff_t>(place % std::size(languages)));
-  return others;
-}
-
 /// Scenarios of a shard, each carried into some languages.
 class Carrying {
  public:
@@ -338,6 +332,12 @@ TEST_P(Languages, EveryScenarioShowsTheSameInTranslation) {
 INSTANTIATE_TEST_SUITE_P(Shard, Languages, testing::Range(std::size_t{0}, shards));
 
 #ifndef ZEV_SANITIZED
+std::vector<int> otherLanguages(std::size_t place) {
+  std::vector<int> others(std::begin(languages), std::end(languages));
+  others.erase(others.begin() + static_cast<std::ptrdiff_t>(place % std::size(languages)));
+  return others;
+}
+
 /// In those languages whose turn it was not.
 class OtherLanguages : public testing::TestWithParam<std::size_t> {};
 
