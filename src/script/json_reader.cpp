@@ -59,6 +59,36 @@ std::string lineAndColumn(std::string_view text, std::size_t offset) {
          std::to_string(before.size() - lineStart + 1);
 }
 
+/// A document is read, and written again, level by level. Its levels are counted before anything
+/// follows them down; no scenario comes near that many.
+constexpr int mostLevels = 100;
+
+/// Where a document opens a level too many; npos if it does not. What stands in texts opens none.
+std::size_t tooDeepAt(std::string_view text) {
+  int levels = 0;
+  bool inText = false;
+  for (std::size_t place = 0; place < text.size(); ++place) {
+    const char each = text[place];
+    if (inText && each == '\\') {
+      ++place;
+    } else if (each == '"') {
+      inText = !inText;
+    } else if (!inText && (each == '{' || each == '[')) {
+      if (++levels > mostLevels) return place;
+    } else if (!inText && (each == '}' || each == ']')) {
+      --levels;
+    }
+  }
+  return std::string_view::npos;
+}
+
+void requireFewLevels(std::string_view text) {
+  const std::size_t place = tooDeepAt(text);
+  if (place == std::string_view::npos) return;
+  throw ScenarioError(lineAndColumn(text, place),
+                      "more than " + std::to_string(mostLevels) + " levels within one another");
+}
+
 /// Watches a parse for objects that name a key twice: the later value would silently win.
 class KeyWatch {
  public:
@@ -253,6 +283,7 @@ void failUnknownKey(const JsonReader& value, std::string_view key,
 }
 
 Json parseJson(std::string_view text) {
+  requireFewLevels(text);
   try {
     return Json::parse(text, KeyWatch());
   } catch (const Json::parse_error& error) {

@@ -133,8 +133,9 @@ void readObject(const JsonReader& object, const KeyRow<Target> (&rows)[N], Targe
   }
 }
 
-/// Parses a document. Bad syntax, a number that no type can hold, and an object that names a key
-/// twice are ScenarioErrors, their place given as line and column.
+/// Parses a document. Bad syntax, a number that no type can hold, more than 100 levels of lists and
+/// objects, and an object that names a key twice are ScenarioErrors, their place given as line and
+/// column.
 Json parseJson(std::string_view text);
 
 template <std::integral T>

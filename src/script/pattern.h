@@ -6,8 +6,8 @@
 
 namespace zev::scenario {
 
-/// A regular expression (ECMAScript's). The library that reads it is dear to compile, and stays
-/// behind this.
+/// A regular expression, without what looks around or back: it takes time in proportion to the
+/// text, and no more of the stack for a long one. The library behind it differs by system.
 class Pattern {
  public:
   /// Fails with a std::invalid_argument that says what is wrong with the expression.

@@ -56,6 +56,17 @@ TEST(Matcher, SearchesARegularExpression) {
   EXPECT_FALSE(matched(R"({"matches": "1"})", "1"));
 }
 
+TEST(Matcher, SearchesALongTextInTimeAndSpaceThatItIsWorth) {
+  const std::string text = '"' + std::string(1'000'000, 'a') + "b\"";
+  EXPECT_TRUE(matched(R"({"matches": "^(a|c)*b$"})", text));
+  EXPECT_FALSE(matched(R"({"matches": "^(a|aa)+$"})", text));
+  EXPECT_TRUE(matched(R"({"matches": "(a?){20}b"})", text));
+}
+
+TEST(Matcher, CountsLettersOfAText) {
+  EXPECT_TRUE(matched(R"({"matches": "^.{3}$"})", R"("für")"));
+}
+
 TEST(Matcher, NegatesAValueOrACondition) {
   EXPECT_TRUE(matched(R"({"not": 1})", "2"));
   EXPECT_FALSE(matched(R"({"not": 1})", "1"));
@@ -73,6 +84,10 @@ TEST(Matcher, IsCheckedBeforeItIsUsed) {
             "$.exactly: unknown key \"exactly\"; the keys are contains, matches, not");
   EXPECT_TRUE(
       checkError(R"([{"matches": "("}])").starts_with("$[0].matches: no regular expression"));
+  EXPECT_TRUE(checkError(R"x({"matches": "(?=a)"})x").starts_with("$.matches: no regular expr"));
+  EXPECT_EQ(checkError(R"({"matches": ")" + std::string(1000, 'a') + R"("})"), "");
+  EXPECT_EQ(checkError(R"({"matches": ")" + std::string(1001, 'a') + R"("})"),
+            "$.matches: a regular expression of more than 1000 bytes");
   EXPECT_EQ(checkError(R"({"matches": 1})"), "$.matches: a whole number where a text is wanted");
   EXPECT_TRUE(checkError(R"({"not": {"matches": "["}})").starts_with("$.not.matches: "));
   EXPECT_EQ(checkError(R"({"text": "a", "title": {"contains": "b"}})"), "");

@@ -147,6 +147,17 @@ TEST_F(Zevsim, NamesANumberBeyondEveryType) {
                       "is wanted\n");
 }
 
+TEST_F(Zevsim, NamesThePlaceWhereADocumentIsTooDeep) {
+  constexpr int steps = 5000;
+  std::string script;
+  for (int step = 0; step < steps; ++step) script += R"({"at": {"yield": 1}, "do": [)";
+  for (int step = 0; step < steps; ++step) script += "]}";
+  const std::string deep =
+      write("a.json", "{\n\"name\": \"[\\\"[\",\n\"script\": [" + script + "]}");
+  EXPECT_EQ(run({deep}), 2);
+  EXPECT_EQ(err_, deep + ": line 3, column 1384: more than 100 levels within one another\n");
+}
+
 TEST_F(Zevsim, NamesANumberThatNoPropertyTakes) {
   const std::string range = " is not within -2147483648 to 2147483647\n";
   const std::string set = write("a.json", R"({"script": [{"set": {"global.gPage": 4294967297}}]})");
