@@ -34,6 +34,7 @@ inline constexpr SystemError directoryNotEmpty = 145;
 inline constexpr SystemError alreadyExists = 183;
 inline constexpr SystemError fileNameTooLong = 206;
 inline constexpr SystemError directoryInvalid = 267;
+inline constexpr SystemError cannotResolve = 1921;
 }  // namespace system_error
 
 /// File attributes, as the system and the run-time number them.
@@ -45,12 +46,13 @@ inline constexpr std::uint32_t system = 4;
 inline constexpr std::uint32_t volume = 8;
 inline constexpr std::uint32_t directory = 16;
 inline constexpr std::uint32_t archive = 32;
+inline constexpr std::uint32_t link = 1024;  ///< a junction, a symbolic link: it leads elsewhere
 }  // namespace file_attribute
 
 /// One entry of a directory.
 struct DirectoryEntry {
   Text name;                     ///< in the case in which it was made
-  std::uint32_t attributes = 0;  ///< of `file_attribute`, those six only
+  std::uint32_t attributes = 0;  ///< of `file_attribute`, those seven only
   std::uint64_t size = 0;        ///< bytes; 0 for a directory
 };
 
@@ -61,6 +63,12 @@ enum class FileAccess { Read, Write, ReadWrite };
 
 /// What others may do with the file while it is open.
 enum class FileShare { All, Nothing };
+
+/// What an entry is held for. Whoever holds one lets nobody hold it for the other.
+enum class Holding {
+  ToKeep,    ///< nobody writes to the file, and nobody renames or deletes the entry
+  ToDelete,  ///< it is about to be deleted
+};
 
 enum class FileDisposition {
   OpenExisting,  ///< fails with fileNotFound if there is none
@@ -76,6 +84,9 @@ enum class FileDisposition {
 /// pass through the code page of the system, so that a character which it cannot represent becomes
 /// its default character. A name that the system does not allow fails with invalidName, a missing
 /// parent with pathNotFound, a drive that is not there with pathNotFound.
+///
+/// Links on the way to an entry are followed, as many as 63, and cannotResolve tells of more. An
+/// entry that is a link itself is followed by CreateFileA alone; all other calls mean the link.
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
@@ -104,6 +115,13 @@ class FileSystem {
                                 std::span<const std::uint8_t> from, std::size_t& written) = 0;
   virtual SystemError GetFileSize(FileHandle file, std::uint64_t& size) = 0;
   virtual void CloseHandle(FileHandle file) = 0;
+
+  /// Holds a file or directory until CloseHandle, and tells its attributes. ReadFile and
+  /// GetFileSize read a file that is held to be kept; the entries in a directory come and go. Fails
+  /// with sharingViolation if somebody has the entry open or holds it in a way that this would
+  /// change. A system without such handles of directories fails in whatever way it does.
+  virtual SystemError HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
+                                 FileHandle& held) = 0;
 
   /// A read-only file fails with accessDenied, one in use with sharingViolation, a directory with
   /// accessDenied.

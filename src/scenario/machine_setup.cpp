@@ -90,6 +90,10 @@ struct ContentLayer {
     file.content = simulated::ZeroBytes{content.size};
   }
   void operator()(const FileFromHost& content) const { file.content = content.file; }
+  void operator()(const FileLink& content) const {
+    file.directory = content.toFolder;
+    file.link = content.target;
+  }
 };
 
 simulated::Denial denial(const std::vector<std::string>& denied) {

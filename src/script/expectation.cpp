@@ -103,6 +103,7 @@ Json factAttributes(const Witness& witness, const Text& path, const Json&) {
   if ((entry->attributes & file_attribute::hidden) != 0) names.push_back("hidden");
   if ((entry->attributes & file_attribute::readOnly) != 0) names.push_back("readonly");
   if ((entry->attributes & file_attribute::system) != 0) names.push_back("system");
+  if ((entry->attributes & file_attribute::link) != 0) names.push_back("link");
   return names;
 }
 

@@ -160,7 +160,7 @@ void readDrives(const JsonReader& value, MachineChange& machine) {
 
 void setContent(const JsonReader& value, FileChange& file, FileContent content) {
   if (!std::holds_alternative<AsItIs>(file.content)) {
-    value.fail("one of directory, text, base64, size and host is enough");
+    value.fail("one of directory, text, base64, size, host, junction and symlink is enough");
   }
   file.content = std::move(content);
 }
@@ -187,12 +187,30 @@ void readHostFile(const JsonReader& value, FileChange& file) {
   setContent(value, file, FileFromHost{value.hostFile()});
 }
 
+void requireAbsolute(const std::string& path, const JsonReader& value) {
+  if (path.size() < 3 || path[1] != ':' || (path[2] != '\\' && path[2] != '/')) {
+    value.fail("\"" + path + "\" is no full path of the machine, such as C:\\Temp");
+  }
+}
+
+void readJunction(const JsonReader& value, FileChange& file) {
+  requireAbsolute(value.utf8(), value);
+  setContent(value, file, FileLink{value.text(), true});
+}
+
+void readSymlink(const JsonReader& value, FileChange& file) {
+  requireAbsolute(value.utf8(), value);
+  setContent(value, file, FileLink{value.text(), false});
+}
+
 constexpr KeyRow<FileChange> fileKeys[] = {
     {"directory", readDirectory},
     {"text", readFileText},
     {"base64", readBase64},
     {"size", readSize},
     {"host", readHostFile},
+    {"junction", readJunction},
+    {"symlink", readSymlink},
     {"attributes", readAttributes},
     {"locked", into<&FileChange::locked>},
     {"inUse", into<&FileChange::inUse>},
@@ -210,12 +228,6 @@ std::optional<FileChange> readFile(const JsonReader& value) {
     value.failWanted("a text, an object or null");
   }
   return file;
-}
-
-void requireAbsolute(const std::string& key, const JsonReader& value) {
-  if (key.size() < 3 || key[1] != ':' || (key[2] != '\\' && key[2] != '/')) {
-    value.fail("\"" + key + "\" is no full path of the machine, such as C:\\Temp");
-  }
 }
 
 void readFiles(const JsonReader& value, MachineChange& machine) {

@@ -61,9 +61,15 @@ struct FileFromHost {
   std::filesystem::path file;
 };
 struct Directory {};
+/// A link to a full path of the machine.
+struct FileLink {
+  Text target;
+  bool toFolder = false;
+};
 /// Nothing is said of what the entry consists of: one that exists keeps it.
 struct AsItIs {};
-using FileContent = std::variant<AsItIs, Directory, FileText, FileBytes, FileZeros, FileFromHost>;
+using FileContent =
+    std::variant<AsItIs, Directory, FileText, FileBytes, FileZeros, FileFromHost, FileLink>;
 
 struct FileChange {
   FileContent content;

@@ -15,6 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// How many links the system follows on the way to an entry.
+constexpr int mostLinks = 63;
+
 constexpr std::size_t chunkBytes = 1u << 20;
 
 Path absolute(TextView text) {
@@ -107,6 +110,11 @@ Guard Drive::guard(const Path& path) const {
   return found == guards.end() ? Guard{} : found->second;
 }
 
+void Drive::forget(const Path& path) {
+  guards.erase(path.key());
+  links.erase(path.key());
+}
+
 Path Drive::longPath(const Path& path) {
   const bool mayHoldShort = std::any_of(path.names.begin(), path.names.end(), [](const Text& name) {
     return name.find(u'~') != Text::npos;
@@ -164,15 +172,25 @@ Drive& Disks::require(const Path& path) {
 // ---- laying entries
 
 void Disks::put(TextView text, const FileSettings& settings) {
-  const Path path = absolute(text);
+  Path path = absolute(text);
+  if (follow(path, false) != system_error::success) {
+    throw std::invalid_argument("too many links on the way to " + toUtf8(text));
+  }
   Drive& drive = require(path);
-  if (settings.directory) {
-    putDirectory(text);
+  const bool replaced = settings.directory || settings.content;
+  if (replaced && drive.links.contains(path.key())) remove(path.text());
+  if (settings.link) {
+    putLink(drive, path, settings);
+  } else if (settings.directory) {
+    putDirectory(path.text());
   } else {
     putDirectory(path.parent().text());
     putFile(drive, path, settings.content);
   }
-  if (settings.attributes) drive.volume->setAttributes(path, *settings.attributes);
+  if (settings.attributes) {
+    const std::uint32_t link = drive.volume->find(path)->attributes & file_attribute::link;
+    drive.volume->setAttributes(path, *settings.attributes | link);
+  }
   Guard guard = drive.guard(path);
   guard.locked = settings.locked.value_or(guard.locked);
   guard.inUse = settings.inUse.value_or(guard.inUse);
@@ -195,6 +213,20 @@ void Disks::putFile(Drive& drive, const Path& path, const std::optional<FileCont
   }
   drive.used += static_cast<std::int64_t>(drive.spaceFor(body->size())) -
                 static_cast<std::int64_t>(drive.spaceFor(before));
+}
+
+/// A link holds nothing itself: an empty entry of its kind stands for it.
+void Disks::putLink(Drive& drive, const Path& path, const FileSettings& settings) {
+  const Path target = absolute(*settings.link);
+  remove(path.text());
+  if (settings.directory) {
+    putDirectory(path.text());
+  } else {
+    putDirectory(path.parent().text());
+    putFile(drive, path, std::nullopt);
+  }
+  drive.volume->setAttributes(path, drive.volume->find(path)->attributes | file_attribute::link);
+  drive.links[path.key()] = target;
 }
 
 void Disks::putText(TextView path, std::string_view bytes) {
@@ -230,7 +262,7 @@ void Disks::remove(TextView text) {
     drive->used -= static_cast<std::int64_t>(drive->spaceFor(entry->size));
   }
   if (!path.isRoot()) drive->volume->remove(path);
-  drive->guards.erase(path.key());
+  drive->forget(path);
 }
 
 // ---- looking
@@ -239,6 +271,43 @@ std::optional<DirectoryEntry> Disks::find(TextView text) const {
   const Path path = absolute(text);
   const Drive* drive = at(path.drive);
   return drive == nullptr ? std::nullopt : drive->volume->find(path);
+}
+
+std::optional<Text> Disks::link(TextView text) const {
+  const Path path = absolute(text);
+  const Drive* drive = at(path.drive);
+  if (drive == nullptr) return std::nullopt;
+  const auto found = drive->links.find(path.key());
+  return found == drive->links.end() ? std::nullopt : std::optional(found->second.text());
+}
+
+/// The path behind the first link on its way; none if there is none.
+std::optional<Path> Disks::behindLink(const Path& path, bool last) const {
+  const Drive* drive = at(path.drive);
+  if (drive == nullptr || drive->links.empty()) return std::nullopt;
+  const std::size_t count = path.names.size() - (last || path.isRoot() ? 0 : 1);
+  Path each{path.drive, {}, false};
+  for (std::size_t place = 0; place < count; ++place) {
+    each = each.child(path.names[place]);
+    const auto found = drive->links.find(each.key());
+    if (found == drive->links.end()) continue;
+    Path behind = found->second;
+    behind.names.insert(behind.names.end(),
+                        path.names.begin() + static_cast<std::ptrdiff_t>(place) + 1,
+                        path.names.end());
+    behind.closed = path.closed;
+    return behind;
+  }
+  return std::nullopt;
+}
+
+SystemError Disks::follow(Path& path, bool last) const {
+  for (int links = 0; links <= mostLinks; ++links) {
+    std::optional<Path> behind = behindLink(path, last);
+    if (!behind) return system_error::success;
+    path = std::move(*behind);
+  }
+  return system_error::cannotResolve;
 }
 
 std::optional<std::vector<std::uint8_t>> Disks::read(TextView text) const {

@@ -31,12 +31,15 @@ struct Drive {
   std::unique_ptr<Volume> volume;
   std::int64_t used = 0;         ///< bytes, as far as they were laid or written here
   std::map<Text, Guard> guards;  ///< by Path::key of the entry
+  std::map<Text, Path> links;    ///< where links lead, by Path::key; the host's own are not here
   ShortNames shortNames;
 
   std::uint64_t clusterBytes() const;
   /// The space that a file of that size takes: whole clusters.
   std::uint64_t spaceFor(std::uint64_t size) const;
   Guard guard(const Path& path) const;
+  /// Drops what stands on an entry that has gone.
+  void forget(const Path& path);
   /// The path with the names that its short ones stand for. What is not there stays.
   Path longPath(const Path& path);
 };
@@ -54,9 +57,9 @@ class Disks {
   /// Upper-case letters of all drives.
   std::vector<char16_t> letters() const;
 
-  /// Lays an entry, with the directories above it. An entry of the other kind makes room. Throws
-  /// std::invalid_argument if the drive is not there, std::runtime_error for a host file that
-  /// cannot be read.
+  /// Lays an entry, with the directories above it, behind the links on its way. An entry of the
+  /// other kind makes room. Throws std::invalid_argument if the drive is not there,
+  /// std::runtime_error for a host file that cannot be read.
   void put(TextView path, const FileSettings& settings);
   void putText(TextView path, std::string_view bytes);
   void putDirectory(TextView path);
@@ -66,6 +69,11 @@ class Disks {
   /// The entry of that path; none if there is none. A root is a directory without a name.
   std::optional<DirectoryEntry> find(TextView path) const;
   bool exists(TextView path) const { return find(path).has_value(); }
+  /// Where an entry leads that is a link; none if it is none, or one of the host's own.
+  std::optional<Text> link(TextView path) const;
+  /// Follows the links on the way to an entry, and with `last` the entry itself: success, or
+  /// cannotResolve if they are too many.
+  SystemError follow(Path& path, bool last) const;
   /// All bytes of a file; none if it is no file.
   std::optional<std::vector<std::uint8_t>> read(TextView path) const;
   /// Up to `count` bytes of a file from an offset on; none if it is no file.
@@ -90,6 +98,8 @@ class Disks {
 
  private:
   Drive& require(const Path& path);
+  std::optional<Path> behindLink(const Path& path, bool last) const;
+  void putLink(Drive& drive, const Path& path, const FileSettings& settings);
   void putFile(Drive& drive, const Path& path, const std::optional<FileContent>& content);
 
   std::map<char16_t, Drive> drives_;

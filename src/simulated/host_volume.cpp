@@ -192,6 +192,7 @@ class HostVolume final : public Volume {
     if (directory) entry.attributes = file_attribute::normal;
     const auto known = attributes_.find(path.key());
     if (known != attributes_.end()) entry.attributes = known->second;
+    if (host.is_symlink(error)) entry.attributes |= file_attribute::link;
     if (directory) {
       entry.attributes |= file_attribute::directory;
     } else if (const auto body = openBody(path)) {

@@ -100,6 +100,7 @@ using FileContent = std::variant<std::vector<std::uint8_t>, ZeroBytes, std::file
 struct FileSettings {
   bool directory = false;
   std::optional<FileContent> content{};       ///< a path is a file of the host, copied
+  std::optional<Text> link{};                 ///< it leads to this full path, and holds nothing
   std::optional<std::uint32_t> attributes{};  ///< of platform `file_attribute`; a new file: archive
   std::optional<bool> locked{};               ///< its attributes cannot be changed
   std::optional<bool> inUse{};                ///< another program has it open without sharing

@@ -9,6 +9,7 @@
 #include "simulated/machine_settings.h"
 #include "simulated/network/simulated_network.h"
 #include "simulated/registry_tree.h"
+#include "simulated/sharing.h"
 #include "simulated/shortcut_properties.h"
 #include "simulated/transcript.h"
 
@@ -44,6 +45,7 @@ struct MachineState {
   Transcript& transcript;
   MachineSettings settings;
   Disks disks;
+  Sharing sharing;  ///< of all processes
   RegistryTree registry;
   std::map<Text, ShortcutProperties> shortcuts;  ///< by upper-case path of the file
   std::set<Text> running;                        ///< upper-case paths of programs in use

@@ -19,6 +19,10 @@ bool reads(FileAccess access) { return access != FileAccess::Write; }
 
 Text driveAndKey(const Path& path) { return path.drive + path.key(); }
 
+/// Deleting an entry by its name, which others may do, too.
+constexpr Opening deletion = {sharing::deleting,
+                              sharing::reading | sharing::writing | sharing::deleting};
+
 DirectoryEntry dots(TextView name) { return {Text(name), file_attribute::directory, 0}; }
 
 }  // namespace
@@ -27,22 +31,32 @@ bool SimulatedFileSystem::Place::onReadOnlyMedium() const {
   return drive->settings.type == drive_type::cdRom;
 }
 
+SimulatedFileSystem::~SimulatedFileSystem() {
+  for (const auto& [handle, file] : files_) machine_.sharing.remove(file.sharing);
+}
+
 // ---- looking paths up
 
-SystemError SimulatedFileSystem::lookUpDrive(TextView text, Place& place) const {
+SystemError SimulatedFileSystem::onDrive(Place& place) const {
+  place.drive = machine_.disks.at(place.path.drive);
+  if (place.drive == nullptr) return pathNotFound;
+  return place.drive->settings.ready ? success : notReady;
+}
+
+SystemError SimulatedFileSystem::lookUpDrive(TextView text, Place& place, bool followed) const {
   const SystemError error =
       parsePath(machine_.throughAnsi(text), machine_.currentFolder(), place.path);
   if (error != success) return error;
-  place.drive = machine_.disks.at(place.path.drive);
-  if (place.drive == nullptr) return pathNotFound;
-  if (!place.drive->settings.ready) return notReady;
+  if (const SystemError missing = onDrive(place)) return missing;
   place.path = place.drive->longPath(place.path);
-  return success;
+  if (const SystemError tooMany = machine_.disks.follow(place.path, followed)) return tooMany;
+  return onDrive(place);
 }
 
-/// Success if the parent is there, whether or not the entry is.
-SystemError SimulatedFileSystem::lookUp(TextView text, Place& place) const {
-  if (const SystemError error = lookUpDrive(text, place)) return error;
+/// Success if the parent is there, whether or not the entry is. An entry that is a link is what it
+/// leads to if it is to be followed.
+SystemError SimulatedFileSystem::lookUp(TextView text, Place& place, bool followed) const {
+  if (const SystemError error = lookUpDrive(text, place, followed)) return error;
   if (const SystemError error = checkNames(place.path)) return error;
   place.entry = place.drive->volume->find(place.path);
   if (place.exists()) {
@@ -115,11 +129,8 @@ void SimulatedFileSystem::FindClose(FileHandle search) { searches_.erase(search)
 
 // ---- what is allowed
 
-bool SimulatedFileSystem::isOpen(const Path& path, bool unsharedOnly) const {
-  const Text key = driveAndKey(path);
-  return std::any_of(files_.begin(), files_.end(), [&](const auto& each) {
-    return each.second.key == key && (!unsharedOnly || each.second.share == FileShare::Nothing);
-  });
+bool SimulatedFileSystem::allows(const Place& place, Opening opening) const {
+  return !place.guard().inUse && machine_.sharing.allows(driveAndKey(place.path), opening);
 }
 
 bool SimulatedFileSystem::runs(const Path& path) const {
@@ -153,8 +164,7 @@ SystemError SimulatedFileSystem::mayOpen(const Place& place, FileAccess access, 
   if (writes(access)) {
     if (const SystemError error = mayWrite(place, disposition)) return error;
   }
-  const bool taken = isOpen(place.path, share == FileShare::All);
-  return taken || place.guard().inUse ? sharingViolation : success;
+  return allows(place, openingOf(access, share)) ? success : sharingViolation;
 }
 
 SystemError SimulatedFileSystem::mayDelete(const Place& place) const {
@@ -163,7 +173,7 @@ SystemError SimulatedFileSystem::mayDelete(const Place& place) const {
   if (place.onReadOnlyMedium()) return writeProtect;
   if (place.guard().deny.remove || place.parentGuard().deny.remove) return accessDenied;
   if (place.has(file_attribute::readOnly) || runs(place.path)) return accessDenied;
-  return place.guard().inUse || isOpen(place.path, false) ? sharingViolation : success;
+  return allows(place, deletion) ? success : sharingViolation;
 }
 
 SystemError SimulatedFileSystem::mayRemoveDirectory(const Place& place) const {
@@ -173,7 +183,8 @@ SystemError SimulatedFileSystem::mayRemoveDirectory(const Place& place) const {
   if (place.onReadOnlyMedium()) return writeProtect;
   if (place.guard().deny.remove || place.parentGuard().deny.remove) return accessDenied;
   if (place.has(file_attribute::readOnly)) return accessDenied;
-  return place.drive->volume->list(place.path).empty() ? success : directoryNotEmpty;
+  if (!place.isLink() && !place.drive->volume->list(place.path).empty()) return directoryNotEmpty;
+  return allows(place, deletion) ? success : sharingViolation;
 }
 
 // ---- open files
@@ -202,7 +213,7 @@ SystemError SimulatedFileSystem::prepare(Place& place, FileDisposition dispositi
 SystemError SimulatedFileSystem::CreateFileA(TextView path, FileAccess access, FileShare share,
                                              FileDisposition disposition, FileHandle& file) {
   Place place;
-  SystemError error = lookUp(path, place);
+  SystemError error = lookUp(path, place, true);
   if (error == success) error = mayOpen(place, access, share, disposition);
   if (error != success) {
     const bool creates = disposition == FileDisposition::CreateAlways ||
@@ -212,9 +223,30 @@ SystemError SimulatedFileSystem::CreateFileA(TextView path, FileAccess access, F
   if (const SystemError refused = prepare(place, disposition)) return refused;
   auto body = place.drive->volume->open(place.path);
   if (!body) return accessDenied;
-  file = ++lastHandle_;
-  files_.emplace(file, OpenFile{place.path, driveAndKey(place.path), access, share, std::move(body),
-                                0, false});
+  file = add(place, access, openingOf(access, share), std::move(body));
+  return success;
+}
+
+FileHandle SimulatedFileSystem::add(const Place& place, FileAccess access, Opening opening,
+                                    std::shared_ptr<FileBody> body) {
+  const std::uint64_t sharing = machine_.sharing.add(driveAndKey(place.path), opening);
+  files_.emplace(++lastHandle_, OpenFile{place.path, sharing, access, std::move(body), 0, false});
+  return lastHandle_;
+}
+
+SystemError SimulatedFileSystem::HoldEntryA(TextView path, Holding holding,
+                                            std::uint32_t& attributes, FileHandle& held) {
+  Place place;
+  if (const SystemError error = lookUp(path, place)) return error;
+  if (!place.exists()) return fileNotFound;
+  const bool toDelete = holding == Holding::ToDelete;
+  const Denial deny = place.guard().deny;
+  if (toDelete ? deny.remove || place.parentGuard().deny.remove : deny.list) return accessDenied;
+  const Opening opening = openingOf(holding, place.isDirectory());
+  if (!allows(place, opening)) return sharingViolation;
+  attributes = place.entry->attributes;
+  held = add(place, FileAccess::Read, opening,
+             place.isLink() ? nullptr : place.drive->volume->open(place.path));
   return success;
 }
 
@@ -223,7 +255,7 @@ SystemError SimulatedFileSystem::ReadFile(FileHandle file, std::uint64_t offset,
   read = 0;
   const auto found = files_.find(file);
   if (found == files_.end()) return invalidHandle;
-  if (!reads(found->second.access)) return accessDenied;
+  if (!reads(found->second.access) || !found->second.body) return accessDenied;
   read = found->second.body->read(offset, into);
   return success;
 }
@@ -269,7 +301,7 @@ SystemError SimulatedFileSystem::WriteFile(FileHandle file, std::uint64_t offset
 SystemError SimulatedFileSystem::GetFileSize(FileHandle file, std::uint64_t& size) {
   const auto found = files_.find(file);
   if (found == files_.end()) return invalidHandle;
-  size = found->second.body->size();
+  size = found->second.body ? found->second.body->size() : 0;
   return success;
 }
 
@@ -284,6 +316,7 @@ void SimulatedFileSystem::CloseHandle(FileHandle file) {
     }
   }
   if (open.unreported > 0) tellWritten(open, success);
+  machine_.sharing.remove(open.sharing);
   files_.erase(found);
 }
 
@@ -296,7 +329,7 @@ SystemError SimulatedFileSystem::DeleteFileA(TextView path) {
   if (error == success) {
     if (!place.drive->volume->remove(place.path)) return told("delete", path, accessDenied);
     account(*place.drive, place.entry->size, 0);
-    place.drive->guards.erase(place.path.key());
+    place.drive->forget(place.path);
   }
   return told("delete", path, error);
 }
@@ -317,7 +350,7 @@ SystemError SimulatedFileSystem::RemoveDirectoryA(TextView path) {
   if (error == success) error = mayRemoveDirectory(place);
   if (error == success) {
     if (!place.drive->volume->remove(place.path)) return told("rmdir", path, accessDenied);
-    place.drive->guards.erase(place.path.key());
+    place.drive->forget(place.path);
   }
   return told("rmdir", path, error);
 }
@@ -330,13 +363,20 @@ SystemError SimulatedFileSystem::GetFileAttributesA(TextView path, std::uint32_t
   return success;
 }
 
+SystemError SimulatedFileSystem::maySetAttributes(const Place& place) const {
+  if (!place.exists()) return fileNotFound;
+  if (place.onReadOnlyMedium()) return writeProtect;
+  return place.path.isRoot() || place.guard().locked ? accessDenied : success;
+}
+
 SystemError SimulatedFileSystem::SetFileAttributesA(TextView path, std::uint32_t attributes) {
   Place place;
   SystemError error = lookUp(path, place);
-  if (error == success && !place.exists()) error = fileNotFound;
-  if (error == success && place.onReadOnlyMedium()) error = writeProtect;
-  if (error == success && (place.path.isRoot() || place.guard().locked)) error = accessDenied;
-  if (error == success) place.drive->volume->setAttributes(place.path, attributes & settable);
+  if (error == success) error = maySetAttributes(place);
+  if (error == success) {
+    place.drive->volume->setAttributes(
+        place.path, (attributes & settable) | (place.entry->attributes & file_attribute::link));
+  }
   return told("attributes", path, error);
 }
 

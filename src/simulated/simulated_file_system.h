@@ -20,11 +20,15 @@ namespace zev::simulated {
 ///  - replacing a hidden or system file (CreateAlways) fails with accessDenied;
 ///  - a drive of type 5 fails every change with writeProtect, one without a medium everything with
 ///    notReady;
-///  - free space goes in whole clusters.
+///  - free space goes in whole clusters;
+///  - what another process of the machine has open or holds counts as what this one has.
 class SimulatedFileSystem final : public FileSystem {
  public:
   /// Borrows the machine.
   explicit SimulatedFileSystem(MachineState& machine) : machine_(machine) {}
+  ~SimulatedFileSystem() override;
+  SimulatedFileSystem(const SimulatedFileSystem&) = delete;
+  SimulatedFileSystem& operator=(const SimulatedFileSystem&) = delete;
 
   SystemError FindFirstFileA(TextView pattern, DirectoryEntry& entry, FileHandle& search) override;
   SystemError FindNextFileA(FileHandle search, DirectoryEntry& entry) override;
@@ -37,6 +41,8 @@ class SimulatedFileSystem final : public FileSystem {
                         std::size_t& written) override;
   SystemError GetFileSize(FileHandle file, std::uint64_t& size) override;
   void CloseHandle(FileHandle file) override;
+  SystemError HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
+                         FileHandle& held) override;
   SystemError DeleteFileA(TextView path) override;
   SystemError CreateDirectoryA(TextView path) override;
   SystemError RemoveDirectoryA(TextView path) override;
@@ -46,17 +52,16 @@ class SimulatedFileSystem final : public FileSystem {
   std::string toAnsi(TextView text) override { return machine_.toAnsi(text); }
   Text fromAnsi(std::string_view bytes) override { return machine_.fromAnsi(bytes); }
 
-  /// Open files and searches: 0 when a program has closed what it opened.
+  /// Open files, held entries and searches: 0 when a program has closed what it opened.
   std::size_t openHandles() const { return files_.size() + searches_.size(); }
 
  private:
   struct OpenFile {
     Path path;
-    Text key;
+    std::uint64_t sharing = 0;  ///< its number among all that the machine's processes have open
     FileAccess access{};
-    FileShare share{};
-    std::shared_ptr<FileBody> body;
-    std::uint64_t unreported = 0;  ///< bytes written that the transcript does not know of
+    std::shared_ptr<FileBody> body;  ///< none of a directory that is held
+    std::uint64_t unreported = 0;    ///< bytes written that the transcript does not know of
     bool written = false;
   };
   struct Search {
@@ -74,12 +79,14 @@ class SimulatedFileSystem final : public FileSystem {
     Guard guard() const { return drive->guard(path); }
     Guard parentGuard() const { return drive->guard(path.parent()); }
     bool isDirectory() const { return has(file_attribute::directory); }
+    bool isLink() const { return has(file_attribute::link); }
     bool onReadOnlyMedium() const;
   };
 
   DirectoryEntry shown(DirectoryEntry entry) const;
-  SystemError lookUpDrive(TextView text, Place& place) const;
-  SystemError lookUp(TextView text, Place& place) const;
+  SystemError onDrive(Place& place) const;
+  SystemError lookUpDrive(TextView text, Place& place, bool followed = false) const;
+  SystemError lookUp(TextView text, Place& place, bool followed = false) const;
   SystemError lookUpPattern(TextView pattern, Place& directory, Text& leaf) const;
 
   SystemError mayOpen(const Place& place, FileAccess access, FileShare share,
@@ -88,7 +95,10 @@ class SimulatedFileSystem final : public FileSystem {
   SystemError mayWrite(const Place& place, FileDisposition disposition) const;
   SystemError mayDelete(const Place& place) const;
   SystemError mayRemoveDirectory(const Place& place) const;
-  bool isOpen(const Path& path, bool unsharedOnly) const;
+  SystemError maySetAttributes(const Place& place) const;
+  bool allows(const Place& place, Opening opening) const;
+  FileHandle add(const Place& place, FileAccess access, Opening opening,
+                 std::shared_ptr<FileBody> body);
   bool runs(const Path& path) const;
 
   SystemError prepare(Place& place, FileDisposition disposition);

@@ -38,6 +38,7 @@ Json attributesOf(const DirectoryEntry& entry) {
 
 Json describe(const Disks& disks, const Text& path, const DirectoryEntry& entry) {
   Json described;
+  if (const auto target = disks.link(path)) described["link"] = toUtf8(*target);
   if ((entry.attributes & file_attribute::directory) != 0) {
     described["directory"] = true;
   } else {

@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::uint32_t known = file_attribute::readOnly | file_attribute::hidden |
                                 file_attribute::system | file_attribute::volume |
-                                file_attribute::directory | file_attribute::archive;
+                                file_attribute::directory | file_attribute::archive |
+                                file_attribute::link;
 constexpr std::uint32_t settable = file_attribute::readOnly | file_attribute::hidden |
                                    file_attribute::system | file_attribute::archive;
 
@@ -129,6 +130,40 @@ SystemError Win32FileSystem::GetFileSize(FileHandle file, std::uint64_t& size) {
 }
 
 void Win32FileSystem::CloseHandle(FileHandle file) { ::CloseHandle(handleOf(file)); }
+
+namespace {
+
+constexpr DWORD shareWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// What holding an entry asks of the system. A directory that is kept is open for listing, and its
+/// entries may be written; a file that is kept may be read.
+HANDLE openEntry(const std::string& path, Holding holding, bool directory) {
+  const DWORD access = holding == Holding::ToDelete ? DELETE : GENERIC_READ;
+  const DWORD kept = directory ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
+  return ::CreateFileA(path.c_str(), access, holding == Holding::ToDelete ? shareWithAll : kept,
+                       nullptr, OPEN_EXISTING,
+                       FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
+}
+
+}  // namespace
+
+SystemError Win32FileSystem::HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
+                                        FileHandle& held) {
+  const std::string argument = ansiArgument(path);
+  const DWORD before = ::GetFileAttributesA(argument.c_str());
+  if (before == INVALID_FILE_ATTRIBUTES) return ::GetLastError();
+  HANDLE handle = openEntry(argument, holding, (before & FILE_ATTRIBUTE_DIRECTORY) != 0);
+  if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
+  BY_HANDLE_FILE_INFORMATION information{};
+  if (!::GetFileInformationByHandle(handle, &information)) {
+    const SystemError error = ::GetLastError();
+    ::CloseHandle(handle);
+    return error;
+  }
+  attributes = (before | information.dwFileAttributes) & known;
+  held = reinterpret_cast<FileHandle>(handle);
+  return system_error::success;
+}
 
 // ---- entries by name
 

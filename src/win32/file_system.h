@@ -19,6 +19,8 @@ class Win32FileSystem final : public FileSystem {
                         std::size_t& written) override;
   SystemError GetFileSize(FileHandle file, std::uint64_t& size) override;
   void CloseHandle(FileHandle file) override;
+  SystemError HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
+                         FileHandle& held) override;
 
   SystemError DeleteFileA(TextView path) override;
   SystemError CreateDirectoryA(TextView path) override;

@@ -33,6 +33,8 @@ class Bench {
   virtual std::uint32_t codePage() = 0;
   /// Makes a folder whose name may have letters that the code page does not have.
   virtual void makeFolder(const Text& path) = 0;
+  /// Makes a link that leads to a folder. False where none can be made.
+  virtual bool makeLink(const Text& path, const Text& folder) = 0;
   /// Whether there is such an entry, whatever letters its path has.
   virtual bool isThere(const Text& path) = 0;
   /// Until the end of the test that folder is the one for temporary files, or for the user's

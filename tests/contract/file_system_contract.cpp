@@ -27,6 +27,18 @@ class FileSystemContract : public ContractTest {
     return opened;
   }
 
+  struct Held {
+    SystemError error = 0;
+    std::uint32_t attributes = 0;
+    FileHandle entry = 0;
+  };
+
+  Held hold(const Text& path, Holding holding) {
+    Held held;
+    held.error = system().HoldEntryA(path, holding, held.attributes, held.entry);
+    return held;
+  }
+
   SystemError write(FileHandle file, std::uint64_t offset, std::string_view bytes) {
     std::size_t written = 0;
     const SystemError error = system().WriteFile(
@@ -157,6 +169,98 @@ TEST_F(FileSystemContract, SharesNoFileThatIsOpenForItself) {
   system().CloseHandle(first.file);
   system().CloseHandle(second.file);
   EXPECT_EQ(system().DeleteFileA(path), success);
+}
+
+// ---- holding
+
+TEST_F(FileSystemContract, KeepsAFileAsItIs) {
+  const Text path = made(u"kept", u"as it is");
+  const Held kept = hold(path, Holding::ToKeep);
+  ASSERT_EQ(kept.error, success);
+  EXPECT_EQ(kept.attributes & file_attribute::directory, 0u);
+  EXPECT_EQ(read(kept.entry, 3, 2), "it");
+  EXPECT_EQ(open(path, FileAccess::Write, FileDisposition::OpenExisting).error, sharingViolation);
+  EXPECT_EQ(open(path, FileAccess::Write, FileDisposition::CreateAlways).error, sharingViolation);
+  EXPECT_EQ(hold(path, Holding::ToDelete).error, sharingViolation);
+  EXPECT_EQ(system().DeleteFileA(path), sharingViolation);
+  const Opened reader = open(path, FileAccess::Read, FileDisposition::OpenExisting);
+  EXPECT_EQ(reader.error, success);
+  const Held another = hold(path, Holding::ToKeep);
+  EXPECT_EQ(another.error, success);
+  for (const FileHandle each : {kept.entry, reader.file, another.entry}) system().CloseHandle(each);
+  EXPECT_EQ(system().DeleteFileA(path), success);
+}
+
+TEST_F(FileSystemContract, HoldsNoFileThatSomebodyMayWrite) {
+  const Text path = made(u"written");
+  const Opened writer = open(path, FileAccess::Write, FileDisposition::OpenExisting);
+  EXPECT_EQ(hold(path, Holding::ToKeep).error, sharingViolation);
+  system().CloseHandle(writer.file);
+  const Held kept = hold(path, Holding::ToKeep);
+  EXPECT_EQ(kept.error, success);
+  system().CloseHandle(kept.entry);
+  EXPECT_EQ(hold(in(u"missing"), Holding::ToKeep).error, fileNotFound);
+}
+
+TEST_F(FileSystemContract, KeepsADirectoryWhoseEntriesComeAndGo) {
+  const Text folder = in(u"folder");
+  ASSERT_EQ(system().CreateDirectoryA(folder), success);
+  const Held kept = hold(folder, Holding::ToKeep);
+  ASSERT_EQ(kept.error, success);
+  EXPECT_EQ(kept.attributes & file_attribute::directory, file_attribute::directory);
+  made(u"folder\\entry");
+  EXPECT_THAT(found(in(u"folder\\*.*")), testing::Contains(Text(u"entry")));
+  EXPECT_EQ(system().DeleteFileA(in(u"folder\\entry")), success);
+  EXPECT_EQ(hold(folder, Holding::ToDelete).error, sharingViolation);
+  EXPECT_EQ(system().RemoveDirectoryA(folder), sharingViolation);
+  system().CloseHandle(kept.entry);
+  EXPECT_EQ(system().RemoveDirectoryA(folder), success);
+}
+
+TEST_F(FileSystemContract, KeepsNothingThatIsAboutToBeDeleted) {
+  const Text folder = in(u"folder");
+  ASSERT_EQ(system().CreateDirectoryA(folder), success);
+  const Held claimed = hold(folder, Holding::ToDelete);
+  ASSERT_EQ(claimed.error, success);
+  EXPECT_EQ(hold(folder, Holding::ToKeep).error, sharingViolation);
+  EXPECT_EQ(system().RemoveDirectoryA(folder), success);
+  system().CloseHandle(claimed.entry);
+  EXPECT_FALSE(bench().isThere(folder));
+}
+
+// ---- links
+
+TEST_F(FileSystemContract, FollowsALinkOnTheWayToAnEntry) {
+  ASSERT_EQ(system().CreateDirectoryA(in(u"target")), success);
+  made(u"target\\entry", u"behind");
+  ASSERT_TRUE(bench().makeLink(in(u"link"), in(u"target")));
+  const Opened behind = open(in(u"link\\entry"), FileAccess::Read, FileDisposition::OpenExisting);
+  ASSERT_EQ(behind.error, success);
+  EXPECT_EQ(read(behind.file, 0, 6), "behind");
+  system().CloseHandle(behind.file);
+  EXPECT_THAT(found(in(u"link\\*.*")), testing::Contains(Text(u"entry")));
+  EXPECT_EQ(system().DeleteFileA(in(u"link\\entry")), success);
+  EXPECT_FALSE(bench().isThere(in(u"target\\entry")));
+}
+
+TEST_F(FileSystemContract, MeansALinkItselfByItsName) {
+  constexpr std::uint32_t both = file_attribute::directory | file_attribute::link;
+  ASSERT_EQ(system().CreateDirectoryA(in(u"target")), success);
+  made(u"target\\entry");
+  ASSERT_TRUE(bench().makeLink(in(u"link"), in(u"target")));
+  std::uint32_t attributes = 0;
+  EXPECT_EQ(system().GetFileAttributesA(in(u"link"), attributes), success);
+  EXPECT_EQ(attributes & both, both);
+  const Held kept = hold(in(u"link"), Holding::ToKeep);
+  ASSERT_EQ(kept.error, success);
+  EXPECT_EQ(kept.attributes & both, both);
+  system().CloseHandle(kept.entry);
+  EXPECT_EQ(system().CreateDirectoryA(in(u"link")), alreadyExists);
+  EXPECT_TRUE(bench().isThere(in(u"target\\entry")));
+  if (bench().isWine()) GTEST_SKIP() << "Wine removes no link";
+  EXPECT_EQ(system().RemoveDirectoryA(in(u"link")), success);
+  EXPECT_FALSE(bench().isThere(in(u"link")));
+  EXPECT_TRUE(bench().isThere(in(u"target\\entry")));
 }
 
 // ---- names

@@ -45,6 +45,10 @@ class SimulatedBench final : public Bench {
 
   std::uint32_t codePage() override { return machine_.settings().system.codePage; }
   void makeFolder(const Text& path) override { machine_.disks().putDirectory(path); }
+  bool makeLink(const Text& path, const Text& folder) override {
+    machine_.disks().put(path, {.directory = true, .link = folder});
+    return true;
+  }
   bool isThere(const Text& path) override { return machine_.disks().exists(path); }
   void nameTemporaryFolder(const Text& path) override { machine_.settings().folders.temp = path; }
   void nameDocuments(const Text& path) override { machine_.settings().folders.documents = path; }

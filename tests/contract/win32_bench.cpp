@@ -35,6 +35,46 @@ void removeFolder(const Text& folder) {
   fs::remove_all(path, refused);
 }
 
+/// Wine makes and removes no links, and takes those of the host for what they are: there it is
+/// programs of the host that make and remove one. Paths are those that Wine's library gives for
+/// Windows's.
+std::wstring onHost(const Text& path) {
+  using NameOnHost = char*(CDECL*)(const wchar_t*);
+  const auto call = reinterpret_cast<NameOnHost>(reinterpret_cast<void*>(
+      GetProcAddress(GetModuleHandleA("kernel32"), "wine_get_unix_file_name")));
+  const std::string name = call == nullptr ? "" : call(win32::wide(path));
+  return L'"' + std::wstring(name.begin(), name.end()) + L'"';
+}
+
+/// Such a program is no process of Windows's: whether there is an entry behind it tells that it has
+/// run. False if it has not in a few seconds.
+bool runOnHost(const wchar_t* program, std::wstring line, const Text& entry, bool there) {
+  constexpr int tries = 200;
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  PROCESS_INFORMATION made{};
+  if (!CreateProcessW(program, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                      &made)) {
+    return false;
+  }
+  const auto isThere = [&] {
+    return GetFileAttributesW(win32::wide(entry)) != INVALID_FILE_ATTRIBUTES;
+  };
+  for (int each = 0; each < tries && isThere() != there; ++each) Sleep(20);
+  return isThere() == there;
+}
+
+bool makeLinkOnHost(const Text& path, const Text& folder) {
+  const std::size_t name = path.find_last_of(u'\\') + 1;
+  const std::wstring link =
+      onHost(path.substr(0, name - 1)) + L"/" + std::wstring(win32::wide(path.substr(name)));
+  return runOnHost(L"\\\\?\\unix\\bin\\ln", L"ln -s " + onHost(folder) + L" " + link, path, true);
+}
+
+void removeLinkOnHost(const Text& path) {
+  runOnHost(L"\\\\?\\unix\\bin\\rm", L"rm -f " + onHost(path), path, false);
+}
+
 std::vector<Text> subkeysOf(RegistryApi& registry, const Text& key) {
   std::vector<Text> names;
   RegistryKey handle = 0;
@@ -93,6 +133,7 @@ class Win32Bench final : public Bench {
     win32::Win32Registry registry;
     nameTemporaryFolder(temporaryFolder_);
     if (documents_) nameDocuments(*documents_);
+    for (const Text& link : linksOnHost_) removeLinkOnHost(link);
     removeFolder(folder_);
     removeKey(registry, key());
   }
@@ -123,6 +164,14 @@ class Win32Bench final : public Bench {
 
   std::uint32_t codePage() override { return GetACP(); }
   void makeFolder(const Text& path) override { fs::create_directories(win32::wide(path)); }
+  bool makeLink(const Text& path, const Text& folder) override {
+    if (isWine()) {
+      linksOnHost_.push_back(path);
+      return makeLinkOnHost(path, folder);
+    }
+    return CreateSymbolicLinkW(win32::wide(path), win32::wide(folder),
+                               SYMBOLIC_LINK_FLAG_DIRECTORY) != 0;
+  }
   bool isThere(const Text& path) override { return fs::exists(win32::wide(path)); }
 
   void nameTemporaryFolder(const Text& path) override {
@@ -164,6 +213,7 @@ class Win32Bench final : public Bench {
   Text temporaryFolder_ = temporaryFolder();
   Text folder_ = join(temporaryFolder_, uniqueName());
   std::unique_ptr<NoBoxes> noBoxes_;
+  std::vector<Text> linksOnHost_;
   std::optional<Text> documents_;  ///< as they were named before the test named others
 };
 

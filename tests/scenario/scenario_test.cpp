@@ -194,10 +194,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadScript{R"("files": {"C:\\x": 5})",
                   "$.machine.files[\"C:\\\\x\"]: a whole number where a text, an object or null is "
                   "wanted"},
-        BadScript{
-            R"("files": {"C:\\x": {"text": "a", "size": 1}})",
-            "$.machine.files[\"C:\\\\x\"].size: one of directory, text, base64, size and host is "
-            "enough"},
+        BadScript{R"("files": {"C:\\x": {"text": "a", "size": 1}})",
+                  "$.machine.files[\"C:\\\\x\"].size: one of directory, text, base64, size, host, "
+                  "junction and symlink is "
+                  "enough"},
         BadScript{R"("files": {"C:\\x": {"directory": false}})",
                   "$.machine.files[\"C:\\\\x\"].directory: only true has a meaning here"},
         BadScript{R"("files": {"C:\\x": {"directory": 1}})",

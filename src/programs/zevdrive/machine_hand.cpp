@@ -25,6 +25,7 @@ fs::path hostPath(const Text& path) { return fs::path(wide(path)); }
 
 std::optional<std::string> refusal(const FileChange& file) {
   if (file.locked && *file.locked) return "a file whose attributes cannot change";
+  if (std::holds_alternative<scenario::FileLink>(file.content)) return "a link";
   if (file.deny && !file.deny->empty()) return "what is refused on a file or folder";
   return std::nullopt;
 }
@@ -52,6 +53,7 @@ struct ContentWriter {
     write("", 0);
     fs::resize_file(path, content.size);
   }
+  void operator()(const scenario::FileLink&) const {}  // refused before
   void operator()(const scenario::FileFromHost& content) const {
     fs::copy_file(content.file, path, fs::copy_options::overwrite_existing);
   }
