@@ -30,7 +30,7 @@ constexpr OpenError openErrors[] = {
     {21, -9, u"Drive is not ready! : '", true},
     {23, -10, u"CRC file error : '", true},
     {27, -11, u"Couldn't find the file sector : '", true},
-    {32, -12, u"File in use : '", true},
+    {32, fileInUse, u"File in use : '", true},
     {54, -13, u"Couldn't read from computer : '", true},
     {65, -14, u"Access denied : '", true},
     {80, -15, u"File already exists : '", true},

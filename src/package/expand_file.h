@@ -16,6 +16,9 @@ namespace zev {
 std::int32_t ExpandFile(LzServices& lz, Dialogs& dialogs, Phrases& phrases, TextView source,
                         TextView destination, bool showErrors);
 
+/// The code of a file that somebody else has open.
+inline constexpr std::int32_t fileInUse = -12;
+
 /// The code of an open: 0 for a handle that is not negative, else -1 to -16 for the reason.
 std::int32_t MapOpenError(std::int32_t handle, std::int16_t nErrCode);
 

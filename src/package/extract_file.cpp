@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "package/held_files.h"
 #include "package/package_end.h"
 #include "runtime/buffer.h"
 #include "runtime/error.h"
@@ -36,6 +37,14 @@ struct Copy {
   std::int32_t destination = 0;
 };
 
+/// From here to its expansion the work file stays what it is. Between its closing and its holding
+/// somebody may have swapped it: that is a copy that failed.
+void holdWorkFile(Program& program, TextView path, std::span<const std::uint8_t> written) {
+  program.workFile = program.platform.holds.hold(path, Holding::ToKeep);
+  if (!holdsNothingBut(program.workFile, written)) program.workFile.refuse();
+  if (program.workFile.refused()) throw RuntimeError(ErrorNumber::PermissionDenied);
+}
+
 void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,
                 TextView destination, std::int32_t size, std::int32_t tailOffset) {
   Files& files = program.platform.files;
@@ -56,6 +65,7 @@ void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,
   files.Put(copy.destination, 1, buffer);
   files.Close(copy.destination);
   files.Close(copy.source);
+  holdWorkFile(program, destination, buffer);
 }
 
 void tellFailure(Program& program, Phrases& phrases, TextView destination,
@@ -72,6 +82,7 @@ void tellFailure(Program& program, Phrases& phrases, TextView destination,
 bool ExtractFile(Program& program, Phrases& phrases, TextView source, TextView destination,
                  std::int32_t size, std::int32_t tailOffset) {
   const TextView target = trim(destination);
+  program.workFile.release();
   deleteOldFile(program, phrases, target);
   Copy copy;
   try {

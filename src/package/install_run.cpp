@@ -3,6 +3,7 @@
 #include "localisation/addresses.h"
 #include "package/expand_file.h"
 #include "package/extract_file.h"
+#include "package/held_files.h"
 #include "package/package_end.h"
 #include "package/projects.h"
 #include "package/shorten_path.h"
@@ -121,6 +122,8 @@ bool InstallRun::openPackage() {
   if (!exists(platform_.files, TempFolder_, dir_mask::directories)) {
     platform_.files.MkDir(TempFolder_);
   }
+  program_.temporaryFolder = platform_.holds.hold(TempFolder_, Holding::ToFill);
+  if (program_.temporaryFolder.refused()) throw RuntimeError(ErrorNumber::PathFileAccessError);
   program_.DoEvents();
   return true;
 }
@@ -218,6 +221,7 @@ void InstallRun::layMember(const ManifestRow& row) {
   RunStep_ = row.expandStep;
   const bool expanded = expand(row, workFile);
   if (expanded && row.condition == Condition::Redistributable) runRedistributable();
+  program_.workFile.release();
 }
 
 void InstallRun::extract(const ManifestRow& row, TextView workFile) {
@@ -231,12 +235,19 @@ void InstallRun::extract(const ManifestRow& row, TextView workFile) {
 
 bool InstallRun::expand(const ManifestRow& row, TextView workFile) {
   const Text target = join(targetFolder(row.target), u"\\", row.installedName);
-  const std::int32_t result =
-      ExpandFile(platform_.lz, platform_.dialogs, phrases_, workFile, target, true);
-  if (result >= 0) return true;
+  if (expandWorkFile(workFile, target) >= 0) return true;
   if (row.condition == Condition::Mandatory) giveUp();
   showMemberBox(phrases_.Translate(expansionFailure(row)), phrases_.Translate(u"Screen Recorder"));
   return false;
+}
+
+/// A work file that somebody has swapped, or may write to, is a file in use.
+std::int32_t InstallRun::expandWorkFile(TextView workFile, TextView target) {
+  if (!program_.workFile.refused()) {
+    return ExpandFile(platform_.lz, platform_.dialogs, phrases_, workFile, target, true);
+  }
+  ShowExpandError(platform_.dialogs, fileInUse, workFile);
+  return fileInUse;
 }
 
 Text InstallRun::targetFolder(Target target) const {
@@ -261,7 +272,7 @@ void InstallRun::runRedistributable() {
   std::int32_t process = 0;
   if (exists(platform_.files, path, dir_mask::hiddenFiles)) {
     RunStep_ = step::startRedistributable;
-    process = platform_.processes.Shell(join(u"\"", path, u"\""), normalWindow);
+    process = startExpanded(path);
   }
   if (process != 0) {
     RunStep_ = step::waitForRedistributable;
@@ -270,6 +281,16 @@ void InstallRun::runRedistributable() {
   program_.DoEvents();
   RunStep_ = step::deleteRedistributable;
   DeleteFileIfPresent(path);
+}
+
+/// Starts what the work file holds and nothing else: the laid program is held until its process is
+/// there.
+std::int32_t InstallRun::startExpanded(TextView path) {
+  const Hold laid = platform_.holds.hold(path, Holding::ToKeep);
+  if (laid.refused() || !holdsExpanded(laid, program_.workFile)) {
+    throw RuntimeError(ErrorNumber::PermissionDenied);
+  }
+  return platform_.processes.Shell(join(u"\"", path, u"\""), normalWindow);
 }
 
 void InstallRun::waitFor(std::int32_t process) {

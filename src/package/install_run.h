@@ -55,9 +55,11 @@ class InstallRun final : private RunReport {
   bool readyProjectsFolder();
   void extract(const ManifestRow& row, TextView workFile);
   bool expand(const ManifestRow& row, TextView workFile);
+  std::int32_t expandWorkFile(TextView workFile, TextView target);
   Text targetFolder(Target target) const;
   [[noreturn]] void giveUp();
   void runRedistributable();
+  std::int32_t startExpanded(TextView path);
   void waitFor(std::int32_t process);
   bool DeleteFileIfPresent(TextView path);
 

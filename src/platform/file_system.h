@@ -64,10 +64,11 @@ enum class FileAccess { Read, Write, ReadWrite };
 /// What others may do with the file while it is open.
 enum class FileShare { All, Nothing };
 
-/// What an entry is held for. Whoever holds one lets nobody hold it for the other.
+/// What an entry is held for.
 enum class Holding {
-  ToKeep,    ///< nobody writes to the file, and nobody renames or deletes the entry
-  ToDelete,  ///< it is about to be deleted
+  ToKeep,   ///< nobody writes to the file, and nobody renames or deletes the entry
+  ToFill,   ///< a directory: the same, and nobody holds it to be emptied
+  ToEmpty,  ///< a directory: nobody holds it to be filled
 };
 
 enum class FileDisposition {
@@ -116,10 +117,11 @@ class FileSystem {
   virtual SystemError GetFileSize(FileHandle file, std::uint64_t& size) = 0;
   virtual void CloseHandle(FileHandle file) = 0;
 
-  /// Holds a file or directory until CloseHandle, and tells its attributes. ReadFile and
-  /// GetFileSize read a file that is held to be kept; the entries in a directory come and go. Fails
-  /// with sharingViolation if somebody has the entry open or holds it in a way that this would
-  /// change. A system without such handles of directories fails in whatever way it does.
+  /// Holds a file or directory until CloseHandle, and tells its attributes: a file that has other
+  /// names, too, counts as a link here. ReadFile and GetFileSize read a file that is held; the
+  /// entries in a directory come and go. Fails with sharingViolation if somebody has the entry open
+  /// or holds it in a way that does not go with this. A system without such handles of directories
+  /// fails in whatever way it does.
   virtual SystemError HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
                                  FileHandle& held) = 0;
 

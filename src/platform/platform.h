@@ -4,6 +4,7 @@
 #include "platform/dialogs.h"
 #include "platform/drives.h"
 #include "platform/files.h"
+#include "platform/holds.h"
 #include "platform/kernel.h"
 #include "platform/lz_services.h"
 #include "platform/message_windows.h"
@@ -23,6 +24,7 @@ struct Platform {
   Application& application;  ///< forms, events and the message loop
   Dialogs& dialogs;
   Files& files;
+  Holds& holds;
   RegistryApi& registry;
   LzServices& lz;
   SystemInformation& system;

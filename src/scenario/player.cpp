@@ -66,6 +66,7 @@ Player::Player(const Scenario& scenario, ProgramFactory factory, simulated::Tran
       transcript_(transcript),
       companion_(companion),
       machine_(*this, transcript) {
+  part_.script = &scenario.script;
   setUp(machine_, scenario.machine);
   if (!hasInstaller(machine_) || !scenario.package.path.empty()) {
     layInstaller(machine_, makeInstaller(scenario.package));
@@ -77,34 +78,42 @@ Player::~Player() = default;
 // The course of a play.
 
 void Player::play() {
-  const auto& script = scenario_.script;
-  while (place_ < script.size() && preparesOnly(script[place_])) perform(script[place_++]);
+  try {
+    playScript();
+  } catch (const PlayLeft&) {
+    return;
+  }
+}
+
+void Player::playScript() {
+  const auto& script = *part_.script;
+  while (part_.place < script.size() && preparesOnly(script[part_.place])) {
+    perform(script[part_.place++]);
+  }
   for (bool again = true; std::exchange(again, false);) {
     try {
       live();
     } catch (const RestartRequested&) {
       again = true;
-    } catch (const PlayLeft&) {
-      return;
     }
   }
 }
 
 /// One life of the program, from its start to the end of the script.
 void Player::live() {
-  program_.reset();
-  ended_ = nullptr;
+  part_.program.reset();
+  part_.ended = nullptr;
   companion_.starts();
   machine_.startProgram();
-  program_ = factory_(machine_.platform());
-  triggers_.requireProperties(program_->forms());
+  part_.program = factory_(machine_.platform());
+  part_.triggers.requireProperties(part_.program->forms());
   runProgram();
-  while (const Step* step = ended_.is_null() ? nullptr : takeStep()) performGuarded(*step);
+  while (const Step* step = part_.ended.is_null() ? nullptr : takeStep()) performGuarded(*step);
 }
 
 void Player::runProgram() {
   try {
-    machine_.platform().application.run([this] { program_->start(); });
+    machine_.platform().application.run([this] { part_.program->start(); });
   } catch (const ProgramEnd& over) {
     end(over.kind == EndKind::Exit ? "exit" : "unload");
   } catch (const UnhandledError& unhandled) {
@@ -114,20 +123,20 @@ void Player::runProgram() {
 }
 
 void Player::end(Json how) {
-  ended_ = std::move(how);
-  companion_.ended(ended_);
+  part_.ended = std::move(how);
+  companion_.ended(part_.ended);
   if (!transcript_.wants("end")) return;
-  Json event{{"event", "end"}, {"how", ended_.is_object() ? Json("error") : ended_}};
-  if (ended_.is_object()) event.update(ended_);
+  Json event{{"event", "end"}, {"how", part_.ended.is_object() ? Json("error") : part_.ended}};
+  if (part_.ended.is_object()) event.update(part_.ended);
   transcript_.add(std::move(event));
 }
 
 /// What is due comes first, then the script, then the companion; null if nothing is left.
 const Step* Player::takeStep() {
-  if (ended_.is_null()) triggers_.rest();
-  if (const Step* due = triggers_.takeDue()) return due;
-  if (place_ < scenario_.script.size()) return &scenario_.script[place_++];
-  return takeOwnStep();
+  if (part_.ended.is_null()) part_.triggers.rest();
+  if (const Step* due = part_.triggers.takeDue()) return due;
+  if (part_.place < part_.script->size()) return &(*part_.script)[part_.place++];
+  return part_.script == &scenario_.script ? takeOwnStep() : nullptr;
 }
 
 const Step* Player::takeOwnStep() {
@@ -144,7 +153,7 @@ bool Player::next() {
 }
 
 bool Player::duringPass() {
-  const Step* step = triggers_.takeDue();
+  const Step* step = part_.triggers.takeDue();
   if (step != nullptr) performGuarded(*step);
   return step != nullptr;
 }
@@ -158,7 +167,7 @@ void Player::performGuarded(const Step& step) {
 }
 
 bool Player::perform(const Step& step) {
-  if (!ended_.is_null() && !canFollowEnd(step)) {
+  if (!part_.ended.is_null() && !canFollowEnd(step)) {
     throw ScenarioError(step.path,
                         "the program has ended; only expect, change and restart can follow");
   }
@@ -170,12 +179,12 @@ bool Player::perform(const Step& step) {
 }
 
 std::vector<Form*> Player::forms() {
-  return program_ && ended_.is_null() ? program_->forms() : std::vector<Form*>();
+  return part_.program && part_.ended.is_null() ? part_.program->forms() : std::vector<Form*>();
 }
 
 void Player::propertyWritten(PropertyBase& property) {
   const Form* form = machine_.screen().formOf(property.owner());
-  if (triggers_.watchesProperties()) triggers_.written(form, property);
+  if (part_.triggers.watchesProperties()) part_.triggers.written(form, property);
   companion_.propertyWritten(form, property);
 }
 
@@ -184,7 +193,7 @@ void Player::propertyWritten(PropertyBase& property) {
 /// Does what is to be done before a box is answered.
 void Player::openBox() {
   companion_.boxOpens(*this);
-  for (const Step* step : triggers_.boxOpens()) performGuarded(*step);
+  for (const Step* step : part_.triggers.boxOpens()) performGuarded(*step);
 }
 
 /// Takes the next answer of the script and what it means for the box; none if there is no answer
@@ -238,7 +247,7 @@ Text Player::input(TextView prompt, TextView title, TextView initial) {
 /// an error of the script.
 Control* Player::findControl(const Name& name, const Step& step) {
   const std::string& control = name.parts.back();
-  Form* form = name.parts.size() > 1 ? findForm(*program_, name.parts.front())
+  Form* form = name.parts.size() > 1 ? findForm(*part_.program, name.parts.front())
                                      : machine_.screen().activeForm();
   if (form == nullptr) {
     requireControl(name, step);
@@ -256,7 +265,7 @@ void Player::requireControl(const Name& name, const Step& step) {
   if (name.parts.size() > 1) {
     throw ScenarioError(step.path, "the program has no form " + name.parts.front());
   }
-  const auto forms = program_->forms();
+  const auto forms = part_.program->forms();
   const bool known = std::any_of(forms.begin(), forms.end(), [&](const Form* form) {
     return form->findControl(fromUtf8(name.parts.back())) != nullptr;
   });
@@ -303,7 +312,8 @@ bool Player::choose(ControlKind kind, const Text& entry, const Step& step) {
   if (list == nullptr) throw ScenarioError(step.path, "the active form has no such list");
   if (!machine_.hand().reaches(*list)) return false;
   machine_.hand().focus(*list);
-  machine_.platform().application.post([this, list, entry] { program_->choose(*list, entry); });
+  machine_.platform().application.post(
+      [this, list, entry] { part_.program->choose(*list, entry); });
   return true;
 }
 
@@ -326,7 +336,7 @@ bool Player::carryOut(const ChooseFolder& choice, const Step& step) {
 }
 
 bool Player::carryOut(const Close& close, const Step& step) {
-  Form* form = findForm(*program_, close.form.written());
+  Form* form = findForm(*part_.program, close.form.written());
   if (form == nullptr) {
     throw ScenarioError(step.path, "the program has no form " + close.form.written());
   }
@@ -339,8 +349,8 @@ bool Player::carryOut(const GiveAnswers& given, const Step&) {
 }
 
 bool Player::carryOut(const At& at, const Step&) {
-  if (program_) Triggers::requireProperty(at, program_->forms());
-  triggers_.arm(at);
+  if (part_.program) Triggers::requireProperty(at, part_.program->forms());
+  part_.triggers.arm(at);
   return false;
 }
 
@@ -350,6 +360,47 @@ bool Player::carryOut(const Change& change, const Step&) {
 }
 
 bool Player::carryOut(const Restart&, const Step&) { throw RestartRequested{}; }
+
+/// The other program keeps what it holds until the end of the play.
+bool Player::carryOut(const Other& other, const Step&) {
+  FileSystem& files = machine_.otherFileSystem();
+  std::uint32_t attributes = 0;
+  std::size_t written = 0;
+  FileHandle file = 0;
+  if (other.kind == Other::Kind::Deletes) files.DeleteFileA(other.file);
+  if (other.kind == Other::Kind::Holds) {
+    files.HoldEntryA(other.file, Holding::ToKeep, attributes, file);
+  }
+  if (other.kind != Other::Kind::Writes) return false;
+  const std::string bytes = files.toAnsi(other.text);
+  if (files.CreateFileA(other.file, FileAccess::Write, FileShare::All,
+                        FileDisposition::CreateAlways, file) != system_error::success) {
+    return false;
+  }
+  files.WriteFile(file, 0, {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
+                  written);
+  files.CloseHandle(file);
+  return false;
+}
+
+/// Boxes and answers are those of both programs, one behind the other.
+bool Player::carryOut(const Beside& beside, const Step&) {
+  Part first = std::exchange(part_, Part{&beside.steps});
+  const auto back = [&] {
+    part_.program.reset();
+    machine_.endBeside();
+    part_ = std::move(first);
+  };
+  machine_.beginBeside();
+  try {
+    playScript();
+  } catch (...) {
+    back();
+    throw;
+  }
+  back();
+  return false;
+}
 
 bool Player::carryOut(const Expect& expect, const Step&) {
   for (const KeyedValue& each : expect.expectations) {
@@ -370,7 +421,7 @@ void Player::setOne(const KeyedValue& value) {
   constexpr std::string_view prefix = "global.";
   const PropertyValue wanted = toPropertyValue(value.value);
   if (value.key.starts_with(prefix)) {
-    if (program_->setGlobal(value.key.substr(prefix.size()), wanted)) return;
+    if (part_.program->setGlobal(value.key.substr(prefix.size()), wanted)) return;
     throw ScenarioError(value.path, "the program has no such global of that type");
   }
   const Json key = value.key;

@@ -68,24 +68,25 @@ class Player final : private simulated::Person {
   std::size_t failures() const { return failures_; }
   std::size_t boxesShown() const { return boxesShown_; }
   /// How the program ended: null, "unload", "exit", or an object with `error` and `description`.
-  const Json& ended() const { return ended_; }
+  const Json& ended() const { return part_.ended; }
   simulated::SimulatedMachine& machine() { return machine_; }
   /// The running program, or the one that ran last; only from within and after play().
-  PlayedProgram& program() { return *program_; }
+  PlayedProgram& program() { return *part_.program; }
   /// The forms of the program that runs; none while there is none.
   std::vector<Form*> forms();
   /// What an expectation would be held against now.
-  Scene scene() { return {machine_, *program_, ended_, boxes_}; }
+  Scene scene() { return {machine_, *part_.program, part_.ended, boxes_}; }
 
  private:
   // Person
   bool next() override;
-  void passBegins() override { triggers_.passBegins(); }
+  void passBegins() override { part_.triggers.passBegins(); }
   bool duringPass() override;
   BoxAnswer answer(const simulated::Box& box) override;
   Text input(TextView prompt, TextView title, TextView initial) override;
   void propertyWritten(PropertyBase& property) override;
 
+  void playScript();
   void live();
   void runProgram();
   void end(Json how);
@@ -109,6 +110,8 @@ class Player final : private simulated::Person {
   bool carryOut(const At& at, const Step& step);
   bool carryOut(const Change& change, const Step& step);
   bool carryOut(const Restart& restart, const Step& step);
+  bool carryOut(const Other& other, const Step& step);
+  bool carryOut(const Beside& beside, const Step& step);
   bool carryOut(const Expect& expect, const Step& step);
   bool carryOut(const Set& set, const Step& step);
 
@@ -119,19 +122,24 @@ class Player final : private simulated::Person {
   void tellStep(const Step& step);
   void tellExpectation(const KeyedValue& expectation, const Verdict& verdict);
 
+  /// What belongs to one program and the script that is played at it.
+  struct Part {
+    const std::vector<Step>* script = nullptr;
+    std::size_t place = 0;  ///< of the script's next step
+    std::unique_ptr<PlayedProgram> program{};
+    Triggers triggers{};
+    Json ended{};
+  };
+
   const Scenario& scenario_;
   ProgramFactory factory_;
   simulated::Transcript& transcript_;
   Companion& companion_;
   simulated::SimulatedMachine machine_;
-  std::unique_ptr<PlayedProgram> program_;
-
-  std::size_t place_ = 0;                       ///< of the script's next step
   std::deque<std::unique_ptr<Step>> ownSteps_;  ///< of the companion: triggers borrow them
-  Triggers triggers_;
+  Part part_;
   std::deque<Answer> answers_;
   Json boxes_ = Json::array();  ///< not yet expected
-  Json ended_;
   std::size_t failures_ = 0;
   std::size_t boxesShown_ = 0;
 };

@@ -101,6 +101,31 @@ Action readRestart(const JsonReader& value) {
   return Restart{};
 }
 
+constexpr KeyRow<Other> otherKeys[] = {
+    {"writes",
+     [](const JsonReader& value, Other& other) {
+       const auto written = value.elements(2);
+       other = {Other::Kind::Writes, written[0].text(), written[1].text()};
+     }},
+    {"deletes",
+     [](const JsonReader& value, Other& other) {
+       other = {Other::Kind::Deletes, value.text(), {}};
+     }},
+    {"holds",
+     [](const JsonReader& value, Other& other) {
+       other = {Other::Kind::Holds, value.text(), {}};
+     }},
+};
+
+Action readOther(const JsonReader& value) {
+  Other other;
+  readObject(value, otherKeys, other);
+  if (value.json().size() != 1) value.fail("one of writes, deletes and holds is wanted");
+  return other;
+}
+
+Action readBeside(const JsonReader& value) { return Beside{readSteps(value)}; }
+
 Action readExpect(const JsonReader& value) {
   Expect expect;
   for (const auto& [key, expected] : value.members()) {
@@ -141,6 +166,8 @@ constexpr Verb verbs[] = {
     {"answer", readAnswers},
     {"change", readChange},
     {"restart", readRestart},
+    {"other", readOther},
+    {"beside", readBeside},
     {"expect", readExpect},
     {"set", readSet},
 };

@@ -58,8 +58,21 @@ struct GiveAnswers {
   std::vector<Answer> answers;
 };
 struct Restart {};
+/// What another program does meanwhile, by the rules of the system; it counts for nothing if it is
+/// refused.
+struct Other {
+  enum class Kind { Writes, Deletes, Holds };
+  Kind kind{};
+  Text file;
+  Text text;  ///< what is written
+};
 struct Change {
   MachineChange change;
+};
+/// A second program beside the first, which stands still meanwhile: its steps, at the end of which
+/// it is left where it stands.
+struct Beside {
+  std::vector<Step> steps;
 };
 
 // When steps are done that are done later.
@@ -99,7 +112,7 @@ struct Set {
 };
 
 using Action = std::variant<Click, Select, Type, Focus, ChooseDrive, ChooseFolder, Close,
-                            GiveAnswers, At, Change, Restart, Expect, Set>;
+                            GiveAnswers, At, Change, Restart, Other, Beside, Expect, Set>;
 
 /// One step of a script.
 struct Step {

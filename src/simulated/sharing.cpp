@@ -18,11 +18,12 @@ Opening openingOf(FileAccess access, FileShare share) {
 }
 
 Opening openingOf(Holding holding, bool directory) {
-  if (holding == Holding::ToDelete) {
-    return {sharing::deleting, sharing::reading | sharing::writing | sharing::deleting};
+  if (holding == Holding::ToEmpty) {
+    return {sharing::writing, sharing::reading | sharing::writing | sharing::deleting};
   }
-  const std::uint8_t entries = directory ? sharing::writing : 0;
-  return {sharing::reading, static_cast<std::uint8_t>(sharing::reading | entries)};
+  const bool emptied = directory && holding == Holding::ToKeep;
+  const std::uint8_t shared = emptied ? sharing::reading | sharing::writing : sharing::reading;
+  return {sharing::reading, shared};
 }
 
 bool Sharing::allows(const Text& entry, Opening wanted) const {

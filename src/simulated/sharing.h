@@ -23,7 +23,7 @@ struct Opening {
 
 /// As an open file has it: nobody deletes what is open.
 Opening openingOf(FileAccess access, FileShare share);
-/// As an entry is held.
+/// As an entry is held: of a directory, "writing" means its entries.
 Opening openingOf(Holding holding, bool directory);
 
 /// What all processes of one machine have open, and so what the next one may.

@@ -239,9 +239,8 @@ SystemError SimulatedFileSystem::HoldEntryA(TextView path, Holding holding,
   Place place;
   if (const SystemError error = lookUp(path, place)) return error;
   if (!place.exists()) return fileNotFound;
-  const bool toDelete = holding == Holding::ToDelete;
   const Denial deny = place.guard().deny;
-  if (toDelete ? deny.remove || place.parentGuard().deny.remove : deny.list) return accessDenied;
+  if (holding == Holding::ToEmpty ? deny.create : deny.list) return accessDenied;
   const Opening opening = openingOf(holding, place.isDirectory());
   if (!allows(place, opening)) return sharingViolation;
   attributes = place.entry->attributes;

@@ -34,6 +34,7 @@ struct SimulatedMachine::State {
 
   Person& person;
   MachineState machine;
+  SimulatedFileSystem otherFiles{machine};
   Instrumentation instrumentation;
 };
 
@@ -56,6 +57,7 @@ struct SimulatedMachine::Process {
 
   SimulatedFileSystem fileSystem{machine};
   RuntimeFiles runtimeFiles{fileSystem};
+  Holds holds{fileSystem};
   lz::LzFiles lzFiles{fileSystem};
   SimulatedRegistry plainRegistry{machine};
   SimulatedSystem plainSystem{machine};
@@ -84,9 +86,9 @@ struct SimulatedMachine::Process {
   InstrumentedMessageWindows messageWindows{queue, watch};
   InstrumentedKernel kernel{plainKernel, watch};
 
-  Platform platform{application, dialogs, files,   registry,       lz,
-                    system,      drives,  windows, processes,      shellFolders,
-                    shortcuts,   dde,     sockets, messageWindows, kernel};
+  Platform platform{application, dialogs, files,          holds,     registry,     lz,
+                    system,      drives,  windows,        processes, shellFolders, shortcuts,
+                    dde,         sockets, messageWindows, kernel};
 };
 
 SimulatedMachine::SimulatedMachine(Person& person, Transcript& transcript)
@@ -100,12 +102,21 @@ SimulatedMachine::~SimulatedMachine() = default;
 
 void SimulatedMachine::startProgram() {
   process_.reset();
-  state_->machine.records = {};
-  state_->instrumentation.forgetCalls();
+  if (standing_.empty()) {
+    state_->machine.records = {};
+    state_->instrumentation.forgetCalls();
+  }
   process_ = std::make_unique<Process>(*state_);
   if (state_->machine.transcript.wants("start")) {
     state_->machine.transcript.add({{"event", "start"}});
   }
+}
+
+void SimulatedMachine::beginBeside() { standing_.push_back(std::move(process_)); }
+
+void SimulatedMachine::endBeside() {
+  process_ = std::move(standing_.back());
+  standing_.pop_back();
 }
 
 SimulatedMachine::Process& SimulatedMachine::process() const {
@@ -117,6 +128,7 @@ Platform& SimulatedMachine::platform() { return process().platform; }
 Screen& SimulatedMachine::screen() { return process().screen; }
 Hand& SimulatedMachine::hand() { return process().hand; }
 FileSystem& SimulatedMachine::fileSystem() { return process().fileSystem; }
+FileSystem& SimulatedMachine::otherFileSystem() { return state_->otherFiles; }
 
 // ---- the state
 

@@ -47,6 +47,11 @@ class SimulatedMachine {
   /// every handle. All objects of the former program must be gone as well. Tells the transcript
   /// `start`.
   void startProgram();
+  /// Until endBeside the programs that are started run beside the one that runs now, which stands
+  /// still meanwhile. What happened, and the counts of calls, are then those of all.
+  void beginBeside();
+  /// The program that was started last is gone, and the one before runs again.
+  void endBeside();
   /// The services for the running program. This and the following throw std::logic_error before the
   /// first start.
   Platform& platform();
@@ -54,6 +59,8 @@ class SimulatedMachine {
   Hand& hand();
   /// The file calls below the statements, unobserved.
   FileSystem& fileSystem();
+  /// Those of another program, which runs as long as the machine.
+  FileSystem& otherFileSystem();
 
   // ---- the state
 
@@ -100,6 +107,7 @@ class SimulatedMachine {
 
   std::unique_ptr<State> state_;
   std::unique_ptr<Process> process_;
+  std::vector<std::unique_ptr<Process>> standing_;
 };
 
 /// Creates the folders of every machine that belong to no user, as far as they are missing and

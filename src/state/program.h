@@ -31,6 +31,9 @@ struct Program {
       [this](const std::exception_ptr& error) {
         platform.application.post([error] { std::rethrow_exception(error); });
       }};
+  /// What the run relies on while the message loop may pass: its folder, and the member in work.
+  Hold temporaryFolder{};
+  Hold workFile{};
   Form1 form1{};
   Form2 form2{};
   Form3 form3{};

@@ -36,6 +36,13 @@ constexpr Standard standards[] = {
 
 }  // namespace
 
+std::vector<TextView> ProductSettings::names() {
+  std::vector<TextView> names = {setting::Dizin, setting::Version, setting::Language};
+  for (const Upgrade& each : upgrades) names.push_back(each.name);
+  for (const Standard& each : standards) names.push_back(each.name);
+  return names;
+}
+
 template <typename Statement>
 void ProductSettings::perform(Statement statement) {
   if (errors_ == Errors::Ignored) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "runtime/text.h"
 #include "system/registry.h"
@@ -32,6 +33,9 @@ class ProductSettings {
   /// What becomes of a run-time error: it reaches the caller, or the one read or write that it came
   /// from counts for nothing.
   enum class Errors { Raised, Ignored };
+
+  /// The names of all settings that are read or written here.
+  static std::vector<TextView> names();
 
   /// Borrows the registry.
   ProductSettings(Registry& registry, Errors errors) : registry_(registry), errors_(errors) {}

@@ -1,5 +1,7 @@
 #include "system/register_users.h"
 
+#include <algorithm>
+
 #include "runtime/error.h"
 #include "system/attributes.h"
 #include "system/profile_folders.h"
@@ -49,18 +51,46 @@ std::vector<Text> UserRegistration::entriesOf(TextView folder) {
 void UserRegistration::serve(TextView base, TextView name) {
   const Text profile = join(base, u"\\", name);
   const Text local = join(profile, profile_folder::local);
+  std::vector<Hold> way;
+  for (const Text& each : {profile, join(profile, profile_folder::data), local}) {
+    if (!keep(way, each)) return;
+  }
   clearAttributes(profile);
   if (!exists(local)) return;
   clearAttributes(local);
-  if (!writable(local)) return;
-  makeFolder(join(local, profile_folder::maker));
-  if (!exists(join(local, profile_folder::maker))) return;
-  makeFolder(join(local, profile_folder::product));
+  if (!readyFolders(way, local)) return;
   globals_.gUserData = join(local, profile_folder::product);
   globals_.gUserDataAlt.clear();
   ignoringErrors(
       [&] { report_.showStatus(join(phrases_.Translate(u"Registering user : "), trim(name))); });
   writeSettings();
+}
+
+/// Makes the folders of the settings below a local folder that can be written to; false if the
+/// profile is to be passed over.
+bool UserRegistration::readyFolders(std::vector<Hold>& way, TextView local) {
+  const Text maker = join(local, profile_folder::maker);
+  const Text product = join(local, profile_folder::product);
+  if (holds_.hold(join(local, u"\\", probeFile), Holding::ToKeep).isLink()) return false;
+  if (!writable(local)) return false;
+  makeFolder(maker);
+  if (!exists(maker) || !keep(way, maker)) return false;
+  makeFolder(product);
+  return keep(way, product) && noLinksAmong(product);
+}
+
+/// Holds an entry on the way to the settings; false if it is a link, or somebody could make it one.
+bool UserRegistration::keep(std::vector<Hold>& way, TextView path) {
+  way.push_back(holds_.hold(path, Holding::ToKeep));
+  return !way.back().refused();
+}
+
+/// Whether no setting leads to somebody's file.
+bool UserRegistration::noLinksAmong(TextView folder) {
+  const std::vector<TextView> names = ProductSettings::names();
+  return std::none_of(names.begin(), names.end(), [&](TextView name) {
+    return holds_.hold(join(folder, u"\\", name), Holding::ToKeep).isLink();
+  });
 }
 
 bool UserRegistration::writable(TextView folder) {

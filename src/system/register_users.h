@@ -11,7 +11,9 @@
 namespace zev {
 
 /// Lays the product's settings into every other profile of a machine of `profileClass`. A profile
-/// that cannot be written to is passed over without a word; none stops the walk.
+/// that cannot be written to is passed over without a word; none stops the walk. The setup has more
+/// rights than the users whose folders it writes to, so a profile with a link where the setup would
+/// write is passed over likewise, and its folders are held meanwhile.
 class UserRegistration {
  public:
   /// Borrows all of them. The report gets the status line of each profile.
@@ -19,6 +21,7 @@ class UserRegistration {
       : program_(program),
         globals_(program.globals),
         files_(program.platform.files),
+        holds_(program.platform.holds),
         phrases_(phrases),
         report_(report),
         settings_(registry, ProductSettings::Errors::Ignored) {}
@@ -31,6 +34,9 @@ class UserRegistration {
   Text baseFolder();
   std::vector<Text> entriesOf(TextView folder);
   void serve(TextView base, TextView name);
+  bool readyFolders(std::vector<Hold>& way, TextView local);
+  bool keep(std::vector<Hold>& way, TextView path);
+  bool noLinksAmong(TextView folder);
   bool writable(TextView folder);
   void makeFolder(TextView folder);
   bool exists(TextView path);
@@ -40,6 +46,7 @@ class UserRegistration {
   Program& program_;
   Globals& globals_;
   Files& files_;
+  Holds& holds_;
   Phrases& phrases_;
   RunReport& report_;
   ProductSettings settings_;

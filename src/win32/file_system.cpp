@@ -135,13 +135,20 @@ namespace {
 
 constexpr DWORD shareWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// What holding an entry asks of the system. A directory that is kept is open for listing, and its
-/// entries may be written; a file that is kept may be read.
-HANDLE openEntry(const std::string& path, Holding holding, bool directory) {
-  const DWORD access = holding == Holding::ToDelete ? DELETE : GENERIC_READ;
-  const DWORD kept = directory ? FILE_SHARE_READ | FILE_SHARE_WRITE : FILE_SHARE_READ;
-  return ::CreateFileA(path.c_str(), access, holding == Holding::ToDelete ? shareWithAll : kept,
-                       nullptr, OPEN_EXISTING,
+/// What a holding asks of the system: for a directory, "writing" means its entries.
+struct Opening {
+  DWORD access;
+  DWORD shared;
+};
+
+Opening openingOf(Holding holding, bool directory) {
+  if (holding == Holding::ToEmpty) return {FILE_ADD_FILE, shareWithAll};
+  const bool emptied = directory && holding == Holding::ToKeep;
+  return {GENERIC_READ, FILE_SHARE_READ | (emptied ? DWORD{FILE_SHARE_WRITE} : DWORD{0})};
+}
+
+HANDLE openEntry(const std::string& path, const Opening& opening) {
+  return ::CreateFileA(path.c_str(), opening.access, opening.shared, nullptr, OPEN_EXISTING,
                        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
@@ -152,7 +159,8 @@ SystemError Win32FileSystem::HoldEntryA(TextView path, Holding holding, std::uin
   const std::string argument = ansiArgument(path);
   const DWORD before = ::GetFileAttributesA(argument.c_str());
   if (before == INVALID_FILE_ATTRIBUTES) return ::GetLastError();
-  HANDLE handle = openEntry(argument, holding, (before & FILE_ATTRIBUTE_DIRECTORY) != 0);
+  const bool directory = (before & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  HANDLE handle = openEntry(argument, openingOf(holding, directory));
   if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
   BY_HANDLE_FILE_INFORMATION information{};
   if (!::GetFileInformationByHandle(handle, &information)) {
@@ -161,6 +169,7 @@ SystemError Win32FileSystem::HoldEntryA(TextView path, Holding holding, std::uin
     return error;
   }
   attributes = (before | information.dwFileAttributes) & known;
+  if (!directory && information.nNumberOfLinks > 1) attributes |= file_attribute::link;
   held = reinterpret_cast<FileHandle>(handle);
   return system_error::success;
 }

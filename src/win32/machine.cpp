@@ -8,9 +8,9 @@ namespace zev::win32 {
 Machine::Machine() { ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX); }
 
 Platform Machine::platform(Application& application, Dialogs& dialogs) {
-  return {application, dialogs, files_,   registry_,       lz_,
-          system_,     drives_, windows_, processes_,      shellFolders_,
-          shortcuts_,  dde_,    sockets_, messageWindows_, kernel_};
+  return {application, dialogs,  files_,          holds_,     registry_,     lz_,
+          system_,     drives_,  windows_,        processes_, shellFolders_, shortcuts_,
+          dde_,        sockets_, messageWindows_, kernel_};
 }
 
 }  // namespace zev::win32

@@ -39,6 +39,7 @@ class Machine {
  private:
   Win32FileSystem fileSystem_;
   RuntimeFiles files_{fileSystem_};
+  Holds holds_{fileSystem_};
   lz::LzFiles lz_{fileSystem_};
   Win32Registry registry_;
   Win32System system_;

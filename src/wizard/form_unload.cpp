@@ -50,10 +50,16 @@ bool Wizard::cancelConfirmed() {
                                   Translate(u"Screen Recorder")) != BoxAnswer::No;
 }
 
-/// A folder that still holds something stays behind without a word.
+/// A folder that still holds something stays behind without a word. What is no folder of the run's
+/// own is left alone: a link, which leads to somebody's files, and the folder of another wizard
+/// that is running.
 void Wizard::RemoveTempFiles() {
   ignoringErrors([&] { showStatus(u"Temporary files are being deleted..."); });
   const Text folder = join(globals_.gTempDir.trimmed(), u"\\ZEVTMP");
+  program_.workFile.release();
+  program_.temporaryFolder.release();
+  const Hold emptied = platform_.holds.hold(folder, Holding::ToEmpty);
+  if (emptied.refused()) return;
   ignoringErrors([&] { platform_.files.Kill(join(folder, u"\\*.*")); });
   ignoringErrors([&] { platform_.files.RmDir(folder); });
 }

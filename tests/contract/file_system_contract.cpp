@@ -181,7 +181,6 @@ TEST_F(FileSystemContract, KeepsAFileAsItIs) {
   EXPECT_EQ(read(kept.entry, 3, 2), "it");
   EXPECT_EQ(open(path, FileAccess::Write, FileDisposition::OpenExisting).error, sharingViolation);
   EXPECT_EQ(open(path, FileAccess::Write, FileDisposition::CreateAlways).error, sharingViolation);
-  EXPECT_EQ(hold(path, Holding::ToDelete).error, sharingViolation);
   EXPECT_EQ(system().DeleteFileA(path), sharingViolation);
   const Opened reader = open(path, FileAccess::Read, FileDisposition::OpenExisting);
   EXPECT_EQ(reader.error, success);
@@ -203,28 +202,36 @@ TEST_F(FileSystemContract, HoldsNoFileThatSomebodyMayWrite) {
 }
 
 TEST_F(FileSystemContract, KeepsADirectoryWhoseEntriesComeAndGo) {
-  const Text folder = in(u"folder");
-  ASSERT_EQ(system().CreateDirectoryA(folder), success);
-  const Held kept = hold(folder, Holding::ToKeep);
-  ASSERT_EQ(kept.error, success);
-  EXPECT_EQ(kept.attributes & file_attribute::directory, file_attribute::directory);
-  made(u"folder\\entry");
-  EXPECT_THAT(found(in(u"folder\\*.*")), testing::Contains(Text(u"entry")));
-  EXPECT_EQ(system().DeleteFileA(in(u"folder\\entry")), success);
-  EXPECT_EQ(hold(folder, Holding::ToDelete).error, sharingViolation);
-  EXPECT_EQ(system().RemoveDirectoryA(folder), sharingViolation);
-  system().CloseHandle(kept.entry);
-  EXPECT_EQ(system().RemoveDirectoryA(folder), success);
+  for (const Holding holding : {Holding::ToKeep, Holding::ToFill}) {
+    const Text folder = in(u"folder");
+    ASSERT_EQ(system().CreateDirectoryA(folder), success);
+    const Held kept = hold(folder, holding);
+    ASSERT_EQ(kept.error, success);
+    EXPECT_EQ(kept.attributes & file_attribute::directory, file_attribute::directory);
+    made(u"folder\\entry");
+    EXPECT_THAT(found(in(u"folder\\*.*")), testing::Contains(Text(u"entry")));
+    EXPECT_EQ(system().DeleteFileA(in(u"folder\\entry")), success);
+    EXPECT_EQ(system().RemoveDirectoryA(folder), sharingViolation);
+    system().CloseHandle(kept.entry);
+    EXPECT_EQ(system().RemoveDirectoryA(folder), success);
+  }
 }
 
-TEST_F(FileSystemContract, KeepsNothingThatIsAboutToBeDeleted) {
+TEST_F(FileSystemContract, FillsNothingThatIsBeingEmptied) {
   const Text folder = in(u"folder");
   ASSERT_EQ(system().CreateDirectoryA(folder), success);
-  const Held claimed = hold(folder, Holding::ToDelete);
-  ASSERT_EQ(claimed.error, success);
-  EXPECT_EQ(hold(folder, Holding::ToKeep).error, sharingViolation);
+  const Held filling = hold(folder, Holding::ToFill);
+  const Held also = hold(folder, Holding::ToFill);
+  EXPECT_EQ(also.error, success);
+  EXPECT_EQ(hold(folder, Holding::ToEmpty).error, sharingViolation);
+  for (const FileHandle each : {filling.entry, also.entry}) system().CloseHandle(each);
+  const Held kept = hold(folder, Holding::ToKeep);
+  const Held emptying = hold(folder, Holding::ToEmpty);
+  EXPECT_EQ(emptying.error, success);
+  EXPECT_EQ(hold(folder, Holding::ToFill).error, sharingViolation);
+  system().CloseHandle(kept.entry);
   EXPECT_EQ(system().RemoveDirectoryA(folder), success);
-  system().CloseHandle(claimed.entry);
+  system().CloseHandle(emptying.entry);
   EXPECT_FALSE(bench().isThere(folder));
 }
 

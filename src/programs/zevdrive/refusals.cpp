@@ -21,8 +21,14 @@ struct StepRefusal {
   std::optional<std::string> operator()(const scenario::Set&) const {
     return "globals or properties written by the script";
   }
-  template <typename Other>
-  std::optional<std::string> operator()(const Other&) const {
+  std::optional<std::string> operator()(const scenario::Other&) const {
+    return "what another program does";
+  }
+  std::optional<std::string> operator()(const scenario::Beside&) const {
+    return "a second program";
+  }
+  template <typename Another>
+  std::optional<std::string> operator()(const Another&) const {
     return std::nullopt;
   }
 };
