@@ -20,6 +20,8 @@
 namespace zev {
 namespace {
 
+constexpr TextView runPhrase =
+    u"Copying files into temporary folder and expanding into install directory...";
 constexpr std::int32_t lastTick = 60;
 constexpr std::size_t systemDirectorySize = 255;
 
@@ -74,6 +76,7 @@ InstallRun::InstallRun(Program& program, Phrases& phrases, Registry& registry,
       settings_(registry, ProductSettings::Errors::Raised) {}
 
 void InstallRun::RunInstall() {
+  const Application::Busy busy(platform_.application, phrases_.Translate(runPhrase));
   try {
     if (!openPackage()) return;
     startCounters();
@@ -108,8 +111,7 @@ bool InstallRun::openPackage() {
   RunStep_ = step::packageFile;
   form1_.Command1.Enabled = false;
   form1_.Command2.Enabled = false;
-  showStatus(phrases_.Translate(
-      u"Copying files into temporary folder and expanding into install directory..."));
+  showStatus(phrases_.Translate(runPhrase));
   const Text folder(withoutTrailing(trim(platform_.processes.ownFolder()), u'\\'));
   PackagePath_ = join(folder, u"\\", platform_.processes.ownName(), u".exe");
   if (packageLength() < smallestPackage) {

@@ -33,6 +33,11 @@ void Application::DoEvents() {
   } while (engine_.pump());
 }
 
+void Application::endSession() {
+  if (SessionEnds) ignoringErrors(SessionEnds);
+  post([] { End(); });
+}
+
 void Application::runQueue() {
   while (!queue_.empty()) {
     const EventProcedure event = std::move(queue_.front());

@@ -2,6 +2,8 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "runtime/error.h"
@@ -42,6 +44,21 @@ class FormEngine : public FormObserver {
 /// and run() and DoEvents() run it. A run-time error that leaves a handler ends the program.
 class Application {
  public:
+  /// While one lives, the program asks the end of the person's session to wait, and says why. None
+  /// lies within another.
+  class Busy {
+   public:
+    Busy(Application& application, Text reason) : application_(application) {
+      application_.busyWith_ = std::move(reason);
+    }
+    ~Busy() { application_.busyWith_.reset(); }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+
+   private:
+    Application& application_;
+  };
+
   /// Borrows the engine, which outlives the application.
   explicit Application(FormEngine& engine) : engine_(engine) {}
 
@@ -67,6 +84,14 @@ class Application {
   /// Queues an event procedure to be run from the top of the message loop.
   void post(EventProcedure event) { queue_.push_back(std::move(event)); }
 
+  /// What the end of the session has to wait for; none: it may come.
+  const std::optional<Text>& busyWith() const { return busyWith_; }
+  /// The session of the person ends: `SessionEnds` runs at once, since the system waits no longer
+  /// than that, and the program ends at the next turn of its loop, without a question.
+  void endSession();
+  /// Tidies up before the session ends. It passes no message loop; run-time errors are ignored.
+  EventProcedure SessionEnds;
+
   const std::vector<Form*>& forms() const { return forms_; }
   FormEngine& engine() const { return engine_; }
 
@@ -79,6 +104,7 @@ class Application {
   FormEngine& engine_;
   std::vector<Form*> forms_;  ///< loaded, oldest first
   std::deque<EventProcedure> queue_;
+  std::optional<Text> busyWith_;
 };
 
 }  // namespace zev

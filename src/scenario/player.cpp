@@ -361,6 +361,8 @@ bool Player::carryOut(const Change& change, const Step&) {
 
 bool Player::carryOut(const Restart&, const Step&) { throw RestartRequested{}; }
 
+bool Player::carryOut(const EndSession&, const Step&) { return machine_.hand().endSession(); }
+
 /// The other program keeps what it holds until the end of the play.
 bool Player::carryOut(const Other& other, const Step&) {
   FileSystem& files = machine_.otherFileSystem();

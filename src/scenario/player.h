@@ -110,6 +110,7 @@ class Player final : private simulated::Person {
   bool carryOut(const At& at, const Step& step);
   bool carryOut(const Change& change, const Step& step);
   bool carryOut(const Restart& restart, const Step& step);
+  bool carryOut(const EndSession& end, const Step& step);
   bool carryOut(const Other& other, const Step& step);
   bool carryOut(const Beside& beside, const Step& step);
   bool carryOut(const Expect& expect, const Step& step);

@@ -101,6 +101,11 @@ Action readRestart(const JsonReader& value) {
   return Restart{};
 }
 
+Action readEndSession(const JsonReader& value) {
+  value.requireTrue();
+  return EndSession{};
+}
+
 constexpr KeyRow<Other> otherKeys[] = {
     {"writes",
      [](const JsonReader& value, Other& other) {
@@ -166,6 +171,7 @@ constexpr Verb verbs[] = {
     {"answer", readAnswers},
     {"change", readChange},
     {"restart", readRestart},
+    {"endSession", readEndSession},
     {"other", readOther},
     {"beside", readBeside},
     {"expect", readExpect},

@@ -58,6 +58,8 @@ struct GiveAnswers {
   std::vector<Answer> answers;
 };
 struct Restart {};
+/// The person logs off; nothing happens if the program asks to wait.
+struct EndSession {};
 /// What another program does meanwhile, by the rules of the system; it counts for nothing if it is
 /// refused.
 struct Other {
@@ -111,8 +113,9 @@ struct Set {
   std::vector<KeyedValue> values;
 };
 
-using Action = std::variant<Click, Select, Type, Focus, ChooseDrive, ChooseFolder, Close,
-                            GiveAnswers, At, Change, Restart, Other, Beside, Expect, Set>;
+using Action =
+    std::variant<Click, Select, Type, Focus, ChooseDrive, ChooseFolder, Close, GiveAnswers, At,
+                 Change, Restart, EndSession, Other, Beside, Expect, Set>;
 
 /// One step of a script.
 struct Step {

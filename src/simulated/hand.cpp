@@ -89,6 +89,13 @@ bool Hand::focus(Control& control) {
   return true;
 }
 
+bool Hand::endSession() {
+  Application& application = screen_.application();
+  if (application.busyWith()) return false;
+  application.endSession();
+  return true;
+}
+
 bool Hand::close(Form& form) {
   if (!reaches(form)) return false;
   Application& application = screen_.application();

@@ -28,6 +28,9 @@ class Hand {
   /// The close box of the title bar.
   bool close(Form& form);
 
+  /// Ends the session, as by logging off: false if the program asks it to wait.
+  bool endSession();
+
   /// Whether a person can use the control, now.
   bool reaches(const Control& control) const;
   bool reaches(const Form& form) const;

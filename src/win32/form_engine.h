@@ -44,6 +44,8 @@ class WindowsEngine final : public FormEngine, private FormListener {
   void clicked(Control& control) override;
   void chosen(Control& list, int place) override;
   void closed(Form& form) override;
+  std::optional<Text> sessionWaitsFor() override { return application_->busyWith(); }
+  void sessionEnds() override { application_->endSession(); }
   void dropsDown(Control& list) override;
 
   void dispatch(MSG& message);

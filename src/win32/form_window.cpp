@@ -5,6 +5,7 @@
 
 #include "runtime/tab_order.h"
 #include "win32/control_windows.h"
+#include "win32/system_library.h"
 
 namespace zev::win32 {
 namespace {
@@ -57,6 +58,17 @@ std::vector<Control*> windowOrder(const Form& form) {
            std::pair(depthOf(*second), rankOf(form, *second));
   });
   return order;
+}
+
+/// Why the session is not to end, or none for no reason any more. Systems before version 6 take the
+/// answer alone.
+void tellReason(HWND window, const std::optional<Text>& reason) {
+  static SystemLibrary user32("user32.dll");
+  const auto create = user32.find<BOOL WINAPI(HWND, const wchar_t*)>("ShutdownBlockReasonCreate");
+  const auto destroy = user32.find<BOOL WINAPI(HWND)>("ShutdownBlockReasonDestroy");
+  if (create == nullptr || destroy == nullptr) return;
+  destroy(window);
+  if (reason) create(window, wide(*reason));
 }
 
 }  // namespace
@@ -234,6 +246,12 @@ LRESULT FormWindow::handle(UINT message, WPARAM first, LPARAM second) {
     case WM_CLOSE:
       listener_.closed(form_);
       return 0;
+    case WM_QUERYENDSESSION:
+      return sessionMayEnd() ? TRUE : FALSE;
+    case WM_ENDSESSION:
+      if (first != FALSE) listener_.sessionEnds();
+      tellReason(window_, std::nullopt);
+      return 0;
     case WM_COMMAND:
       command(LOWORD(first), HIWORD(first), reinterpret_cast<HWND>(second));
       return 0;
@@ -258,6 +276,13 @@ LRESULT FormWindow::handle(UINT message, WPARAM first, LPARAM second) {
       break;
   }
   return DefWindowProcW(window_, message, first, second);
+}
+
+/// The system shows the reason beside the program's name, if it asks the person.
+bool FormWindow::sessionMayEnd() {
+  const std::optional<Text> reason = listener_.sessionWaitsFor();
+  tellReason(window_, reason);
+  return !reason;
 }
 
 void FormWindow::command(int id, int code, HWND from) {

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "runtime/form.h"
 #include "win32/form_metrics.h"
@@ -17,6 +18,9 @@ class FormListener {
   virtual void clicked(Control& control) = 0;
   virtual void chosen(Control& list, int place) = 0;
   virtual void closed(Form& form) = 0;
+  /// What the end of the session has to wait for; none: it may come. Then it comes, or not.
+  virtual std::optional<Text> sessionWaitsFor() = 0;
+  virtual void sessionEnds() = 0;
   /// The list of a drive list is about to drop down.
   virtual void dropsDown(Control& list) = 0;
 };
@@ -53,6 +57,7 @@ class FormWindow {
 
  private:
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+  bool sessionMayEnd();
   LRESULT handle(UINT message, WPARAM first, LPARAM second);
   void makeControls();
   void layOut();

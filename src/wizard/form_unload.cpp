@@ -26,6 +26,11 @@ void Wizard::Form_Unload(std::int16_t& Cancel) {
   unloadSockets();
 }
 
+/// The end of the session is a cancel that nobody is asked about, unless the run is over.
+void Wizard::endWithSession() {
+  if (!readsFinish()) RemoveTempFiles();
+}
+
 /// Element 0 goes with the form.
 void Wizard::unloadSockets() {
   SocketArray& sockets = form1_.WS;

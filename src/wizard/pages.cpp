@@ -51,6 +51,7 @@ Wizard::Wizard(Program& program, Phrases& phrases, Registry& registry)
   form1_.Terminate = [this] { form1_.WS.formUnloaded(); };
   form1_.Load = [this] { Form_Load(); };
   form1_.Unload = [this](std::int16_t& Cancel) { Form_Unload(Cancel); };
+  platform_.application.SessionEnds = [this] { endWithSession(); };
   form1_.Command1.Click = [this] { Command1_Click(); };
   form1_.Command2.Click = [this] { Command2_Click(); };
   form1_.Command3.Click = [this] { Command3_Click(); };

@@ -52,6 +52,7 @@ class Wizard final : public Form1Procedures {
   void closeOrderly();
   void launchProduct();
   bool cancelConfirmed();
+  void endWithSession();
   void unloadSockets();
   void showStatus(TextView phrase);
 

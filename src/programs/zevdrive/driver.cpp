@@ -336,8 +336,9 @@ void Driver::carryOut(const scenario::Change& change, const Step&) {
 
 void Driver::carryOut(const scenario::Restart&, const Step&) { start(); }
 
-void Driver::carryOut(const scenario::Other&, const Step&) {}   // refused before
-void Driver::carryOut(const scenario::Beside&, const Step&) {}  // refused before
+void Driver::carryOut(const scenario::EndSession&, const Step&) {}  // refused before
+void Driver::carryOut(const scenario::Other&, const Step&) {}       // refused before
+void Driver::carryOut(const scenario::Beside&, const Step&) {}      // refused before
 
 void Driver::carryOut(const scenario::Expect& expect, const Step&) {
   for (const KeyedValue& each : expect.expectations) judge(each);

@@ -70,6 +70,7 @@ class Driver {
   void carryOut(const scenario::At& at, const Step& step);
   void carryOut(const scenario::Change& change, const Step& step);
   void carryOut(const scenario::Restart& restart, const Step& step);
+  void carryOut(const scenario::EndSession& end, const Step& step);
   void carryOut(const scenario::Other& other, const Step& step);
   void carryOut(const scenario::Beside& beside, const Step& step);
   void carryOut(const scenario::Expect& expect, const Step& step);

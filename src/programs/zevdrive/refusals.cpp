@@ -21,6 +21,9 @@ struct StepRefusal {
   std::optional<std::string> operator()(const scenario::Set&) const {
     return "globals or properties written by the script";
   }
+  std::optional<std::string> operator()(const scenario::EndSession&) const {
+    return "the end of the session";
+  }
   std::optional<std::string> operator()(const scenario::Other&) const {
     return "what another program does";
   }
