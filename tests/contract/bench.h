@@ -27,6 +27,8 @@ class Bench {
   /// The control of a form that what is typed now goes to; null if that is none that can take the
   /// focus.
   virtual const Control* focused(const Form& form) = 0;
+  /// The person logs off. False if the program asks to wait.
+  virtual bool endSession(const Form& form) = 0;
   /// From here on the system can show no box.
   virtual void refuseBoxes() = 0;
   /// Number of the code page of the system's texts.

@@ -37,6 +37,7 @@ class SimulatedBench final : public Bench {
   const Control* focused(const Form& form) override {
     return machine_.screen().activeForm() == &form ? machine_.screen().focused(form) : nullptr;
   }
+  bool endSession(const Form&) override { return machine_.hand().endSession(); }
   void refuseBoxes() override {
     constexpr std::int32_t outOfMemory = 8;
     machine_.setFaults(

@@ -160,6 +160,13 @@ class Win32Bench final : public Bench {
     return control->canTakeFocus() ? control : nullptr;
   }
 
+  bool endSession(const Form& form) override {
+    const auto window = reinterpret_cast<HWND>(process_->engine.windowHandle(form));
+    const bool ends = SendMessageW(window, WM_QUERYENDSESSION, 0, 0) != FALSE;
+    SendMessageW(window, WM_ENDSESSION, ends ? TRUE : FALSE, 0);
+    return ends;
+  }
+
   void refuseBoxes() override { noBoxes_ = std::make_unique<NoBoxes>(); }
 
   std::uint32_t codePage() override { return GetACP(); }
