@@ -41,8 +41,9 @@ struct Copy {
 /// somebody may have swapped it: that is a copy that failed.
 void holdWorkFile(Program& program, TextView path, std::span<const std::uint8_t> written) {
   program.workFile = program.platform.holds.hold(path, Holding::ToKeep);
-  if (!holdsNothingBut(program.workFile, written)) program.workFile.refuse();
-  if (program.workFile.refused()) throw RuntimeError(ErrorNumber::PermissionDenied);
+  if (holdsNothingBut(program.workFile, written)) return;
+  program.workFile.refuse();
+  throw RuntimeError(ErrorNumber::PermissionDenied);
 }
 
 void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,

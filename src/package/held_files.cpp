@@ -56,14 +56,14 @@ class HeldTwin final : public lz::ByteSink {
 }  // namespace
 
 bool holdsNothingBut(const Hold& file, std::span<const std::uint8_t> bytes) {
-  if (!file.held()) return true;
+  if (!file.held()) return false;
   std::vector<std::uint8_t> found(bytes.size() + 1);
   found.resize(file.read(0, found));
   return found.size() <= bytes.size() && std::equal(found.begin(), found.end(), bytes.begin());
 }
 
 bool holdsExpanded(const Hold& file, const Hold& packed) {
-  if (!file.held() || !packed.held()) return true;
+  if (!file.held() || !packed.held()) return file.held();
   HeldSource source(packed);
   HeldTwin twin(file);
   return lz::expand(source, twin) >= 0 && twin.atEnd();

@@ -7,11 +7,10 @@
 
 namespace zev {
 
-/// Whether a held file holds these bytes, or their beginning, and nothing else. A file that the
-/// system could not hold is taken for what it was when it was written.
+/// Whether a file is held and has these bytes, or their beginning, and nothing else.
 bool holdsNothingBut(const Hold& file, std::span<const std::uint8_t> bytes);
 
-/// Whether a held file is all of what a packed one expands to; both as above.
+/// Whether a file is held and, if the packed one is held too, is all of what that expands to.
 bool holdsExpanded(const Hold& file, const Hold& packed);
 
 }  // namespace zev

@@ -289,9 +289,7 @@ void InstallRun::runRedistributable() {
 /// there.
 std::int32_t InstallRun::startExpanded(TextView path) {
   const Hold laid = platform_.holds.hold(path, Holding::ToKeep);
-  if (laid.refused() || !holdsExpanded(laid, program_.workFile)) {
-    throw RuntimeError(ErrorNumber::PermissionDenied);
-  }
+  if (!holdsExpanded(laid, program_.workFile)) throw RuntimeError(ErrorNumber::PermissionDenied);
   return platform_.processes.Shell(join(u"\"", path, u"\""), normalWindow);
 }
 
