@@ -45,6 +45,9 @@ bool waitsForPart(const Json& step) {
   return !awaited[1].contains("contains") || awaited[1]["contains"] != userPhrase;
 }
 
+/// A second program begins in a language of its own.
+bool startsAnother(const Json& step) { return step.contains("beside"); }
+
 /// A fault, at the start or of a later change, that strikes boxes by their text knows the English
 /// one alone.
 bool strikesText(const Json& value) {
@@ -99,6 +102,7 @@ std::string reasonToLeave(const Json& document, const PlayedStory& english) {
   if (strikesText(document)) return "strikes a box by its English text";
   if (failsAtStart(english)) return "fails at the start";
   if (anyStep(document, waitsForPart)) return "waits for a part of an English text";
+  if (anyStep(document, startsAnother)) return "starts a second program";
   if (endsAtStart(english)) return "ends before the first page";
   return {};
 }
