@@ -88,7 +88,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadScript{
             R"({"klick": "A"})",
             "$.script[0].klick: unknown key \"klick\"; the keys are click, select, type, focus, "
-            "drive, folder, close, answer, change, restart, expect, set, at"},
+            "drive, folder, close, answer, change, restart, endSession, other, beside, expect, "
+            "set, at"},
         BadScript{R"("click")", "$.script[0]: a text where a step is wanted"},
         BadScript{"{}", "$.script[0]: a step without a verb"},
         BadScript{R"({"click": "A", "focus": "B"})", "$.script[0]: a step has one verb, not 2"},
