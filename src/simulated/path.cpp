@@ -12,7 +12,7 @@ bool isLetter(char16_t unit) {
   return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
 }
 
-char16_t upperLetter(char16_t unit) {
+char16_t upperDrive(char16_t unit) {
   return isLetter(unit) ? upperCase(TextView(&unit, 1)).front() : unit;
 }
 
@@ -24,7 +24,7 @@ bool namesDrive(TextView text) {
 Path startOf(TextView& text, const Path& current) {
   Path start = current;
   if (namesDrive(text)) {
-    const char16_t drive = upperLetter(text[0]);
+    const char16_t drive = upperDrive(text[0]);
     if (drive != current.drive) start = Path{drive, {}, false};
     text.remove_prefix(2);
   }

@@ -6,12 +6,14 @@
 #include "platform/operations.h"
 #include "simulated/bench.h"
 
-namespace zev::simulated {
+namespace zev::observed {
 namespace {
 
+using simulated::errorOf;
+using simulated::Event;
 using Effect = Fault::Effect;
 
-class InstrumentationTest : public MachineTest {
+class InstrumentationTest : public simulated::MachineTest {
  protected:
   void fault(std::string call, Effect effect, std::int32_t code,
              std::optional<std::uint32_t> nth = std::nullopt, Text match = {}) {
@@ -154,7 +156,7 @@ TEST_F(InstrumentationTest, WhatAFaultKeepsFromStartingIsOnRecord) {
   EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"c.exe", 3); }), 53);
   const Text ownFolder = u"C:\\Users\\bob\\Downloads";
   EXPECT_EQ(machine.records().shell,
-            (std::vector<Start>{
+            (std::vector<simulated::Start>{
                 {u"a.exe", 1, ownFolder}, {u"b.exe", 2, ownFolder}, {u"c.exe", 3, ownFolder}}));
   const std::vector<Event> events = log.of("shell");
   ASSERT_EQ(events.size(), 3u);
@@ -234,4 +236,4 @@ TEST_F(InstrumentationTest, FaultsCountOnOverANewStart) {
 }
 
 }  // namespace
-}  // namespace zev::simulated
+}  // namespace zev::observed

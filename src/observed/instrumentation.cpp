@@ -1,29 +1,24 @@
-#include "simulated/instrumentation.h"
+#include "observed/instrumentation.h"
 
 #include <stdexcept>
 #include <string>
 
 #include "platform/operations.h"
 
-namespace zev::simulated {
+namespace zev::observed {
 namespace {
 
 /// The first argument that is a text; empty if none is.
 TextView firstText(Arguments arguments) {
   for (const Argument& each : arguments) {
     if (const auto* text = std::get_if<TextView>(&each)) return *text;
+    if (const auto* text = std::get_if<Text>(&each)) return *text;
   }
   return {};
 }
 
 bool holds(TextView text, const Text& match) {
   return match.empty() || inStrText(text, match) != 0;
-}
-
-Event toJson(const Argument& argument) {
-  if (const auto* text = std::get_if<TextView>(&argument)) return toUtf8(*text);
-  if (const auto* flag = std::get_if<bool>(&argument)) return *flag;
-  return std::get<std::int64_t>(argument);
 }
 
 }  // namespace
@@ -34,20 +29,43 @@ bool isRuntimeError(std::int32_t code) {
   return code >= firstFileError && errorDescription(code) != errorDescription(nobodysNumber);
 }
 
-Instrumentation::Instrumentation(Transcript& transcript) : transcript_(transcript) {
-  forgetCalls();
+Instrumentation::Instrumentation(Listener& listener) : listener_(listener) { forgetCalls(); }
+
+// ---- faults
+
+Instrumentation::Armed Instrumentation::armed(Fault fault) {
+  const auto name = findOperation(fault.call);
+  if (!name) throw std::invalid_argument("no operation " + fault.call);
+  fault.call = *name;
+  return {std::move(fault), 0};
 }
 
 void Instrumentation::setFaults(std::vector<Fault> faults) {
-  std::vector<Armed> armed;
-  for (Fault& each : faults) {
-    const auto name = findOperation(each.call);
-    if (!name) throw std::invalid_argument("no operation " + each.call);
-    each.call = *name;
-    armed.push_back({std::move(each), 0});
-  }
-  faults_ = std::move(armed);
+  std::vector<Armed> all;
+  for (Fault& each : faults) all.push_back(armed(std::move(each)));
+  faults_ = std::move(all);
 }
+
+void Instrumentation::setFault(Fault fault) {
+  Armed one = armed(std::move(fault));
+  clearFaults(one.fault.call);
+  faults_.push_back(std::move(one));
+}
+
+void Instrumentation::clearFaults(std::string_view call) {
+  const auto name = findOperation(call);
+  std::erase_if(faults_, [&](const Armed& each) { return name && each.fault.call == *name; });
+}
+
+bool Instrumentation::strikes(Armed& armed, const Operation& operation, TextView argument) {
+  const Fault& fault = armed.fault;
+  if (fault.call != operation.name && fault.call != operation.alias) return false;
+  if (!holds(argument, fault.match) && !holds(operation.subject, fault.match)) return false;
+  ++armed.seen;
+  return !fault.nth || *fault.nth == armed.seen;
+}
+
+// ---- calls
 
 std::uint64_t Instrumentation::calls(std::string_view name) const {
   const auto known = findOperation(name);
@@ -67,14 +85,6 @@ void Instrumentation::count(std::string_view name) {
   ++found->second;
 }
 
-bool Instrumentation::strikes(Armed& armed, const Operation& operation, TextView argument) {
-  const Fault& fault = armed.fault;
-  if (fault.call != operation.name && fault.call != operation.alias) return false;
-  if (!holds(argument, fault.match) && !holds(operation.subject, fault.match)) return false;
-  ++armed.seen;
-  return !fault.nth || *fault.nth == armed.seen;
-}
-
 const Fault* Instrumentation::begin(const Operation& operation, Arguments arguments) {
   count(operation.name);
   count(operation.alias);
@@ -89,14 +99,9 @@ const Fault* Instrumentation::begin(const Operation& operation, Arguments argume
   return striking;
 }
 
-void Instrumentation::tell(const Operation& operation, Arguments arguments, const Event& result) {
-  if (!transcript_.wants("call")) return;
-  Event list = Event::array();
-  for (const Argument& each : arguments) list.push_back(toJson(each));
-  transcript_.add({{"event", "call"},
-                   {"name", operation.name},
-                   {"arguments", std::move(list)},
-                   {"result", result}});
+void Instrumentation::tell(const Operation& operation, Arguments arguments,
+                           const Outcome& outcome) {
+  if (listener_.listens()) listener_.called(operation, arguments, outcome);
 }
 
-}  // namespace zev::simulated
+}  // namespace zev::observed
