@@ -235,15 +235,13 @@ int playReporting(const ZevsimOptions& options, const ProgramFactory& factory,
 int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& factory,
                const Console& console) {
   try {
-    const ZevsimOptions options = parseOptions(arguments);
-    if (options.help) {
-      console.out << zevsimUsage;
-      requireWritten(console.out, "standard output");
-      return exit_status::held;
-    }
-    return playReporting(options, factory, console);
+    int status = exit_status::held;
+    const auto options = readOptions(arguments, console.out, console.err, status);
+    if (options) return playReporting(*options, factory, console);
+    requireWritten(console.out, "standard output");
+    return status;
   } catch (const UsageError& error) {
-    console.err << "zevsim: " << error.what() << "\n\n" << zevsimUsage;
+    console.err << "zevsim: " << error.what() << std::endl;
     return exit_status::unusable;
   } catch (const std::filesystem::filesystem_error& error) {
     console.err << "zevsim: " << error.what() << std::endl;

@@ -1,99 +1,77 @@
 #include "scenario/zevsim_options.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
-#include <string_view>
 #include <system_error>
 
 #include "scenario/event_writer.h"
+#include "scenario/zevsim_main.h"
 
 namespace zev::scenario {
 namespace {
 
-void readEvents(const std::string& list, ZevsimOptions& options) {
+const char* const description =
+    "Plays a scenario on a simulated machine; without one, the same verbs are typed at a prompt.";
+const char* const statuses =
+    "Exit status: 0 all expectations held; 1 one did not; 2 the scenario or the command line\n"
+    "cannot be used; 3 zevsim itself failed.";
+
+using File = std::optional<std::filesystem::path>;
+
+void addFile(CLI::App& app, const char* name, File& file, const char* help) {
+  app.add_option_function<std::string>(
+         name, [&file](const std::string& given) { file = given; }, help)
+      ->type_name("FILE");
+}
+
+void addFiles(CLI::App& app, ZevsimOptions& options) {
+  addFile(app, "SCENARIO", options.scenario, "The scenario");
+  addFile(app, "--package", options.package,
+          "The installer's file, in place of the scenario's own");
+  addFile(app, "--transcript", options.transcript,
+          "Writes what happened, as JSON Lines; without it to standard output, unless that is "
+          "taken by the prompt, --progress or --summary");
+  addFile(app, "--outside", options.outside,
+          "Writes what can be seen from outside at rest, as zevdrive does");
+  addFile(app, "--state", options.state, "Writes the machine's state at the end, as JSON");
+  addFile(app, "--export", options.exportFolder,
+          "A folder: lays drive C: out as its folder C at the end, and the registry as its file "
+          "registry.reg");
+}
+
+/// "all" stands for every kind.
+void takeEvents(const std::vector<std::string>& given, ZevsimOptions& options) {
+  const bool all = std::find(given.begin(), given.end(), "all") != given.end();
   const auto& kinds = eventKinds();
-  for (std::size_t start = 0; start <= list.size();) {
-    const std::size_t end = std::min(list.find(',', start), list.size());
-    const std::string kind = list.substr(start, end - start);
-    if (kind == "all") {
-      options.events.assign(kinds.begin(), kinds.end());
-    } else if (std::find(kinds.begin(), kinds.end(), kind) != kinds.end()) {
-      options.events.push_back(kind);
-    } else {
-      throw UsageError("no kind of event \"" + kind + "\"");
-    }
-    start = end + 1;
-  }
+  options.events = all ? std::vector<std::string>(kinds.begin(), kinds.end()) : given;
 }
 
-void readWidth(const std::string& value, ZevsimOptions& options) {
-  const auto columns = columnsWritten(value);
-  if (!columns) throw UsageError("no width of " + value + " columns; 40 is the least");
-  options.columns = *columns;
+void addEvents(CLI::App& app, ZevsimOptions& options) {
+  std::vector<std::string> kinds(eventKinds().begin(), eventKinds().end());
+  kinds.push_back("all");
+  app.add_option_function<std::vector<std::string>>(
+         "--events",
+         [&options](const std::vector<std::string>& given) { takeEvents(given, options); },
+         "Writes these kinds of event only; \"all\" is every kind, calls of the platform and "
+         "refreshes of controls included")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(CLI::IsMember(kinds).description(""))
+      ->type_name("KIND,KIND");
 }
 
-/// One option: its name, whether a value follows, and what it sets.
-struct OptionRow {
-  std::string_view name;
-  bool takesValue;
-  void (*set)(const std::string& value, ZevsimOptions& options);
-};
-
-template <auto Member>
-void take(const std::string& value, ZevsimOptions& options) {
-  options.*Member = value;
-}
-
-template <auto Member>
-void raise(const std::string&, ZevsimOptions& options) {
-  options.*Member = true;
-}
-
-// clang-format off
-constexpr OptionRow optionRows[] = {
-    {"--package", true, take<&ZevsimOptions::package>},
-    {"--transcript", true, take<&ZevsimOptions::transcript>},
-    {"--outside", true, take<&ZevsimOptions::outside>},
-    {"--state", true, take<&ZevsimOptions::state>},
-    {"--export", true, take<&ZevsimOptions::exportFolder>},
-    {"--events", true, readEvents},
-    {"--width", true, readWidth},
-    {"--interactive", false, raise<&ZevsimOptions::interactive>},
-    {"--progress", false, raise<&ZevsimOptions::progress>},
-    {"--summary", false, raise<&ZevsimOptions::summary>},
-    {"--help", false, raise<&ZevsimOptions::help>},
-    {"-h", false, raise<&ZevsimOptions::help>},
-};
-// clang-format on
-
-const OptionRow& findOption(std::string_view name) {
-  for (const OptionRow& each : optionRows) {
-    if (each.name == name) return each;
-  }
-  throw UsageError("no option " + std::string(name));
+void addScreen(CLI::App& app, ZevsimOptions& options) {
+  app.add_flag("--interactive", options.interactive, "The prompt, behind the scenario's script");
+  app.add_flag("--progress", options.progress, "Shows the progress of the install, and each box");
+  app.add_flag("--summary", options.summary, "Tells at the end what was laid and how long it took");
+  app.add_option("--width", options.columns, "The prompt and the progress are so many columns wide")
+      ->check(CLI::Range(leastColumns, mostColumns).description("40 at least"))
+      ->type_name("COLUMNS")
+      ->capture_default_str();
 }
 
 }  // namespace
-
-const char* const zevsimUsage =
-    "zevsim SCENARIO.json [options]      plays a scenario on a simulated machine\n"
-    "zevsim [--interactive [SCENARIO]]   the same verbs typed at a prompt; help lists them\n"
-    "\n"
-    "  --package FILE      the installer's file, in place of the scenario's own\n"
-    "  --transcript FILE   writes what happened, as JSON Lines; without it to standard output,\n"
-    "                      unless that is taken by the prompt, --progress or --summary\n"
-    "  --events KIND,...   writes these kinds of event only; `all` is every kind, calls of the\n"
-    "                      platform and refreshes of controls included\n"
-    "  --outside FILE      writes what can be seen from outside at rest, as zevdrive does\n"
-    "  --state FILE        writes the machine's state at the end, as JSON\n"
-    "  --export DIR        lays drive C: out as DIR/C at the end, and the registry as\n"
-    "                      DIR/registry.reg\n"
-    "  --progress          shows the progress of the install, and each message box\n"
-    "  --summary           tells at the end what was laid and how long it took\n"
-    "  --width N           draws the prompt and the progress N columns wide, 40 or more; 78\n"
-    "\n"
-    "Exit status: 0 all expectations held; 1 one did not; 2 the scenario or the command line\n"
-    "cannot be used; 3 zevsim itself failed.\n";
 
 std::optional<int> columnsWritten(std::string_view text) {
   int columns = 0;
@@ -103,22 +81,22 @@ std::optional<int> columnsWritten(std::string_view text) {
   return columns;
 }
 
-ZevsimOptions parseOptions(const std::vector<std::string>& arguments) {
+std::optional<ZevsimOptions> readOptions(const std::vector<std::string>& arguments,
+                                         std::ostream& out, std::ostream& err, int& status) {
   ZevsimOptions options;
-  for (std::size_t place = 0; place < arguments.size(); ++place) {
-    const std::string& argument = arguments[place];
-    if (!argument.starts_with('-')) {
-      if (options.scenario) throw UsageError("more than one scenario: " + argument);
-      options.scenario = argument;
-      continue;
-    }
-    const OptionRow& option = findOption(argument);
-    if (option.takesValue && ++place == arguments.size()) {
-      throw UsageError(argument + " wants a value");
-    }
-    option.set(option.takesValue ? arguments[place] : std::string(), options);
+  CLI::App app(description, "zevsim");
+  addFiles(app, options);
+  addEvents(app, options);
+  addScreen(app, options);
+  app.footer(statuses);
+  try {
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::ParseError& error) {
+    const bool helped = app.exit(error, out, err) == 0;
+    status = helped ? exit_status::held : exit_status::unusable;
+    return std::nullopt;
   }
-  if (!options.scenario) options.interactive = true;
+  options.interactive |= !options.scenario;
   return options;
 }
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -22,18 +23,19 @@ struct ZevsimOptions {
   bool interactive = false;
   bool progress = false;
   bool summary = false;
-  bool help = false;
 };
 
-/// A command line that zevsim cannot make sense of.
+/// A file that the command line names, and that zevsim cannot do with what it is to do.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
 /// Reads the arguments behind the program's name. Without a scenario it is the prompt that is
-/// meant.
-ZevsimOptions parseOptions(const std::vector<std::string>& arguments);
+/// meant. None if nothing is to be done: the help was printed, or why the arguments make no sense;
+/// `status` is then the exit status.
+std::optional<ZevsimOptions> readOptions(const std::vector<std::string>& arguments,
+                                         std::ostream& out, std::ostream& err, int& status);
 
 /// How many columns wide the prompt can be drawn at least and at most.
 inline constexpr int leastColumns = 40;
@@ -41,8 +43,5 @@ inline constexpr int mostColumns = 1000;
 
 /// A number of columns as it is written; none for another number, and for what is none.
 std::optional<int> columnsWritten(std::string_view text);
-
-/// The text that --help prints.
-extern const char* const zevsimUsage;
 
 }  // namespace zev::scenario

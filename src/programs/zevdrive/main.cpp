@@ -13,14 +13,6 @@
 namespace zev::drive {
 namespace {
 
-namespace exit_status {
-constexpr int held = 0;
-constexpr int failed = 1;
-constexpr int unusable = 2;
-constexpr int broken = 3;
-constexpr int refused = 4;
-}  // namespace exit_status
-
 std::string shown(const scenario::Json& value) {
   return value.dump(-1, ' ', false, scenario::Json::error_handler_t::replace);
 }
@@ -76,7 +68,7 @@ struct RegistrySaver {
 };
 
 int drive(const DriveOptions& options) {
-  const scenario::Scenario scenario = scenario::readScenario(*options.scenario);
+  const scenario::Scenario scenario = scenario::readScenario(options.scenario);
   if (const auto reason = refusal(scenario)) {
     std::cerr << "not played: " << *reason << '\n';
     return exit_status::refused;
@@ -95,7 +87,7 @@ int driveReporting(const DriveOptions& options) {
     std::cerr << "not played: " << reason.what() << '\n';
     return exit_status::refused;
   } catch (const scenario::ScenarioError& error) {
-    std::cerr << options.scenario->string() << ": " << error.path() << ": " << error.reason()
+    std::cerr << options.scenario.string() << ": " << error.path() << ": " << error.reason()
               << '\n';
     return exit_status::unusable;
   }
@@ -103,11 +95,11 @@ int driveReporting(const DriveOptions& options) {
 
 int driveMain(const std::vector<std::string>& arguments) {
   try {
-    const DriveOptions options = parseOptions(arguments);
-    if (options.help) std::cout << driveUsage;
-    return options.help ? exit_status::held : driveReporting(options);
+    int status = exit_status::held;
+    const auto options = readOptions(arguments, std::cout, std::cerr, status);
+    return options ? driveReporting(*options) : status;
   } catch (const UsageError& error) {
-    std::cerr << "zevdrive: " << error.what() << "\n\n" << driveUsage;
+    std::cerr << "zevdrive: " << error.what() << '\n';
     return exit_status::unusable;
   } catch (const std::exception& error) {
     std::cerr << "zevdrive: " << error.what() << '\n';
