@@ -32,8 +32,7 @@ const Arrows allowed = {
     {"wizard", {"package", "destination"}},
     {"digest", {}},
     {"simulated", {"runtime", "code_page", "platform", "observed", "lz", "digest"}},
-    {"script", {"code_page", "platform"}},
-    {"scenario", {"script", "simulated"}},
+    {"scenario", {"code_page", "platform"}},
     {"win32", {"runtime", "platform", "lz"}},
     {"posix", {"runtime", "code_page", "platform"}},
 };

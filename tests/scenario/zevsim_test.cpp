@@ -1,4 +1,4 @@
-#include "scenario/zevsim_main.h"
+#include "programs/zevsim/zevsim_main.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,9 +8,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "programs/zevsim/zevsim_options.h"
+#include "scenario/json_reader.h"
 #include "scenario/toy_program.h"
-#include "scenario/zevsim_options.h"
-#include "script/json_reader.h"
 
 namespace zev::scenario {
 namespace {
