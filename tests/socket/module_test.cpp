@@ -6,8 +6,8 @@
 #include "simulated/network/simulated_network.h"
 #include "simulated/network/simulated_sockets.h"
 #include "socket/event_socket.h"
-#include "socket/failing_services.h"
 #include "socket/targets.h"
+#include "socket/watched_services.h"
 #include "support/fake_dialogs.h"
 #include "support/table.h"
 
@@ -72,7 +72,7 @@ class ModuleTest : public testing::Test {
   MessageQueue queue;
   simulated::SimulatedSockets sockets{network, queue};
   simulated::SimulatedKernel kernel;
-  FailingServices services{sockets, queue, kernel};
+  WatchedServices services{sockets, queue, kernel};
   Calls& calls = services.calls;
   test::FakeDialogs dialogs;
   Lines trace;

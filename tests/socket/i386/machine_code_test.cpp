@@ -16,10 +16,10 @@
 
 #include "posix/code_queue.h"
 #include "posix/kernel.h"
-#include "socket/failing_services.h"
 #include "socket/i386/probe.h"
 #include "socket/instruction_trace.h"
 #include "socket/thunk.h"
+#include "socket/watched_services.h"
 
 namespace zev::socket_bench {
 namespace {
@@ -108,7 +108,7 @@ class Code {
   posix::CodeQueue queue_;
   posix::PosixKernel posixKernel_{1252};
   Calls calls_;
-  FailingKernel kernel_{posixKernel_, calls_};
+  WatchedKernel kernel_{posixKernel_, calls_};
   Instances instances_{[](std::exception_ptr) {}};
   Trace trace_;
   const WindowHandle window_ = queue_.CreateWindowExA(u"STATIC", u"TEST");
