@@ -33,7 +33,7 @@ const Arrows allowed = {
     {"simulated", {"runtime", "code_page", "platform", "lz", "digest"}},
     {"script", {"code_page", "platform"}},
     {"scenario", {"script", "simulated"}},
-    {"win32", {"runtime", "platform", "lz"}},
+    {"win32", {"runtime", "platform", "lz", "win32_sockets"}},
     {"posix", {"runtime", "code_page", "platform"}},
 };
 
