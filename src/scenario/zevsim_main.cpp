@@ -13,6 +13,7 @@
 #include "scenario/progress.h"
 #include "scenario/prompt.h"
 #include "scenario/zevsim_options.h"
+#include "script/layout.h"
 #include "script/outside_view.h"
 
 namespace zev::scenario {
@@ -194,7 +195,16 @@ Scenario scenarioOf(const ZevsimOptions& options) {
   return scenario;
 }
 
+int expand(const ZevsimOptions& options, const Console& console) {
+  const Json document = writtenOut(*options.scenario);
+  readScenario(*options.scenario);  // tells what is wrong with it
+  console.out << layOut(document);
+  requireWritten(console.out, "standard output");
+  return exit_status::held;
+}
+
 int play(const ZevsimOptions& options, const ProgramFactory& factory, const Console& console) {
+  if (options.expand) return expand(options, console);
   const Scenario scenario = scenarioOf(options);
   std::ofstream file;
   if (options.transcript) file = openForWriting(*options.transcript);

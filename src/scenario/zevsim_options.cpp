@@ -61,6 +61,7 @@ constexpr OptionRow optionRows[] = {
     {"--interactive", false, raise<&ZevsimOptions::interactive>},
     {"--progress", false, raise<&ZevsimOptions::progress>},
     {"--summary", false, raise<&ZevsimOptions::summary>},
+    {"--expand", false, raise<&ZevsimOptions::expand>},
     {"--help", false, raise<&ZevsimOptions::help>},
     {"-h", false, raise<&ZevsimOptions::help>},
 };
@@ -77,6 +78,7 @@ const OptionRow& findOption(std::string_view name) {
 
 const char* const zevsimUsage =
     "zevsim SCENARIO.json [options]      plays a scenario on a simulated machine\n"
+    "zevsim TABLE.json#CASE [options]    plays a case of a scenario that has several\n"
     "zevsim [--interactive [SCENARIO]]   the same verbs typed at a prompt; help lists them\n"
     "\n"
     "  --package FILE      the installer's file, in place of the scenario's own\n"
@@ -90,6 +92,8 @@ const char* const zevsimUsage =
     "                      DIR/registry.reg\n"
     "  --progress          shows the progress of the install, and each message box\n"
     "  --summary           tells at the end what was laid and how long it took\n"
+    "  --expand            prints the scenario written out, with nothing named in it, and plays\n"
+    "                      nothing\n"
     "  --width N           draws the prompt and the progress N columns wide, 40 or more; 78\n"
     "\n"
     "Exit status: 0 all expectations held; 1 one did not; 2 the scenario or the command line\n"
@@ -118,6 +122,7 @@ ZevsimOptions parseOptions(const std::vector<std::string>& arguments) {
     }
     option.set(option.takesValue ? arguments[place] : std::string(), options);
   }
+  if (options.expand && !options.scenario) throw UsageError("--expand wants a scenario");
   if (!options.scenario) options.interactive = true;
   return options;
 }

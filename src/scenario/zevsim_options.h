@@ -22,6 +22,7 @@ struct ZevsimOptions {
   bool interactive = false;
   bool progress = false;
   bool summary = false;
+  bool expand = false;  ///< prints the scenario written out and plays nothing
   bool help = false;
 };
 

@@ -54,6 +54,7 @@ const OptionRow& findOption(const std::string& name) {
 
 const char* const driveUsage =
     "zevdrive SCENARIO.json --program ZEVSetup.exe [options]\n"
+    "zevdrive TABLE.json#CASE --program ZEVSetup.exe [options]\n"
     "\n"
     "plays the script of a scenario on the real program, through its windows\n"
     "\n"
