@@ -17,7 +17,7 @@ struct Kind {
 };
 namespace kind {
 constexpr Kind value = {"values", "value"};
-constexpr Kind machine = {"machine", "machine"};
+constexpr Kind machine = {"machines", "machine"};
 constexpr Kind steps = {"steps", "steps"};
 constexpr Kind expectations = {"expect", "expectations"};
 constexpr Kind box = {"boxes", "box"};
@@ -320,8 +320,12 @@ class Expander {
     const Commons::Piece piece = commons_.piece(kind, name, place);
     Scope inner = enter(kind, name, place, scope);
     if (written.is_object()) giveValues(written, place, scope, inner);
-    take(*piece.json, place.put(piece.place), inner);
-    inner.values.requireUsed(inner.owner);
+    for (const Row& row : rowsOf(written, place, scope)) {
+      Scope one = inner;
+      for (const auto& [key, value] : row) one.values.give(key, value.json, value.written);
+      take(*piece.json, place.put(piece.place), one);
+      one.values.requireUsed(one.owner);
+    }
   }
 
   std::string nameIn(const Json& written, const Place& place, Scope& scope) {
@@ -332,11 +336,86 @@ class Expander {
 
   void giveValues(const Json& call, const Place& place, Scope& outer, Scope& inner) {
     for (const auto& [key, each] : call.items()) {
-      if (key == "use") continue;
+      if (key == "use" || key == "each") continue;
       const Place own = place.member(key);
       inner.values.give(key, filled(each, own, outer), own.written);
     }
   }
+
+  /// The values of one of several times that something is used.
+  using Row = std::map<std::string, Values::Value>;
+
+  /// Once without any, or once for each place of the lists in `each`.
+  std::vector<Row> rowsOf(const Json& written, const Place& place, Scope& scope) {
+    if (!written.is_object() || !written.contains("each")) return {Row()};
+    const Place each = place.member("each");
+    if (!written["each"].is_object() || written["each"].empty()) {
+      each.fail("an object of lists is wanted");
+    }
+    std::vector<Row> rows;
+    for (const auto& [name, list] : written["each"].items()) {
+      addColumn(name, listOf(filled(list, each.member(name), scope), each.member(name)),
+                each.member(name), rows);
+    }
+    return rows;
+  }
+
+  static void addColumn(const std::string& name, const std::vector<Json>& list, const Place& place,
+                        std::vector<Row>& rows) {
+    if (rows.empty()) rows.resize(list.size());
+    if (list.size() != rows.size()) {
+      place.fail("a list of " + std::to_string(list.size()) + " beside one of " +
+                 std::to_string(rows.size()));
+    }
+    for (std::size_t index = 0; index < list.size(); ++index) {
+      rows[index].emplace(name, Values::Value{list[index], place.element(index).written});
+    }
+  }
+
+  /// The elements of a list, or those from one text or number to another.
+  static std::vector<Json> listOf(const Json& list, const Place& place) {
+    if (list.is_array() && !list.empty()) return {list.begin(), list.end()};
+    if (!list.is_object() || list.size() != 2 || !list.contains("from") || !list.contains("to")) {
+      place.fail("a list, or {\"from\": .., \"to\": ..}, is wanted");
+    }
+    return countedUp(list["from"], list["to"], place);
+  }
+
+  /// Numbers, or texts that end in a number of so many digits.
+  static std::vector<Json> countedUp(const Json& from, const Json& to, const Place& place) {
+    std::vector<Json> all;
+    const Numbered first = numbered(from);
+    const Numbered last = numbered(to);
+    if (first.text != last.text || first.digits != last.digits || first.number < 0 ||
+        last.number < first.number || last.number - first.number >= longestCount) {
+      place.fail("nothing can be counted from " + from.dump() + " to " + to.dump());
+    }
+    for (int number = first.number; number <= last.number; ++number) {
+      std::string digits = std::to_string(number);
+      digits.insert(0, first.digits - std::min(first.digits, digits.size()), '0');
+      all.push_back(from.is_string() ? Json(first.text + digits) : Json(number));
+    }
+    return all;
+  }
+
+  struct Numbered {
+    std::string text;        ///< in front of the number
+    std::size_t digits = 0;  ///< that a text has at its end; 0 of a number
+    int number = -1;         ///< none: -1
+  };
+
+  static Numbered numbered(const Json& value) {
+    if (value.is_number_unsigned() && value < longestCount) return {{}, 0, value.get<int>()};
+    if (!value.is_string()) return {};
+    const auto text = value.get<std::string>();
+    const std::size_t place = text.find_last_not_of("0123456789") + 1;  // npos + 1 is 0
+    const std::string digits = text.substr(place);
+    if (digits.empty() || digits.size() > mostDigits) return {};
+    return {text.substr(0, place), digits.size(), std::stoi(digits)};
+  }
+
+  static constexpr int longestCount = 100'000;
+  static constexpr std::size_t mostDigits = 6;
 
   // ---- steps
 
@@ -408,7 +487,7 @@ class Expander {
     merge(written, place, scope, out);
   }
 
-  /// Objects grow together; anything else can be said once.
+  /// Objects grow together, and so do lists; anything else can be said once.
   void merge(const Json& written, const Place& place, Scope& scope, Json& out) {
     for (const auto& [key, each] : written.items()) {
       const std::string name = filledText(key, place.member(key), scope);
@@ -417,9 +496,18 @@ class Expander {
         out[name] = filled(each, own, scope);
       } else if (out[name].is_object() && each.is_object()) {
         merge(each, own, scope, out[name]);
+      } else if (out[name].is_array() && each.is_array()) {
+        append(each, own, scope, out[name]);
       } else {
         own.fail(inQuotes(name) + " stands twice");
       }
+    }
+  }
+
+  void append(const Json& written, const Place& place, Scope& scope, Json& out) {
+    for (std::size_t index = 0; index < written.size(); ++index) {
+      const Place own = {place.element(out.size()).at, place.element(index).written};
+      out.push_back(filled(written[index], own, scope));
     }
   }
 
@@ -454,23 +542,41 @@ class Expander {
   }
 
   Json boxesOf(const Json& written, const Place& place, Scope& scope) {
-    if (!written.is_array()) return filled(written, place, scope);
+    if (!isNamed(written) && !written.is_array()) return filled(written, place, scope);
     origins_.note(place.at, place.written);
     Json out = Json::array();
-    for (const Json& each : written) {
-      out.push_back(boxOf(each, place.element(out.size()), scope));
-    }
+    joinBoxes(written, place, scope, out);
     return out;
   }
 
-  Json boxOf(const Json& written, const Place& place, Scope& scope) {
-    if (!isNamed(written)) return filled(written, place, scope);
-    Json out;
-    named(kind::box, written, place, scope,
-          [&](const Json& found, const Place& there, Scope& inner) {
-            out = isNamed(found) ? boxOf(found, there, inner) : filled(found, there, inner);
-          });
-    return out;
+  void joinBoxes(const Json& written, const Place& place, Scope& scope, Json& out) {
+    if (isNamed(written)) return joinNamedBoxes(written, place, scope, out);
+    if (!written.is_array()) {
+      out.push_back(filled(written, {place.element(out.size()).at, place.written}, scope));
+      return;
+    }
+    for (std::size_t index = 0; index < written.size(); ++index) {
+      joinBoxes(written[index], {place.at, place.element(index).written}, scope, out);
+    }
+  }
+
+  /// An answer beside the name of a box is that of the box.
+  void joinNamedBoxes(const Json& written, const Place& place, Scope& scope, Json& out) {
+    Json call = written;
+    if (call.is_object()) call.erase("answer");
+    named(kind::box, call, place, scope, [&](const Json& found, const Place& there, Scope& inner) {
+      joinBoxes(found, there, inner, out);
+      if (call.size() < written.size()) giveAnswer(written["answer"], place, scope, out);
+    });
+  }
+
+  void giveAnswer(const Json& written, const Place& place, Scope& scope, Json& out) {
+    const Place own = {place.element(out.size() - 1).member("answer").at,
+                       place.member("answer").written};
+    if (out.empty() || !out.back().is_object() || out.back().contains("answer")) {
+      own.fail("the box has no place for an answer");
+    }
+    out.back()["answer"] = filled(written, own, scope);
   }
 
   Commons commons_;

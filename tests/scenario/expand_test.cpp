@@ -16,7 +16,7 @@ namespace fs = std::filesystem;
 constexpr const char* named = R"json({
   "values": {"menu": "C:\\Menu", "inner": "$(menu)\\Inner", "list": ["a", "b"], "loop": "$(loop)",
              "seven": 7},
-  "machine": {"vista": {"version": {"minor": 0}}, "vista of bob": ["vista", {"user": "bob"}]},
+  "machines": {"vista": {"version": {"minor": 0}}, "vista of bob": ["vista", {"user": "bob"}]},
   "steps": {
     "install": [{"click": "Command2"}, {"click": "Option1"}],
     "install twice": ["install", "install"],
@@ -27,8 +27,10 @@ constexpr const char* named = R"json({
   "expect": {
     "finished": {"Form1.Command2.Caption": "Finish"},
     "finished well": [{"boxes": []}, "finished"],
-    "boxed": {"boxes": [{"use": "cancel?", "answer": "$(answer)"}]}},
-  "boxes": {"cancel?": {"text": "Cancel?", "answer": "$(answer)"}, "no": {"use": "cancel?", "answer": "no"}}
+    "boxed": {"boxes": [{"use": "cancel?", "answer": "$(answer)"}]},
+    "file": {"file:$(directory)\\$(name)": {"size": "$(size)"}}},
+  "boxes": {"cancel?": {"text": "Cancel?"}, "no": {"use": "cancel?", "answer": "no"},
+            "told": {"text": "$(text)"}, "two": [{"text": "1"}, {"text": "2"}]}
 })json";
 
 /// A folder of scenarios below one that has a file of names.
@@ -106,6 +108,58 @@ TEST_F(Expand, FillsTextsAndKeysWithNamedValues) {
             R"j([{"type":["A","C:\\Menu\\Inner\\x7"]}])j");
   EXPECT_EQ(steps(R"j([{"expect": {"dir:$(menu)": "$(list)", "size": "$(seven)"}}])j"),
             R"j([{"expect":{"dir:C:\\Menu":["a","b"],"size":7}}])j");
+}
+
+TEST_F(Expand, UsesANameOnceForEachOfSeveralValues) {
+  EXPECT_EQ(steps(R"j([{"use": "type", "each": {"directory": ["a", "$(menu)"]}}])j"),
+            R"j([{"type":["Text2","a"]},{"type":["Text2","C:\\Menu"]}])j");
+  EXPECT_EQ(steps(R"j([{"use": "type", "each": {"directory": {"from": "x098", "to": "x100"}}}])j"),
+            R"j([{"type":["Text2","x098"]},{"type":["Text2","x099"]},{"type":["Text2","x100"]}])j");
+  EXPECT_EQ(steps(R"j([{"expect": {"use": "file", "directory": "C:",
+                                   "each": {"name": ["a", "b"], "size": {"from": 9, "to": 10}}}}])j"),
+            R"j([{"expect":{"file:C:\\a":{"size":9},"file:C:\\b":{"size":10}}}])j");
+}
+
+TEST_F(Expand, RefusesWhatIsNoListOfValues) {
+  const auto errorOf = [&](const std::string& each) {
+    return errorOfSteps(R"j([{"use": "type", "each": )j" + each + "}]");
+  };
+  EXPECT_EQ(errorOf("{}"), "$.script[0].each: an object of lists is wanted");
+  EXPECT_EQ(errorOf("[]"), "$.script[0].each: an object of lists is wanted");
+  for (const char* const list :
+       {"5", "[]", R"j({"from": 1})j", R"j({"from": 1, "to": 2, "by": 3})j"}) {
+    EXPECT_EQ(errorOf(std::string("{\"directory\": ") + list + "}"),
+              "$.script[0].each.directory: a list, or {\"from\": .., \"to\": ..}, is wanted");
+  }
+  EXPECT_EQ(errorOf(R"j({"directory": ["a"], "more": ["b", "c"]})j"),
+            "$.script[0].each.more: a list of 2 beside one of 1");
+  EXPECT_EQ(errorOf(R"j({"directory": ["a"], "more": ["b"]})j"),
+            "$.script[0].each.more[0]: \"type\" has no $(more) for this value");
+  EXPECT_EQ(errorOf(R"j({"directory": ["a", 5]})j"),
+            "$.script[0] uses ../common.json: $.steps.type[0].type[1] uses "
+            "$.script[0].each.directory[1]: a whole number where a text is wanted");
+  struct Range {
+    const char* from;
+    const char* to;
+  };
+  for (const auto& [from, to] :
+       {Range{"2", "1"}, Range{"\"a1\"", "\"b2\""}, Range{"\"a1\"", "\"a10\""},
+        Range{"\"a\"", "\"a\""}, Range{"0", "100000"}, Range{"-1", "1"}, Range{"1", "\"2\""},
+        Range{"\"0000001\"", "\"0000002\""}}) {
+    EXPECT_EQ(errorOf(std::string("{\"directory\": {\"from\": ") + from + ", \"to\": " + to + "}}"),
+              std::string("$.script[0].each.directory: nothing can be counted from ") + from +
+                  " to " + to);
+  }
+}
+
+TEST_F(Expand, AddsTheAnswerOfABox) {
+  EXPECT_EQ(steps(R"j([{"expect": {"boxes": [{"use": "two", "answer": "$(seven)"}]}}])j"),
+            R"j([{"expect":{"boxes":[{"text":"1"},{"text":"2","answer":7}]}}])j");
+  EXPECT_EQ(steps(R"j([{"expect": {"boxes": [{"use": "told", "answer": "ok",
+                                              "each": {"text": ["1", "2"]}}]}}])j"),
+            R"j([{"expect":{"boxes":[{"text":"1","answer":"ok"},{"text":"2","answer":"ok"}]}}])j");
+  EXPECT_EQ(errorOfSteps(R"j([{"expect": {"boxes": [{"use": "no", "answer": "ok"}]}}])j"),
+            "$.script[0].expect.boxes[0].answer: the box has no place for an answer");
 }
 
 TEST_F(Expand, JoinsExpectationsInTheirOrder) {
@@ -282,7 +336,7 @@ TEST_F(Expand, RefusesWhatIsSaidTwice) {
 TEST_F(Expand, RefusesAFileOfNamesThatIsNone) {
   write(here() / commonFile, R"j({"stops": {}})j");
   EXPECT_EQ(errorOfSteps(R"j(["install"])j"),
-            "common.json: $.stops: unknown key \"stops\"; the keys are values, machine, steps, "
+            "common.json: $.stops: unknown key \"stops\"; the keys are values, machines, steps, "
             "expect, boxes");
   write(here() / commonFile, R"j({"steps": []})j");
   EXPECT_EQ(errorOfSteps(R"j(["install"])j"),
@@ -308,19 +362,30 @@ TEST(LayOut, KeepsOnALineWhatHasRoomThere) {
 
 TEST(LayOut, BreaksWhatIsLongerThanALine) {
   const std::string wide(60, 'x');
-  Json document = parseJson(R"j({"a": {"b": ["", "", "c"]}, "d": [[1, 2], []]})j");
+  const std::string half(39, 'y');
+  Json document = parseJson(R"j({"a": {"b": ["", "", "c"]}, "d": [[1, 2], {"e": 1, "f": ""}]})j");
   document["a"]["b"][0] = wide;
-  document["a"]["b"][1] = std::string(39, 'y');
-  document["d"][1] = {wide};
-  EXPECT_EQ(layOut(document), "{\n  \"a\": {\"b\": [\n    \"" + wide + "\",\n    \"" +
-                                  std::string(39, 'y') + "\", \"c\"\n  ]},\n" +
-                                  "  \"d\": [[1, 2], [\"" + wide + "\"]]\n}\n");
+  document["a"]["b"][1] = half;
+  document["d"][1]["f"] = wide + half;
+  EXPECT_EQ(layOut(document), "{ \"a\": {\"b\": [\n    \"" + wide + "\",\n    \"" + half +
+                                  "\", \"c\" ]},\n  \"d\": [\n    [1, 2],\n    { \"e\": 1,\n" +
+                                  "      \"f\": \"" + wide + half + "\" } ] }\n");
 }
 
 TEST(LayOut, FillsALineToItsLastColumn) {
   const std::string longest(95, 'x');
   EXPECT_EQ(layOut(Json{longest + "y"}), "[\"" + longest + "y\"]\n");
-  EXPECT_EQ(layOut(Json{longest + "yz"}), "[\n  \"" + longest + "yz\"\n]\n");
+  EXPECT_EQ(layOut(Json{longest + "yz"}), "[\n  \"" + longest + "yz\" ]\n");
+}
+
+TEST(LayOut, BeginsALineWithEachCaseAndEachName) {
+  const std::string wide(90, 'x');
+  Json document = parseJson(R"j({"cases": {"a": {}, "b": {}}, "steps": {"c": [], "d": []}})j");
+  document["name"] = wide;
+  EXPECT_EQ(layOut(document),
+            "{ \"cases\": {\n    \"a\": {},\n    \"b\": {}\n  },\n  \"steps\": {\n    \"c\": [],\n"
+            "    \"d\": []\n  },\n  \"name\": \"" +
+                wide + "\" }\n");
 }
 
 }  // namespace
