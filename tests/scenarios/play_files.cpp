@@ -4,12 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "programs/zevsim/setup_program.h"
 #include "scenario/zevsim_main.h"
 #include "scenarios/scenario_files.h"
 #include "script/expand.h"
+#include "script/layout.h"
 
 namespace zev {
 namespace {
@@ -53,6 +56,15 @@ const bool registered = registerFiles();
 TEST(ScenarioFiles, AreFound) {
   EXPECT_TRUE(registered);
   EXPECT_FALSE(scenarioFiles().empty());
+}
+
+TEST(ScenarioFiles, AreLaidOut) {
+  for (const auto& each : std::filesystem::recursive_directory_iterator(ZEV_SCENARIOS)) {
+    if (each.path().extension() != ".json") continue;
+    std::ostringstream text;
+    text << std::ifstream(each.path(), std::ios::binary).rdbuf();
+    EXPECT_EQ(text.str(), scenario::layOut(scenario::readDocument(each.path()))) << each.path();
+  }
 }
 
 }  // namespace
