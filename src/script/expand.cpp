@@ -5,47 +5,19 @@
 #include <sstream>
 #include <utility>
 
+#include "script/common_names.h"
+#include "script/counted_values.h"
+
 namespace zev::scenario {
 namespace {
 
 constexpr std::string_view openingMark = "$(";
-
-/// What can be named: the key in a scenario's `common.json`, and how a message calls one of them.
-struct Kind {
-  std::string_view key;
-  std::string_view called;
-};
-namespace kind {
-constexpr Kind value = {"values", "value"};
-constexpr Kind machine = {"machines", "machine"};
-constexpr Kind steps = {"steps", "steps"};
-constexpr Kind expectations = {"expect", "expectations"};
-constexpr Kind box = {"boxes", "box"};
-constexpr Kind all[] = {value, machine, steps, expectations, box};
-}  // namespace kind
-
-std::string inQuotes(std::string_view name) { return "\"" + std::string(name) + "\""; }
 
 std::string listed(const std::vector<std::string>& names) {
   std::string all;
   for (const std::string& each : names) all += (all.empty() ? "" : ", ") + each;
   return all;
 }
-
-/// A place in the scenario written out, and where it was written.
-struct Place {
-  std::string at;
-  std::string written;
-
-  Place member(const std::string& key) const { return child(pathStep(key)); }
-  Place element(std::size_t index) const { return child("[" + std::to_string(index) + "]"); }
-  /// What is written elsewhere and gets this place.
-  Place put(const std::string& elsewhere) const { return {at, written + " uses " + elsewhere}; }
-  [[noreturn]] void fail(const std::string& reason) const { throw ScenarioError(written, reason); }
-
- private:
-  Place child(const std::string& step) const { return {at + step, written + step}; }
-};
 
 /// Values by name, where each was written, and whether a text has asked for it.
 class Values {
@@ -86,84 +58,6 @@ struct Scope {
   std::string owner;  ///< as messages call who gives the values; empty: nobody
   Values values;
   std::vector<std::string> within;
-};
-
-/// The files of names that a scenario can use; read when the first is asked for.
-class Commons {
- public:
-  explicit Commons(const std::filesystem::path& folder) : folder_(folder) {}
-
-  struct Piece {
-    const Json* json;
-    std::string place;  ///< file and path
-  };
-
-  /// Fails at `user` if there is not exactly one piece of that name.
-  Piece piece(const Kind& kind, const std::string& name, const Place& user) {
-    const std::vector<Piece> found = all(kind, name);
-    if (found.empty()) user.fail(unknown(kind, name));
-    if (found.size() > 1) {
-      user.fail(inQuotes(name) + " stands twice: " + found[0].place + " and " + found[1].place);
-    }
-    return found.front();
-  }
-
-  bool has(const Kind& kind, const std::string& name) { return !all(kind, name).empty(); }
-
- private:
-  struct File {
-    std::string name;
-    Json document;
-  };
-
-  std::vector<Piece> all(const Kind& kind, const std::string& name) {
-    read();
-    std::vector<Piece> found;
-    const std::string key(kind.key);
-    for (const File& file : files_) {
-      if (!file.document.contains(key) || !file.document[key].contains(name)) continue;
-      found.push_back(
-          {&file.document[key][name], file.name + ": $" + pathStep(key) + pathStep(name)});
-    }
-    return found;
-  }
-
-  std::string unknown(const Kind& kind, const std::string& name) const {
-    const std::string no = "no " + std::string(kind.called) + " " + inQuotes(name);
-    std::string places;
-    for (const File& file : files_) places += (places.empty() ? " in " : " or ") + file.name;
-    return no + (places.empty() ? ": no common.json is here or in the folder above" : places);
-  }
-
-  void read() {
-    if (std::exchange(isRead_, true)) return;
-    for (const std::string& name : {std::string(commonFile), std::string("../") + commonFile}) {
-      const std::filesystem::path path = folder_ / name;
-      std::error_code ignored;
-      if (!std::filesystem::exists(path, ignored)) continue;
-      try {
-        files_.push_back({name, readDocument(path)});
-        requireKinds(files_.back().document);
-      } catch (const ScenarioError& error) {
-        throw ScenarioError(name + ": " + error.path(), error.reason());
-      }
-    }
-  }
-
-  static void requireKinds(const Json& document) {
-    for (const auto& [key, named] : JsonReader(document).members()) {
-      std::vector<std::string_view> known;
-      for (const Kind& each : kind::all) known.push_back(each.key);
-      if (std::find(known.begin(), known.end(), key) == known.end()) {
-        failUnknownKey(named, key, known);
-      }
-      named.members();  // an object
-    }
-  }
-
-  std::filesystem::path folder_;
-  std::vector<File> files_;
-  bool isRead_ = false;
 };
 
 bool isCall(const Json& written) { return written.is_object() && written.contains("use"); }
@@ -222,7 +116,7 @@ class Expander {
                  (scope.owner.empty() ? "no named value"
                                       : "neither a value of " + scope.owner + " nor a named one"));
     }
-    const Commons::Piece piece = commons_.piece(kind::value, name, place);
+    const CommonNames::Piece piece = commons_.piece(kind::value, name, place);
     Scope inner = enter(kind::value, name, place, scope);
     return {filled(*piece.json, place.put(piece.place), inner), piece.place};
   }
@@ -317,7 +211,7 @@ class Expander {
       return take(found.json, place.put(found.written), nothing);
     }
     const std::string name = nameIn(written, place, scope);
-    const Commons::Piece piece = commons_.piece(kind, name, place);
+    const CommonNames::Piece piece = commons_.piece(kind, name, place);
     Scope inner = enter(kind, name, place, scope);
     if (written.is_object()) giveValues(written, place, scope, inner);
     for (const Row& row : rowsOf(written, place, scope)) {
@@ -378,44 +272,12 @@ class Expander {
     if (!list.is_object() || list.size() != 2 || !list.contains("from") || !list.contains("to")) {
       place.fail("a list, or {\"from\": .., \"to\": ..}, is wanted");
     }
-    return countedUp(list["from"], list["to"], place);
-  }
-
-  /// Numbers, or texts that end in a number of so many digits.
-  static std::vector<Json> countedUp(const Json& from, const Json& to, const Place& place) {
-    std::vector<Json> all;
-    const Numbered first = numbered(from);
-    const Numbered last = numbered(to);
-    if (first.text != last.text || first.digits != last.digits || first.number < 0 ||
-        last.number < first.number || last.number - first.number >= longestCount) {
-      place.fail("nothing can be counted from " + from.dump() + " to " + to.dump());
+    const auto counted = countedUp(list["from"], list["to"]);
+    if (!counted) {
+      place.fail("nothing can be counted from " + list["from"].dump() + " to " + list["to"].dump());
     }
-    for (int number = first.number; number <= last.number; ++number) {
-      std::string digits = std::to_string(number);
-      digits.insert(0, first.digits - std::min(first.digits, digits.size()), '0');
-      all.push_back(from.is_string() ? Json(first.text + digits) : Json(number));
-    }
-    return all;
+    return *counted;
   }
-
-  struct Numbered {
-    std::string text;        ///< in front of the number
-    std::size_t digits = 0;  ///< that a text has at its end; 0 of a number
-    int number = -1;         ///< none: -1
-  };
-
-  static Numbered numbered(const Json& value) {
-    if (value.is_number_unsigned() && value < longestCount) return {{}, 0, value.get<int>()};
-    if (!value.is_string()) return {};
-    const auto text = value.get<std::string>();
-    const std::size_t place = text.find_last_not_of("0123456789") + 1;  // npos + 1 is 0
-    const std::string digits = text.substr(place);
-    if (digits.empty() || digits.size() > mostDigits) return {};
-    return {text.substr(0, place), digits.size(), std::stoi(digits)};
-  }
-
-  static constexpr int longestCount = 100'000;
-  static constexpr std::size_t mostDigits = 6;
 
   // ---- steps
 
@@ -579,7 +441,7 @@ class Expander {
     out.back()["answer"] = filled(written, own, scope);
   }
 
-  Commons commons_;
+  CommonNames commons_;
   Origins origins_;
 };
 

@@ -10,9 +10,6 @@
 
 namespace zev::scenario {
 
-/// What scenarios name stands in files of this name.
-inline constexpr const char* commonFile = "common.json";
-
 /// Where the parts of a scenario that is written out stand in the files that it was written out of.
 class Origins {
  public:

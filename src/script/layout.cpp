@@ -8,7 +8,7 @@ namespace {
 constexpr std::size_t lineWidth = 100;
 
 /// Members of a document each member of which begins a line.
-constexpr std::string_view linesOfTheirOwn[] = {"cases", "values",  "machines",
+constexpr std::string_view linesOfTheirOwn[] = {"cases", "values", "machines",
                                                 "steps", "expect", "boxes"};
 
 /// On one line, blanks behind colons and commas.

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "scenario/play.h"
+#include "script/common_names.h"
 #include "script/layout.h"
 
 namespace zev::scenario {

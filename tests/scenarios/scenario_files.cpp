@@ -5,6 +5,7 @@
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
+#include "script/common_names.h"
 #include "script/expand.h"
 
 namespace zev {
