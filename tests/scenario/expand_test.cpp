@@ -180,6 +180,13 @@ TEST_F(Expand, JoinsMachinesObjectByObject) {
   EXPECT_EQ(steps(R"j([{"change": "vista"}])j"), R"j([{"change":{"version":{"minor":0}}}])j");
 }
 
+TEST_F(Expand, JoinsListsOfMachines) {
+  EXPECT_EQ(expanded(R"j({"machine": [{"windows": ["a"]}, {"windows": ["$(menu)", "b"]}]})j"),
+            R"j({"machine":{"windows":["a","C:\\Menu","b"]}})j");
+  EXPECT_EQ(error(R"j({"machine": [{"windows": ["a", "b"]}, {"windows": ["c", 5]}]})j"),
+            "$.machine[1].windows[1]: a whole number where a text is wanted");
+}
+
 constexpr const char* table = R"json({
   "name": "all", "machine": {"user": "$(user)"},
   "script": [{"expect": {"ended": "$(end)"}}, "$(more)"],
