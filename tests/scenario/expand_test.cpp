@@ -6,7 +6,7 @@
 
 #include "scenario/common_names.h"
 #include "scenario/layout.h"
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {
