@@ -12,7 +12,7 @@
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/call_trace.h"
 #include "scenarios/sanitized.h"
 #include "scenarios/told_boxes.h"
@@ -341,31 +341,29 @@ std::string faultOf(const Call& call) {
 
 /// A person who looks at the wizard: presses Finish where that is offered, otherwise Cancel, with
 /// Yes behind it.
-class Leaver final : public scenario::Companion {
+class Leaver final : public scenario::Audience {
  public:
-  std::optional<scenario::Step> goOn(scenario::Player& player) override {
-    if (!player.ended().is_null() || left_) return std::nullopt;
+  std::optional<scenario::Step> goOn() override {
+    if (!stage->ended().is_null() || left_) return std::nullopt;
     left_ = true;
-    finished = captionOf(player) == "Finish";
+    finished = caption() == "Finish";
     const Json step = {{"click", finished ? "Form1.Command2" : "Form1.Command3"}};
     return scenario::readStep(scenario::JsonReader(step, {}, "$"));
   }
 
-  std::optional<scenario::Answer> answer(const simulated::Box& box) override {
+  std::optional<scenario::Answer> answer(const scenario::Box& box) override {
     if (box.style != cancelStyle) return std::nullopt;
     return scenario::Answer{"yes", std::nullopt, "$"};
   }
 
+  scenario::SimulatedStage* stage = nullptr;  ///< that the person looks at
   bool finished = false;
 
  private:
   static constexpr std::int32_t cancelStyle = 4388;
 
-  static Json captionOf(scenario::Player& player) {
-    const Json name = "Form1.Command2.Caption";
-    return scenario::toJson(findProperty(scenario::readName(scenario::JsonReader(name, {}, "$"), 3),
-                                         player.scene(), "$")
-                                .value());
+  Json caption() {
+    return stage->play().verdictOn({"Form1.Command2.Caption", nullptr, "$"}).value().found;
   }
 
   bool left_ = false;
@@ -377,16 +375,17 @@ struct FaultRun {
       : scenario(scenario::parseScenario("{" + machineOf(version, faults) + R"(, "script": [)" +
                                          stepsToInstall + "]}")),
         log(withCalls),
-        player(scenario, makeSetupProgram, log, person) {
-    player.play();
+        stage(scenario, makeSetupProgram, log) {
+    person.stage = &stage;
+    stage.perform({&person});
   }
 
-  bool has(const std::string& path) { return player.machine().disks().exists(fromUtf8(path)); }
+  bool has(const std::string& path) { return stage.machine().disks().exists(fromUtf8(path)); }
 
   scenario::Scenario scenario;
   simulated::TranscriptLog log;
   Leaver person;
-  scenario::Player player;
+  scenario::SimulatedStage stage;
 };
 
 const std::vector<Call>& callsOf(const std::string& version) {
@@ -399,12 +398,12 @@ const std::vector<Call>& callsOf(const std::string& version) {
 // ---- what came of it
 
 Outcome outcomeOf(FaultRun& run) {
-  if (run.player.ended() == "exit") return Outcome::OnTheSpot;
+  if (run.stage.ended() == "exit") return Outcome::OnTheSpot;
   if (run.person.finished) {
-    return run.player.machine().records().dde.empty() ? Finished : Outcome::Fallback;
+    return run.stage.machine().records().dde.empty() ? Finished : Outcome::Fallback;
   }
   constexpr int pageOfTheDirectory = 4;
-  const auto page = run.player.program().global("gCurrentPage");
+  const auto page = run.stage.program().global("gCurrentPage");
   return page == PropertyValue(std::int32_t{pageOfTheDirectory}) ? Outcome::Refused : Stopped;
 }
 
@@ -458,9 +457,9 @@ void failOne(const std::string& version, const Call& call, TallyTable& table) {
   EXPECT_EQ(boxes, expectedBoxes(call, rule));
   EXPECT_STREQ(outcomeNames[static_cast<int>(outcome)],
                outcomeNames[static_cast<int>(rule.outcome)]);
-  EXPECT_EQ(run.player.ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
+  EXPECT_EQ(run.stage.ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
   EXPECT_EQ(temporaryOf(run), expectedTemporary(call));
-  EXPECT_GE(run.player.machine().calls(call.operation), call.nth) << "the fault struck nothing";
+  EXPECT_GE(run.stage.machine().calls(call.operation), call.nth) << "the fault struck nothing";
   if (outcome == Finished && (call.phase == Phase::Extract || call.phase == Phase::Expand)) {
     expectOtherMembers(run, call, version == profileVersion);
   }
