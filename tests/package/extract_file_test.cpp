@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 
+#include "package/held_files.h"
 #include "package/manifest.h"
 #include "package/projects.h"
 #include "support/made_image.h"
@@ -51,6 +52,20 @@ TEST_F(ExtractFileTest, CountsBackFromTheEnd) {
   EXPECT_TRUE(extract(2, 3));
   EXPECT_EQ(textOf(work), "56");
   EXPECT_TRUE(person.boxes.empty());
+}
+
+/// What the disk had no room for may be missing at the end.
+TEST_F(ExtractFileTest, HeldFileHasWhatWasWrittenAndNothingElse) {
+  const auto holds = [&](std::string_view found, std::string_view written) {
+    machine.disks().putText(work, std::string(found));
+    const Hold held = program->platform.holds.hold(work, Holding::ToKeep);
+    return holdsNothingBut(held, test::Bytes(written.begin(), written.end()));
+  };
+  EXPECT_TRUE(holds("789", "789"));
+  EXPECT_TRUE(holds("78", "789"));
+  EXPECT_FALSE(holds("7x9", "789"));
+  EXPECT_FALSE(holds("7890", "789"));
+  EXPECT_FALSE(holdsNothingBut(Hold(), {}));
 }
 
 TEST_F(ExtractFileTest, PositionOneIsTheFirstByte) {

@@ -163,6 +163,8 @@ constexpr Rule rules[] = {
     {"DoEvents|LZClose", Phase::MainIn, anyPath, Finished, ""},
     {"LZOpenFileA", Phase::Expand, anyPath, Finished, "cannot_open expansion"},
     {"LZCopy", Phase::Expand, anyPath, Finished, "cannot_expand expansion"},
+    // A program that is still open to be written is none to rely on: it is not started.
+    {"LZClose", Phase::Expand, "vcredist_x86.exe", Stopped, "run.trap", 72, 70},
     {"DoEvents|LZClose", Phase::Expand, anyPath, Finished, ""},
     // The redistributable: seen, started, waited for, deleted.
     {"Shell", Phase::Expand, "vcredist_x86.exe", Stopped, "run.trap", 72},
