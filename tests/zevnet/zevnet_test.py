@@ -612,12 +612,92 @@ class Pressure(Case, unittest.TestCase):
         return int(fields[11]) + int(fields[12])
 
 
-class Document(Case, unittest.TestCase):
-    """The two programs of docs/sockets.md, as they stand there."""
+class Documented(Case):
+    """The programs of docs/sockets.md, as they stand there."""
 
+    PORT = 5000
+
+    def serve(self):
+        server = self.start(os.environ["DOCUMENT_SERVER"], environment={
+            "ASAN_OPTIONS": "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"})
+        wait_for_port(self.PORT)
+        return server
+
+    def call(self, number=0, resets=False):
+        """A caller: one of many addresses, so that the ports of none run out."""
+        caller = socket.socket()
+        if resets:
+            caller.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        caller.settimeout(PATIENCE)
+        caller.bind((f"127.0.1.{1 + number % 200}", 0))
+        caller.connect(("127.0.0.1", self.PORT))
+        return caller
+
+    def speak(self, caller):
+        caller.sendall(b"Hello")
+        self.assertEqual(caller.recv(100), b"You said: Hello")
+
+    def closes_at_once(self, number):
+        self.call(number).close()
+
+    def resets_at_once(self, number):
+        self.call(number, resets=True).close()
+
+    def closes(self, number):
+        with self.call(number) as caller:
+            self.speak(caller)
+
+    def half_closes(self, number):
+        with self.call(number) as caller:
+            self.speak(caller)
+            caller.shutdown(socket.SHUT_WR)
+            self.assertEqual(caller.recv(100), b"")
+
+    def resets(self, number):
+        with self.call(number, resets=True) as caller:
+            self.speak(caller)
+
+    def resets_with_answers_unread(self, number):
+        with self.call(number, resets=True) as caller:
+            caller.sendall(b"Hello")
+
+    KINDS = [closes_at_once, resets_at_once, closes, half_closes, resets,
+             resets_with_answers_unread]
+
+    def descriptors(self, running):
+        return len(os.listdir(f"/proc/{running.process.pid}/fd"))
+
+    def memory(self, running):
+        """Kilobytes that the process holds."""
+        status = Path(f"/proc/{running.process.pid}/status").read_text()
+        return int(status.split("VmRSS:")[1].split()[0])
+
+    def comes_back_to(self, running, descriptors):
+        end = time.monotonic() + PATIENCE
+        while self.descriptors(running) != descriptors and time.monotonic() < end:
+            time.sleep(0.01)
+        self.assertEqual(self.descriptors(running), descriptors)
+
+    def stays_as_it_was(self, callers):
+        """Descriptors and memory of the server behind so many callers of all kinds."""
+        server = self.serve()
+        descriptors = self.descriptors(server)
+        memory = None
+        for number in range(callers):
+            if number == callers // 10:
+                self.comes_back_to(server, descriptors)
+                memory = self.memory(server)
+            self.KINDS[number % len(self.KINDS)](self, number)
+        self.comes_back_to(server, descriptors)
+        # What the system hands out comes in larger pieces than a caller needs.
+        self.assertLess(self.memory(server) - memory, 300)
+        with self.call() as caller:
+            self.speak(caller)
+
+
+class Document(Documented, unittest.TestCase):
     def test_its_programs_talk_with_each_other(self):
-        self.start(os.environ["DOCUMENT_SERVER"])
-        wait_for_port(5000)
+        self.serve()
         for _ in range(2):
             client = self.start(os.environ["DOCUMENT_CLIENT"])
             self.assertEqual(client.ends(), (0, b"You said: Hello\n"), client.lines)
@@ -625,6 +705,24 @@ class Document(Case, unittest.TestCase):
     def test_its_client_tells_why_it_cannot_connect(self):
         client = self.start(os.environ["DOCUMENT_CLIENT"])
         self.assertEqual(client.ends(), (0, b"Connection refused.\n"), client.lines)
+
+    def test_its_server_lets_go_of_each_caller(self):
+        self.stays_as_it_was(3000)
+
+    def test_its_server_holds_a_megabyte_at_most_for_a_caller_that_does_not_read(self):
+        server = self.serve()
+        memory, sent = self.memory(server), 0
+        with self.call() as caller, self.assertRaises(ConnectionError):
+            while sent < 3 * LARGE:
+                sent += caller.send(b"x" * 65536)
+        self.assertLess(sent, LARGE)
+        self.assertLess(self.memory(server) - memory, 8 * 1024)
+        self.closes(0)
+
+
+class LongRun(Documented, unittest.TestCase):
+    def test_its_server_after_a_hundred_thousand_callers(self):
+        self.stays_as_it_was(100_000)
 
 
 if __name__ == "__main__":
