@@ -29,6 +29,10 @@ class Bench {
   /// Queues a message as any other program could.
   virtual void post(const WindowMessage& message) = 0;
 
+  /// From now on no socket more can be opened or accepted; or, with `full` false, as many as
+  /// before.
+  virtual void setFull(bool full) = 0;
+
   /// Sockets that are open now, those of the bench itself left out; -1 if it cannot tell.
   virtual int openSockets() = 0;
   /// Windows that the tests have created and that are still there; -1 if it cannot tell.

@@ -1,3 +1,6 @@
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include "posix/machine.h"
 #include "socket/bench.h"
 
@@ -15,10 +18,23 @@ class PosixBench final : public Bench {
   bool pump(int milliseconds) override { return machine_.dispatch(milliseconds); }
   void post(const WindowMessage& message) override { machine_.windows().post(message); }
 
+  void setFull(bool full) override {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = full ? firstFree() : limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
+
   int openSockets() override { return static_cast<int>(machine_.sockets().openSockets()); }
   int openWindows() override { return static_cast<int>(machine_.windows().openWindows()); }
 
  private:
+  /// The number that the next descriptor would have.
+  static rlim_t firstFree() {
+    const posix::Descriptor probe(::dup(STDERR_FILENO));
+    return static_cast<rlim_t>(probe.get());
+  }
+
   posix::Machine machine_;
 };
 

@@ -25,6 +25,12 @@ def digest(data):
     return hashlib.sha256(data).hexdigest()
 
 
+def processor_time(running):
+    """Hundredths of a second."""
+    fields = Path(f"/proc/{running.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+    return int(fields[11]) + int(fields[12])
+
+
 class Case:
     """What every class has: a folder, and processes that end with the case."""
 
@@ -522,6 +528,34 @@ class Listening(Case, unittest.TestCase):
         self.assertIn("10048: Address already in use. (CEventSocket.BindInternal)", second.lines)
 
 
+class FewFiles(Case, unittest.TestCase):
+    """More callers than the process may have files."""
+
+    def test_a_listener_rests_and_then_takes_all_who_wait(self):
+        zevnet = self.start("sh", "-c", 'ulimit -n 64 && exec "$0" listen 0 --keep --trace', ZEVNET)
+        port = int(zevnet.line(r"^listening on 127\.0\.0\.1 (\d+)$")[1])
+        callers = []
+        for _ in range(80):
+            callers.append(socket.create_connection(("127.0.0.1", port), timeout=PATIENCE))
+            self.addCleanup(callers[-1].close)
+        zevnet.line("^ERROR trying to accept: Too many open files\\.$")
+        before = processor_time(zevnet)
+        time.sleep(1)
+        self.assertLess(processor_time(zevnet) - before, 3)
+        for caller in callers[:40]:
+            caller.close()
+        for number, caller in enumerate(callers[40:]):
+            caller.sendall(b"%02d" % number)
+        received = b"".join(sorted(zevnet.read(2) for _ in range(40)))
+        self.assertEqual(received, b"".join(b"%02d" % number for number in range(40)))
+        zevnet.stop()
+        while line := zevnet._queue.get(timeout=PATIENCE):
+            zevnet.lines.append(line)
+        # Once for the rest, and once for each caller that another one's end has let in.
+        told = sum(line.startswith("ERROR trying to accept: ") for line in zevnet.lines)
+        self.assertLessEqual(told, 41)
+
+
 class Tracing(Case, unittest.TestCase):
     def test_tells_the_steps_in_their_order(self):
         listener, port = self.listener()
@@ -602,14 +636,9 @@ class Pressure(Case, unittest.TestCase):
         self.accept(listener)
         zevnet.line("^connected to")
         time.sleep(0.5)
-        before = self.processor_time(zevnet)
+        before = processor_time(zevnet)
         time.sleep(1)
-        self.assertLess(self.processor_time(zevnet) - before, 20)
-
-    def processor_time(self, running):
-        """Hundredths of a second."""
-        fields = Path(f"/proc/{running.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
-        return int(fields[11]) + int(fields[12])
+        self.assertLess(processor_time(zevnet) - before, 20)
 
 
 class Documented(Case):

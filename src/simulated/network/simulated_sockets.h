@@ -75,11 +75,13 @@ class SimulatedSockets final : public Sockets {
   std::int32_t waitingWith(std::int32_t handle, const Operation& operation);
   std::shared_ptr<LocalSocket> make(std::int32_t type);
   std::int32_t nextHandle();
+  void endRest();
 
   SimulatedNetwork& network_;
   MessageQueue& queue_;
   std::shared_ptr<LookUps> lookUps_;
   std::map<std::int32_t, std::shared_ptr<LocalSocket>> sockets_;
+  std::vector<std::int32_t> resting_;  ///< listeners that have a caller and no room for it
   std::int32_t lastHandle_ = 0x60;
   std::int32_t lastError_ = 0;
   int starts_ = 0;
