@@ -528,6 +528,164 @@ class Listening(Case, unittest.TestCase):
         self.assertIn("10048: Address already in use. (CEventSocket.BindInternal)", second.lines)
 
 
+class WholeInput(Case, unittest.TestCase):
+    """All that was to go out has gone out, or it is an error that says how much has not."""
+
+    DATA = os.urandom(300_000)
+
+    def file(self):
+        path = self.folder / "input"
+        path.write_bytes(self.DATA)
+        return self.open(path)
+
+    def loses(self, zevnet, number):
+        status, _ = zevnet.ends()
+        self.assertEqual(status, 1, zevnet.lines)
+        self.assertIn(f"10053: {number} bytes were not sent. (zevnet)", zevnet.lines)
+
+    def half_closed(self, *arguments, **streams):
+        """zevnet connected to a receiver that has closed its own direction, before any input."""
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", *arguments, "127.0.0.1", port, **streams)
+        connection = self.accept(listener)
+        zevnet.line("^connected to")
+        return zevnet, connection
+
+    def test_a_receiver_that_half_closes_before_a_piped_input(self):
+        for arguments in (["--close"], []):
+            with self.subTest(arguments):
+                zevnet, connection = self.half_closed(*arguments)
+                os.kill(zevnet.process.pid, 19)
+                connection.shutdown(socket.SHUT_WR)
+                zevnet.write(b"x" * 5000)
+                os.kill(zevnet.process.pid, 18)
+                status, _ = zevnet.ends()
+                received = b""
+                while piece := connection.recv(65536):
+                    received += piece
+                told = [line for line in zevnet.lines if line.endswith("were not sent. (zevnet)")]
+                lost = int(told[0].split()[1]) if told else 0
+                self.assertEqual((status, len(received) + lost), (1 if lost else 0, 5000))
+
+    def test_a_receiver_that_half_closes_at_once(self):
+        """Whatever has reached it and what is told to be lost are the whole."""
+        for _ in range(20):
+            listener, port = self.listener()
+            zevnet = self.zevnet("connect", "--close", "127.0.0.1", port, stdin=self.file())
+            connection = self.accept(listener)
+            connection.shutdown(socket.SHUT_WR)
+            received = 0
+            while piece := connection.recv(65536):
+                received += len(piece)
+            if received == len(self.DATA):
+                self.assertEqual(zevnet.ends()[0], 0, zevnet.lines)
+            else:
+                self.loses(zevnet, len(self.DATA) - received)
+
+    def test_a_receiver_that_half_closes_while_the_rest_of_a_file_waits(self):
+        path = self.random_file(MEDIUM)
+        zevnet, connection = self.half_closed("--close", stdin=self.open(path))
+        time.sleep(0.5)  # until both sides of the system are full
+        connection.shutdown(socket.SHUT_WR)
+        received = 0
+        while piece := connection.recv(65536):
+            received += len(piece)
+        self.assertLess(received, MEDIUM)
+        self.loses(zevnet, MEDIUM - received)
+
+    def test_an_input_that_goes_on(self):
+        zevnet, connection = self.half_closed("--close")
+        connection.shutdown(socket.SHUT_WR)
+        zevnet.line(r"^10053: The input was not read to its end\. \(zevnet\)$")
+        self.assertEqual(zevnet.ends()[0], 1)
+
+    def test_an_answer_to_who_half_closes_behind_its_request(self):
+        for _ in range(20):
+            zevnet, port = self.listening("--close", stdin=self.file())
+            with socket.create_connection(("127.0.0.1", port), timeout=PATIENCE) as caller:
+                answer = b""
+                try:
+                    caller.sendall(b"request")
+                    caller.shutdown(socket.SHUT_WR)
+                except OSError:
+                    pass  # it has answered and closed already
+                try:
+                    while piece := caller.recv(65536):
+                        answer += piece
+                except ConnectionResetError:
+                    pass
+            status, _ = zevnet.ends()
+            if status == 0:
+                self.assert_sent(self.DATA, answer)
+            else:
+                self.assertRegex("\n".join(zevnet.lines), r"(?m)^10053: \d+ bytes were not sent\.")
+
+
+class Ends(Case, unittest.TestCase):
+    """Time limits and signals."""
+
+    def test_a_connection_that_never_comes_about(self):
+        begin = time.monotonic()
+        zevnet = self.zevnet("connect", "--timeout", 0.5, "1.0.0.0", 80)
+        self.assertEqual(zevnet.ends(), (1, b""))
+        self.assertIn("10060: Connection timed out. (zevnet)", zevnet.lines)
+        self.assertLess(time.monotonic() - begin, 10)
+
+    def test_the_limit_is_of_the_connecting_alone(self):
+        listener, port = self.listener()
+        zevnet = self.zevnet("connect", "--timeout", 0.2, "127.0.0.1", port)
+        connection = self.accept(listener)
+        zevnet.line("^connected to")
+        time.sleep(0.5)
+        connection.sendall(b"late")
+        self.assertEqual(zevnet.read(4), b"late")
+        connection.close()
+        self.assertEqual(zevnet.ends()[0], 0)
+
+    def test_the_usual_limit_is_told(self):
+        self.assertRegex(self.zevnet("connect", "--help").ends()[1], rb"--timeout .*=30")
+
+    def test_a_signal_closes_and_tells_the_totals(self):
+        for signal, status in ((2, 130), (15, 143)):
+            with self.subTest(signal):
+                listener, port = self.listener()
+                zevnet = self.zevnet("connect", "127.0.0.1", port)
+                connection = self.accept(listener)
+                zevnet.line("^connected to")
+                connection.sendall(b"abc")
+                self.assertEqual(zevnet.read(3), b"abc")
+                zevnet.process.send_signal(signal)
+                self.assertEqual(connection.recv(10), b"")
+                zevnet.line(rf"^closed 127\.0\.0\.1 {port}: sent 0 bytes, received 3 bytes$")
+                self.assertEqual(zevnet.ends()[0], status)
+
+    def test_a_signal_ends_a_listener(self):
+        zevnet, _ = self.listening("--keep")
+        zevnet.process.send_signal(15)
+        self.assertEqual(zevnet.ends()[0], 143)
+
+    def test_a_signal_ends_datagrams_with_their_totals(self):
+        zevnet, _ = self.listening("--udp")
+        zevnet.process.send_signal(2)
+        zevnet.line("^closed: sent 0 bytes, received 0 bytes$")
+        self.assertEqual(zevnet.ends()[0], 130)
+
+    def test_a_signal_ends_it_while_nobody_reads_its_output(self):
+        zevnet, port = self.listening()
+        with socket.create_connection(("127.0.0.1", port), timeout=PATIENCE) as connection:
+            connection.sendall(b"x" * 200_000)
+            time.sleep(0.3)
+            zevnet.process.send_signal(15)
+            zevnet.line(r"^closed 127\.0\.0\.1 \d+: sent 0 bytes, received \d+ bytes$")
+        self.assertEqual(zevnet.ends()[0], 143)
+
+    def test_a_signal_that_somebody_had_ignored_stays_so(self):
+        zevnet = self.start("sh", "-c", 'trap "" INT; exec "$0" listen 0 --idle 1', ZEVNET)
+        zevnet.line("^listening on")
+        zevnet.process.send_signal(2)
+        self.assertEqual(zevnet.ends()[0], 0)
+
+
 class FewFiles(Case, unittest.TestCase):
     """More callers than the process may have files."""
 

@@ -41,6 +41,11 @@ void addCommands(CLI::App& app, Wishes& wishes) {
   connect.add_option("port", wishes.port, "Port of the host")
       ->required()
       ->check(CLI::Range(1, highestPort));
+  connect
+      .add_option("--timeout", wishes.timeout,
+                  "Give up a connection that has not come about after so many seconds")
+      ->check(CLI::Range(0.001, 86400.0))
+      ->capture_default_str();
   addCommonOptions(connect, wishes);
 
   CLI::App& listen =
