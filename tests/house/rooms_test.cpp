@@ -33,7 +33,7 @@ const Arrows allowed = {
     {"digest", {}},
     {"simulated", {"runtime", "code_page", "platform", "observed", "lz", "digest"}},
     {"scenario", {"code_page", "platform"}},
-    {"win32", {"runtime", "platform", "lz"}},
+    {"win32", {"runtime", "platform", "lz", "win32_sockets"}},
     {"posix", {"runtime", "code_page", "platform"}},
 };
 
