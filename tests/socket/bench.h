@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,9 @@ class Bench {
   /// From now on no socket more can be opened or accepted; or, with `full` false, as many as
   /// before.
   virtual void setFull(bool full) = 0;
+
+  /// Whether code in that page of memory could run.
+  virtual bool isExecutable(const std::uint8_t* address) = 0;
 
   /// Sockets that are open now, those of the bench itself left out; -1 if it cannot tell.
   virtual int openSockets() = 0;

@@ -165,6 +165,21 @@ TEST_F(ModuleTest, WithoutMemoryForTheBlockTheServiceIsNotStarted) {
   EXPECT_EQ(calls.count("WSAStartup"), 0);
 }
 
+TEST_F(ModuleTest, ARefusedBlockIsToldToEachWhoAsksAndNothingElseBreaks) {
+  calls.fail("VirtualAlloc");
+  for (int tries = 0; tries < 2; ++tries) {
+    EXPECT_EQ(raised([&] { CEventSocket::create(module); }),
+              "7 modEventSocket.BuildThunk: Out of memory");
+  }
+  calls.heal("VirtualAlloc");
+  const auto socket = CEventSocket::create(module);
+  socket->Bind(0, u"127.0.0.1");
+  EXPECT_EQ(socket->State(), sckOpen);
+  EXPECT_EQ(calls.count("WSAStartup"), 1);
+  socket->CloseSck();
+  EXPECT_EQ(module.lngWindowHandle(), 0);
+}
+
 TEST_F(ModuleTest, AnEndThatFailsIsRaisedAndLeavesTheServiceStarted) {
   start();
   calls.fail("WSACleanup", 10050);

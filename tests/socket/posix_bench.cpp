@@ -1,6 +1,9 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <sstream>
+
 #include "posix/machine.h"
 #include "socket/bench.h"
 
@@ -23,6 +26,19 @@ class PosixBench final : public Bench {
     ::getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = full ? firstFree() : limit.rlim_max;
     ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
+
+  bool isExecutable(const std::uint8_t* address) override {
+    const auto place = reinterpret_cast<std::uintptr_t>(address);
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+      std::uintptr_t begin = 0, end = 0;
+      char dash = 0;
+      std::string rights;
+      std::istringstream(line) >> std::hex >> begin >> dash >> end >> rights;
+      if (begin <= place && place < end) return rights.find('x') != std::string::npos;
+    }
+    return false;
   }
 
   int openSockets() override { return static_cast<int>(machine_.sockets().openSockets()); }

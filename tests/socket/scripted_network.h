@@ -28,6 +28,7 @@ class ScriptedBench final : public Bench {
   void setFull(bool full) override {
     network.settings.maximumSockets = full ? sockets_.openSockets() : usual_;
   }
+  bool isExecutable(const std::uint8_t*) override { return false; }
   int openSockets() override { return static_cast<int>(sockets_.openSockets()); }
   int openWindows() override { return static_cast<int>(queue.openWindows()); }
 

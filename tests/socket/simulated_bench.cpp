@@ -27,6 +27,7 @@ class SimulatedBench final : public Bench {
     network_.settings.maximumSockets = full ? sockets_.openSockets() : usual_;
   }
 
+  bool isExecutable(const std::uint8_t*) override { return false; }
   int openSockets() override { return static_cast<int>(sockets_.openSockets()); }
   int openWindows() override { return static_cast<int>(queue_.openWindows()); }
 

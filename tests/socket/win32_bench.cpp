@@ -97,6 +97,11 @@ class Win32Bench final : public Bench {
   }
 
   void setFull(bool full) override { sockets_.setFull(full); }
+  bool isExecutable(const std::uint8_t* address) override {
+    MEMORY_BASIC_INFORMATION page{};
+    VirtualQuery(address, &page, sizeof page);
+    return page.Protect == PAGE_EXECUTE_READWRITE;
+  }
   int openSockets() override { return sockets_.open(); }
   int openWindows() override { return static_cast<int>(windows_.openWindows()); }
 

@@ -348,7 +348,7 @@ TEST(KernelTest, GivesPagesThatCanBeWritten) {
   kernel.VirtualLock(pages, 182);
   MEMORY_BASIC_INFORMATION page{};
   ASSERT_NE(VirtualQuery(pages, &page, sizeof page), 0u);
-  EXPECT_EQ(page.Protect, readWriteExecute);
+  EXPECT_EQ(page.Protect, entersMachineCode ? readWriteExecute : DWORD{PAGE_READWRITE});
   pages[181] = 0xC3;
   EXPECT_TRUE(kernel.VirtualFree(pages, 0, releasePages));
   EXPECT_FALSE(kernel.VirtualFree(pages, 0, releasePages));
