@@ -15,7 +15,7 @@ namespace zev::simulated {
 /// The sockets of one process of the machine. Notifications are posted to the queue. A call of a
 /// socket that was never selected, and a blocking look-up, move the network's clock until they are
 /// done; a call that would wait for ever fails with 10004. Handles are never used again.
-class SimulatedSockets final : public Sockets {
+class SimulatedSockets : public Sockets {
  public:
   /// Borrows both.
   SimulatedSockets(SimulatedNetwork& network, MessageQueue& queue);
