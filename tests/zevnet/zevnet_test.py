@@ -907,6 +907,70 @@ class Document(Documented, unittest.TestCase):
         self.closes(0)
 
 
+class DocumentExamples(Documented, unittest.TestCase):
+    """The other programs of docs/sockets.md."""
+
+    def start_in(self, program, folder):
+        before = os.getcwd()
+        os.chdir(folder)
+        try:
+            return self.start(os.environ[program])
+        finally:
+            os.chdir(before)
+
+    def curl(self, path, *arguments):
+        fetching = self.start(tool("curl"), "--silent", "--show-error", "--http1.0", "--path-as-is",
+                              "--max-time", PATIENCE, *arguments, f"http://127.0.0.1:8000{path}")
+        return fetching.ends()
+
+    def test_its_file_server_serves_files_to_curl(self):
+        served = self.folder / "served"
+        served.mkdir()
+        data = os.urandom(MEDIUM)
+        (served / "large").write_bytes(data)
+        (served / "empty").write_bytes(b"")
+        (served / ".hidden").write_bytes(b"secret")
+        (self.folder / "outside").write_bytes(b"secret")
+        server = self.start_in("DOCUMENT_FILE_SERVER", served)
+        wait_for_port(8000)
+        descriptors = self.descriptors(server)
+        status, body = self.curl("/large")
+        self.assertEqual(status, 0)
+        self.assert_sent(data, body)
+        self.assertEqual(self.curl("/empty", "--fail"), (0, b""))
+        for path in ("/", "/nothing", "/../outside", "/.hidden", "/..", f"/{served}/large"):
+            with self.subTest(path):
+                status, body = self.curl(path, "--write-out", "%{http_code}")
+                self.assertEqual((status, body), (0, b"404"))
+        several = [self.start(tool("curl"), "--silent", "http://127.0.0.1:8000/large")
+                   for _ in range(5)]
+        for each in several:
+            self.assert_sent(data, each.ends()[1])
+        with socket.create_connection(("127.0.0.1", 8000), timeout=PATIENCE) as caller:
+            caller.sendall(b"GET /" + b"x" * 9000)
+            self.assertEqual(caller.recv(10), b"")
+        self.comes_back_to(server, descriptors)
+
+    def test_its_answers_to_datagrams_reach_whoever_has_sent_them(self):
+        program = self.start(os.environ["DOCUMENT_DATAGRAMS"])
+        wait_for_port(5001, "udp")
+        senders = [socket.socket(socket.AF_INET, socket.SOCK_DGRAM) for _ in range(3)]
+        for number, sender in enumerate(senders):
+            self.addCleanup(sender.close)
+            sender.settimeout(PATIENCE)
+            sender.connect(("127.0.0.1", 5001))
+        for number, sender in enumerate(senders):
+            sender.send(b"from %d" % number)
+        for number, sender in enumerate(senders):
+            self.assertEqual(sender.recv(100), b"You said: from %d" % number)
+        with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as gone:
+            gone.sendto(b"nobody will hear the answer", ("127.0.0.1", 5001))
+        for _ in range(3):
+            senders[0].send(b"still there?")
+            self.assertEqual(senders[0].recv(100), b"You said: still there?")
+        self.assertIsNone(program.process.poll())
+
+
 class LongRun(Documented, unittest.TestCase):
     def test_its_server_after_a_hundred_thousand_callers(self):
         self.stays_as_it_was(100_000)
