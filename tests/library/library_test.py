@@ -5,6 +5,7 @@ WINE_MACHINES. Compilers other than the usual one are named by CMake's own varia
 """
 
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -153,6 +154,19 @@ class Taken(Case, unittest.TestCase):
         self.build(build)
         self.assert_talks(build)
         self.refuse_what_is_not_there(prefix)
+
+    def test_as_the_page_says(self):
+        """The blocks of docs/sockets.md in a folder of their own, and its commands."""
+        page = (PROJECT / "docs" / "sockets.md").read_text()
+        for name, code in re.findall(r"```cpp (\S+)\n(.*?)```", page, re.DOTALL):
+            (self.folder / name).write_text(code)
+        commands = next(block for block in re.findall(r"```sh\n(.*?)```", page, re.DOTALL)
+                        if "$zev" in block)
+        # As few as possible are compiled one by one.
+        commands = commands.replace("cmake -S", "cmake -DCMAKE_UNITY_BUILD=ON -S")
+        output = self.do("bash", "-ec", f"cd {self.folder}; zev={PROJECT}; {commands}")
+        self.assertIn("You said: Hello\n", output)
+        self.assertIn((self.folder / "frame.h").read_text(), output)
 
     def refuse_what_is_not_there(self, prefix):
         for setting, sentence in (
