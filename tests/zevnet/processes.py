@@ -33,7 +33,7 @@ class Running:
 
     def _read_errors(self):
         for line in self.process.stderr:
-            self._queue.put(line.decode(errors="replace").rstrip("\n"))
+            self._queue.put(line.decode(errors="replace").rstrip("\r\n"))
         self._queue.put(None)
 
     def line(self, pattern):
