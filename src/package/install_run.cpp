@@ -8,7 +8,7 @@
 #include "package/shorten_path.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
-#include "system/avi_registry.h"
+#include "system/avi_keys.h"
 #include "system/file_type.h"
 #include "system/register_users.h"
 #include "system/special_folders.h"
