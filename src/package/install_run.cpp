@@ -9,7 +9,7 @@
 #include "package/shorten_path.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
-#include "system/avi_registry.h"
+#include "system/avi_keys.h"
 #include "system/file_type.h"
 #include "system/register_users.h"
 #include "system/special_folders.h"
@@ -22,7 +22,6 @@ namespace {
 
 constexpr TextView runPhrase =
     u"Copying files into temporary folder and expanding into install directory...";
-constexpr std::int32_t lastTick = 60;
 constexpr std::size_t systemDirectorySize = 255;
 
 /// Diagnostic steps, printed by the trap. Members have theirs in the manifest; the user's folders,
@@ -51,12 +50,12 @@ constexpr std::int32_t registerUsers = 175;
 constexpr std::int32_t finish = 176;
 }  // namespace step
 
-/// Ticks behind those of the members.
+/// Ticks behind those of the slots, of which the first is 0; the display is full at the last one.
 namespace tick {
-constexpr std::int32_t status = 57;
-constexpr std::int32_t behindVideoCodecs = 58;
-constexpr std::int32_t otherUsers = 59;
-constexpr std::int32_t finish = 60;
+constexpr std::int32_t status = std::int32_t{manifestSlots};
+constexpr std::int32_t behindVideoCodecs = status + 1;
+constexpr std::int32_t otherUsers = behindVideoCodecs + 1;
+constexpr std::int32_t finish = otherUsers + 1;
 }  // namespace tick
 
 /// Rows of the manifest in front of which something is worked out.
@@ -395,7 +394,7 @@ void InstallRun::finish() {
 // ---- the screen
 
 void InstallRun::showTick(std::int32_t tick) {
-  ShowProgress(toLong(static_cast<double>(tick) / lastTick * 100));
+  ShowProgress(toLong(static_cast<double>(tick) / tick::finish * 100));
 }
 
 void InstallRun::ShowProgress(std::int32_t percent) {

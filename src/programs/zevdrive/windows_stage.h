@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "programs/zevdrive/machine_hand.h"
-#include "programs/zevdrive/message_box.h"
 #include "programs/zevdrive/running_program.h"
+#include "programs/zevdrive/shown_box.h"
 #include "programs/zevdrive/window_hand.h"
 #include "programs/zevdrive/windows_witness.h"
 #include "scenario/play.h"

@@ -1,4 +1,4 @@
-#include "programs/zevdrive/message_box.h"
+#include "programs/zevdrive/shown_box.h"
 
 #include <algorithm>
 

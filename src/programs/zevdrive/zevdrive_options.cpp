@@ -1,4 +1,4 @@
-#include "programs/zevdrive/drive_options.h"
+#include "programs/zevdrive/zevdrive_options.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,4 +1,4 @@
-#include "system/avi_registry.h"
+#include "system/avi_keys.h"
 
 #include <gtest/gtest.h>
 
