@@ -11,7 +11,7 @@
 namespace zev {
 
 /// Lays the product's settings into every other profile of a machine of `profileClass`. A profile
-/// that cannot be written to is passed over without a word; none stops the walk.
+/// that cannot be written to is passed over without a box; none stops the walk.
 class UserRegistration {
  public:
   /// Borrows all of them. The report gets the status line of each profile.

@@ -20,7 +20,7 @@ DWORD extendedStyleOf(const Form& form) {
 /// Each form has a class of its own, so that it can be found from outside.
 Text classOf(const Form& form) { return join(u"ZEV.", form.name()); }
 
-/// A label that others lie upon goes under them.
+/// A label with other controls on it lies below them.
 bool liesUnderOthers(const Form& form, const Control& control) {
   if (control.kind() != ControlKind::Label || control.design().bar) return false;
   const RECT own = pixelPlace(control, usualDpi);

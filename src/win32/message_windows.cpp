@@ -38,7 +38,7 @@ struct Win32MessageWindows::Window {
   std::function<bool(const WindowMessage&)> drops;
 };
 
-/// Where the system enters. What is behind it lets no exception out.
+/// Where the system enters. Nothing that it calls throws.
 struct Win32MessageWindows::Entries {
   static Window* recordOf(HWND window) {
     return static_cast<Window*>(::GetPropA(window, recordProperty));

@@ -50,7 +50,7 @@ bool Wizard::cancelConfirmed() {
                                   Translate(u"Screen Recorder")) != BoxAnswer::No;
 }
 
-/// A folder that still holds something stays behind without a word.
+/// A folder that is not empty stays, without a box.
 void Wizard::RemoveTempFiles() {
   ignoringErrors([&] { showStatus(u"Temporary files are being deleted..."); });
   const Text folder = join(globals_.gTempDir.trimmed(), u"\\ZEVTMP");
