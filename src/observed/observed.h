@@ -29,8 +29,8 @@ Text shownAddress(const SocketAddress& address);
 ///           fault, Ignore   success, though nothing was done: `done`
 ///         Listener::called               name, arguments, outcome
 ///
-/// An operation's line has its name, the member that carries it out, and its arguments; the helper
-/// it calls says what a failure looks like:
+/// An operation's line has its name, the member that carries it out, and its arguments; the
+/// function it calls says what a failure looks like:
 ///
 ///     withCode       the error number itself is returned
 ///     withNothing    0, null, false or an empty text is returned

@@ -18,8 +18,8 @@ void WindowsEngine::loaded(Form& form) {
   windows_[&form]->showProperty(form.Icon);
 }
 
-/// The form that was on top becomes the owner of the window, so that Windows keeps this one above
-/// it.
+/// When the window is first shown, the form then on top becomes its owner: Windows keeps it above
+/// its owner.
 void WindowsEngine::shown(Form& form) {
   HWND owner = visible_.empty() ? nullptr : windows_.at(visible_.back())->handle();
   std::erase(visible_, &form);

@@ -136,8 +136,8 @@ void FormWindow::centre() {
 
 // ---- showing
 
-/// The owner that it is first shown with stays: the one who is shown again by a form must not
-/// belong to that form and go with it.
+/// A window keeps the owner that it is first shown with. If a later form that shows it again became
+/// its owner, it would be destroyed with that form.
 void FormWindow::show(HWND owner) {
   if (!everShown_ && owner != nullptr && owner != window_) {
     SetWindowLongPtrW(window_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
