@@ -6,16 +6,30 @@
 #include "system/attributes.h"
 #include "system/product_settings.h"
 
+// The check of the install directory, in the order in which the person hears of it:
+//
+//   the entry            empty, forbidden characters; up to three characters stand for the
+//                        product's folder on a drive
+//   the drive            one that cannot be installed to is refused
+//   the installed one    asks before a second installation beside it
+//   the directory        made with its missing parents
+//   earlier versions     their folders are kept free
+//
+// `gInstallDir` is entry and result at once: the steps complete, shorten and replace it. As a text
+// of fixed length it is always read through destination(), which trims it.
+
 namespace zev {
 namespace {
 
+/// An entry of fewer characters is completed, not taken as a path.
 constexpr std::size_t shortestPath = 4;
 constexpr TextView forbiddenCharacters = u"*?<>\"|/";
 
 constexpr TextView productTitle = u"ZEV Screen Recorder";
 constexpr TextView shortTitle = u"ZEV";
 
-/// The directory could not be made.
+/// Thrown where MkDir refuses, to tell that from other run-time errors: the two have boxes of their
+/// own.
 struct FolderNotMade {};
 
 /// The 1-based place of the last backslash at or before a place; 0 if there is none.
@@ -45,7 +59,8 @@ bool DestinationCheck::entryGiven() {
   return false;
 }
 
-/// The message names other characters than the check.
+/// The message does not name quite the characters that are checked: it has ":", and leaves out ">"
+/// and the double quote.
 bool DestinationCheck::charactersAllowed() {
   const Text entry = destination();
   if (entry.find_first_of(forbiddenCharacters) == Text::npos) return true;
@@ -56,7 +71,7 @@ bool DestinationCheck::charactersAllowed() {
   return false;
 }
 
-/// Up to three characters stand for the product's folder on the drive of the first one.
+/// "D", "D:" and "D:\" become the product's folder on that drive. Only the first character counts.
 void DestinationCheck::completeShortEntry() {
   const Text entry = destination();
   if (entry.size() < shortestPath)
@@ -72,6 +87,8 @@ bool DestinationCheck::driveSuits() {
 
 // ---- the installed version
 
+/// `gInstalledDir` keeps what it held where the keys could be read but the product's is not among
+/// them.
 void DestinationCheck::readInstalledDirectory() {
   if (globals_.gOSClass == profileClass) {
     globals_.gInstalledDir = folderExists(globals_.gUserData) ? directoryOnRecord() : Text();
@@ -86,7 +103,8 @@ Text DestinationCheck::directoryOnRecord() {
   return registry_.GetRegString(HKEY_LOCAL_MACHINE, settingsKey, setting::Dizin, u"", normalChoice);
 }
 
-/// A mere difference of case counts as another directory.
+/// False if the person decides for the installed directory, which then replaces the entry. Paths
+/// are compared as they are written: "c:\zev" is another directory than "C:\ZEV".
 bool DestinationCheck::otherDirectoryWanted() {
   const Text installed(trim(globals_.gInstalledDir));
   if (!folderExists(installed) || installed == destination()) return true;
@@ -106,7 +124,7 @@ bool DestinationCheck::otherDirectoryWanted() {
 
 // ---- the directory
 
-/// `gInstallDir` stays as it stands at the moment of a failure.
+/// After a failure `gInstallDir` keeps the part of the path that the climb had come to.
 bool DestinationCheck::makeDirectory() {
   fullPath_ = destination();
   try {
@@ -126,9 +144,10 @@ bool DestinationCheck::makeDirectory() {
   }
 }
 
-/// Goes up from the leaf to the first folder that exists, makes the one below it, and begins anew
-/// with the whole path, until that exists. A path that has nothing to climb to ends as the root of
-/// the system's drive.
+/// Makes the missing parents, one each time round: goes up from the end of the path to the first
+/// folder that exists, makes the one below it, and begins anew with the whole path until that
+/// exists. `gInstallDir` is the folder that would be made next. A path without a backslash left to
+/// go up by becomes the root of the system's drive.
 void DestinationCheck::climb() {
   Text path = fullPath_;
   std::size_t place = path.size();
@@ -152,6 +171,7 @@ void DestinationCheck::climb() {
   }
 }
 
+/// The product's usual folder is made once more, level by level, before the check gives up.
 bool DestinationCheck::directoryStands() {
   if (!destinationExists()) makeDestination();
   if (destinationExists()) return true;
@@ -171,7 +191,7 @@ void DestinationCheck::repairDefaultFolder() {
   }
 }
 
-/// A refusal is told with the words of its own.
+/// Makes the folder that `gInstallDir` names; throws FolderNotMade if that is refused.
 void DestinationCheck::makeDestination() {
   if (!ignoringErrors([&] { platform_.files.MkDir(destination()); })) throw FolderNotMade{};
 }

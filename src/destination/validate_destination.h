@@ -23,9 +23,9 @@ class DestinationCheck {
 
   /// Completes a short entry, refuses what cannot be a directory and unsuitable drives, asks about
   /// an installation elsewhere, makes the directory with its missing parents, and keeps out of the
-  /// folders of earlier versions. `ok` becomes -1 if the directory may be used, 0 behind the box
-  /// that says why not. Folders that were made stay in either case. Run-time errors before the
-  /// directory is made reach the caller.
+  /// folders of earlier versions. `ok` becomes -1 if the directory may be used; 0 if not, after a
+  /// box that says why. Folders that were made stay in either case. Run-time errors of the steps
+  /// before the directory is made reach the caller.
   void ValidateDestination(std::int16_t& ok);
 
  private:

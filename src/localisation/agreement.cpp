@@ -370,7 +370,7 @@ constexpr std::size_t lengthOf(std::span<const TextView> paragraphs) {
   return paragraphs.empty() ? 0 : units - lineEnd.size();
 }
 
-// The wording is settled: a slip of the keyboard in it does not compile.
+// The wording is fixed: a change of its length does not compile.
 static_assert(lengthOf(English) == 3982);
 static_assert(lengthOf(Turkish) == 3876);
 static_assert(lengthOf(German) == 4141);

@@ -11,7 +11,7 @@ namespace {
 
 using Kind = ControlKind;
 
-/// What of a kind of control is translated.
+/// Which properties of a kind of control are translated.
 struct KindRule {
   ControlKind kind;
   std::array<std::string_view, 2> properties;  ///< in order; an empty name is none
@@ -62,7 +62,7 @@ void localiseControl(Control& control, Phrases& phrases) {
   }
 }
 
-/// What of the wizard's form goes back to English, and the row that holds it.
+/// A text of the wizard's form that goes back to English, and the row that holds it.
 struct EnglishText {
   TextView control;  ///< empty: the form itself
   std::string_view property;

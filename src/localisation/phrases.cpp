@@ -47,7 +47,7 @@ Text Phrases::Translate(TextView phrase) {
   }
 }
 
-/// Sees to it that the table is built, and tells whether it may answer. A table that has rows but
+/// Builds the table if need be, and tells whether it may answer. A table that has rows but
 /// no translations is built and answers. One that has no rows yet is built and leaves this phrase
 /// untranslated: only a table whose two arrays differ would answer then, and they never do.
 bool Phrases::tableAnswers() {

@@ -8,6 +8,17 @@
 #include "lz/match_token.h"
 #include "lz/output_window.h"
 
+// Expands LZSS data in two ways that give the same bytes:
+//
+//   - expandFast() takes whole groups (a flag byte with its eight tokens) without looking at bounds
+//     between them. It only runs as long as the largest possible group surely fits.
+//   - expandGroup() takes one group byte by byte and looks at every bound. It is for what remains:
+//     the last groups of a buffer, the end of the length, the end of the data.
+//
+// Each pass of run() expands what it can the fast way and then, if there is room, one group the
+// careful way, so that it cannot stand still. Both write straight into the OutputWindow, whose last
+// 4096 bytes are the ring that matches copy from.
+
 namespace zev::lz {
 namespace {
 
@@ -27,7 +38,7 @@ class Decoder {
   }
 
  private:
-  // The groups that surely fit into what is left of input, room and length.
+  // All groups that surely fit into what is left of the input at hand, of room and of length.
   void expandFast() {
     const std::size_t room = upToLeft(window_.room());
     const GroupProgress done = expandGroups(input_.rest(), window_.data(), room, window_.at());
@@ -56,6 +67,8 @@ class Decoder {
     return DecodeResult::complete;
   }
 
+  // Copies byte by byte, since a match may begin among the bytes that it writes itself: so a short
+  // stretch repeats.
   DecodeResult expandMatch() {
     const int low = input_.next();
     if (low < 0) return lackOf(low);

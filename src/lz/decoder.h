@@ -13,9 +13,9 @@ enum class DecodeResult {
   sinkFailed,    ///< a write failed
 };
 
-/// Expands LZSS data from `source` into exactly `length` bytes for `sink`. Data behind them plays
-/// no part, whatever it is: the source is asked for more only as long as bytes are missing. Unless
-/// the sink failed, it has had all the bytes that the data before the end or failure gives. Works
+/// Expands LZSS data from `source` into exactly `length` bytes for `sink`. Data after them
+/// is ignored: the source is asked for more only as long as bytes are missing. Unless
+/// the sink fails, it gets all bytes that come of the data before the end or failure. Works
 /// in less than 100 KiB of memory whatever the length; throws std::bad_alloc if it lacks that.
 DecodeResult decode(ByteSource& source, ByteSink& sink, std::uint64_t length);
 

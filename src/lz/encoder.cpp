@@ -7,17 +7,28 @@
 #include "lz/lzss_format.h"
 #include "lz/match_finder.h"
 
+// Packs bytes for LZSS in three steps, block by block:
+//
+//   1. MatchFinder gives each position its longest match, nearest first.
+//   2. chooseCheapest() goes through the block from its end and decides at each position whether a
+//      literal or a match, and of which length, makes the rest of the block shortest.
+//   3. TokenWriter goes through it from its start and writes what was chosen.
+//
+// Step 2 makes the result optimal for the matches found; taking the longest match wherever there is
+// one often comes out longer.
+
 namespace zev::lz {
 namespace {
 
-// The parse is optimal within a block; matches end with their block. It bounds the working memory.
+// Blocks bound the working memory. Matches end with their block, but reach back over its start.
 constexpr std::size_t kBlockSize = std::size_t{1} << 18;
 
-// In bits, the token's flag included.
+// Costs in bits: the flag, and the one byte or two behind it.
 constexpr std::uint32_t kLiteralCost = 9;
 constexpr std::uint32_t kMatchCost = 17;
 
-// Collects tokens behind their flag bytes.
+// Appends tokens to the output. A flag byte stands before the eight tokens that it describes, so it
+// is written as 0 with the first of them and gets its bits as they come.
 class TokenWriter {
  public:
   explicit TokenWriter(std::vector<std::uint8_t>& out) : out_(out) {}
@@ -37,7 +48,7 @@ class TokenWriter {
   }
 
  private:
-  // The bit of the next token, in a new flag byte after every eight.
+  // The bit of the next token; begins a new flag byte after every eight.
   std::uint8_t nextFlag() {
     if (tokens_ % kTokensPerFlagByte == 0) {
       flagsAt_ = out_.size();
@@ -51,9 +62,10 @@ class TokenWriter {
   std::size_t tokens_ = 0;
 };
 
-// From the last position back: shortens each match to the length after which the rest of the block
-// costs least, or drops it (length 0) for a literal. Every distance costs the same, so the longest
-// match of a position stands for all of its shorter ones.
+// Goes through a block from its last position to its first: shortens each match to the length after
+// which the rest of the block costs least, or drops it (length 0) for a literal. Every distance
+// costs the same, so the longest match of a position serves for all shorter ones too. Equal costs
+// keep the literal, or the longer match.
 void chooseCheapest(std::span<Match> matches) {
   constexpr std::size_t kCosts = 32;  // a power of two past the longest match
   static_assert(kCosts > kLongestMatch);

@@ -50,8 +50,8 @@ std::int32_t copyPlain(std::span<const std::uint8_t> front, ByteSource& source, 
   return static_cast<std::int32_t>(total);
 }
 
-// A length that no result can tell is found out by getting there: such a header is most often a
-// damaged one, and then the data's early end says more than the number does.
+// A length beyond what a result can report fails only when the data gets there: such a header is
+// most often damaged, and then the early end of the data is the better reason to report.
 std::int32_t decodeLength(std::uint32_t length, ByteSource& source, ByteSink& sink) {
   switch (decode(source, sink, std::min(length, kMostBytes))) {
     case DecodeResult::complete:

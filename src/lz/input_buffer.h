@@ -21,8 +21,8 @@ class InputBuffer {
   /// The next byte, or kEnd or kFailed.
   int next() { return begin_ != end_ ? bytes_[begin_++] : refill(); }
 
-  /// The bytes read and not yet used, with kInputSlack meaningless ones behind; and how many of
-  /// them were used since.
+  /// The bytes read and not yet used; kInputSlack meaningless ones follow, which may be loaded.
+  /// `skip` counts bytes of it as used.
   std::span<const std::uint8_t> rest() const { return {bytes_.get() + begin_, end_ - begin_}; }
   void skip(std::size_t count) { begin_ += count; }
 

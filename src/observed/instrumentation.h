@@ -15,7 +15,8 @@
 
 namespace zev::observed {
 
-/// One argument of a call. A `Text` is one that was made for whoever hears of the call.
+/// One argument of a call as it is reported. A TextView is borrowed from the caller; a Text was
+/// made for the report.
 using Argument = std::variant<std::int64_t, bool, TextView, Text>;
 using Arguments = std::span<const Argument>;
 
@@ -31,16 +32,16 @@ struct Raised {
   std::int32_t number;
 };
 
-/// What came of a call; nothing for one without a result, or with one that nobody can read.
+/// What a call returned; monostate for none, and for one that has no readable form.
 using Outcome = std::variant<std::monostate, std::int64_t, std::uint64_t, bool, TextView, Raised>;
 
-/// Hears of calls as they end, the innermost first.
+/// Is told of each call when it ends; of nested calls the inner one ends first.
 class Listener {
  public:
   virtual ~Listener() = default;
-  /// Whether it wants to hear of them now. A call that nobody hears of is not described.
+  /// Whether it wants to be told now. If not, called() is left out.
   virtual bool listens() const = 0;
-  /// What it is given is gone behind the call.
+  /// All that it is given is valid only until it returns.
   virtual void called(const Operation& operation, Arguments arguments, const Outcome& outcome) = 0;
 };
 
@@ -50,7 +51,8 @@ class Listener {
 bool isRuntimeError(std::int32_t code);
 
 /// Counts the calls of the platform's operations, tells a listener of them, and makes those fail
-/// that a fault strikes. One for all services of a machine.
+/// that a fault strikes. One object serves all services of a machine, so that a fault counts the
+/// calls of an operation wherever they come from.
 class Instrumentation {
  public:
   /// Borrows the listener.
@@ -68,8 +70,9 @@ class Instrumentation {
   /// Every count starts anew; the faults count on.
   void forgetCalls();
 
-  /// Carries out one call: `forward` does it, `fail` gives the failure with a number in the call's
-  /// own shape, `ignore` the success without the deed. All three return the call's result type.
+  /// Carries out one call: `forward` does it, `fail` turns an error number into a failure in the
+  /// call's own shape, `ignore` gives success without doing it. All three return the same type. A
+  /// run-time error is reported as the outcome and goes on.
   template <typename Forward, typename Fail, typename Ignore>
   auto perform(const Operation& operation, Arguments arguments, Forward forward, Fail fail,
                Ignore ignore) -> decltype(forward()) {
@@ -118,7 +121,8 @@ class Instrumentation {
     }
   }
 
-  /// Counts the call. The fault that strikes it, null if none does; one that raises does so here.
+  /// Counts the call and gives the fault that strikes it, null if none does. A fault that raises is
+  /// raised here. Every fault that matches counts the call, though only the first one strikes.
   const Fault* begin(const Operation& operation, Arguments arguments);
   /// Throws std::logic_error for a name that the list of operations lacks.
   void count(std::string_view name);

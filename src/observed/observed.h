@@ -15,10 +15,30 @@ namespace zev::observed {
 /// An address as a call tells it: "10.0.0.5:80".
 Text shownAddress(const SocketAddress& address);
 
-/// A service under observation: each call is counted, told with its arguments, and fails in its own
-/// shape if a fault strikes it. An operation is a line: its name, the member that carries it out,
-/// its arguments, and by the name of the helper the shape of its failure. Borrows the service and
-/// the instrumentation.
+/// A service under observation: each call is counted, reported with its arguments, and made to fail
+/// if a fault strikes it. Borrows the service and the instrumentation; both outlive it.
+///
+/// A call on its way:
+///
+///     the program
+///       operation of Observed<Service>   one line each, in files.h, registry.h and the others
+///         Instrumentation::perform       counts, and looks for a fault that strikes
+///           no fault        the service itself: `forward`
+///           fault, Error    a failure in the operation's own shape: `fail`
+///           fault, Raise    a RuntimeError
+///           fault, Ignore   success, though nothing was done: `done`
+///         Listener::called               name, arguments, outcome
+///
+/// An operation's line has its name, the member that carries it out, and its arguments; the
+/// function it calls says what a failure looks like:
+///
+///     withCode       the error number itself is returned
+///     withNothing    0, null, false or an empty text is returned
+///     pass           `fail` and `done` are given
+///     call           the deed is given too, for one that is more than a member
+///
+/// A new operation needs its line here and its name in operationNames(): a name that is missing
+/// there throws std::logic_error at the first call.
 template <typename Watched>
 class Observed : public Watched {
  public:
@@ -27,8 +47,8 @@ class Observed : public Watched {
  protected:
   using Service = Watched;
 
-  /// A call whose deed and arguments are given by themselves. `fail` makes the failure out of the
-  /// injected number; `done` is success without the deed.
+  /// A call that is carried out by `forward`. `fail` makes the failure from the injected number,
+  /// `done` gives success without doing anything. `shown` are the arguments as reported.
   template <typename Forward, typename Fail, typename Done, typename... Shown>
   auto call(const Operation& operation, Forward forward, Fail fail, Done done,
             const Shown&... shown) -> decltype(forward()) {
@@ -36,8 +56,8 @@ class Observed : public Watched {
     return watch_.perform(operation, arguments, forward, fail, done);
   }
 
-  /// A call as it stands. Told are what it is given as numbers, flags, texts and addresses, and of
-  /// bytes how many; pointers and what it gives back are not.
+  /// A call of one member. Reported are its numbers, flags, texts and addresses, and of bytes how
+  /// many there are; pointers and what the call fills in are not.
   template <typename Result, typename... Parameters, typename Fail, typename Done,
             typename... Given>
   Result pass(const Operation& operation, Result (Service::*forward)(Parameters...), Fail fail,
@@ -65,7 +85,8 @@ class Observed : public Watched {
     return pass(operation, forward, giveNothing<Result>, giveDone<Result>, given...);
   }
 
-  /// Both for a call that has namesakes, or tells something else: what it tells stands behind it.
+  /// The same two for an overloaded member, or one that reports other arguments than it is given:
+  /// `shown` are those.
   template <std::invocable Forward, typename... Shown>
   auto withCode(const Operation& operation, Forward forward, const Shown&... shown) {
     using Result = decltype(forward());
@@ -85,7 +106,7 @@ class Observed : public Watched {
   static Result giveNothing(std::int32_t) {
     return Result();
   }
-  /// Success without the deed: true, or nothing.
+  /// Success though nothing was done: true, or what the type holds by default.
   template <typename Result>
   static Result giveDone() {
     if constexpr (std::is_same_v<Result, bool>) return true;

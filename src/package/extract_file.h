@@ -9,7 +9,7 @@ namespace zev {
 
 /// Copies one member out of the package: `size` bytes that end `tailOffset` bytes before the end of
 /// the package in the file `source` (packageEnd), with one read and one write, to the new file
-/// `destination`. Both paths are trimmed. False behind the box of a failure; the file may then be
+/// `destination`. Both paths are trimmed. False after the box of a failure; the file may then be
 /// there, empty or partial. The work file is held in `program.workFile`, and is refused there if it
 /// is not what was written.
 bool ExtractFile(Program& program, Phrases& phrases, TextView source, TextView destination,

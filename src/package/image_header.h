@@ -25,7 +25,7 @@ struct ImageHeader {
 };
 
 /// The header of the image that a file begins with; none if it begins with something else. The
-/// numbers are the header's own: nothing vouches for them.
+/// numbers are the header's own and may be wrong.
 std::optional<ImageHeader> readImageHeader(const ReadAt& read);
 
 }  // namespace zev

@@ -17,6 +17,22 @@
 #include "system/uninstall_entry.h"
 #include "system/user_folders.h"
 
+// The install itself. What to know before reading:
+//
+// - RunInstall() is one pass through its phases, and nothing is ever undone. A member that fails
+//   gets its box and the run goes on. After openPackage() only two things stop it: a failure of the
+//   main program's file (giveUp) and a run-time error that no phase expects (trap).
+// - `RunStep_` is the number of the statement being carried out. It is only for the trap's box, and
+//   is set in front of what may fail.
+// - Ticks move the progress bar: one before each member, from its row of the manifest, and four
+//   behind them.
+// - A member is found from the end of the package. The first one lies last in the file, so
+//   `TailOffset_` grows by the size of each row, also of those that are not laid.
+// - A member goes two ways: it is copied out, still compressed, into the temporary folder, and
+//   expanded from there to its target.
+// - Forms are written directly and refreshed at once, since no events run between two statements;
+//   those run in DoEvents, which is also where Cancel ends the run.
+
 namespace zev {
 namespace {
 
@@ -50,7 +66,7 @@ constexpr std::int32_t registerUsers = 175;
 constexpr std::int32_t finish = 176;
 }  // namespace step
 
-/// Ticks behind those of the slots, of which the first is 0; the display is full at the last one.
+/// Ticks that follow those of the slots, of which the first is 0. The bar is full at the last one.
 namespace tick {
 constexpr std::int32_t status = std::int32_t{manifestSlots};
 constexpr std::int32_t behindVideoCodecs = status + 1;
@@ -58,7 +74,7 @@ constexpr std::int32_t otherUsers = behindVideoCodecs + 1;
 constexpr std::int32_t finish = otherUsers + 1;
 }  // namespace tick
 
-/// Rows of the manifest in front of which something is worked out.
+/// Rows of the manifest that prepare() does something before.
 constexpr std::int32_t firstSystemRow = 27;
 constexpr std::int32_t rowBehindProject = 30;
 
@@ -96,6 +112,7 @@ void InstallRun::RunInstall() {
   }
 }
 
+/// The box is English in every language. The form comes back with the button that goes on disabled.
 void InstallRun::trap(const RuntimeError& error) {
   platform_.dialogs.MsgBox(join(u"Error occured during installing. Error No.", decimal(RunStep_),
                                 u"-", decimal(error.number()), u": ", error.description()),
@@ -129,8 +146,8 @@ bool InstallRun::openPackage() {
   return true;
 }
 
-/// The length without what signing put behind the package. A file that cannot be opened is told by
-/// its members, one by one.
+/// The length without what signing has put behind the package. If that cannot be worked out the
+/// whole length is taken: should the file not open, each member will say so.
 std::int32_t InstallRun::packageLength() {
   std::int32_t length = platform_.files.FileLen(PackagePath_);
   ignoringErrors([&] { length = packageEnd(platform_.files, PackagePath_, length); });
@@ -191,7 +208,7 @@ bool InstallRun::wanted(const ManifestRow& row) {
   }
 }
 
-/// Finds the folder of the projects and makes it; any error leaves the project out without a word.
+/// Finds the folder of the projects and makes it. Any error leaves the project out, without a box.
 bool InstallRun::readyProjectsFolder() {
   return ignoringErrors([&] {
     RunStep_ = step::projectsFolder;
@@ -209,6 +226,8 @@ bool InstallRun::redistributableWanted() const {
   return globals.gVersionNT62 == 0 || (globals.gVersionNT62 == 1 && globals.gOptRedist == 1);
 }
 
+/// A failed extraction does not keep the expansion from being tried: as a rule it fails as well,
+/// with a box of its own.
 void InstallRun::layMember(const ManifestRow& row) {
   const Text workFile = join(TempFolder_, u"\\", row.packedName);
   showFile(row.packedName);
@@ -262,7 +281,7 @@ Text InstallRun::targetFolder(Target target) const {
   }
 }
 
-/// Without its main program there is nothing to install: the program ends on the spot.
+/// Without the main program there is nothing to install, so the program ends on the spot.
 void InstallRun::giveUp() {
   form_.RemoveTempFiles();
   Application::End();

@@ -27,15 +27,15 @@ class Kernel {
   /// elsewhere they are plain memory.
   virtual std::uint8_t* VirtualAlloc(std::size_t size, std::uint32_t type,
                                      std::uint32_t protection) = 0;
-  /// Keeps pages in memory. False if the system refuses; they serve all the same.
+  /// Keeps pages in memory. False if the system refuses, which does no harm.
   virtual bool VirtualLock(std::uint8_t* address, std::size_t size) = 0;
   /// Gives back what VirtualAlloc gave. With `releasePages` the size has to be 0.
   virtual bool VirtualFree(std::uint8_t* address, std::size_t size, std::uint32_t type) = 0;
 
   /// A block of `size` bytes; 0 on failure. A block that nobody frees lives as long as the process.
   virtual GlobalHandle GlobalAlloc(std::uint32_t flags, std::size_t size) = 0;
-  /// The block's address; null on failure. It stays valid until the block is freed, behind
-  /// GlobalUnlock as well, for a block of flags 0.
+  /// The block's address; null on failure. For a block of flags 0 it stays valid until
+  /// the block is freed, also after GlobalUnlock.
   virtual void* GlobalLock(GlobalHandle block) = 0;
   virtual bool GlobalUnlock(GlobalHandle block) = 0;
   /// 0 on success, and for the block 0, which does nothing; else the block.

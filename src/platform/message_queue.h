@@ -37,7 +37,7 @@ class MessageQueue : public MessageWindows {
   std::size_t openWindows() const { return windows_.size(); }
 
  protected:
-  /// Enters a procedure that nobody stands in for. Here such an address leads nowhere: 0.
+  /// Enters a procedure that no routine replaces. Here such an address leads nowhere: 0.
   virtual std::intptr_t enterCode(std::uintptr_t procedure, const WindowMessage& message);
 
  private:

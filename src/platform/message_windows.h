@@ -18,16 +18,16 @@ struct WindowMessage {
   std::intptr_t lParam = 0;
 };
 
-/// What stands in for a procedure in machine code that this process cannot enter.
+/// Takes the place of a window procedure whose machine code this process cannot enter.
 class MessageRoutine {
  public:
   virtual ~MessageRoutine() = default;
-  /// The result of the message. Lets no exception out.
+  /// The result of the message. Must not throw.
   virtual std::intptr_t enter(const WindowMessage& message) = 0;
 };
 
-/// Hidden windows of the program whose messages somebody takes at their procedure. All calls and
-/// all messages are on the one thread that dispatches.
+/// Hidden windows of the program, whose procedures can be replaced to get at their messages. All
+/// calls and all messages are on the one thread that dispatches.
 class MessageWindows {
  public:
   virtual ~MessageWindows() = default;
@@ -41,21 +41,21 @@ class MessageWindows {
 
   /// The procedure of a window (windowProcedureIndex, the only index that is served); 0 on failure.
   virtual std::uintptr_t GetWindowLongA(WindowHandle window, std::int32_t index) = 0;
-  /// Gives the window another procedure. The one that it had before; 0 on failure. The procedure 0
-  /// is none: such a window does what the system does by default.
+  /// Gives the window another procedure and returns the one that it had; 0 on failure. With the
+  /// procedure 0 a window does what the system does by default.
   virtual std::uintptr_t SetWindowLongA(WindowHandle window, std::int32_t index,
                                         std::uintptr_t procedure) = 0;
   /// Enters a procedure with a message.
   virtual std::intptr_t CallWindowProcA(std::uintptr_t procedure, const WindowMessage& message) = 0;
 
   /// Whether procedures are entered as 32-bit x86 code (stdcall). If not, an address of such code
-  /// needs a routine that stands in.
+  /// needs a routine in its place (`standIn`).
   virtual bool entersMachineCode() const = 0;
   /// From now on `routine`, borrowed, is entered where the procedure `address` would be; null ends
   /// that.
   virtual void standIn(std::uintptr_t address, MessageRoutine* routine) = 0;
-  /// Posted messages of the window for which `drops` holds vanish before they are dispatched, until
-  /// the window is gone. An empty function ends that.
+  /// Messages posted to the window are dropped before dispatch if `drops` says so, until the window
+  /// is gone. An empty function ends that.
   virtual void dropBeforeDispatch(WindowHandle window,
                                   std::function<bool(const WindowMessage&)> drops) = 0;
 };

@@ -127,7 +127,7 @@ class Sockets {
   /// address is such an error (11001).
   virtual std::int32_t WSAAsyncGetHostByName(WindowHandle window, std::uint32_t message,
                                              TextView name, void* buffer, std::int32_t length) = 0;
-  /// Ends a look-up without a message; 10022 for a handle that is none.
+  /// Ends a look-up without a message; 10022 for a handle that no look-up has.
   virtual std::int32_t WSACancelAsyncRequest(std::int32_t lookUp) = 0;
 
   virtual std::int32_t socket(std::int32_t family, std::int32_t type, std::int32_t protocol) = 0;

@@ -10,7 +10,7 @@
 namespace zev::posix {
 namespace {
 
-/// More than the system that has such blocks could ever give.
+/// Larger than any block that the system of these calls, a 32-bit one, could give.
 constexpr std::size_t tooLargeABlock = 0x80000000;
 
 }  // namespace

@@ -116,7 +116,7 @@ void LookUps::work(const std::shared_ptr<Shared>& shared) {
   shared->leave();
 }
 
-/// Sees to it that somebody will take one more job. False if there is no thread at all.
+/// Makes sure that a thread will take one more job. False if there is no thread at all.
 bool LookUps::provideThread() {
   std::unique_lock lock(shared_->mutex);
   const bool enough = shared_->idle > shared_->jobs.size() || threads_.size() == mostThreads;

@@ -19,7 +19,7 @@ enum class Watch { reading, writing };
 class Machine {
  public:
   struct Settings {
-    /// One byte for each character, so that texts can carry any bytes.
+    /// By default one byte a character, so that texts can carry any bytes.
     std::uint32_t codePage = 1252;
     /// Answers names; called on several threads.
     LookUps::Resolver resolver = lookUp;

@@ -12,17 +12,20 @@
 namespace zev::posix {
 namespace {
 
+/// What the poller is asked for: edges, of everything that an event can come of.
 constexpr std::uint32_t changes = EPOLLIN | EPOLLOUT | EPOLLPRI | EPOLLRDHUP | EPOLLET;
+/// What a second look asks for. Room to send is left out: the poller reports that by itself.
 constexpr short looks = POLLIN | POLLPRI | POLLRDHUP;
 static_assert(EPOLLIN == POLLIN && EPOLLPRI == POLLPRI && EPOLLOUT == POLLOUT &&
               EPOLLERR == POLLERR && EPOLLHUP == POLLHUP && EPOLLRDHUP == POLLRDHUP);
 
+/// A notification's lParam: the event in the low word, its error number in the high one.
 constexpr int errorShift = 16;
 
-/// How long a listener rests for which the system has no room, if nothing is closed meanwhile.
+/// How long a listener rests before the next try, if no socket is closed meanwhile.
 constexpr std::chrono::milliseconds restTime(250);
 
-/// Takes the error that the system keeps for a socket; 0 if it keeps none.
+/// The error that the system keeps for a socket, which forgets it by that; 0 if there is none.
 int takeError(const OpenSocket& socket) {
   int error = 0;
   socklen_t size = sizeof error;
@@ -39,13 +42,13 @@ Token tokenOf(const OpenSocket& socket) {
   return {Subject::socket, static_cast<std::uint32_t>(socket.handle)};
 }
 
-/// Whether the system has room for one more socket.
+/// Whether one more socket can be opened. Only trying shows it.
 bool hasRoom() {
   const Descriptor probe(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   return probe.get() >= 0;
 }
 
-/// A peer that has reset what had been a connection.
+/// Whether the error says that the connection had been made and the peer then reset it.
 bool isReset(int error) { return error == ECONNRESET || error == EPIPE; }
 
 }  // namespace
@@ -127,13 +130,14 @@ void Selection::examineConnection(OpenSocket& socket, std::uint32_t events) {
   }
 }
 
-/// An error of a datagram socket is told by the next read.
+/// An error of a datagram socket is offered as FD_READ, since it is the next read that reports it.
 void Selection::examineDatagrams(OpenSocket& socket, std::uint32_t events) {
   if ((events & EPOLLOUT) != 0) offer(socket, winsock::fdWrite);
   if ((events & (EPOLLIN | EPOLLERR)) != 0) offer(socket, winsock::fdRead);
 }
 
-/// A connection that was there and is reset already counts: what came over it can be read.
+/// A connection that was made and is reset already counts as made, so that what came over it can
+/// still be read; the reset follows as the error of FD_CLOSE.
 void Selection::concludeConnecting(OpenSocket& socket) {
   const int error = takeError(socket);
   if (isReset(error)) socket.failure = winsockError(error);
@@ -159,7 +163,7 @@ void Selection::accepted(OpenSocket& socket) {
   examineLater(socket);
 }
 
-/// The event counts as unanswered, so that no caller who comes meanwhile brings it.
+/// FD_ACCEPT counts as posted and unanswered, so that new connections do not bring it.
 void Selection::rest(OpenSocket& listener) {
   if (resting_.empty()) restUntil_ = std::chrono::steady_clock::now() + restTime;
   if (std::find(resting_.begin(), resting_.end(), listener.handle) != resting_.end()) return;
@@ -181,13 +185,16 @@ int Selection::restLeft() const {
   return static_cast<int>(std::max<decltype(left)::rep>(left.count(), 0));
 }
 
-/// Others than the sockets may have closed something, in this process or in any other.
+/// There may be room though no socket was closed here: descriptors are also freed by others, in
+/// this process or any other.
 void Selection::tryResting() {
   if (restLeft() != 0) return;
   if (hasRoom()) return endRest();
   restUntil_ = std::chrono::steady_clock::now() + restTime;
 }
 
+/// Urgent data stops a read early, so that "all that was there" cannot be trusted then. After the
+/// last byte of a peer that has closed, FD_CLOSE is due, which no further report would bring.
 void Selection::read(OpenSocket& socket, bool exhausted) {
   socket.posted &= ~winsock::fdRead;
   if (!exhausted || socket.urgent) {
@@ -206,6 +213,7 @@ void Selection::full(OpenSocket& socket) { socket.posted &= ~winsock::fdWrite; }
 
 // ---- posting
 
+/// The only place that posts: no event that was not asked for, and none that is still unanswered.
 void Selection::offer(OpenSocket& socket, std::int32_t event, std::int32_t error) {
   if ((socket.mask & event) == 0 || (socket.posted & event) != 0) return;
   socket.posted |= event;
@@ -214,7 +222,7 @@ void Selection::offer(OpenSocket& socket, std::int32_t event, std::int32_t error
                                           static_cast<std::uint32_t>(event))});
 }
 
-/// Nothing more will come: the data first that are there, and the end behind them.
+/// For a peer that will send nothing more: FD_READ while bytes are left, and only then FD_CLOSE.
 void Selection::offerRest(OpenSocket& socket) {
   if (hasUnread(socket)) {
     offer(socket, winsock::fdRead);
@@ -229,7 +237,8 @@ void Selection::examineLater(OpenSocket& socket) {
   listed_.push_back(socket.handle);
 }
 
-/// Looks at the next byte. Behind the last one that is where the system tells of a reset.
+/// Looks at the next byte without taking it. After the last byte this is also where the system
+/// reports a reset, which becomes the error of FD_CLOSE.
 bool Selection::hasUnread(OpenSocket& socket) {
   char next = 0;
   const ssize_t count =

@@ -58,7 +58,7 @@ bool contains(const int (&list)[size], int error) {
   return std::find(std::begin(list), std::end(list), error) != std::end(list);
 }
 
-/// How a connecting ends that has come as far as the network.
+/// Whether the error is how the network answered a connecting, and not a refusal of the call.
 bool isOutcome(int error) {
   return contains({ECONNREFUSED, ECONNRESET, ETIMEDOUT, EHOSTUNREACH, ENETUNREACH, EHOSTDOWN},
                   error);

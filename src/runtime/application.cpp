@@ -2,6 +2,19 @@
 
 #include <algorithm>
 
+// The message loop, and the life of a form within it:
+//
+//   Show      load: design state, Initialize, Load; then visible
+//   Unload    QueryUnload, Unload (either may refuse); then gone: Terminate
+//
+// Every event procedure runs from runQueue(), which runs from run() or from DoEvents(). DoEvents is
+// called by event procedures, so these frames nest; there is one queue, and whichever frame comes
+// to it first takes the next event.
+//
+// The program is over when no form is loaded. That is looked at after each event, and it ends all
+// nested frames at once, by ProgramEnd: code behind the Unload of the last form still runs up to
+// the end of its procedure, or to its next DoEvents.
+
 namespace zev {
 namespace {
 
@@ -38,6 +51,8 @@ void Application::endSession() {
   post([] { End(); });
 }
 
+/// An event is taken off the queue before it runs, since it may call DoEvents and so come back
+/// here.
 void Application::runQueue() {
   while (!queue_.empty()) {
     const EventProcedure event = std::move(queue_.front());
@@ -51,6 +66,7 @@ void Application::leaveIfOver() const {
   if (forms_.empty()) throw ProgramEnd{EndKind::Unload};
 }
 
+/// The form counts as loaded before its Load runs: Load may use its controls, and may unload it.
 void Application::load(Form& form) {
   if (form.loaded_) return;
   form.restoreDesign();
@@ -66,6 +82,9 @@ void Application::load(Form& form) {
     throw;
   }
 }
+
+// Visible is followed, not assigned: assigning would tell the engine, which would show or hide the
+// form a second time.
 
 void Application::Show(Form& form) {
   load(form);
@@ -90,7 +109,8 @@ bool Application::Unload(Form& form, UnloadMode mode) {
   return true;
 }
 
-/// An event that came in meanwhile may have unloaded it.
+/// Nothing if the form is gone already: its own Load, QueryUnload or Unload may have unloaded it.
+/// Terminate runs last, when the form is off the screen and observed no more.
 void Application::discard(Form& form) {
   if (!form.loaded_) return;
   form.loaded_ = false;

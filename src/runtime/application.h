@@ -11,8 +11,8 @@
 
 namespace zev {
 
-/// What the run-time needs of a toolkit to put forms on a screen and to hear of the person. A
-/// binding implements it; all calls come on the one user-interface thread.
+/// What the run-time needs of a toolkit to put forms on a screen and to hear what the person does.
+/// A binding implements it; all calls come on the one user-interface thread.
 class FormEngine : public FormObserver {
  public:
   /// The form was loaded; its controls can be created. Called once a load.
@@ -24,8 +24,8 @@ class FormEngine : public FormObserver {
 
   /// One pass of the message loop begins.
   virtual void beginPass() = 0;
-  /// Dispatches what waits and queues the events that come of it (Application::post), without
-  /// running any handler. False if nothing waited.
+  /// Dispatches one thing that waits and queues the events that come of it (Application::post),
+  /// without running any handler. False if nothing waited.
   virtual bool pump() = 0;
   /// Waits for the next message and does as pump(). False if none will ever come.
   virtual bool wait() = 0;
@@ -67,21 +67,24 @@ class Application {
   /// no more messages, with forms still open.
   void run(const EventProcedure& entry);
 
-  /// Loads the form if need be (its Load event runs before it is visible) and shows it. A form that
-  /// its own Load unloaded is not shown; one whose Load fails is gone again.
+  /// Loads the form unless it is loaded (its Load event runs before it is visible) and shows it. A
+  /// form that unloads itself in its Load is not shown. A run-time error of Load unloads the form
+  /// again and reaches the caller.
   void Show(Form& form);
   void Hide(Form& form);
-  /// Unloads a loaded form: the query, the unload event, then it is gone. True if it is gone.
+  /// Unloads a form: QueryUnload, Unload, then it is gone. False if one of the two refused; true
+  /// for a form that was not loaded, too.
   bool Unload(Form& form, UnloadMode mode = UnloadMode::Code);
 
-  /// One pass of the message loop. If the program is over behind it, the unwinding starts here:
-  /// ProgramEnd.
+  /// One pass of the message loop: runs all that is queued and all that waits for dispatch. Throws
+  /// ProgramEnd if no form is loaded any more.
   void DoEvents();
 
-  /// The language's statement that ends the program on the spot.
+  /// The language's statement that ends the program on the spot: no form is asked or unloaded.
   [[noreturn]] static void End() { throw ProgramEnd{EndKind::Exit}; }
 
-  /// Queues an event procedure to be run from the top of the message loop.
+  /// Queues an event procedure to be run from the top of the message loop. What it refers to may be
+  /// gone by then: the caller sees to that.
   void post(EventProcedure event) { queue_.push_back(std::move(event)); }
 
   /// What the end of the session has to wait for; none: it may come.

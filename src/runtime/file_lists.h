@@ -16,7 +16,7 @@ class DriveListBox final : public Control {
   /// Chooses the drive of the text's first letter and fires the change, unless it is the one that
   /// is chosen already; error 68 for a drive that the list does not have.
   void setDrive(TextView drive);
-  /// Takes up the drive on which the list comes up. Nothing is fired.
+  /// Sets the drive that the list first shows. No event is fired.
   void comeUpOn(TextView drive);
 
   /// Tells whether the machine has a drive, given as letter and colon. Set by the program.
@@ -37,7 +37,7 @@ class DirListBox final : public Control {
   /// Opens a folder and fires the change. A drive alone stands for its root. The tree stays as it
   /// is for the folder that is opened already, and for one that does not exist.
   void setPath(TextView path);
-  /// Takes up the folder on which the tree comes up. Nothing is fired.
+  /// Sets the folder that the tree first shows. No event is fired.
   void comeUpOn(TextView path);
 
   /// Tells whether a folder exists. Set by the program.

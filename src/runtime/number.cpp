@@ -21,7 +21,7 @@ std::int32_t checked(std::int64_t wide) {
 
 [[noreturn]] void noNumber() { throw RuntimeError(ErrorNumber::TypeMismatch); }
 
-/// The ASCII image of a text; anything beyond ASCII can stand in no number.
+/// The ASCII image of a text; no number has a character beyond ASCII.
 std::string asciiOf(TextView text) {
   std::string plain;
   for (const char16_t unit : text) {

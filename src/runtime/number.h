@@ -11,8 +11,8 @@ std::int32_t add(std::int32_t first, std::int32_t second);
 std::int32_t subtract(std::int32_t first, std::int32_t second);
 std::int32_t multiply(std::int32_t first, std::int32_t second);
 
-/// Nearest whole number, a half going to the even one; out of the 32-bit range, and for no number
-/// at all, it is error 6.
+/// Nearest whole number, a half going to the even one; error 6 out of the 32-bit range, and
+/// for a value that is no number at all.
 std::int32_t toLong(double number);
 
 /// The number that a text spells: as for toLong, without the limits of a whole number. Error 13 and

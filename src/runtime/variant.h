@@ -122,8 +122,8 @@ class Variant {
 /// texts that spell one; a Date is none.
 bool isNumeric(const Variant& value);
 
-/// The number that a value stands for; True is -1, Empty 0. Error 13 for what is none, error 94 for
-/// Null. For variants alone: a text by itself has a conversion of its own.
+/// The number that a value stands for; True is -1, Empty 0. Error 13 if it is no number, error 94
+/// for Null. For variants alone: a text by itself has a conversion of its own.
 template <std::same_as<Variant> V>
 double toDouble(const V& value) {
   return value.number();
@@ -136,8 +136,8 @@ std::int32_t toLong(const V& value) {
 }
 
 /// The text of a value: a text as it is, a number in decimal with up to 15 digits, "True" and
-/// "False", empty for Empty. Error 94 for Null, error 13 for what has no text (dates, whose text
-/// depends on the system's settings, among them).
+/// "False", empty for Empty. Error 94 for Null, error 13 for what has no text here (such as dates,
+/// whose text depends on the system's settings, among them).
 Text toText(const Variant& value);
 
 }  // namespace zev

@@ -14,7 +14,7 @@ namespace zev::scenario {
 class Triggers {
  public:
   /// Checks that a property that an `at` waits for is one of a form or of a control on it. One that
-  /// nobody has would be waited for in vain: a ScenarioError.
+  /// none of them has would never be written: a ScenarioError.
   static void requireProperty(const At& at, const std::vector<Form*>& forms);
   /// The same of all that were armed before there were forms.
   void requireProperties(const std::vector<Form*>& forms) const;

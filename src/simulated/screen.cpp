@@ -28,6 +28,8 @@ void Screen::loaded(Form& form) {
   handles_[&form] = lastHandle_;
 }
 
+/// Any focus that the form had when it was hidden is forgotten: it begins with the first control in
+/// tab order.
 void Screen::shown(Form& form) {
   Form* before = activeForm();
   if (before != nullptr && focused(*before) != nullptr) {
@@ -78,11 +80,14 @@ Form* Screen::activeForm() const {
 
 // ---- the message loop
 
+/// A pass counts as the operation DoEvents, so that faults and counts can name it. A fault
+/// that does not raise only keeps the person from hearing of the pass.
 void Screen::beginPass() {
   instrumentation_.perform(
       {"DoEvents"}, {}, [&] { person_.passBegins(); }, [](std::int32_t) {}, [] {});
 }
 
+/// Messages of hidden windows come before anything that the person does, here and in wait().
 bool Screen::pump() { return queue_->dispatch() || person_.duringPass(); }
 
 bool Screen::wait() { return queue_->dispatch() || person_.next(); }
@@ -114,7 +119,8 @@ void Screen::moveFocus(Control& control) {
   setFocus(*form, &control);
 }
 
-/// Brings a visible form to the top.
+/// Brings a form to the top; the focus events are those of the two controls that have the focus in
+/// the old and the new form.
 void Screen::raise(Form& form) {
   const Form* before = activeForm();
   if (before == &form) return;
@@ -139,13 +145,14 @@ void Screen::focusGiven(Control& control) {
   if (Form* form = formOf(control)) setFocus(*form, &control);
 }
 
-/// The control with the focus may not keep it, or there is one again that can take what nobody had.
+/// A control was shown, hidden, enabled or disabled. If the focus is on one that cannot keep it, or
+/// on none, it goes to the next that can take it.
 void Screen::refocus(Form& form) {
   const Control* current = focused(form);
   if (current == nullptr || !current->canTakeFocus()) setFocus(form, nextFocusable(form, current));
 }
 
-/// An event of a form that is gone by its turn does not run.
+/// Queues an event procedure. It does not run if its form is unloaded before its turn comes.
 void Screen::post(const Component& component, const EventProcedure& event) {
   if (!event) return;
   application_->post([this, &component, event] {
@@ -155,6 +162,7 @@ void Screen::post(const Component& component, const EventProcedure& event) {
 
 // ---- what the program shows
 
+/// Writing `Visible` of a form shows or hides it, as Show and Hide do.
 void Screen::propertyWritten(PropertyBase& property) {
   Form* form = formOf(property.owner());
   if (form == nullptr) return;
@@ -179,12 +187,13 @@ void Screen::tell(std::string_view kind, const Form& form) {
   }
 }
 
-/// A form's own name, or a control's with that of its form in front; of a loaded form.
+/// "Form1", or "Form1.Label12" for a control. The form has to be loaded.
 Text Screen::toldName(const Component& component) const {
   const Form& form = *formOf(component);
   return &component == &form ? form.name() : join(form.name(), u".", component.name());
 }
 
+/// What Load writes before a form is first shown is not in the transcript: nobody sees it happen.
 void Screen::tellWritten(PropertyBase& property) {
   const Form& form = *formOf(property.owner());
   if (!everShown_.contains(form.name()) || !transcript_.wants("set")) return;

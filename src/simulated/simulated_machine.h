@@ -33,7 +33,7 @@ struct OpenHandles {
 /// A whole machine as far as the program can see one. Any number of them live side by side.
 ///
 /// The state (settings, drives, registry, shortcuts, clock) belongs to the machine and outlives the
-/// program; it can be changed at any time, in the midst of a run too. Everything that a process
+/// program; it can be changed at any time, also during a run. Everything that a process
 /// owns (its forms, open files, registry handles, its message loop, the records and the counts of
 /// calls) belongs to the running program and is made anew by startProgram().
 class SimulatedMachine {

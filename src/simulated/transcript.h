@@ -11,31 +11,39 @@ namespace zev::simulated {
 /// One event of a run: an object whose first member `event` names its kind.
 using Event = nlohmann::ordered_json;
 
-/// Whether a kind of event is told only to whoever asks for it by name, since a run has thousands.
+/// Whether a kind of event is written only where it is asked for by name, since a run has
+/// thousands.
 bool onDemandOnly(std::string_view kind);
 
-/// Takes the events of a run in the order of happening. The machine writes these kinds:
+/// Takes the events of a run in the order in which they happen. The machine writes these kinds:
 ///
-///   start {}                      the program is started
-///   show / hide / unload          {form}
-///   set                           {control, property, value}; the control "Form1.Label12", "Form1"
-///   refresh                       {control}: painted at once; only if wanted
-///   box                           {text, title, style, answer}; the answer in words: "yes"
-///   input                         {prompt, title, answer}
-///   file                          {op, path, bytes, error}; op is create, write, delete, mkdir,
-///                                 rmdir or attributes. Writes to an open file are summed up and
-///                                 told when it is closed, a failing write at once. `bytes` stands
-///                                 with write only. `error` is the system's number, 0 for success
-///   registry                      {op, hive, key, name, type, value, error}; op is create, set,
-///                                 delete (a value) or deleteKey; name, type and value where they
-///                                 apply
-///   shortcut                      {path, properties}
-///   dde                           {topic, command}
-///   shell                         {command, style, error}; a run-time error number or 0
-///   wait                          {command}: for a process that was started so
-///   open                          {path}
-///   sleep                         {ms}
-///   call                          {name, arguments, result}, only if wanted
+///   Event      Members                      What happened
+///   start                                   the program was started
+///   show       form                         a form came on the screen
+///   hide       form                         a form left the screen and stays loaded
+///   unload     form                         a form was unloaded
+///   set        control, property, value     a property was written; control is "Form1.Label12",
+///                                           or "Form1" for the form itself
+///   refresh *  control                      a form or control was painted at once
+///   box        text, title, style, answer   a message box was answered; answer is a word: "yes"
+///   input      prompt, title, answer        an input box was answered
+///   file       op, path, bytes, error       op: create, write, delete, mkdir, rmdir, attributes;
+///                                           bytes: with write only; error: the system's number,
+///                                           0 for success. The writes to an open file are one
+///                                           event when it is closed, a failing one its own at once
+///   registry   op, hive, key, name,         op: create, set, delete (a value), deleteKey; name,
+///              type, value, error           type and value only where the op has them
+///   shortcut   path, properties             a shortcut was saved
+///   dde        topic, command               a command was sent to a DDE server
+///   shell      command, style, error        a program was to be started; error: the number of a
+///                                           run-time error, 0 for success
+///   wait       command                      the program waits for a process; command started it
+///   open       path                         a file or folder was opened by its type
+///   sleep      ms                           the program paused
+///   call *     name, arguments, result      a platform operation was called
+///
+/// Those with a star are many: they are written only where `wants` says so by name
+/// (onDemandOnly()).
 class Transcript {
  public:
   virtual ~Transcript() = default;
@@ -44,7 +52,7 @@ class Transcript {
   virtual void add(Event event) = 0;
 };
 
-/// Tells each call as an event `call`, where those are wanted.
+/// Writes each platform operation as an event `call`, where those are wanted.
 class CallEvents final : public observed::Listener {
  public:
   /// Borrows the transcript.

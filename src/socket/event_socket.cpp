@@ -53,7 +53,7 @@ CEventSocket::~CEventSocket() {
   module_.instanceEnded(pointer_);
 }
 
-/// A failure ends it where it stands; whoever let go of the instance does not hear of it.
+/// A failure ends it where it stands; whoever dropped the instance does not hear of it.
 void CEventSocket::terminate() {
   CancelResolves();
   if (!acceptClass_) DestroySocket();

@@ -26,8 +26,9 @@ class CEventSocket;
 /// Failures are raised with their number, their text and the Source that is named with each.
 class modEventSocket {
  public:
-  /// Borrows the services. `escape` gets what an event procedure lets out beside run-time errors,
-  /// to be let on from the top of the message loop; without it rethrowEscaped() does that.
+  /// Borrows the services. `escape` gets every exception that leaves an event procedure and is not
+  /// a run-time error, and has to throw it again from the top of the message loop. Without
+  /// `escape` the exception is kept for rethrowEscaped().
   explicit modEventSocket(SocketServices services,
                           std::function<void(std::exception_ptr)> escape = {});
   modEventSocket(const modEventSocket&) = delete;
@@ -92,7 +93,7 @@ class modEventSocket {
 
   Trace& trace() { return trace_; }
   const Trace& trace() const { return trace_; }
-  /// Lets on what escaped from event procedures, if anything did. To be called from the top of the
+  /// Throws what escaped from event procedures, if anything did. To be called from the top of the
   /// message loop.
   void rethrowEscaped();
 

@@ -20,8 +20,8 @@ constexpr auto notifications = std::to_array<Notification>({
     {winsock::fdClose, u"FD_CLOSE ", u"WARNING: Omitting FD_CLOSE"},
 });
 
-/// Runs what follows an event procedure, also if that raises something: this then goes on, and
-/// errors behind it are of no account.
+/// Runs an event procedure and what has to follow it in any case. If the procedure throws, its
+/// exception goes on, and errors of what follows are ignored.
 template <typename Event, typename Rest>
 void inAnyCase(Event event, Rest rest) {
   try {

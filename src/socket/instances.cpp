@@ -5,9 +5,10 @@
 
 #include "runtime/error.h"
 
-// The calling convention of window procedures and of methods on 32-bit x86: the called one clears
-// its arguments off the stack, and finds a stack that is aligned to four bytes only. Elsewhere
-// there is one convention only.
+// The calling convention of window procedures and of methods on 32-bit x86: the function called
+// takes its arguments off the stack. The routing code keeps the stack aligned to four bytes only,
+// where this compiler counts on sixteen: hence force_align_arg_pointer. Other processors have a
+// single convention.
 #if defined(__i386__)
 #define ZEV_STDCALL __attribute__((stdcall, force_align_arg_pointer))
 #else
@@ -21,7 +22,7 @@ constexpr bool addressesFit = sizeof(void*) == sizeof(InstancePointer);
 
 }  // namespace
 
-/// The methods of an entry. Seven stand before the one that routing code enters.
+/// The methods of an entry. The routing code enters the eighth; nobody calls the seven before it.
 struct MethodTable {
   static std::int32_t ZEV_STDCALL wndProc(void* instance, std::int32_t hwnd, std::int32_t uMsg,
                                           std::int32_t wParam, std::int32_t lParam) {
@@ -44,6 +45,7 @@ struct MethodTable {
   }
 };
 
+/// Free entries are used first, so there are never more than were in use at one time.
 InstancePointer Instances::add(std::weak_ptr<NotificationTarget> target) {
   if (free_.empty()) {
     free_.push_back(entries_.size());
@@ -91,8 +93,8 @@ std::int32_t Instances::enter(InstancePointer pointer, const WindowMessage& mess
   return entry == nullptr ? 0 : enterEntry(*entry, message);
 }
 
-/// A run-time error of an event procedure ends the notification and reaches nobody: there is no
-/// caller.
+/// A run-time error of an event procedure has no caller to go to: it ends the notification and
+/// nothing else.
 std::int32_t Instances::enterEntry(Entry& entry, const WindowMessage& message) {
   const std::shared_ptr<NotificationTarget> target = entry.target.lock();
   if (!target) return 0;

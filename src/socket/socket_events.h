@@ -19,8 +19,8 @@ struct SocketErrorArguments {
   bool& CancelDisplay;
 };
 
-/// The event procedures of a socket, run while a notification is dispatched. They may call back
-/// into any socket, and let go of their own.
+/// The event procedures of a socket, run while a notification is dispatched. They may call
+/// any socket, and drop their own.
 struct SocketEvents {
   std::function<void()> CloseSck;                                 ///< the peer has closed
   std::function<void()> Connect;                                  ///< the connection stands

@@ -13,14 +13,14 @@ constexpr std::size_t fieldSize = 4;
 constexpr std::uint8_t noOperation = 0x90;
 constexpr std::int32_t freeHandle = -1;
 
-/// What the design environment answers when it is asked for its mode.
+/// Answers of the design environment's EbMode; anything else means that the program runs.
 constexpr std::int32_t modeStopped = 0;
 constexpr std::int32_t modePaused = 2;
 using ModeFunction = std::int32_t();
 
 std::uint32_t low(std::uintptr_t address) { return static_cast<std::uint32_t>(address); }
 
-/// Address of element 1 of a table's column.
+/// Address of the first cell of a table's column. It holds until the column grows or is shrunk.
 std::uint32_t TableBase(const std::vector<std::int32_t>& column) {
   return low(reinterpret_cast<std::uintptr_t>(column.data()));
 }
@@ -75,6 +75,7 @@ void Thunk::PatchValue(std::size_t offset, std::uint32_t value) {
   std::memcpy(block_ + offset, &value, fieldSize);
 }
 
+/// A near call counts from the byte behind its field. The field is the last part of each call here.
 void Thunk::PatchRelative(std::size_t offset, std::uintptr_t target) {
   const auto field = reinterpret_cast<std::uintptr_t>(block_) + offset;
   PatchValue(offset, low(target - field - fieldSize));
@@ -82,6 +83,8 @@ void Thunk::PatchRelative(std::size_t offset, std::uintptr_t target) {
 
 // ---- the window
 
+/// The procedure is written into the block before the block is put in: the first message may come
+/// from within SetWindowLongA.
 bool Thunk::SubclassMessageWindow(WindowHandle window) {
   if (window_ != 0) return false;
   window_ = window;
@@ -110,9 +113,10 @@ bool Thunk::UnsubclassMessageWindow() {
   return true;
 }
 
-/// With no entry at all the code's search ends where it begins and reads the comparison before it
-/// as a hit, and the handle of a free slot is one that it would find: such messages must not reach
-/// it.
+/// Two kinds of message must not reach the code's search, since it would enter whatever it finds:
+/// - With a count of 0 `repne scasd` compares nothing and leaves the zero flag of the comparison
+///   before it, which reads as a hit in the cell before the column.
+/// - The handle -1 is found in every free slot, and the instance there is -1 too.
 bool Thunk::drops(const WindowMessage& message) const {
   if (message.message == WM_RESOLVE_DONE) {
     return resolve_.count() == 0 || handleOf(message) == freeHandle;
@@ -133,6 +137,7 @@ void Thunk::AddSocketEntry(std::int32_t socket, InstancePointer instance) {
   add(sockets_, socket, instance);
 }
 
+/// Only an entry at the end changes what the block holds: the count, and perhaps the addresses.
 void Thunk::add(HandleTable& table, std::int32_t handle, InstancePointer instance) {
   const HandleTable::Added added = table.add(handle, instance);
   if (added == HandleTable::Added::Known) trace_.line(u"WARNING: Async already registered!");
@@ -156,7 +161,7 @@ void Thunk::PatchSocketTable() {
   PatchValue(thunk_field::socketObjects, TableBase(sockets_.objects()));
 }
 
-// ---- the routine that stands in
+// ---- what the code does, for windows that cannot enter it
 
 std::intptr_t Thunk::enter(const WindowMessage& message) {
   if (!guardInForce()) return route(message);
@@ -177,7 +182,7 @@ std::intptr_t Thunk::route(const WindowMessage& message) {
   return forward(message);
 }
 
-/// A message that is dropped has its own wParam as its result, as the code leaves it.
+/// The result of a dropped message is its wParam, since that is what the code leaves in eax.
 std::intptr_t Thunk::routeTo(const HandleTable& table, const WindowMessage& message) {
   const InstancePointer instance = drops(message) ? noInstance : table.find(handleOf(message));
   return instance == noInstance ? static_cast<std::intptr_t>(message.wParam)

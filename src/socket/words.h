@@ -9,7 +9,7 @@ namespace zev {
 std::int32_t HiWord(const std::int32_t& value);
 std::int32_t LoWord(const std::int32_t& value);
 
-/// A number from 0 to 65535 as the signed 16-bit number of the same bits. Error 6 out of that
+/// A number from 0 to 65535 as the signed 16-bit number of the same bits. Error 6 outside that
 /// range.
 std::int16_t UnsignedToInteger(const std::int32_t& value);
 /// A signed 16-bit number as the number from 0 to 65535 of the same bits.

@@ -13,7 +13,7 @@ struct Language {
   std::array<TextView, 2> systems{};  ///< primary languages of systems that begin with it
 };
 
-/// French and German stand crosswise in `systems`: that is how the table is.
+/// French and German are exchanged in `systems` on purpose.
 constexpr Language languages[] = {
     {language::English, u"English", 0, {u"9", u"1F"}}, {language::Turkish, u"", 1, {}},
     {language::German, u"Deutsch", 1, {u"C"}},         {language::French, u"Français", 2, {u"7"}},

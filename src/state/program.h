@@ -25,7 +25,8 @@ class Form1Procedures {
 struct Program {
   Platform& platform;
   Globals globals{};
-  /// What an event procedure of a socket lets out goes on from the top of the message loop.
+  /// An exception that leaves an event procedure of a socket is thrown again from the top of the
+  /// message loop.
   modEventSocket sockets{
       {platform.sockets, platform.messageWindows, platform.kernel, platform.dialogs},
       [this](const std::exception_ptr& error) {

@@ -158,8 +158,8 @@ TextView baseName2003(SystemInformation& system, const OSVERSIONINFO& version,
   return x64Workstation ? u"WinXP64" : u"WinServer2003";
 }
 
-/// The editions of the server hang on the product type of a workstation: that is how the table
-/// stands.
+/// The server editions are listed under the product type of a workstation. That is on
+/// purpose.
 TextView suffix2003(const OSVERSIONINFO& version, std::uint16_t architecture) {
   if (version.wProductType != workstation) {
     if (architecture != architectureItanium) return {};

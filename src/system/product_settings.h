@@ -30,8 +30,8 @@ inline constexpr std::int16_t productVersion = 21;
 /// user, and for every other profile. All calls in this order make one whole set.
 class ProductSettings {
  public:
-  /// What becomes of a run-time error: it reaches the caller, or the one read or write that it came
-  /// from counts for nothing.
+  /// What becomes of a run-time error: it reaches the caller, or it is ignored together with the
+  /// read or write that it came from.
   enum class Errors { Raised, Ignored };
 
   /// The names of all settings that are read or written here.

@@ -26,7 +26,7 @@ void UserRegistration::RegisterUsers(std::int16_t& result) {
 }
 
 /// The folder of the profiles, or the known folder itself where that lies elsewhere: its entries
-/// fall out for want of a local folder of their own.
+/// are then left out, since they have no local folder of their own.
 Text UserRegistration::baseFolder() {
   const Text drive = systemDrive(program_);
   Text base(withoutTrailing(GetKnownFolder(program_, known_folder::localAppData), u'\\'));

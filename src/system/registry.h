@@ -26,8 +26,8 @@ using KeyList = std::variant<std::monostate, std::int32_t, std::vector<Text>>;
 bool lists(const KeyList& keys, TextView name);
 
 /// The one door to persistent settings. On machines whose class is `profileClass` values without
-/// `ForceRegistry` are the value files of `gUserData` and `gUserDataAlt`, where hive and key count
-/// for nothing; on all others they are the registry's. Failures of the system raise nothing: a
+/// `ForceRegistry` are the value files of `gUserData` and `gUserDataAlt`, where hive and key are
+/// ignored; on all others they are the registry's. Failures of the system raise nothing: a
 /// refused write is lost, a read gives the default.
 class Registry {
  public:

@@ -18,7 +18,7 @@ class StartMenu {
   /// Borrows all three. The report gets the steps 162 to 173 and the status line.
   StartMenu(Program& program, Phrases& phrases, RunReport& report);
 
-  /// Errors that lead to no other way reach the caller.
+  /// Errors after which there is no other way to try reach the caller.
   void makeShortcuts();
 
  private:

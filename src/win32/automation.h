@@ -28,7 +28,7 @@ class AutomationObject {
   void call(TextView method);
   /// An object that a method or property gives.
   AutomationObject object(TextView member, std::initializer_list<Argument> arguments = {});
-  /// What an object gives that is asked without a member's name, as text; empty if it gives none.
+  /// The object's default property for an argument, if that is a text; else empty.
   Text item(const Argument& argument);
 
  private:
@@ -38,7 +38,7 @@ class AutomationObject {
   std::unique_ptr<IDispatch, Releaser> object_;
 };
 
-/// Keeps automation going on this thread: made before the first object and destroyed behind the
+/// Keeps automation started on this thread: made before the first object and destroyed after the
 /// last.
 class AutomationThread {
  public:

@@ -25,7 +25,7 @@ void showContent(const Control& control, HWND window);
 /// The program's icon, `size` pixels wide and high; null if the image has none. The system owns it.
 HICON programIcon(int size);
 
-/// Draws a control whose window leaves that to its form: a picture, a text on a progress bar.
+/// Draws a control whose window leaves drawing to its form: a picture, a text on a progress bar.
 void drawControl(const Form& form, const Control& control, const DRAWITEMSTRUCT& item, int dpi,
                  HFONT font);
 

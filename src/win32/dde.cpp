@@ -17,7 +17,7 @@ constexpr std::int32_t longestTimeout = 65535;
 
 HCONV conversationOf(void* conversation) { return static_cast<HCONV>(conversation); }
 
-/// A client that asks for nothing of its own accord hears only of what it does not mind.
+/// The library's callback. A client without links has nothing to do in it.
 HDDEDATA CALLBACK ignore(UINT, UINT, HCONV, HSZ, HSZ, HDDEDATA, ULONG_PTR, ULONG_PTR) {
   return nullptr;
 }

@@ -5,7 +5,7 @@
 namespace zev::win32 {
 namespace {
 
-/// As long as it lives, a box is open.
+/// A box is open as long as this object lives.
 class OpenBox {
  public:
   explicit OpenBox(WindowsEngine& engine) : engine_(engine) { engine_.boxOpens(); }

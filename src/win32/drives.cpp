@@ -9,7 +9,7 @@
 namespace zev::win32 {
 namespace {
 
-/// What is more than a number of the interface holds is told as the most.
+/// A size that the interface's number cannot hold becomes the largest that it can.
 std::int32_t number(DWORD value) {
   constexpr DWORD most = std::numeric_limits<std::int32_t>::max();
   return static_cast<std::int32_t>(std::min(value, most));

@@ -18,6 +18,8 @@ void WindowsEngine::loaded(Form& form) {
   windows_[&form]->showProperty(form.Icon);
 }
 
+/// When the window is first shown, the form then on top becomes its owner: Windows keeps it above
+/// its owner.
 void WindowsEngine::shown(Form& form) {
   HWND owner = visible_.empty() ? nullptr : windows_.at(visible_.back())->handle();
   std::erase(visible_, &form);
@@ -31,6 +33,7 @@ void WindowsEngine::hidden(Form& form) {
   windows_.at(&form)->hide();
 }
 
+/// No LostFocus for a control that goes with its form: nobody is left to hear it.
 void WindowsEngine::unloaded(Form& form) {
   std::erase(visible_, &form);
   forms_.erase(&form);
@@ -48,6 +51,7 @@ FormWindow* WindowsEngine::windowOf(const Component& component) const {
   return form == forms_.end() ? nullptr : windows_.at(form->second).get();
 }
 
+/// The form's window that a window is or lies in: of a message's window, or of the focus.
 FormWindow* WindowsEngine::windowAround(HWND window) const {
   for (const auto& [form, each] : windows_) {
     if (each->handle() == window || IsChild(each->handle(), window)) return each.get();
@@ -92,6 +96,8 @@ std::uintptr_t WindowsEngine::windowHandle(const Form& form) {
   return found == windows_.end() ? 0 : reinterpret_cast<std::uintptr_t>(found->second->handle());
 }
 
+// Twips are 1440 to the inch whatever the screen, so both depend on the form's dots per inch.
+
 double WindowsEngine::TextWidth(const Form& form, TextView text) {
   const FormWindow& window = *windows_.at(&form);
   return static_cast<double>(textWidth(window.font(), text)) * twipsPerInch / window.dpi();
@@ -104,6 +110,7 @@ double WindowsEngine::TwipsPerPixelX() {
 
 // ---- what the program shows
 
+/// Writing `Visible` of a form shows or hides it, as Show and Hide do.
 void WindowsEngine::propertyWritten(PropertyBase& property) {
   FormWindow* window = windowOf(property.owner());
   if (window == nullptr) return;
@@ -129,9 +136,9 @@ void WindowsEngine::focusGiven(Control& control) {
   trackFocus();
 }
 
-/// A handler hears of a change only if the focus went to another control of the program: a box or
-/// another program takes it for a time alone. So does the window that a hidden control lies in,
-/// until the focus finds its place.
+/// Focus events are posted only when the focus has come to another control of the program. While a
+/// box or another program has it, nothing is posted: it will come back. The same holds for the
+/// moment after a control was hidden, when Windows gives the focus to the window around it.
 void WindowsEngine::trackFocus() {
   const HWND focus = GetFocus();
   FormWindow* window = windowAround(focus);
@@ -148,7 +155,8 @@ void WindowsEngine::loseFocus() {
   focused_ = nullptr;
 }
 
-/// The control with the focus may not keep it, or there is one again that can take what nobody had.
+/// A control was shown, hidden, enabled or disabled. If the focus is on one that cannot keep it, or
+/// on none, it goes to the next that can take it.
 void WindowsEngine::refocus(FormWindow& window) {
   const Control* current = window.focused();
   if (current != nullptr && current->canTakeFocus()) return;
@@ -160,6 +168,8 @@ void WindowsEngine::refocus(FormWindow& window) {
 
 // ---- what a person does
 
+/// Windows may still deliver a click to a control that was disabled, hidden or covered by a box
+/// when the message was already on its way.
 bool WindowsEngine::takesInput(const Control& control) const {
   const FormWindow* window = windowOf(control);
   if (window == nullptr || openBoxes_ > 0 || !window->form().Enabled) return false;
@@ -170,7 +180,7 @@ bool WindowsEngine::takesInput(const Control& control) const {
   return enabled;
 }
 
-/// An event of a form that is gone by its turn does not run.
+/// Queues an event procedure. It does not run if its form is unloaded before its turn comes.
 void WindowsEngine::post(Control& control, EventProcedure event) {
   if (!event) return;
   application_->post([this, &control, event = std::move(event)] {
@@ -178,12 +188,14 @@ void WindowsEngine::post(Control& control, EventProcedure event) {
   });
 }
 
+/// The focus first: the program is to see LostFocus and GotFocus before the click.
 void WindowsEngine::clicked(Control& control) {
   if (!takesInput(control)) return;
   trackFocus();
   post(control, [this, &control] { click(control); });
 }
 
+/// From the top of the loop: the control changes its state by itself, then its handler runs.
 void WindowsEngine::click(Control& control) {
   if (auto* option = dynamic_cast<OptionButton*>(&control)) {
     choose(*option, windowOf(control)->form().Controls());
@@ -193,6 +205,8 @@ void WindowsEngine::click(Control& control) {
   if (control.Click) control.Click();
 }
 
+/// What stands at the place is read now, while the list still shows it; the choice itself waits for
+/// its turn.
 void WindowsEngine::chosen(Control& list, int place) {
   if (!takesInput(list) || place < 0) return;
   trackFocus();
@@ -215,7 +229,7 @@ void WindowsEngine::closed(Form& form) {
   });
 }
 
-/// Drives come and go while the form is open.
+/// The list is filled anew each time, since drives come and go while the form is open.
 void WindowsEngine::dropsDown(Control& list) {
   if (const auto* drives = dynamic_cast<const DriveListBox*>(&list)) {
     showDrives(*drives, windowOf(list)->windowOf(list));
@@ -224,6 +238,7 @@ void WindowsEngine::dropsDown(Control& list) {
 
 // ---- the keyboard
 
+/// True if the key was used up here and must not reach the window that it was sent to.
 bool WindowsEngine::translateKey(const MSG& message) {
   if (message.message != WM_KEYDOWN && message.message != WM_SYSCHAR) return false;
   FormWindow* window = windowAround(message.hwnd);
@@ -234,6 +249,8 @@ bool WindowsEngine::translateKey(const MSG& message) {
   return pressedKey(*window, message.wParam);
 }
 
+/// Enter and Escape belong to a list while it is dropped down. Arrows move among option buttons
+/// only; elsewhere they are the control's own.
 bool WindowsEngine::pressedKey(FormWindow& window, WPARAM key) {
   Control* focus = window.focused();
   const auto direction = GetKeyState(VK_SHIFT) < 0 ? TabDirection::Backward : TabDirection::Forward;
@@ -261,7 +278,9 @@ bool WindowsEngine::pressedKey(FormWindow& window, WPARAM key) {
   }
 }
 
-/// Of the option buttons of a group only the chosen one is a stop, and the first while none is.
+/// Tab leaves a group of option buttons at once: from one of them it passes over the others of the
+/// same container. The loop is bounded since nothing else on the form may be able to take the
+/// focus.
 bool WindowsEngine::moveFocus(FormWindow& window, Control* from, TabDirection direction) {
   Control* next = from;
   for (std::size_t step = 0; step < window.form().Controls().size(); ++step) {
@@ -276,6 +295,7 @@ bool WindowsEngine::moveFocus(FormWindow& window, Control* from, TabDirection di
   return true;
 }
 
+/// An arrow chooses the option button that it goes to, round the ends of the group.
 bool WindowsEngine::moveWithinOptions(FormWindow& window, Control& from, TabDirection direction) {
   Control* next = &from;
   do {
@@ -287,6 +307,8 @@ bool WindowsEngine::moveWithinOptions(FormWindow& window, Control& from, TabDire
   return true;
 }
 
+/// The first control whose caption marks the letter with "&". Text boxes are left out: an "&" in
+/// their text is only text.
 bool WindowsEngine::pressedAccessKey(FormWindow& window, char16_t key) {
   const char16_t wanted = lowerCase(TextView(&key, 1)).front();
   for (Control* each : window.form().Controls()) {
@@ -298,7 +320,7 @@ bool WindowsEngine::pressedAccessKey(FormWindow& window, char16_t key) {
   return false;
 }
 
-/// The focus stays where it is.
+/// Escape clicks the form's cancel button without moving the focus there.
 bool WindowsEngine::pressCancel(FormWindow& window) {
   Control* button = window.form().findControl(window.form().design().cancelButton);
   if (button != nullptr) clicked(*button);

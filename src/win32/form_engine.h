@@ -10,11 +10,29 @@
 
 namespace zev::win32 {
 
-/// Forms on the screen of Windows. Window procedures queue what happened; the handlers run from the
-/// top of the message loop.
+/// Forms on the screen of Windows.
+///
+/// Down: the program loads, shows and writes to its forms; the run-time calls the functions of
+/// FormEngine, and this passes them on to the FormWindow of the form.
+///
+/// Up: a window procedure hears of a click, calls FormListener from the midst of a dispatch, and
+/// this posts the event to the Application, which runs it from the top of its loop. So no handler
+/// runs inside a window procedure, and no exception crosses one. An event whose form is unloaded
+/// before its turn comes is dropped.
+///
+/// Keys that work the whole form (Tab, Enter, Escape, arrows among option buttons, Alt with a
+/// letter) are taken out in dispatch() before Windows sees them; see translateKey().
+///
+/// The focus is kept in two places. Each FormWindow remembers the control of its form that has, or
+/// will have, the focus of Windows. `focused_` is the control that the program was last told of by
+/// GotFocus. trackFocus() compares it with what Windows says, after each message and wherever else
+/// the focus may have moved, and posts LostFocus and GotFocus.
+///
+/// Who owns what: the engine owns the FormWindow of each loaded form, from loaded() to unloaded();
+/// a FormWindow owns its windows and fonts. Forms and controls are the program's and are borrowed.
 class WindowsEngine final : public FormEngine, private FormListener {
  public:
-  /// The program whose forms these are; before anything else is called.
+  /// The program whose forms these are, borrowed; to be called before anything else.
   void serve(Application& application) { application_ = &application; }
 
   // FormEngine
@@ -32,13 +50,15 @@ class WindowsEngine final : public FormEngine, private FormListener {
   void refreshed(Component& component) override;
   void focusGiven(Control& control) override;
 
-  /// The window of the form that is in use; null without one.
+  /// The window of the topmost enabled form, as the owner of a box; null without one.
   HWND activeWindow() const;
-  /// While a box is open the forms take no input.
+  /// While a box is open the forms take no input. Counted, since a message that arrives while a box
+  /// is open can bring up another.
   void boxOpens() { ++openBoxes_; }
   void boxCloses() { --openBoxes_; }
 
  private:
+  /// The base is private: this is how a FormWindow gets to it.
   FormListener& listener() { return *this; }
   // FormListener
   void clicked(Control& control) override;
@@ -68,8 +88,8 @@ class WindowsEngine final : public FormEngine, private FormListener {
   Application* application_ = nullptr;
   std::map<const Form*, std::unique_ptr<FormWindow>> windows_;
   std::map<const Component*, Form*> forms_;  ///< of every component of a loaded form
-  std::vector<Form*> visible_;               ///< the one shown last last
-  Control* focused_ = nullptr;
+  std::vector<Form*> visible_;               ///< from the bottom to the top
+  Control* focused_ = nullptr;               ///< who had the last GotFocus
   int openBoxes_ = 0;
 };
 

@@ -8,7 +8,7 @@ namespace {
 constexpr int fontPoints = 8;
 constexpr int pointsPerInch = 72;
 
-/// Letters that Turkish has and the western set has not.
+/// Letters of Turkish that the western set lacks.
 constexpr TextView turkishLetters = u"ĞğİıŞş";
 
 HFONT makeFont(int dpi, DWORD charset) {

@@ -21,7 +21,7 @@ DWORD extendedStyleOf(const Form& form) {
 /// Each form has a class of its own, so that it can be found from outside.
 Text classOf(const Form& form) { return join(u"ZEV.", form.name()); }
 
-/// A label that others lie upon goes under them.
+/// A label with other controls on it lies below them.
 bool liesUnderOthers(const Form& form, const Control& control) {
   if (control.kind() != ControlKind::Label || control.design().bar) return false;
   const RECT own = pixelPlace(control, usualDpi);
@@ -148,8 +148,8 @@ void FormWindow::centre() {
 
 // ---- showing
 
-/// The owner that it is first shown with stays: the one who is shown again by a form must not
-/// belong to that form and go with it.
+/// A window keeps the owner that it is first shown with. If a later form that shows it again became
+/// its owner, it would be destroyed with that form.
 void FormWindow::show(HWND owner) {
   if (!everShown_ && owner != nullptr && owner != window_) {
     SetWindowLongPtrW(window_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));

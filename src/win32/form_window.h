@@ -10,8 +10,8 @@
 
 namespace zev::win32 {
 
-/// Who hears what a person does at a form. Calls come in the midst of a dispatch: they are to
-/// queue, not to run.
+/// Is told what a person does at a form. The calls come from within a dispatch, so they must only
+/// queue what happened and run nothing.
 class FormListener {
  public:
   virtual ~FormListener() = default;
@@ -28,7 +28,7 @@ class FormListener {
 /// The window of one loaded form with the windows of its controls.
 class FormWindow {
  public:
-  /// Makes them all, hidden. Borrows both.
+  /// Makes the form's window and those of its controls, hidden. Borrows both, which outlive this.
   FormWindow(Form& form, FormListener& listener);
   ~FormWindow();
   FormWindow(const FormWindow&) = delete;

@@ -4,7 +4,7 @@
 
 namespace zev::win32 {
 
-/// A drive without a medium is an error of the call that asks, and no box of the system's.
+/// Asking a drive without a medium fails with an error instead of a box of the system's.
 Machine::Machine() { ::SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX); }
 
 Platform Machine::platform(Application& application, Dialogs& dialogs) {

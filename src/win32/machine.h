@@ -19,16 +19,16 @@
 namespace zev::win32 {
 
 /// The machine that the program runs on: all its services but forms and dialogs. One a process,
-/// made on the thread of the forms, since it settles how libraries are found and absent media are
-/// met.
+/// made on the thread of the forms, since it sets for the process where libraries are searched for
+/// and that a drive without a medium brings no box.
 class Machine {
  public:
   Machine();
   Machine(const Machine&) = delete;
   Machine& operator=(const Machine&) = delete;
 
-  /// The services, with the forms and dialogs of somebody else. All that is borrowed outlives every
-  /// use of the answer.
+  /// The services, with forms and dialogs that are made elsewhere. Those two and this machine
+  /// outlive every use of the result.
   Platform platform(Application& application, Dialogs& dialogs);
 
   FileSystem& fileSystem() { return fileSystem_; }

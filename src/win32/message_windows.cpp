@@ -38,7 +38,7 @@ struct Win32MessageWindows::Window {
   std::function<bool(const WindowMessage&)> drops;
 };
 
-/// Where the system enters. What is behind it lets no exception out.
+/// Where the system enters. Nothing that it calls throws.
 struct Win32MessageWindows::Entries {
   static Window* recordOf(HWND window) {
     return static_cast<Window*>(::GetPropA(window, recordProperty));
@@ -140,7 +140,7 @@ Win32MessageWindows::Window* Win32MessageWindows::find(WindowHandle window,
   return found->second.get();
 }
 
-/// Machine code, as it can be entered, can set a procedure past this object.
+/// Machine code, where it can be entered, can also set a procedure without this object's help.
 std::uintptr_t Win32MessageWindows::procedureOf(const Window& window) const {
   const std::uintptr_t actual = actualProcedure(window.handle);
   return actual == Entries::common() ? window.procedure : actual;

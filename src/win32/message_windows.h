@@ -8,8 +8,8 @@
 
 namespace zev::win32 {
 
-/// Hidden windows of Windows. A procedure that somebody stands in for, and every one of the system,
-/// is entered through one procedure of this class, which knows the window's own address for it;
+/// Hidden windows of Windows. A procedure that a routine replaces, and every one of the system, is
+/// entered through one procedure of this class, which knows the window's own address for it;
 /// only machine code becomes the window's procedure as it stands. Windows that others made are
 /// refused.
 class Win32MessageWindows final : public MessageWindows {
@@ -23,7 +23,7 @@ class Win32MessageWindows final : public MessageWindows {
   WindowHandle CreateWindowExA(TextView className, TextView caption) override;
   bool DestroyWindow(WindowHandle window) override;
   std::uintptr_t GetWindowLongA(WindowHandle window, std::int32_t index) override;
-  /// Where machine code cannot be entered, an address that nobody stands in for is refused.
+  /// Where machine code cannot be entered, an address that no routine replaces is refused.
   std::uintptr_t SetWindowLongA(WindowHandle window, std::int32_t index,
                                 std::uintptr_t procedure) override;
   std::intptr_t CallWindowProcA(std::uintptr_t procedure, const WindowMessage& message) override;

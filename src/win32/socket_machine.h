@@ -26,8 +26,8 @@ class SocketMachine {
   /// watch was told.
   bool dispatch(int timeoutMilliseconds);
 
-  /// Calls `ready` from within `dispatch` while an object of the system, borrowed, is signalled:
-  /// a handle that can be waited for. Few at once: the system takes 63.
+  /// Calls `ready` from within `dispatch` while an object of the system is signalled. The object is
+  /// a handle that can be waited for, and is borrowed. At most 63 at once.
   void watch(void* object, std::function<void()> ready);
   /// Ends the watch of an object, if it has one. A callback may do this.
   void unwatch(void* object);

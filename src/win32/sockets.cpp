@@ -27,7 +27,7 @@ static_assert(offsetof(SocketAddress, family) == offsetof(sockaddr_in, sin_famil
 static_assert(offsetof(SocketAddress, port) == offsetof(sockaddr_in, sin_port));
 static_assert(offsetof(SocketAddress, address) == offsetof(sockaddr_in, sin_addr));
 
-/// How long a listener rests for which the system has no room, if nothing is closed meanwhile.
+/// How long a listener rests before the next try, if no socket is closed meanwhile.
 constexpr UINT restMilliseconds = 250;
 
 constexpr int addressSize = sizeof(SocketAddress);
@@ -157,8 +157,8 @@ struct Win32Sockets::RestTimer {
   }
 };
 
-/// The system tells of the connection again at once, and again: so nobody is told of connections
-/// until there may be room.
+/// The system would report the waiting connection again and again, so none is reported until there
+/// may be room.
 void Win32Sockets::rest(std::int32_t listener) {
   const auto found = selected_.find(listener);
   if (found == selected_.end() || (found->second.mask & winsock::fdAccept) == 0) return;

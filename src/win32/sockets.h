@@ -14,7 +14,7 @@ class Win32Sockets : public Sockets {
  public:
   /// Borrows the name of the library.
   explicit Win32Sockets(const char* library = "ws2_32.dll") : library_(library) {}
-  /// Takes back the starts that nobody took back.
+  /// Makes the WSACleanup calls that are still due.
   ~Win32Sockets() override;
   Win32Sockets(const Win32Sockets&) = delete;
   Win32Sockets& operator=(const Win32Sockets&) = delete;
@@ -71,8 +71,8 @@ class Win32Sockets : public Sockets {
     std::int32_t mask = 0;
   };
 
-  /// What a call of the library answers. Where it answers `failure`, its reason is kept; without a
-  /// start it is not made and the answer is `failure` at once.
+  /// Makes a call of the library and gives its result. If that is `failure`, the reason is kept.
+  /// Without a start the call is not made and the result is `failure`.
   template <typename Answer, typename Function, typename... Arguments>
   Answer ask(Answer failure, Function* Calls::*call, Arguments... arguments);
   std::int32_t handOut(std::uintptr_t socket);

@@ -18,7 +18,7 @@ std::wstring systemPath(const char* name) {
 
 }  // namespace
 
-/// The library's own libraries are looked for in its folder, too, instead of the program's.
+/// The libraries that it needs are searched for in its folder too, not in the program's.
 SystemLibrary::Address SystemLibrary::address(const char* name) {
   if (module_ == nullptr) {
     module_ = LoadLibraryExW(systemPath(name_).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);

@@ -18,7 +18,7 @@ class RunningProduct {
       : program_(program), phrases_(phrases), setStage_(std::move(setStage)) {}
 
   /// Asks the person to close a running product, as often as it is found. False if the person gives
-  /// up. Run-time errors count for nothing meanwhile.
+  /// up. Run-time errors are ignored.
   bool waitUntilClosed();
 
  private:

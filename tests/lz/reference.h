@@ -18,7 +18,7 @@ struct Expanded {
 /// The result, and of the bytes the length and the first few.
 std::ostream& operator<<(std::ostream& out, const Expanded& expanded);
 
-/// What expanding the file `bytes` comes to, worked out the slow and obvious way: byte by byte over
+/// The result of expanding the file `bytes`, worked out the slow and obvious way: byte by byte over
 /// a ring. It shares no code with what is tested.
 Expanded expandByRing(std::span<const std::uint8_t> bytes);
 

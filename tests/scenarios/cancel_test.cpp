@@ -1,4 +1,4 @@
-// A person who cancels in the midst of the run, at each pass of the message loop that it makes.
+// A person who cancels during the run, at each pass of the message loop that it makes.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -73,7 +73,7 @@ TEST(CancelInTheRun, RefusedAtEveryPassChangesNothing) {
   EXPECT_EQ(refused.machine().state(), clean.machine().state());
 }
 
-/// What the status line comes to read, what is painted at once, and when the files go.
+/// What the status line says in the end, what is painted at once, and when the files go.
 std::vector<std::string> cleanUp(const WholeRun& run) {
   std::vector<std::string> told;
   for (const Event& event : run.events()) {

@@ -29,7 +29,7 @@ constexpr std::size_t everyCall = sanitized ? 10 : 1;
 constexpr std::size_t shards = 8;
 
 const std::string productFolder = userFolder + "\\Tavorns\\ZEV5";
-/// Where the temporary folder comes to lie if the system names none.
+/// Where the temporary folder is if the system names none.
 const std::string rootFolder = "C:\\ZEVTMP";
 
 // ---- how each operation fails

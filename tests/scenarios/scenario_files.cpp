@@ -83,7 +83,7 @@ void layPackage(Json& document) {
   }
 }
 
-/// Files that nobody reads: instead of their bytes their size is kept, so that a state is had
+/// Files that nobody reads: their size is kept instead of their bytes, so that a state is had
 /// without digests of them.
 void shrinkFiles(simulated::Disks& disks, const Text& folder) {
   constexpr std::uint64_t largest = 65536;

@@ -85,7 +85,7 @@ TEST_F(DatagramStorm, ReceivesEverySize) {
   EXPECT_EQ(told.size(), interestingSizes().size() - 1) << "nothing tells of an empty datagram";
 }
 
-/// An empty datagram is told of by nobody and stands in nobody's way.
+/// An empty datagram brings no event and does not hold up the others.
 TEST_F(DatagramStorm, PassesOverEmptyOnes) {
   for (int batch = 0; batch < 10; ++batch) {
     for (int i = 0; i < 100; ++i) peer.sendTo(portOf(*socket), "");

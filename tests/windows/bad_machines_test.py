@@ -118,7 +118,7 @@ def open_failure(words, path):
 
 
 def copy_failure(member):
-    """A failure in the midst of an expansion that has no words of its own."""
+    """A failure during an expansion, without a message of its own."""
     return box("Error in ExpandFile: Couldn't decompress the file! \r\n\r\n"
                f"{TEMPORARY}\\{member.packed}\r\n\r\n"
                f"Please email this error message to {SUPPORT}", "ExpandFile - Error!", 4144)

@@ -4,12 +4,17 @@ import os
 import queue
 import re
 import shutil
+import signal
 import socket
 import subprocess
 import threading
 import time
 
 PATIENCE = 60  # seconds for any one step
+
+# Whoever starts the tests in the background may have them ignore the interrupt, which the programs
+# that they start would inherit.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 
 def tool(name):

@@ -19,7 +19,7 @@ KINDS = ["condition", "constant", "removed", "swapped", "early end"]
 
 @dataclasses.dataclass(frozen=True)
 class Place:
-    """A piece of a file, and what stands there in its stead."""
+    """A piece of a file, and what replaces it."""
     file: str  # from the project's folder
     begin: int  # bytes
     end: int

@@ -42,7 +42,7 @@ std::optional<ZevsimOptions> readOptions(const std::vector<std::string>& argumen
 inline constexpr int leastColumns = 40;
 inline constexpr int mostColumns = 1000;
 
-/// A number of columns as it is written; none for another number, and for what is none.
+/// A number of columns as it is written; none for any other number or text.
 std::optional<int> columnsWritten(std::string_view text);
 
 }  // namespace zev::scenario
