@@ -36,7 +36,8 @@ class SimulatedFileSystem final : public FileSystem {
   SystemError WriteFile(FileHandle file, std::uint64_t offset, std::span<const std::uint8_t> from,
                         std::size_t& written) override;
   SystemError GetFileSize(FileHandle file, std::uint64_t& size) override;
-  void CloseHandle(FileHandle file) override;
+  SystemError CloseHandle(FileHandle file) override;
+  SystemError CommitFile(FileHandle file) override;
   SystemError DeleteFileA(TextView path) override;
   SystemError CreateDirectoryA(TextView path) override;
   SystemError RemoveDirectoryA(TextView path) override;
@@ -56,7 +57,8 @@ class SimulatedFileSystem final : public FileSystem {
     FileAccess access{};
     FileShare share{};
     std::shared_ptr<FileBody> body;
-    std::uint64_t unreported = 0;  ///< bytes written that the transcript does not know of
+    std::optional<Path> replacement{};  ///< where the bytes lie until they are put in their place
+    std::uint64_t unreported = 0;       ///< bytes written that the transcript does not know of
     bool written = false;
   };
   struct Search {
@@ -91,11 +93,16 @@ class SimulatedFileSystem final : public FileSystem {
   bool isOpen(const Path& path, bool unsharedOnly) const;
   bool runs(const Path& path) const;
 
-  SystemError prepare(Place& place, FileDisposition disposition);
+  bool canReplace(const Place& place) const;
+  SystemError prepare(Place& place, FileDisposition disposition, std::optional<Path>& replacement);
+  std::optional<Path> beginReplacement(const Place& place);
   SystemError createFile(const Place& place);
   SystemError empty(const Place& place);
   static std::uint64_t largestSize(const Drive& drive, std::uint64_t size);
   static void account(Drive& drive, std::uint64_t before, std::uint64_t after);
+  SystemError close(OpenFile& file);
+  void settle(const OpenFile& file);
+  void drop(const Path& replacement);
   SystemError told(std::string_view op, TextView path, SystemError error);
   void tell(std::string_view op, TextView path, SystemError error);
   void tellWritten(OpenFile& file, SystemError error);
