@@ -11,9 +11,7 @@
 #include <set>
 
 #include "package/manifest.h"
-#include "scenarios/dear.h"
 #include "scenarios/fault_run.h"
-#include "scenarios/sanitized.h"
 #include "scenarios/small_package.h"
 #include "scenarios/snapshot.h"
 #include "scenarios/whole_run.h"
@@ -25,10 +23,6 @@ using testing::AnyOf;
 
 constexpr std::size_t pairs = 2000;
 constexpr std::uint32_t seed = 20261122;
-/// Of so many one is made to fail, and with a sanitizer one of ten times as many.
-constexpr std::size_t onePair = thinned(25) * (sanitized ? 10 : 1);
-constexpr std::size_t oneStretch = thinned(6) * (sanitized ? 10 : 1);
-
 // ---- what may be left
 
 const std::string file = "32 ";
@@ -158,14 +152,15 @@ void expectGoodEnd(FaultRun& run) {
 
 // ---- the storms
 
-TEST(FaultStorm, AnyTwoCallsThatFailLeaveOnlyWholeThings) {
+/// One of so many pairs.
+void failPairs(std::size_t every, std::size_t begin = 0) {
   std::mt19937 random(seed);
   for (std::size_t pair = 0; pair < pairs; ++pair) {
     const std::string& version = pair % 4 == 0 ? registryVersion : profileVersion;
     const std::vector<Call>& calls = callsOf(version);
     const std::string first = faultOf(calls[random() % calls.size()]);
     const std::string second = faultOf(calls[random() % calls.size()]);
-    if (pair % onePair != 0) continue;
+    if (pair % every != begin) continue;
     SCOPED_TRACE("pair " + std::to_string(pair) + ": " + first + ", " + second);
     FaultRun run(version, first + ", " + second);
     expectGoodEnd(run);
@@ -197,17 +192,35 @@ std::string faultsFrom(Call call, const std::vector<Call>& calls) {
   return faults;
 }
 
-TEST(FaultStorm, AllCallsThatFailFromOneOnLeaveOnlyWholeThings) {
+/// One of so many of these calls.
+void failStretches(std::size_t every, std::size_t begin = 0) {
   for (const std::string& version : {profileVersion, registryVersion}) {
     const std::vector<Call> chosen = beginningsOfStretches(version);
     EXPECT_GT(chosen.size(), 100u);
-    for (std::size_t place = 0; place < chosen.size(); place += oneStretch) {
+    for (std::size_t place = begin; place < chosen.size(); place += every) {
       SCOPED_TRACE("from " + faultOf(chosen[place]) + " on");
       FaultRun run(version, faultsFrom(chosen[place], callsOf(version)));
       expectGoodEnd(run);
     }
   }
 }
+
+TEST(FaultStorm, TwoCallsThatFailLeaveOnlyWholeThings) { failPairs(25); }
+
+TEST(FaultStorm, AllCallsThatFailFromOneOnLeaveOnlyWholeThings) { failStretches(7); }
+
+class FaultStormInAll : public testing::TestWithParam<std::size_t> {
+ protected:
+  static constexpr std::size_t parts = 8;
+};
+
+TEST_P(FaultStormInAll, TwoCallsThatFailLeaveOnlyWholeThings) { failPairs(parts, GetParam()); }
+
+TEST_P(FaultStormInAll, AllCallsThatFailFromOneOnLeaveOnlyWholeThings) {
+  failStretches(parts, GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(Part, FaultStormInAll, testing::Range(std::size_t{0}, std::size_t{8}));
 
 }  // namespace
 }  // namespace zev
