@@ -38,9 +38,8 @@ void ComponentStreams::take(std::int32_t request) {
 
 void ComponentStreams::arrived(CEventSocket& socket) {
   if (!fetches_) return;
-  Variant data;
-  socket.GetData(data);
-  fetched_ += data.get<Bytes>()->size();
+  socket.GetData(arrived_);
+  fetched_ += arrived_.get<Bytes>()->size();
 }
 
 void ComponentStreams::dispatch() {

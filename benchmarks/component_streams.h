@@ -47,6 +47,7 @@ class ComponentStreams final : public StreamEnd {
   std::vector<Stream> streams_;
   std::size_t sendChunk_ = 0;  ///< the system's buffer of a new connection
   bool fetches_ = true;
+  Variant arrived_;  ///< whose memory serves again and again, as the plain loop's
   std::size_t fetched_ = 0;
   std::vector<std::size_t> complete_;  ///< streams that have nothing more to send
 };

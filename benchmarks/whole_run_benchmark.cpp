@@ -28,7 +28,7 @@
 #include "lz_corpus.h"
 #include "plain_install.h"
 #include "programs/zevsim/setup_program.h"
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 
 namespace zev::benchmarks {
 namespace {
@@ -145,13 +145,13 @@ InstallTimes install(const fs::path& package, const fs::path& drive,
                      simulated::Transcript& transcript) {
   InstallTimes times;
   const scenario::Scenario scenario = installOver(package, drive);
-  scenario::Companion nobody;
-  std::unique_ptr<scenario::Player> player;
+  std::unique_ptr<scenario::SimulatedStage> stage;
   times.setUp = timed([&] {
-    player = std::make_unique<scenario::Player>(scenario, makeSetupProgram, transcript, nobody);
+    stage = std::make_unique<scenario::SimulatedStage>(scenario, makeSetupProgram, transcript);
   });
-  times.run = timed([&] { player->play(); });
-  if (player->failures() != 0) throw std::runtime_error("the install did not come to its end");
+  times.run = timed([&] { stage->perform(); });
+  if (stage->judgements().failed != 0)
+    throw std::runtime_error("the install did not come to its end");
   return times;
 }
 

@@ -4,15 +4,16 @@
 add_compile_options(
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
 
-# The JSON library is headers alone and serves every system, but the folder that it is installed in
-# holds the host's own headers too: a link makes a folder that holds nothing else.
-function(zev_find_json)
-  find_path(ZEV_JSON_FOLDER nlohmann/json.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+# A library that is headers alone serves every system, but the folder that it is installed in holds the
+# host's own headers too: a link makes a folder that holds nothing else.
+function(zev_find_headers target folder header)
+  find_path(ZEV_${folder}_FOLDER ${folder}/${header}
+            PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
   set(headers ${PROJECT_BINARY_DIR}/headers)
   file(MAKE_DIRECTORY ${headers})
-  file(CREATE_LINK ${ZEV_JSON_FOLDER}/nlohmann ${headers}/nlohmann SYMBOLIC)
-  add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED GLOBAL)
-  target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${headers})
+  file(CREATE_LINK ${ZEV_${folder}_FOLDER}/${folder} ${headers}/${folder} SYMBOLIC)
+  add_library(${target} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${target} SYSTEM INTERFACE ${headers})
 endfunction()
 
 # Machines of Wine's, one template of each kind kept for all builds of this tree. Wine itself comes from

@@ -39,7 +39,7 @@ STAGES = [
 ]
 
 # Rooms whose tests are found under another name.
-ALIASES = {"script": "scenario", "win32": "windows", "programs": "scenarios"}
+ALIASES = {"win32": "windows", "programs": "scenarios"}
 
 SPACE_NEEDED = 8 << 30  # bytes that the builds of `all` take, with room above
 

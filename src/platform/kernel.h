@@ -23,6 +23,8 @@ class Kernel {
   virtual ~Kernel() = default;
 
   /// Pages of at least `size` bytes, all 0, at an address of the system's choice; null on failure.
+  /// `readWriteExecute` gives pages that can be executed only where machine code is entered;
+  /// elsewhere they are plain memory.
   virtual std::uint8_t* VirtualAlloc(std::size_t size, std::uint32_t type,
                                      std::uint32_t protection) = 0;
   /// Keeps pages in memory. False if the system refuses; they serve all the same.

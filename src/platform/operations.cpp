@@ -13,6 +13,7 @@ constexpr std::string_view names[] = {
     "Arguments",
     "bind",
     "BringWindowToTop",
+    "CallWindowProcA",
     "Close",
     "CloseHandle",
     "closesocket",

@@ -7,7 +7,7 @@
 namespace zev {
 
 /// Names of all platform operations that are observed, as faults and counts name them: those that
-/// the instrumented services carry out, `DoEvents`, and the names that several share (`Open`).
+/// the services carry out, `DoEvents`, and the names that several share (`Open`).
 /// Sorted without regard to letter case.
 std::span<const std::string_view> operationNames();
 

@@ -136,7 +136,8 @@ class Sockets {
   virtual std::int32_t connect(std::int32_t socket, const SocketAddress& address) = 0;
   virtual std::int32_t bind(std::int32_t socket, const SocketAddress& address) = 0;
   virtual std::int32_t listen(std::int32_t socket, std::int32_t backlog) = 0;
-  /// The socket of the next connection that waits.
+  /// The socket of the next connection that waits. Where there is no room for one (10024, 10055)
+  /// FD_ACCEPT comes again when a socket was closed, or some time later, and not at once.
   virtual std::int32_t accept(std::int32_t socket, SocketAddress& peer) = 0;
   virtual std::int32_t getpeername(std::int32_t socket, SocketAddress& address) = 0;
   virtual std::int32_t getsockname(std::int32_t socket, SocketAddress& address) = 0;

@@ -30,6 +30,12 @@ void allowManyFiles() {
   ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+/// The shorter one of two times to wait, of which a negative one is for ever.
+int earlier(int first, int second) {
+  if (first < 0 || second < 0) return std::max(first, second);
+  return std::min(first, second);
+}
+
 /// A moment until which somebody waits.
 class Deadline {
  public:
@@ -84,7 +90,8 @@ Machine::Outcome Machine::collect(int milliseconds) {
   sockets_.examineAgain();
   const bool busy = windows_.waiting() != 0 || hasSteadyWatch();
   errno = 0;
-  const std::span<const Readiness> ready = poller_.wait(busy ? 0 : milliseconds);
+  const std::span<const Readiness> ready =
+      poller_.wait(busy ? 0 : earlier(milliseconds, sockets_.nextLook()));
   const bool interrupted = ready.empty() && errno == EINTR;
   for (const Readiness& each : ready) hand(each);
   // Only now: a callback may do with the sockets what it likes.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "posix/error_numbers.h"
 
@@ -17,6 +18,9 @@ static_assert(EPOLLIN == POLLIN && EPOLLPRI == POLLPRI && EPOLLOUT == POLLOUT &&
               EPOLLERR == POLLERR && EPOLLHUP == POLLHUP && EPOLLRDHUP == POLLRDHUP);
 
 constexpr int errorShift = 16;
+
+/// How long a listener rests for which the system has no room, if nothing is closed meanwhile.
+constexpr std::chrono::milliseconds restTime(250);
 
 /// Takes the error that the system keeps for a socket; 0 if it keeps none.
 int takeError(const OpenSocket& socket) {
@@ -33,6 +37,12 @@ bool makeNonBlocking(int descriptor) {
 
 Token tokenOf(const OpenSocket& socket) {
   return {Subject::socket, static_cast<std::uint32_t>(socket.handle)};
+}
+
+/// Whether the system has room for one more socket.
+bool hasRoom() {
+  const Descriptor probe(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  return probe.get() >= 0;
 }
 
 /// A peer that has reset what had been a connection.
@@ -71,6 +81,7 @@ void Selection::notice(std::int32_t handle, std::uint32_t events) {
 }
 
 void Selection::examineAgain() {
+  tryResting();
   if (listed_.empty()) return;
   examined_.clear();
   polled_.clear();
@@ -146,6 +157,35 @@ void Selection::connected(OpenSocket& socket, std::int32_t error) {
 void Selection::accepted(OpenSocket& socket) {
   socket.posted &= ~winsock::fdAccept;
   examineLater(socket);
+}
+
+/// The event counts as unanswered, so that no caller who comes meanwhile brings it.
+void Selection::rest(OpenSocket& listener) {
+  if (resting_.empty()) restUntil_ = std::chrono::steady_clock::now() + restTime;
+  if (std::find(resting_.begin(), resting_.end(), listener.handle) != resting_.end()) return;
+  listener.posted |= winsock::fdAccept;
+  resting_.push_back(listener.handle);
+}
+
+void Selection::endRest() {
+  for (const std::int32_t handle : std::exchange(resting_, {})) {
+    OpenSocket* const listener = table_.find(handle);
+    if (listener != nullptr) accepted(*listener);
+  }
+}
+
+int Selection::restLeft() const {
+  if (resting_.empty()) return -1;
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(restUntil_ - std::chrono::steady_clock::now());
+  return static_cast<int>(std::max<decltype(left)::rep>(left.count(), 0));
+}
+
+/// Others than the sockets may have closed something, in this process or in any other.
+void Selection::tryResting() {
+  if (restLeft() != 0) return;
+  if (hasRoom()) return endRest();
+  restUntil_ = std::chrono::steady_clock::now() + restTime;
 }
 
 void Selection::read(OpenSocket& socket, bool exhausted) {

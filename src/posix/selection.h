@@ -2,6 +2,7 @@
 
 #include <poll.h>
 
+#include <chrono>
 #include <cstdint>
 #include <vector>
 
@@ -38,6 +39,13 @@ class Selection {
   void connected(OpenSocket& socket, std::int32_t error);
   /// A connection was taken, or none was there.
   void accepted(OpenSocket& socket);
+  /// A connection waits that the system has no room for. The listener is not told of it, or of
+  /// others, until something is closed or, some time later, there is room again.
+  void rest(OpenSocket& listener);
+  /// Something was closed: listeners that rest may try again.
+  void endRest();
+  /// Milliseconds until there is to be a look at whether there is room; -1 if nobody rests.
+  int restLeft() const;
   /// Something was read. `exhausted`: nothing more was there.
   void read(OpenSocket& socket, bool exhausted);
   /// The peer has closed, which reading has shown; or it has reset, a Winsock number.
@@ -53,11 +61,14 @@ class Selection {
   void examineConnection(OpenSocket& socket, std::uint32_t events);
   void examineDatagrams(OpenSocket& socket, std::uint32_t events);
   void examineLater(OpenSocket& socket);
+  void tryResting();
   bool hasUnread(OpenSocket& socket);
 
   MessageQueue& queue_;
   Poller& poller_;
   SocketTable& table_;
+  std::vector<std::int32_t> resting_;  ///< listeners
+  std::chrono::steady_clock::time_point restUntil_;
   std::vector<std::int32_t> listed_;
   std::vector<std::int32_t> examined_;
   std::vector<pollfd> polled_;

@@ -53,6 +53,10 @@ void SocketTable::removeAll() {
   }
 }
 
+bool SocketTable::full() const {
+  return free_.empty() && places_.size() == static_cast<std::size_t>(placeMask);
+}
+
 /// The place that has been free for longest, or a new one.
 SocketTable::Place* SocketTable::freePlace() {
   if (!free_.empty()) {
@@ -60,7 +64,7 @@ SocketTable::Place* SocketTable::freePlace() {
     free_.pop_front();
     return &place;
   }
-  if (places_.size() == static_cast<std::size_t>(placeMask)) return nullptr;
+  if (full()) return nullptr;
   Place& place = places_.emplace_back();
   place.next = static_cast<std::int32_t>(places_.size());
   return &place;

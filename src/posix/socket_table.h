@@ -47,6 +47,8 @@ class SocketTable {
   int remove(OpenSocket& socket);
   void removeAll();
 
+  /// Whether all places are taken.
+  bool full() const;
   std::size_t size() const { return places_.size() - free_.size(); }
   auto begin() { return places_.begin(); }
   auto end() { return places_.end(); }

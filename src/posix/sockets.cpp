@@ -71,6 +71,9 @@ bool isBroken(int error) {
                   error);
 }
 
+/// The system, or what it grants the process, has no room for one more socket.
+bool isShortage(int error) { return contains({EMFILE, ENFILE, ENOBUFS, ENOMEM}, error); }
+
 /// Makes a call again that a signal has interrupted.
 template <typename Call>
 auto uninterrupted(const Call& call) {
@@ -187,6 +190,7 @@ std::int32_t PosixSockets::closesocket(std::int32_t socket) {
   OpenSocket* const open = find(socket);
   if (open == nullptr) return winsock::failed;
   table_.remove(*open);
+  selection_.endRest();
   return 0;
 }
 
@@ -276,16 +280,25 @@ std::int32_t PosixSockets::accept(std::int32_t socket, SocketAddress& peer) {
   if (open == nullptr) return winsock::noSocket;
   if (!open->stream) return fail(error::operationNotSupported);
   if (open->phase != Phase::listening) return fail(error::invalidArgument);
+  if (table_.full()) return failAccepting(*open, EMFILE);
   sockaddr_in from{};
   socklen_t size = sizeof from;
   const int flags = SOCK_CLOEXEC | (open->nonBlocking ? SOCK_NONBLOCK : 0);
   Descriptor connection(uninterrupted(
       [&] { return ::accept4(open->descriptor.get(), general(from), &size, flags); }));
-  const int result = errno;
+  if (connection.get() < 0) return failAccepting(*open, errno);
   selection_.accepted(*open);
-  if (connection.get() < 0) return fail(winsockError(result));
   peer = fromSystem(from);
   return take(*open, std::move(connection));
+}
+
+std::int32_t PosixSockets::failAccepting(OpenSocket& listener, int error) {
+  if (isShortage(error)) {
+    selection_.rest(listener);
+  } else {
+    selection_.accepted(listener);
+  }
+  return fail(winsockError(error));
 }
 
 std::int32_t PosixSockets::take(OpenSocket& listener, Descriptor connection) {

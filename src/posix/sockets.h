@@ -65,6 +65,8 @@ class PosixSockets final : public Sockets {
   void notice(std::int32_t socket, std::uint32_t events) { selection_.notice(socket, events); }
   /// Posts what became of sockets that the poller does not tell of, since they only stay ready.
   void examineAgain() { selection_.examineAgain(); }
+  /// Milliseconds after which there is to be another look; -1 if none is needed.
+  int nextLook() const { return selection_.restLeft(); }
   /// Fills in and posts the look-ups that have ended.
   void finishLookUps();
 
@@ -89,6 +91,7 @@ class PosixSockets final : public Sockets {
   std::int32_t connectStream(OpenSocket& socket, const SocketAddress& address);
   std::int32_t connectDatagram(OpenSocket& socket, const SocketAddress& address);
   bool isReserved(const SocketAddress& address);
+  std::int32_t failAccepting(OpenSocket& listener, int error);
   std::int32_t take(OpenSocket& listener, Descriptor connection);
   std::int32_t transmit(OpenSocket& socket, std::span<const std::uint8_t> bytes, std::int32_t flags,
                         const SocketAddress* receiver);

@@ -10,6 +10,8 @@ Text fullName(const ControlDesign& design) {
   return join(design.name, u"(", decimal(design.index), u")");
 }
 
+}  // namespace
+
 bool takesFocus(ControlKind kind) {
   switch (kind) {
     case ControlKind::CommandButton:
@@ -25,8 +27,6 @@ bool takesFocus(ControlKind kind) {
   }
 }
 
-}  // namespace
-
 Control::Control(const ControlDesign& design) : Component(fullName(design)), design_(design) {
   Visible.design(design.visible);
   Enabled.design(design.enabled);
@@ -35,6 +35,10 @@ Control::Control(const ControlDesign& design) : Component(fullName(design)), des
   Width.design(design.place.width);
   Height.design(design.place.height);
   TabIndex.design(design.tabIndex);
+}
+
+bool Control::dropsDown() const {
+  return kind() == ControlKind::ComboBox || kind() == ControlKind::DriveListBox;
 }
 
 bool Control::showing() const {

@@ -36,6 +36,9 @@ struct Place {
   std::int32_t height = 0;
 };
 
+/// Whether a person can give a control of a kind the focus.
+bool takesFocus(ControlKind kind);
+
 /// One control as it stands at design time: a row of a form's table of controls.
 struct ControlDesign {
   TextView name;
@@ -65,6 +68,9 @@ class Control : public Component {
   /// The control that this one lies in; null for the form itself.
   Control* container() const { return container_; }
   void lieIn(Control* container) { container_ = container; }
+  /// True for a list of which one entry is seen until it drops down; the system gives such a list
+  /// its height.
+  bool dropsDown() const;
   /// True if the control and all that it lies in are visible.
   bool showing() const;
   /// True if a person can give it the focus, now.

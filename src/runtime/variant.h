@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -50,6 +51,10 @@ class Variant {
   static constexpr bool isOneOf(const std::variant<Types...>*) {
     return (std::is_same_v<T, Types> || ...);
   }
+  /// A letter of texts of another kind.
+  template <typename T>
+  static constexpr bool isOtherLetter = std::is_same_v<T, char> || std::is_same_v<T, wchar_t> ||
+                                        std::is_same_v<T, char8_t> || std::is_same_v<T, char32_t>;
 
  public:
   struct Null {
@@ -73,6 +78,15 @@ class Variant {
   Variant(T value) requires(isOneOf<T>(static_cast<const Value*>(nullptr)));
   Variant(TextView text);
   Variant(const char16_t* text);
+  /// No such text: the compiler says what to write instead.
+  template <typename Letter>
+  requires(isOtherLetter<Letter>) Variant(const Letter*) {
+    static_assert(!isOtherLetter<Letter>, "texts are UTF-16: write u\"...\" or fromUtf8(...)");
+  }
+  template <typename Letter>
+  requires(isOtherLetter<Letter>) Variant(const std::basic_string<Letter>&) {
+    static_assert(!isOtherLetter<Letter>, "texts are UTF-16: write u\"...\" or fromUtf8(...)");
+  }
   Variant(const Variant& other);
   Variant(Variant&& other) noexcept;
   Variant& operator=(const Variant& other);

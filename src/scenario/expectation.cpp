@@ -2,71 +2,20 @@
 
 #include <algorithm>
 #include <array>
-#include <stdexcept>
+#include <limits>
 
-#include "code_page/code_page.h"
-#include "script/matcher.h"
+#include "platform/operations.h"
+#include "scenario/matcher.h"
 
 namespace zev::scenario {
+
+Verdict verdict(const Json& expected, Json found) { return {matches(expected, found), found}; }
+
 namespace {
 
-/// A simulated machine as expectations ask it.
-class SimulatedWitness final : public Witness {
- public:
-  explicit SimulatedWitness(const simulated::SimulatedMachine& machine) : machine_(machine) {}
-
-  Text fromAnsi(std::string_view bytes) const override { return fromCodePage(bytes, codePage()); }
-
-  std::optional<Entry> entry(const Text& path) const override {
-    const auto found = machine_.disks().find(path);
-    if (!found) return std::nullopt;
-    return Entry{found->attributes, found->size};
-  }
-
-  std::optional<std::vector<std::uint8_t>> read(const Text& path, std::uint64_t offset,
-                                                std::uint64_t count) const override {
-    return machine_.disks().read(path, offset, count);
-  }
-
-  std::optional<std::string> sha256(const Text& path) const override {
-    return machine_.disks().sha256(path);
-  }
-
-  std::optional<std::vector<Text>> names(const Text& folder) const override {
-    return machine_.disks().names(folder);
-  }
-
-  std::optional<Value> value(RegistryKey hive, const Text& key, const Text& name) const override {
-    const auto found = machine_.registry().value(hive, key, name);
-    if (!found) return std::nullopt;
-    return told(*found);
-  }
-
-  std::optional<std::map<Text, Value>> values(RegistryKey hive, const Text& key) const override {
-    const auto node = machine_.registry().find(hive, key);
-    if (!node) return std::nullopt;
-    std::map<Text, Value> all;
-    for (const auto& [upper, named] : node->values) all[named.name] = told(named.value);
-    return all;
-  }
-
- private:
-  Value told(const simulated::RegistryValue& value) const {
-    Value all{value.type, std::nullopt, value.ansiBytes(codePage())};
-    if (value.isText()) all.text = value.text();
-    return all;
-  }
-
-  std::uint32_t codePage() const { return machine_.settings().system.codePage; }
-
-  const simulated::SimulatedMachine& machine_;
-};
-
-/// The kinds of key that files and registry answer, and the kinds that ask for more.
-using WitnessJudge = Verdict (*)(std::string_view rest, const Json& expected,
-                                 const Witness& witness);
-using SceneJudge = Verdict (*)(std::string_view rest, const KeyedValue& expectation,
-                               const Scene& scene);
+Json textOrNull(const std::optional<Text>& text) {
+  return text ? Json(toUtf8(*text)) : Json(nullptr);
+}
 
 Json listOf(const std::vector<Text>& texts) {
   Json list = Json::array();
@@ -74,204 +23,517 @@ Json listOf(const std::vector<Text>& texts) {
   return list;
 }
 
-bool isName(std::string_view wanted, std::string_view name) {
-  return equalText(fromUtf8(wanted), fromUtf8(name));
+std::string lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char each) {
+    return each >= 'A' && each <= 'Z' ? static_cast<char>(each + 32) : each;
+  });
+  return text;
 }
 
-Verdict judgeShortcut(std::string_view path, const KeyedValue& expectation, const Scene& scene) {
-  const auto properties = scene.machine.shortcut(fromUtf8(path));
-  const Json found = properties ? simulated::toJson(*properties) : Json(nullptr);
-  return verdict(normalShortcut(expectation.value), found);
-}
-
-// What happened.
-
-Verdict judgeBoxes(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return verdict(expectation.value, scene.boxes);
-}
-
-/// Each by its words, or as an object with its window and folder: as the expectation is written.
-Verdict judgeStarts(const Json& expected, const std::vector<simulated::Start>& starts,
-                    const char* what) {
-  const bool parts = wantsParts(expected);
-  Json found = Json::array();
-  for (const simulated::Start& each : starts) {
-    const Json words = toUtf8(each.what);
-    const Json all = {{what, words}, {"style", each.style}, {"directory", toUtf8(each.directory)}};
-    found.push_back(parts ? all : words);
+std::string hexOf(const std::vector<std::uint8_t>& bytes) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  std::string hex;
+  for (const std::uint8_t each : bytes) {
+    hex += digits[each >> 4];
+    hex += digits[each & 15];
   }
-  return verdict(expected, std::move(found));
+  return hex;
 }
 
-Verdict judgeShell(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return judgeStarts(expectation.value, scene.machine.records().shell, "command");
+/// An expected value with all that it denies brought into the form in which things are found.
+Json normalDenial(const Json& expected, Json (*normal)(const Json& expected)) {
+  Json denial = expected;
+  if (denial.is_object() && denial.contains("not")) denial["not"] = normal(denial["not"]);
+  return denial;
 }
 
-Verdict judgeDde(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return verdict(expectation.value, listOf(scene.machine.records().dde));
-}
-
-Verdict judgeOpened(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return judgeStarts(expectation.value, scene.machine.records().opened, "path");
-}
-
-Verdict judgeCalls(std::string_view name, const KeyedValue& expectation, const Scene& scene) {
-  return verdict(expectation.value, scene.machine.calls(name));
-}
-
-Verdict judgeEnded(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return judgeEnd(expectation.value, scene.ended);
-}
-
-// The program.
-
-Json activeForm(const Scene& scene) {
-  const Form* active = scene.machine.screen().activeForm();
-  return active == nullptr ? Json(nullptr) : Json(toUtf8(active->name()));
-}
-
-Verdict judgeActive(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  return verdict(expectation.value, activeForm(scene));
-}
-
-/// The control with the focus on the active form, as "Form1.Command2".
-Verdict judgeFocus(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  const Form* active = scene.machine.screen().activeForm();
-  const Control* focused = active == nullptr ? nullptr : scene.machine.screen().focused(*active);
-  if (focused == nullptr) return verdict(expectation.value, nullptr);
-  return verdict(expectation.value, toUtf8(join(active->name(), u".", focused->name())));
-}
-
-Verdict judgeGlobal(std::string_view name, const KeyedValue& expectation, const Scene& scene) {
-  auto value = scene.program.global(name);
-  if (!value) {
-    throw ScenarioError(expectation.path, "the program has no global " + std::string(name));
+/// A list of texts in an order of its own, so that the order of a set does not matter. One with
+/// conditions in it keeps its order.
+Json sorted(const Json& expected) {
+  Json list = normalDenial(expected, sorted);
+  const auto isText = [](const Json& each) { return each.is_string(); };
+  if (list.is_array() && std::all_of(list.begin(), list.end(), isText)) {
+    std::sort(list.begin(), list.end(), [](const Json& a, const Json& b) { return a < b; });
   }
-  if (Text* text = std::get_if<Text>(&*value)) *text = trim(beforeNul(*text));
-  return verdict(expectation.value, toJson(*value));
+  return list;
 }
 
-/// What a list offers beside its properties.
-std::optional<Json> listFact(const Control& control, std::string_view name) {
-  const auto* combo = dynamic_cast<const ComboBox*>(&control);
-  if (combo == nullptr) return std::nullopt;
-  if (isName(name, "ListCount")) return combo->ListCount();
-  if (!isName(name, "List")) return std::nullopt;
-  Json entries = Json::array();
-  for (std::int32_t place = 0; place < combo->ListCount(); ++place) {
-    entries.push_back(toUtf8(combo->List(place)));
+// Files and folders.
+
+void checkPath(std::string_view path, const JsonReader& expected) {
+  if (path.size() < 3 || path[1] != ':' || (path[2] != '\\' && path[2] != '/')) {
+    expected.fail("\"" + std::string(path) + "\" is no full path of the machine");
   }
-  return entries;
 }
 
-struct Found {
-  Component* component = nullptr;
-  std::string_view property;
+std::optional<Text> fileText(const Witness& witness, const Text& path) {
+  const auto entry = witness.entry(path);
+  const auto bytes = entry ? witness.read(path, 0, entry->size) : std::nullopt;
+  if (!bytes) return std::nullopt;
+  const std::string_view chars(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+  return witness.fromAnsi(chars);
+}
+
+/// A place and the bytes there, as many as are expected.
+void checkHexAt(const JsonReader& expected) {
+  const auto parts = expected.elements(2);
+  parts[0].whole(0, std::int64_t{1} << 40);
+  parts[1].hex();
+}
+
+Json factExists(const Witness& witness, const Text& path, const Json&) {
+  return witness.entry(path).has_value();
+}
+
+Json factSize(const Witness& witness, const Text& path, const Json&) {
+  const auto entry = witness.entry(path);
+  if (!entry || (entry->attributes & file_attribute::directory) != 0) return nullptr;
+  return entry->size;
+}
+
+Json factSha256(const Witness& witness, const Text& path, const Json&) {
+  const auto sum = witness.sha256(path);
+  return sum ? Json(*sum) : Json(nullptr);
+}
+
+Json factAttributes(const Witness& witness, const Text& path, const Json&) {
+  const auto entry = witness.entry(path);
+  if (!entry) return nullptr;
+  Json names = Json::array();
+  if ((entry->attributes & file_attribute::hidden) != 0) names.push_back("hidden");
+  if ((entry->attributes & file_attribute::readOnly) != 0) names.push_back("readonly");
+  if ((entry->attributes & file_attribute::system) != 0) names.push_back("system");
+  return names;
+}
+
+Json factHexAt(const Witness& witness, const Text& path, const Json& expected) {
+  const auto offset = expected.at(0).get<std::uint64_t>();
+  const auto count = expected.at(1).get_ref<const std::string&>().size() / 2;
+  const auto bytes = witness.read(path, offset, count);
+  return bytes ? Json::array({offset, hexOf(*bytes)}) : Json(nullptr);
+}
+
+Json factText(const Witness& witness, const Text& path, const Json&) {
+  return textOrNull(fileText(witness, path));
+}
+
+void checkAnything(const JsonReader& expected) { checkMatcher(expected); }
+
+void checkExists(const JsonReader& expected) { static_cast<void>(expected.truth()); }
+
+Json same(const Json& expected) { return expected; }
+
+Json lowerHex(const Json& expected) {
+  Json normal = normalDenial(expected, lowerHex);
+  if (normal.is_string()) normal = lower(normal.get<std::string>());
+  if (normal.is_array() && normal.size() == 2) normal[1] = lowerHex(normal[1]);
+  return normal;
+}
+
+/// Something that can be told of an entry: how it is checked, found, and brought into the form in
+/// which it is found.
+struct Fact {
+  std::string_view key;
+  void (*check)(const JsonReader& expected);
+  Json (*find)(const Witness& witness, const Text& path, const Json& expected);
+  Json (*normal)(const Json& expected);
 };
 
-/// The form that a control is looked for on whose form is not named.
-Form& requireActiveForm(const Scene& scene, const Name& name, const std::string& path) {
-  Form* active = scene.machine.screen().activeForm();
-  if (active != nullptr) return *active;
-  throw ScenarioError(path, "the program has no form " + name.parts.front() +
-                                ", and no form is active that could have such a control");
-}
-
-Found findComponent(const Name& name, const Scene& scene, const std::string& path) {
-  Form* form = findForm(scene.program, name.parts.front());
-  if (form != nullptr && name.parts.size() == 2) return {form, name.parts[1]};
-  if (form == nullptr && name.parts.size() == 3) {
-    throw ScenarioError(path, "the program has no form " + name.parts.front());
-  }
-  if (form == nullptr) form = &requireActiveForm(scene, name, path);
-  const std::string& control = name.parts[name.parts.size() - 2];
-  Control* found = form->findControl(fromUtf8(control));
-  if (found == nullptr) {
-    const std::string noForm =
-        name.parts.size() == 2 ? "the program has no form " + control + ", and " : "";
-    throw ScenarioError(path, noForm + toUtf8(form->name()) + " has no control " + control);
-  }
-  return {found, name.parts.back()};
-}
-
-PropertyBase& propertyOf(const Found& found, const std::string& path) {
-  PropertyBase* property = found.component->findProperty(found.property);
-  if (property == nullptr) {
-    throw ScenarioError(
-        path, toUtf8(found.component->name()) + " has no property " + std::string(found.property));
-  }
-  return *property;
-}
-
-Name splitName(std::string_view key, const std::string& path) {
-  const Json name = std::string(key);
-  return readName(JsonReader(name, {}, path), 3);
-}
-
-Verdict judgeProperty(std::string_view, const KeyedValue& expectation, const Scene& scene) {
-  const Name name = splitName(expectation.key, expectation.path);
-  const Found found = findComponent(name, scene, expectation.path);
-  if (const auto* control = dynamic_cast<const Control*>(found.component)) {
-    if (auto fact = listFact(*control, found.property)) return verdict(expectation.value, *fact);
-  }
-  return verdict(expectation.value, toJson(propertyOf(found, expectation.path).value()));
-}
-
-struct WitnessRow {
-  std::string_view kind;
-  WitnessJudge judge;
+constexpr Fact facts[] = {
+    {"exists", checkExists, factExists, same},
+    {"size", checkAnything, factSize, same},
+    {"sha256", checkAnything, factSha256, lowerHex},
+    {"attributes", checkAnything, factAttributes, sorted},
+    {"hexAt", checkHexAt, factHexAt, lowerHex},
+    {"text", checkAnything, factText, same},
 };
 
-constexpr WitnessRow witnessRows[] = {
-    {"file:", judgeFile},
-    {"dir:", judgeDirectory},
-    {"registry:", judgeRegistry},
-};
-
-struct SceneRow {
-  std::string_view kind;
-  SceneJudge judge;
-};
-
-constexpr SceneRow sceneRows[] = {
-    {"shortcut:", judgeShortcut}, {"calls:", judgeCalls}, {"global.", judgeGlobal},
-    {"boxes", judgeBoxes},        {"shell", judgeShell},  {"dde", judgeDde},
-    {"opened", judgeOpened},      {"ended", judgeEnded},  {"active", judgeActive},
-    {"focus", judgeFocus},        {"", judgeProperty},
-};
-
-Verdict judgeKind(const KeyedValue& expectation, const Scene& scene) {
-  const std::string_view kind = kindOfKey(expectation.key);
-  const auto rest = std::string_view(expectation.key).substr(kind.size());
-  for (const WitnessRow& row : witnessRows) {
-    if (row.kind == kind)
-      return row.judge(rest, expectation.value, SimulatedWitness(scene.machine));
-  }
-  for (const SceneRow& row : sceneRows) {
-    if (row.kind == kind) return row.judge(rest, expectation, scene);
-  }
-  throw std::logic_error("a kind of expectation that nobody judges");
-}
-
-}  // namespace
-
-Verdict judge(const KeyedValue& expectation, const Scene& scene) {
-  try {
-    return judgeKind(expectation, scene);
-  } catch (const std::invalid_argument& error) {  // a path that no file can have
-    throw ScenarioError(expectation.path, error.what());
-  }
-}
-
-Form* findForm(PlayedProgram& program, std::string_view name) {
-  for (Form* each : program.forms()) {
-    if (equalText(each->name(), fromUtf8(name))) return each;
+const Fact* findFact(std::string_view key) {
+  for (const Fact& each : facts) {
+    if (each.key == key) return &each;
   }
   return nullptr;
 }
 
-PropertyBase& findProperty(const Name& name, const Scene& scene, const std::string& path) {
-  return propertyOf(findComponent(name, scene, path), path);
+/// True if the value tells of an entry by facts, and does not stand for its content.
+bool isFacts(const Json& expected) { return expected.is_object() && !isCondition(expected); }
+
+/// True for `{"not": facts}`, the denial of facts or of another such denial.
+bool isDenial(const Json& expected) {
+  if (!expected.is_object() || expected.size() != 1 || !expected.contains("not")) return false;
+  return isFacts(expected.at("not")) || isDenial(expected.at("not"));
+}
+
+bool tellsFacts(const Json& expected) { return isFacts(expected) || isDenial(expected); }
+
+void checkFacts(const JsonReader& expected) {
+  if (isDenial(expected.json())) return checkFacts(expected.member("not"));
+  for (const auto& [key, value] : expected.members()) {
+    const Fact* fact = findFact(key);
+    if (fact == nullptr) {
+      failUnknownKey(value, key,
+                     {"exists", "size", "sha256", "attributes", "hexAt", "text", "contains",
+                      "matches", "not"});
+    }
+    fact->check(value);
+  }
+}
+
+Verdict judgeFacts(const Text& path, const Json& expected, const Witness& witness) {
+  if (isDenial(expected)) {
+    const Verdict denied = judgeFacts(path, expected.at("not"), witness);
+    return {!denied.held, denied.found};
+  }
+  Verdict all{true, Json::object()};
+  for (const auto& [key, value] : expected.items()) {
+    const Fact* fact = findFact(key);
+    const Json found = fact->find(witness, path, value);
+    all.held = all.held && matches(fact->normal(value), found);
+    all.found[key] = found;
+  }
+  return all;
+}
+
+void checkFile(std::string_view path, const JsonReader& expected) {
+  checkPath(path, expected);
+  if (tellsFacts(expected.json())) return checkFacts(expected);
+  checkMatcher(expected);
+}
+
+// The registry.
+
+struct ValuePlace {
+  RegistryKey hive = 0;
+  Text key;
+  std::optional<Text> name;  ///< none: the key itself
+};
+
+struct Hive {
+  TextView name;
+  RegistryKey key;
+};
+
+constexpr Hive hives[] = {
+    {u"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
+    {u"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
+    {u"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
+};
+
+std::optional<RegistryKey> hiveOf(const Text& name) {
+  for (const Hive& each : hives) {
+    if (each.name == name) return each.key;
+  }
+  return std::nullopt;
+}
+
+/// Takes "HIVE\key|name" apart; none if it does not begin with a hive.
+std::optional<ValuePlace> valuePlace(std::string_view written) {
+  const Text whole = fromUtf8(written);
+  const std::size_t bar = std::min(whole.find(u'|'), whole.size());
+  const TextView path = TextView(whole).substr(0, bar);
+  const std::size_t slash = std::min(path.find(u'\\'), path.size());
+  const auto hive = hiveOf(hiveName(path.substr(0, slash)));
+  if (!hive) return std::nullopt;
+  ValuePlace place{*hive, Text(path.substr(std::min(slash + 1, path.size()))), std::nullopt};
+  if (bar < whole.size()) place.name = whole.substr(bar + 1);
+  return place;
+}
+
+void checkRegistry(std::string_view written, const JsonReader& expected) {
+  if (!valuePlace(written)) {
+    expected.fail("the key is written as HKEY_LOCAL_MACHINE\\Software\\Key|Name");
+  }
+  checkMatcher(expected);
+  checkNumbers(expected, std::numeric_limits<std::int32_t>::min(),
+               std::numeric_limits<std::uint32_t>::max());
+}
+
+/// Whether the expected value is written as an object of its parts, and with bytes rather than a
+/// text.
+struct Wish {
+  bool parts = false;
+  bool hex = false;
+};
+
+Wish wishOf(const Json& expected) {
+  if (!expected.is_object()) return {};
+  if (expected.contains("not")) return wishOf(expected.at("not"));
+  return {!isCondition(expected), expected.contains("hex")};
+}
+
+/// The number that four bytes stand for, the lowest first.
+std::uint32_t numberOf(const std::vector<std::uint8_t>& bytes) {
+  std::uint32_t number = 0;
+  for (unsigned place = 0; place < 4; ++place) {
+    number |= static_cast<std::uint32_t>(bytes[place]) << (8 * place);
+  }
+  return number;
+}
+
+/// A value as a scenario writes it: a text, a number, or its type with its text or bytes.
+Json dataOf(const Witness::Value& value, const Wish& wish) {
+  const bool plainText = value.type == registry_type::text && value.text;
+  const bool plainNumber = value.type == registry_type::number && value.bytes.size() == 4;
+  if (!wish.parts && plainText) return toUtf8(*value.text);
+  if (!wish.parts && plainNumber) return numberOf(value.bytes);
+  if (value.text && !wish.hex) return {{"type", value.type}, {"text", toUtf8(*value.text)}};
+  return {{"type", value.type}, {"hex", hexOf(value.bytes)}};
+}
+
+Json normalRegistry(const Json& expected) {
+  Json normal = expected;
+  if (normal.is_number_integer()) return static_cast<std::uint32_t>(normal.get<std::int64_t>());
+  if (!normal.is_object()) return normal;
+  if (normal.contains("hex")) normal["hex"] = lowerHex(normal["hex"]);
+  if (normal.contains("not")) normal["not"] = normalRegistry(normal["not"]);
+  return normal;
+}
+
+/// A key as the object of its values, each in the way in which `expected` writes it; null if the
+/// key is not there.
+Json keyToJson(const ValuePlace& place, const Json& expected, const Witness& witness) {
+  const auto found = witness.values(place.hive, place.key);
+  if (!found) return nullptr;
+  Json values = Json::object();
+  for (const auto& [text, value] : *found) {
+    const std::string name = toUtf8(text);
+    values[name] = dataOf(value, expected.contains(name) ? wishOf(expected.at(name)) : Wish{});
+  }
+  return values;
+}
+
+Json normalValues(const Json& expected) {
+  if (!expected.is_object() || isCondition(expected)) return normalRegistry(expected);
+  Json normal = Json::object();
+  for (const auto& [name, value] : expected.items()) normal[name] = normalRegistry(value);
+  return normal;
+}
+
+// Shortcuts.
+
+constexpr std::string_view shortcutProperties[] = {
+    "TargetPath", "Arguments", "WindowStyle", "IconLocation", "Description", "WorkingDirectory",
+};
+
+/// The name of a property as the automation object spells it; empty for none of its.
+std::string_view shortcutProperty(const std::string& written) {
+  for (const std::string_view each : shortcutProperties) {
+    if (lower(std::string(each)) == lower(written)) return each;
+  }
+  return {};
+}
+
+void checkShortcutProperties(const JsonReader& expected) {
+  if (isDenial(expected.json())) return checkShortcutProperties(expected.member("not"));
+  if (!isFacts(expected.json())) return;
+  for (const auto& [key, value] : expected.members()) {
+    if (!shortcutProperty(key).empty()) continue;
+    failUnknownKey(value, key, {std::begin(shortcutProperties), std::end(shortcutProperties)});
+  }
+}
+
+void checkShortcut(std::string_view path, const JsonReader& expected) {
+  checkPath(path, expected);
+  checkMatcher(expected);
+  checkShortcutProperties(expected);
+}
+
+// What happened.
+
+constexpr KeyRow<std::nullptr_t> boxKeys[] = {
+    {"text", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+    {"title", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+    {"style", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+    {"answer", [](const JsonReader& value, std::nullptr_t&) { checkMatcher(value); }},
+};
+
+void checkBoxes(std::string_view, const JsonReader& expected) {
+  checkMatcher(expected);
+  if (!expected.json().is_array()) {
+    if (!isCondition(expected.json())) expected.failWanted("a list of boxes");
+    return;
+  }
+  for (const JsonReader& each : expected.elements()) {
+    std::nullptr_t nothing = nullptr;
+    if (!isCondition(each.json())) readObject(each, boxKeys, nothing);
+  }
+}
+
+void checkValue(std::string_view, const JsonReader& expected) { checkMatcher(expected); }
+
+// What was started.
+
+/// How an expectation tells of what was started: by its words alone, or as objects of its parts.
+struct StartWish {
+  bool words = false;
+  bool parts = false;
+};
+
+StartWish startWish(const Json& expected) {
+  if (isFacts(expected)) return {false, true};
+  StartWish wish{expected.is_string(), false};
+  if (!expected.is_structured()) return wish;
+  for (const Json& each : expected) {
+    const StartWish inner = startWish(each);
+    wish = {wish.words || inner.words, wish.parts || inner.parts};
+  }
+  return wish;
+}
+
+void checkParts(const JsonReader& expected, const std::vector<std::string_view>& known) {
+  if (expected.json().is_array()) {
+    for (const JsonReader& each : expected.elements()) checkParts(each, known);
+  }
+  if (!expected.isObject()) return;
+  for (const auto& [key, value] : expected.members()) {
+    if (isCondition(expected.json())) {
+      checkParts(value, known);
+    } else if (std::find(known.begin(), known.end(), key) == known.end()) {
+      failUnknownKey(value, key, known);
+    }
+  }
+}
+
+/// Words that stand beside objects would be held against objects, and a denial of them always hold.
+void checkStarts(const JsonReader& expected, std::string_view what) {
+  checkMatcher(expected);
+  checkParts(expected, {what, "style", "directory"});
+  const StartWish wish = startWish(expected.json());
+  if (wish.words && wish.parts) {
+    expected.fail("texts beside objects: give each as an object with its " + std::string(what));
+  }
+}
+
+void checkShell(std::string_view, const JsonReader& expected) { checkStarts(expected, "command"); }
+
+void checkOpened(std::string_view, const JsonReader& expected) { checkStarts(expected, "path"); }
+
+void checkProperty(std::string_view, const JsonReader& expected) { checkPropertyValue(expected); }
+
+void checkCalls(std::string_view name, const JsonReader& expected) {
+  if (!findOperation(name)) expected.fail("no operation \"" + std::string(name) + "\"");
+  checkMatcher(expected);
+}
+
+void checkEnded(std::string_view, const JsonReader& expected) {
+  const Json& value = expected.json();
+  checkMatcher(expected);
+  if (value.is_null() || value == "unload" || value == "exit" || value == "error") return;
+  if (isCondition(value) || (value.is_object() && value.contains("error"))) return;
+  expected.fail("an end is null, \"unload\", \"exit\", \"error\" or {\"error\": number}");
+}
+
+/// Whether an end is expected with the number of its error, and not by its word alone.
+bool wantsNumber(const Json& expected) {
+  if (isCondition(expected)) return expected.contains("not") && wantsNumber(expected.at("not"));
+  return expected.is_object();
+}
+
+// The kinds of key.
+
+/// One kind of key: how it begins (or its whole name), and how it is checked. `rest` is what stands
+/// behind the beginning.
+struct KeyKind {
+  std::string_view start;
+  bool whole;
+  void (*check)(std::string_view rest, const JsonReader& expected);
+};
+
+constexpr KeyKind keyKinds[] = {
+    {"file:", false, checkFile},         {"dir:", false, checkFile},
+    {"registry:", false, checkRegistry}, {"shortcut:", false, checkShortcut},
+    {"calls:", false, checkCalls},       {"global.", false, checkProperty},
+    {"boxes", true, checkBoxes},         {"shell", true, checkShell},
+    {"dde", true, checkValue},           {"opened", true, checkOpened},
+    {"ended", true, checkEnded},         {"active", true, checkValue},
+    {"focus", true, checkValue},
+};
+
+constexpr KeyKind propertyKind{"", false, checkProperty};
+
+/// The kind of a key; null for one that no kind has.
+const KeyKind* kindOf(std::string_view key) {
+  for (const KeyKind& each : keyKinds) {
+    if (each.whole ? key == each.start : key.starts_with(each.start)) return &each;
+  }
+  return isPropertyKey(key) ? &propertyKind : nullptr;
+}
+
+}  // namespace
+
+Verdict judgeFile(std::string_view rest, const Json& expected, const Witness& witness) {
+  const Text file = fromUtf8(rest);
+  if (tellsFacts(expected)) return judgeFacts(file, expected, witness);
+  return verdict(expected, textOrNull(fileText(witness, file)));
+}
+
+Verdict judgeDirectory(std::string_view rest, const Json& expected, const Witness& witness) {
+  const Text directory = fromUtf8(rest);
+  if (tellsFacts(expected)) return judgeFacts(directory, expected, witness);
+  const auto names = witness.names(directory);
+  Json found = names ? sorted(listOf(*names)) : Json(nullptr);
+  return verdict(sorted(expected), std::move(found));
+}
+
+Verdict judgeRegistry(std::string_view rest, const Json& expected, const Witness& witness) {
+  const ValuePlace place = valuePlace(rest).value();
+  if (!place.name) return verdict(normalValues(expected), keyToJson(place, expected, witness));
+  const auto value = witness.value(place.hive, place.key, *place.name);
+  Json found;
+  if (value) found = dataOf(*value, wishOf(expected));
+  return verdict(normalRegistry(expected), std::move(found));
+}
+
+Verdict judgeEnd(const Json& expected, const Json& ended) {
+  const bool byWord = ended.is_object() && !wantsNumber(expected);
+  return {matches(expected, byWord ? Json("error") : ended), ended};
+}
+
+bool wantsParts(const Json& expected) { return startWish(expected).parts; }
+
+Json normalShortcut(const Json& expected) {
+  if (!isFacts(expected)) return normalDenial(expected, normalShortcut);
+  Json normal = Json::object();
+  for (const auto& [key, value] : expected.items()) normal[shortcutProperty(key)] = value;
+  return normal;
+}
+
+bool isPropertyKey(std::string_view key) {
+  const auto parts = partsOfName(key);
+  return parts && (parts->size() == 2 || parts->size() == 3);
+}
+
+void checkPropertyValue(const JsonReader& expected) {
+  checkMatcher(expected);
+  checkNumbers(expected, std::numeric_limits<std::int32_t>::min(),
+               std::numeric_limits<std::int32_t>::max());
+}
+
+void checkExpectation(const std::string& key, const JsonReader& expected) {
+  const KeyKind* kind = kindOf(key);
+  if (kind == nullptr) {
+    expected.fail("unknown key \"" + key +
+                  "\"; the keys are Form.Control.Property, global., file:, dir:, registry:, "
+                  "shortcut:, boxes, shell, dde, opened, calls:, ended, active, focus");
+  }
+  kind->check(std::string_view(key).substr(kind->start.size()), expected);
+}
+
+std::string_view kindOfKey(std::string_view key) {
+  const KeyKind* kind = kindOf(key);
+  return kind == nullptr ? std::string_view() : kind->start;
+}
+
+Json toJson(const PropertyValue& value) {
+  if (const auto* text = std::get_if<Text>(&value)) return toUtf8(*text);
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
+  return std::get<bool>(value);
+}
+
+PropertyValue toPropertyValue(const Json& value) {
+  if (value.is_boolean()) return value.get<bool>();
+  if (value.is_number_integer()) return value.get<std::int32_t>();
+  return fromUtf8(value.get_ref<const std::string&>());
 }
 
 }  // namespace zev::scenario

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "scenario/expectation.h"
-#include "script/matcher.h"
+#include "scenario/matcher.h"
 
 namespace zev::scenario {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "runtime/form.h"
-#include "script/script.h"
+#include "scenario/script.h"
 
 namespace zev::scenario {
 

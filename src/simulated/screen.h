@@ -7,7 +7,6 @@
 
 #include "platform/message_queue.h"
 #include "runtime/application.h"
-#include "simulated/instrumentation.h"
 #include "simulated/person.h"
 #include "simulated/transcript.h"
 
@@ -19,7 +18,7 @@ namespace zev::simulated {
 class Screen final : public FormEngine {
  public:
   /// Borrows all three.
-  Screen(Person& person, Transcript& transcript, Instrumentation& instrumentation)
+  Screen(Person& person, Transcript& transcript, observed::Instrumentation& instrumentation)
       : person_(person), transcript_(transcript), instrumentation_(instrumentation) {}
   /// The program whose screen this is, and the messages of its hidden windows; before anything else
   /// is called.
@@ -73,7 +72,7 @@ class Screen final : public FormEngine {
 
   Person& person_;
   Transcript& transcript_;
-  Instrumentation& instrumentation_;
+  observed::Instrumentation& instrumentation_;
   Application* application_ = nullptr;
   MessageQueue* queue_ = nullptr;
   std::map<const Component*, Form*> forms_;  ///< of every component of a loaded form

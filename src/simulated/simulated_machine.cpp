@@ -4,13 +4,13 @@
 #include <utility>
 
 #include "lz/lz_files.h"
+#include "observed/files.h"
+#include "observed/lz.h"
+#include "observed/programs.h"
+#include "observed/registry.h"
+#include "observed/sockets.h"
+#include "observed/system.h"
 #include "platform/runtime_files.h"
-#include "simulated/instrumented_files.h"
-#include "simulated/instrumented_lz.h"
-#include "simulated/instrumented_programs.h"
-#include "simulated/instrumented_registry.h"
-#include "simulated/instrumented_sockets.h"
-#include "simulated/instrumented_system.h"
 #include "simulated/network/simulated_kernel.h"
 #include "simulated/network/simulated_sockets.h"
 #include "simulated/registry_export.h"
@@ -30,11 +30,12 @@ namespace zev::simulated {
 
 struct SimulatedMachine::State {
   State(Person& whose, Transcript& transcript)
-      : person(whose), machine(transcript), instrumentation(transcript) {}
+      : person(whose), machine(transcript), calls(transcript) {}
 
   Person& person;
   MachineState machine;
-  Instrumentation instrumentation;
+  CallEvents calls;
+  observed::Instrumentation instrumentation{calls};
 };
 
 /// What one process owns: the services themselves and, around each, what observes it.
@@ -46,7 +47,7 @@ struct SimulatedMachine::Process {
   }
 
   MachineState& machine;
-  Instrumentation& watch;
+  observed::Instrumentation& watch;
   Person& person;
 
   MessageQueue queue;
@@ -69,20 +70,23 @@ struct SimulatedMachine::Process {
   SimulatedSockets plainSockets{machine.network, queue};
   SimulatedKernel plainKernel;
 
-  InstrumentedFiles files{runtimeFiles, watch};
-  InstrumentedLz lz{lzFiles, watch};
-  InstrumentedRegistry registry{plainRegistry, watch};
-  InstrumentedSystem system{plainSystem, watch};
-  InstrumentedDrives drives{plainDrives, watch};
-  InstrumentedWindows windows{plainWindows, watch};
-  InstrumentedProcesses processes{plainProcesses, watch};
-  InstrumentedShellFolders shellFolders{plainShellFolders, watch};
-  InstrumentedShortcuts shortcuts{plainShortcuts, watch};
-  InstrumentedDde dde{plainDde, watch};
-  InstrumentedDialogs dialogs{plainDialogs, watch};
-  InstrumentedSockets sockets{plainSockets, watch};
-  InstrumentedMessageWindows messageWindows{queue, watch};
-  InstrumentedKernel kernel{plainKernel, watch};
+  observed::Files files{runtimeFiles, watch};
+  observed::Lz lz{lzFiles, watch};
+  observed::Registry registry{plainRegistry, watch};
+  observed::System system{plainSystem, watch};
+  observed::Drives drives{plainDrives, watch};
+  observed::Windows windows{plainWindows, watch};
+  observed::Processes processes{
+      plainProcesses, watch, [this](TextView commandLine, std::int32_t style, std::int32_t error) {
+        plainProcesses.recordShell(commandLine, style, error);
+      }};
+  observed::ShellFolders shellFolders{plainShellFolders, watch};
+  observed::Shortcuts shortcuts{plainShortcuts, watch};
+  observed::Dde dde{plainDde, watch};
+  observed::Dialogs dialogs{plainDialogs, watch};
+  observed::Sockets sockets{plainSockets, watch};
+  observed::MessageWindows messageWindows{queue, watch};
+  observed::Kernel kernel{plainKernel, watch};
 
   Platform platform{application, dialogs, files,   registry,       lz,
                     system,      drives,  windows, processes,      shellFolders,

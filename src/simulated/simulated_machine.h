@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "observed/fault.h"
 #include "platform/platform.h"
 #include "simulated/disks.h"
 #include "simulated/hand.h"
@@ -19,6 +20,8 @@
 #include "simulated/transcript.h"
 
 namespace zev::simulated {
+
+using observed::Fault;
 
 /// Handles that the running program has opened and not closed.
 struct OpenHandles {

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "observed/instrumentation.h"
+
 namespace zev::simulated {
 
 /// One event of a run: an object whose first member `event` names its kind.
@@ -40,6 +42,20 @@ class Transcript {
   /// Whether events of this kind are wanted. An event that is not is never made.
   virtual bool wants(std::string_view kind) const = 0;
   virtual void add(Event event) = 0;
+};
+
+/// Tells each call as an event `call`, where those are wanted.
+class CallEvents final : public observed::Listener {
+ public:
+  /// Borrows the transcript.
+  explicit CallEvents(Transcript& transcript) : transcript_(transcript) {}
+
+  bool listens() const override { return transcript_.wants("call"); }
+  void called(const observed::Operation& operation, observed::Arguments arguments,
+              const observed::Outcome& outcome) override;
+
+ private:
+  Transcript& transcript_;
 };
 
 /// Keeps nothing.

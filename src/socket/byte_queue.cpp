@@ -11,6 +11,17 @@ constexpr std::size_t worthKeeping = std::size_t{1} << 20;
 
 }  // namespace
 
+void SpareMemory::give(std::vector<std::uint8_t>& memory) {
+  if (memory.capacity() <= spare_.capacity() || memory.capacity() > most) return;
+  memory.clear();
+  spare_ = std::exchange(memory, {});
+}
+
+void SpareMemory::take(std::vector<std::uint8_t>& memory, std::size_t bytes) {
+  if (memory.capacity() >= bytes || spare_.capacity() < bytes) return;
+  memory = std::exchange(spare_, {});
+}
+
 std::span<const std::uint8_t> ByteQueue::front(std::size_t count) const {
   if (!borrowed_.empty()) return borrowed_.first(std::min(count, borrowed_.size()));
   return std::span(bytes_).subspan(taken_, std::min(count, size()));
@@ -23,16 +34,16 @@ void ByteQueue::append(std::span<const std::uint8_t> bytes) {
 }
 
 /// Once more than half is gone the rest moves to the front: each byte moves at most once for every
-/// byte that was dropped. Memory grows by half at least, for the same reason.
+/// byte that was dropped. Memory doubles at least, for the same reason.
 void ByteQueue::reserve(std::size_t more) {
   if (taken_ > bytes_.size() / 2) {
     bytes_.erase(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(taken_));
     taken_ = 0;
   }
   const std::size_t needed = bytes_.size() + more;
-  if (needed > bytes_.capacity()) {
-    bytes_.reserve(std::max(needed, bytes_.capacity() + bytes_.capacity() / 2));
-  }
+  const bool large = needed > worthKeeping;
+  if (large && bytes_.empty() && spare_ != nullptr) spare_->take(bytes_, needed);
+  if (needed > bytes_.capacity()) bytes_.reserve(std::max(needed, 2 * bytes_.capacity()));
 }
 
 void ByteQueue::borrow(std::span<const std::uint8_t> bytes) {
@@ -45,6 +56,8 @@ void ByteQueue::borrow(std::span<const std::uint8_t> bytes) {
 
 void ByteQueue::keep() {
   const auto rest = std::exchange(borrowed_, {});
+  if (rest.empty()) return;
+  reserve(rest.size());
   bytes_.insert(bytes_.end(), rest.begin(), rest.end());
 }
 
@@ -78,6 +91,7 @@ std::vector<std::uint8_t> ByteQueue::take(std::size_t count) {
 
 void ByteQueue::clear() {
   borrowed_ = {};
+  if (spare_ != nullptr && bytes_.capacity() > worthKeeping) spare_->give(bytes_);
   bytes_ = {};
   taken_ = 0;
 }

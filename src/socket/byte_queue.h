@@ -7,10 +7,30 @@
 
 namespace zev {
 
+/// Memory that one queue has done with and another one, or the same, needs next: what was handed
+/// out by the system and cleared once is not handed out and cleared again.
+class SpareMemory {
+ public:
+  /// The most that lies idle, in bytes.
+  static constexpr std::size_t most = std::size_t{64} << 20;
+
+  /// Keeps memory if it is more than there is already, but not too much. The vector is empty then.
+  void give(std::vector<std::uint8_t>& memory);
+  /// Memory for so many bytes for an empty vector, if there is any.
+  void take(std::vector<std::uint8_t>& memory, std::size_t bytes);
+
+ private:
+  std::vector<std::uint8_t> spare_;
+};
+
 /// Bytes that wait, in one piece of memory: appended at the end, taken from the front. Each byte is
 /// moved a bounded number of times however many wait.
 class ByteQueue {
  public:
+  ByteQueue() = default;
+  /// Borrows where large memory comes from and goes to, which outlives the queue.
+  explicit ByteQueue(SpareMemory& spare) : spare_(&spare) {}
+
   std::size_t size() const { return borrowed_.size() + bytes_.size() - taken_; }
   bool empty() const { return size() == 0; }
   /// The first `count` bytes, at most all; valid until the queue changes.
@@ -37,6 +57,7 @@ class ByteQueue {
   std::span<const std::uint8_t> borrowed_;  ///< if any, there are no others
   std::vector<std::uint8_t> bytes_;
   std::size_t taken_ = 0;  ///< bytes at the front that are gone
+  SpareMemory* spare_ = nullptr;
 };
 
 }  // namespace zev

@@ -203,6 +203,7 @@ class CEventSocket final : public NotificationTarget,
   void makeRoom(std::vector<std::uint8_t>& scratch, std::size_t most);
   std::int32_t RecvData(Variant& data, Peek peek, Variant& varType, const Variant& maxLen);
   std::int32_t fetchBytes(Variant& data, VariantType type, Peek peek, const Variant& maxLen);
+  void storeBytes(Variant& data, std::vector<std::uint8_t> bytes);
   std::int32_t fetchNumber(Variant& data, VariantType type, Peek peek);
   std::int32_t fetch(Variant& data, Variant& varType, Variant& maxLen, Peek peek, TextView source);
   std::vector<std::uint8_t> ReadBytes(std::int32_t count, Peek peek, std::int32_t& error);
@@ -230,7 +231,7 @@ class CEventSocket final : public NotificationTarget,
   GlobalHandle resolveBufferHandle_ = 0;
   std::int32_t sendChunkSize_ = 0;  ///< largest piece for one `send`
   std::int32_t recvChunkSize_ = 0;  ///< size of one `recv`
-  ByteQueue sendBuffer_;
+  ByteQueue sendBuffer_{module_.spareMemory()};
   ByteQueue recvBuffer_;
   bool acceptClass_ = false;                  ///< holds a connection until somebody takes it
   Collection<std::int32_t> pendingResolves_;  ///< destinations by look-up

@@ -292,10 +292,19 @@ std::int32_t CEventSocket::fetchBytes(Variant& data, VariantType type, Peek peek
   if (type == VariantType::String) {
     data = module_.services().kernel.fromAnsi(charactersOf(bytes));
   } else {
-    data = std::move(bytes);
+    storeBytes(data, std::move(bytes));
   }
   if (error != 0) raiseWinsockError(error, source);
   return amount;
+}
+
+/// The memory of the bytes that were there serves for those that come next: who fetches into the
+/// same variant again and again needs no more.
+void CEventSocket::storeBytes(Variant& data, std::vector<std::uint8_t> bytes) {
+  Bytes former;
+  if (data.get<Bytes>() != nullptr) former = data.take<Bytes>();
+  data = std::move(bytes);
+  module_.giveBack(std::move(former));
 }
 
 std::int32_t CEventSocket::fetchNumber(Variant& data, VariantType type, Peek peek) {

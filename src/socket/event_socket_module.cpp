@@ -67,6 +67,13 @@ void modEventSocket::instanceEnded(InstancePointer instance) {
                    thunk_.resolveTable().holds(instance) || thunk_.socketTable().holds(instance));
 }
 
+void modEventSocket::giveBack(std::vector<std::uint8_t> memory) {
+  constexpr std::size_t worthKeeping = std::size_t{1} << 20;
+  if (memory.capacity() <= worthKeeping && memory.capacity() > scratch_.capacity()) {
+    scratch_ = std::move(memory);
+  }
+}
+
 // ---- the window
 
 std::int32_t modEventSocket::CreateWinsockMessageWindow() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "runtime/collection.h"
+#include "socket/byte_queue.h"
 #include "socket/socket_services.h"
 #include "socket/thunk.h"
 #include "socket/trace.h"
@@ -82,6 +83,10 @@ class modEventSocket {
   void instanceEnded(InstancePointer instance);
   /// Bytes that a call fills and its caller takes out before anything else runs.
   std::vector<std::uint8_t>& scratch() { return scratch_; }
+  /// Memory that some call may fill next, as that above.
+  void giveBack(std::vector<std::uint8_t> memory);
+  /// Where sockets leave large memory for each other.
+  SpareMemory& spareMemory() { return spareMemory_; }
 
   // ---- for programs and tests
 
@@ -120,6 +125,7 @@ class modEventSocket {
   std::optional<Collection<InstancePointer>> socketCollection_;
   std::optional<Collection<std::shared_ptr<CEventSocket>>> acceptCollection_;
   std::vector<std::uint8_t> scratch_;
+  SpareMemory spareMemory_;
 };
 
 }  // namespace zev

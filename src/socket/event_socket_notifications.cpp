@@ -124,7 +124,9 @@ void CEventSocket::onAccept() {
   SocketAddress peer;
   const std::int32_t accepted = sockets_.accept(socketHandle_, peer);
   if (accepted == winsock::failed) {
-    raiseWinsockError(lastError(), u"CEventSocket.PostSocket");
+    const std::int32_t reason = lastError();
+    module_.trace().line(u"ERROR trying to accept: ", WinsockErrorText(reason));
+    raiseWinsockError(reason, u"CEventSocket.PostSocket");
   }
   module_.trace().line(u"OK Accepted socket: ", accepted);
   module_.RegisterAccept(accepted);

@@ -1,34 +1,66 @@
 #include "socket/handle_table.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace zev {
 
 HandleTable::Added HandleTable::add(std::int32_t handle, InstancePointer instance) {
-  for (std::size_t slot = 0; slot < static_cast<std::size_t>(count_); ++slot) {
-    if (handles_[slot] == freeCell) {
-      handles_[slot] = handle;
-      objects_[slot] = instance;
-      return Added::InFreeSlot;
-    }
-    if (handles_[slot] == handle) return Added::Known;
+  const std::size_t known = slotOf(handle);
+  if (!free_.empty() && free_.front() <= known) {
+    const std::size_t slot = free_.front();
+    std::pop_heap(free_.begin(), free_.end(), std::greater<>());
+    free_.pop_back();
+    forget(slot);
+    put(slot, handle, instance);
+    return Added::InFreeSlot;
   }
-  ++count_;
-  handles_.resize(static_cast<std::size_t>(count_));
-  objects_.resize(static_cast<std::size_t>(count_));
-  handles_.back() = handle;
-  objects_.back() = instance;
+  if (known != none) return Added::Known;
+  const auto slot = static_cast<std::size_t>(count_++);
+  handles_.resize(slot + 1);
+  objects_.resize(slot + 1);
+  put(slot, handle, instance);
   return Added::AtTheEnd;
+}
+
+/// A slot that takes the handle of free ones is one of them.
+void HandleTable::put(std::size_t slot, std::int32_t handle, InstancePointer instance) {
+  handles_[slot] = handle;
+  objects_[slot] = instance;
+  ++held_[instance];
+  if (handle == freeCell) return release(slot);
+  slots_.emplace(handle, slot);
+}
+
+void HandleTable::release(std::size_t slot) {
+  free_.push_back(slot);
+  std::push_heap(free_.begin(), free_.end(), std::greater<>());
+}
+
+/// The instance of a slot stands there no more.
+void HandleTable::forget(std::size_t slot) {
+  const auto held = held_.find(objects_[slot]);
+  if (held != held_.end() && --held->second == 0) held_.erase(held);
 }
 
 void HandleTable::remove(std::int32_t handle) {
   const std::size_t slot = slotOf(handle);
-  if (slot != none) handles_[slot] = objects_[slot] = freeCell;
+  if (slot == none) return;
+  forget(slot);
+  handles_[slot] = objects_[slot] = freeCell;
+  ++held_[freeCell];
+  if (handle == freeCell) return;
+  const auto [begin, end] = slots_.equal_range(handle);
+  slots_.erase(std::find_if(begin, end, [&](const auto& each) { return each.second == slot; }));
+  release(slot);
 }
 
 void HandleTable::replace(std::int32_t handle, InstancePointer instance) {
   const std::size_t slot = slotOf(handle);
-  if (slot != none) objects_[slot] = instance;
+  if (slot == none) return;
+  forget(slot);
+  objects_[slot] = instance;
+  ++held_[instance];
 }
 
 InstancePointer HandleTable::find(std::int32_t handle) const {
@@ -36,14 +68,13 @@ InstancePointer HandleTable::find(std::int32_t handle) const {
   return slot == none ? noInstance : objects_[slot];
 }
 
-bool HandleTable::holds(InstancePointer instance) const {
-  return std::find(objects_.begin(), objects_.begin() + count_, instance) !=
-         objects_.begin() + count_;
-}
+bool HandleTable::holds(InstancePointer instance) const { return held_.count(instance) != 0; }
 
-std::int32_t HandleTable::used() const {
-  return count_ - static_cast<std::int32_t>(
-                      std::count(handles_.begin(), handles_.begin() + count_, freeCell));
+void HandleTable::clear() {
+  count_ = 0;
+  slots_.clear();
+  held_.clear();
+  free_.clear();
 }
 
 void HandleTable::shrink() {
@@ -54,10 +85,13 @@ void HandleTable::shrink() {
   objects_.shrink_to_fit();
 }
 
+/// The first one, if the handle has several.
 std::size_t HandleTable::slotOf(std::int32_t handle) const {
-  const auto end = handles_.begin() + count_;
-  const auto found = std::find(handles_.begin(), end, handle);
-  return found == end ? none : static_cast<std::size_t>(found - handles_.begin());
+  if (handle == freeCell) return free_.empty() ? none : free_.front();
+  std::size_t first = none;
+  const auto [begin, end] = slots_.equal_range(handle);
+  for (auto each = begin; each != end; ++each) first = std::min(first, each->second);
+  return first;
 }
 
 }  // namespace zev

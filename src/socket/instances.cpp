@@ -1,6 +1,5 @@
 #include "socket/instances.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -49,10 +48,11 @@ InstancePointer Instances::add(std::weak_ptr<NotificationTarget> target) {
   if (free_.empty()) {
     free_.push_back(entries_.size());
     entries_.emplace_back();
+    if constexpr (addressesFit) places_[pointerTo(free_.back())] = free_.back();
   }
   const std::size_t place = free_.back();
   free_.pop_back();
-  entries_[place] = {MethodTable::methods(), this, std::move(target), place, false};
+  entries_[place] = {MethodTable::methods(), this, std::move(target), place};
   return pointerTo(place);
 }
 
@@ -66,10 +66,8 @@ InstancePointer Instances::pointerTo(std::size_t place) {
 
 Instances::Entry* Instances::find(InstancePointer pointer) {
   if constexpr (addressesFit) {
-    const auto found = std::find_if(entries_.begin(), entries_.end(), [&](const Entry& each) {
-      return static_cast<InstancePointer>(reinterpret_cast<std::uintptr_t>(&each)) == pointer;
-    });
-    return found == entries_.end() ? nullptr : &*found;
+    const auto found = places_.find(pointer);
+    return found == places_.end() ? nullptr : &entries_[found->second];
   } else {
     if (pointer < 1 || static_cast<std::size_t>(pointer) > entries_.size()) return nullptr;
     return &entries_[static_cast<std::size_t>(pointer) - 1];
@@ -80,14 +78,12 @@ void Instances::ended(InstancePointer pointer, bool held) {
   Entry* const entry = find(pointer);
   if (entry == nullptr) return;
   entry->target.reset();
-  entry->ended = held;
-  if (!held) free_.push_back(entry->place);
+  (held ? ended_ : free_).push_back(entry->place);
 }
 
 void Instances::forgetEnded() {
-  for (Entry& entry : entries_) {
-    if (std::exchange(entry.ended, false)) free_.push_back(entry.place);
-  }
+  free_.insert(free_.end(), ended_.begin(), ended_.end());
+  ended_.clear();
 }
 
 std::int32_t Instances::enter(InstancePointer pointer, const WindowMessage& message) {

@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/message_windows.h"
@@ -58,7 +59,6 @@ class Instances {
     Instances* owner = nullptr;
     std::weak_ptr<NotificationTarget> target;
     std::size_t place = 0;  ///< in entries_
-    bool ended = false;     ///< and still held by a table
   };
 
   static std::int32_t enterEntry(Entry& entry, const WindowMessage& message);
@@ -67,8 +67,10 @@ class Instances {
   friend struct MethodTable;
 
   std::function<void(std::exception_ptr)> escape_;
-  std::deque<Entry> entries_;      ///< never moved
-  std::vector<std::size_t> free_;  ///< places in entries_
+  std::deque<Entry> entries_;       ///< never moved
+  std::vector<std::size_t> free_;   ///< places in entries_
+  std::vector<std::size_t> ended_;  ///< places whose pointers some table still has
+  std::unordered_map<InstancePointer, std::size_t> places_;  ///< of pointers that are addresses
 };
 
 }  // namespace zev

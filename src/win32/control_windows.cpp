@@ -112,9 +112,8 @@ HWND makeControlWindow(const Control& control, HWND parent, int id) {
 }
 
 int windowHeight(const Control& control, const RECT& place, int dpi) {
-  const bool dropsDown =
-      control.kind() == ControlKind::ComboBox || control.kind() == ControlKind::DriveListBox;
-  return static_cast<int>(place.bottom - place.top) + (dropsDown ? pixels(dropDownTwips, dpi) : 0);
+  const int dropped = control.dropsDown() ? pixels(dropDownTwips, dpi) : 0;
+  return static_cast<int>(place.bottom - place.top) + dropped;
 }
 
 Text contentText(const Control& control) {

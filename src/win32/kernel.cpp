@@ -14,7 +14,9 @@ HGLOBAL blockOf(GlobalHandle block) { return reinterpret_cast<HGLOBAL>(block); }
 
 std::uint8_t* Win32Kernel::VirtualAlloc(std::size_t size, std::uint32_t type,
                                         std::uint32_t protection) {
-  return static_cast<std::uint8_t*>(::VirtualAlloc(nullptr, size, type, protection));
+  const bool plain = !entersMachineCode && protection == readWriteExecute;
+  return static_cast<std::uint8_t*>(
+      ::VirtualAlloc(nullptr, size, type, plain ? PAGE_READWRITE : protection));
 }
 
 bool Win32Kernel::VirtualLock(std::uint8_t* address, std::size_t size) {

@@ -4,9 +4,13 @@
 
 namespace zev::win32 {
 
+/// Whether procedures in machine code can be entered: in a process of 32 bits.
+inline constexpr bool entersMachineCode = sizeof(void*) == 4;
+
 /// Memory, loaded libraries and the code page, as Windows has them.
 class Win32Kernel final : public Kernel {
  public:
+  /// Pages can be executed where machine code is entered, and only there.
   std::uint8_t* VirtualAlloc(std::size_t size, std::uint32_t type,
                              std::uint32_t protection) override;
   bool VirtualLock(std::uint8_t* address, std::size_t size) override;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "win32/ansi.h"
+#include "win32/kernel.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
@@ -122,7 +123,7 @@ void Win32MessageWindows::forget(WindowHandle window) {
 
 // ---- procedures
 
-bool Win32MessageWindows::entersMachineCode() const { return sizeof(void*) == 4; }
+bool Win32MessageWindows::entersMachineCode() const { return win32::entersMachineCode; }
 
 void Win32MessageWindows::standIn(std::uintptr_t address, MessageRoutine* routine) {
   if (routine == nullptr) {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::intptr_t noShell = 0;
 
-HANDLE handleOf(ProcessHandle process) { return reinterpret_cast<HANDLE>(process); }
+HANDLE processHandle(ProcessHandle process) { return reinterpret_cast<HANDLE>(process); }
 
 [[noreturn]] void raise(SystemError error) {
   const bool missing = error == system_error::fileNotFound || error == system_error::pathNotFound;
@@ -74,10 +74,10 @@ ProcessHandle Win32Processes::OpenProcess(std::uint32_t access, bool inherit,
 
 std::uint32_t Win32Processes::WaitForSingleObject(ProcessHandle process,
                                                   std::uint32_t milliseconds) {
-  return ::WaitForSingleObject(handleOf(process), milliseconds);
+  return ::WaitForSingleObject(processHandle(process), milliseconds);
 }
 
-void Win32Processes::CloseHandle(ProcessHandle process) { ::CloseHandle(handleOf(process)); }
+void Win32Processes::CloseHandle(ProcessHandle process) { ::CloseHandle(processHandle(process)); }
 
 void Win32Processes::Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }
 

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstddef>
 #include <limits>
+#include <utility>
 
 #include "win32/ansi.h"
 #include "win32/system_library.h"
@@ -25,6 +26,9 @@ static_assert(sizeof(SocketAddress) == sizeof(sockaddr_in));
 static_assert(offsetof(SocketAddress, family) == offsetof(sockaddr_in, sin_family));
 static_assert(offsetof(SocketAddress, port) == offsetof(sockaddr_in, sin_port));
 static_assert(offsetof(SocketAddress, address) == offsetof(sockaddr_in, sin_addr));
+
+/// How long a listener rests for which the system has no room, if nothing is closed meanwhile.
+constexpr UINT restMilliseconds = 250;
 
 constexpr int addressSize = sizeof(SocketAddress);
 
@@ -123,7 +127,10 @@ std::int32_t Win32Sockets::WSAStartup(std::uint16_t versionWanted) {
 
 std::int32_t Win32Sockets::WSACleanup() {
   const std::int32_t answer = ask(SOCKET_ERROR, &Calls::cleanup);
-  if (answer == 0) --starts_;
+  if (answer == 0 && --starts_ == 0) {
+    selected_.clear();
+    endRest();
+  }
   return answer;
 }
 
@@ -131,8 +138,48 @@ std::int32_t Win32Sockets::WSACleanup() {
 
 std::int32_t Win32Sockets::WSAAsyncSelect(std::int32_t socket, WindowHandle window,
                                           std::uint32_t message, std::int32_t mask) {
-  return ask(SOCKET_ERROR, &Calls::select, socketOf(socket), reinterpret_cast<HWND>(window),
-             message, mask);
+  const Selected selected{window, message, mask};
+  const std::int32_t answer = selectNow(socket, selected);
+  if (answer == 0) selected_[socket] = selected;
+  return answer;
+}
+
+std::int32_t Win32Sockets::selectNow(std::int32_t socket, const Selected& selected) {
+  return ask(SOCKET_ERROR, &Calls::select, socketOf(socket),
+             reinterpret_cast<HWND>(selected.window), selected.message, selected.mask);
+}
+
+/// Ends the rest when some time has passed. The system enters it from the loop that dispatches, and
+/// the timer's number is the address of the sockets.
+struct Win32Sockets::RestTimer {
+  static void CALLBACK passed(HWND, UINT, UINT_PTR number, DWORD) {
+    reinterpret_cast<Win32Sockets*>(number)->endRest();
+  }
+};
+
+/// The system tells of the connection again at once, and again: so nobody is told of connections
+/// until there may be room.
+void Win32Sockets::rest(std::int32_t listener) {
+  const auto found = selected_.find(listener);
+  if (found == selected_.end() || (found->second.mask & winsock::fdAccept) == 0) return;
+  Selected other = found->second;
+  other.mask &= ~winsock::fdAccept;
+  selectNow(listener, other);
+  resting_.push_back(listener);
+  if (timerWindow_ != 0) return;
+  timerWindow_ = other.window;
+  ::SetTimer(reinterpret_cast<HWND>(timerWindow_), reinterpret_cast<UINT_PTR>(this),
+             restMilliseconds, RestTimer::passed);
+}
+
+void Win32Sockets::endRest() {
+  if (timerWindow_ == 0) return;
+  ::KillTimer(reinterpret_cast<HWND>(std::exchange(timerWindow_, 0)),
+              reinterpret_cast<UINT_PTR>(this));
+  for (const std::int32_t listener : std::exchange(resting_, {})) {
+    const auto found = selected_.find(listener);
+    if (found != selected_.end()) selectNow(listener, found->second);
+  }
 }
 
 /// Handles of look-ups have 16 bits, since they travel in a wParam.
@@ -167,7 +214,11 @@ std::int32_t Win32Sockets::socket(std::int32_t family, std::int32_t type, std::i
 }
 
 std::int32_t Win32Sockets::closesocket(std::int32_t socket) {
-  return ask(SOCKET_ERROR, &Calls::closesocket, socketOf(socket));
+  const std::int32_t answer = ask(SOCKET_ERROR, &Calls::closesocket, socketOf(socket));
+  if (answer != 0) return answer;
+  selected_.erase(socket);
+  endRest();
+  return answer;
 }
 
 std::int32_t Win32Sockets::connect(std::int32_t socket, const SocketAddress& address) {
@@ -183,8 +234,24 @@ std::int32_t Win32Sockets::listen(std::int32_t socket, std::int32_t backlog) {
 }
 
 std::int32_t Win32Sockets::accept(std::int32_t socket, SocketAddress& peer) {
+  std::int32_t error = 0;
+  const std::int32_t accepted = takeConnection(socket, peer, error);
+  if (accepted != winsock::noSocket) return accepted;
+  lastError_ = error;
+  if (error == winsock::error::tooManyFiles || error == winsock::error::noBuffers) {
+    rest(socket);
+    lastError_ = error;
+  }
+  return winsock::noSocket;
+}
+
+std::int32_t Win32Sockets::takeConnection(std::int32_t socket, SocketAddress& peer,
+                                          std::int32_t& error) {
   int size = addressSize;
-  return handOut(ask(INVALID_SOCKET, &Calls::accept, socketOf(socket), addressOf(peer), &size));
+  const std::int32_t accepted =
+      handOut(ask(INVALID_SOCKET, &Calls::accept, socketOf(socket), addressOf(peer), &size));
+  if (accepted == winsock::noSocket) error = lastError_;
+  return accepted;
 }
 
 std::int32_t Win32Sockets::getpeername(std::int32_t socket, SocketAddress& address) {

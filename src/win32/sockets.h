@@ -1,6 +1,8 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <vector>
 
 #include "platform/sockets.h"
 
@@ -55,20 +57,38 @@ class Win32Sockets : public Sockets {
   std::int32_t inet_addr(TextView text) override;
   const char* inet_ntoa(std::int32_t address) override;
 
+ protected:
+  /// The system's own `accept`; the reason of a failure goes to `error`.
+  virtual std::int32_t takeConnection(std::int32_t socket, SocketAddress& peer,
+                                      std::int32_t& error);
+
  private:
   struct Calls;
+  /// What WSAAsyncSelect was asked for.
+  struct Selected {
+    WindowHandle window = 0;
+    std::uint32_t message = 0;
+    std::int32_t mask = 0;
+  };
 
   /// What a call of the library answers. Where it answers `failure`, its reason is kept; without a
   /// start it is not made and the answer is `failure` at once.
   template <typename Answer, typename Function, typename... Arguments>
   Answer ask(Answer failure, Function* Calls::*call, Arguments... arguments);
   std::int32_t handOut(std::uintptr_t socket);
+  std::int32_t selectNow(std::int32_t socket, const Selected& selected);
+  void rest(std::int32_t listener);
+  void endRest();
+  struct RestTimer;
 
   const char* library_;
   std::shared_ptr<const Calls> calls_;
   std::int32_t starts_ = 0;
   std::int32_t lastError_ = 0;
   HostRecord record_;
+  std::map<std::int32_t, Selected> selected_;
+  std::vector<std::int32_t> resting_;  ///< listeners that have a caller and no room for it
+  WindowHandle timerWindow_ = 0;       ///< whose timer ends the rest; 0 while none runs
 };
 
 }  // namespace zev::win32

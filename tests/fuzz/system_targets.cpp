@@ -8,7 +8,7 @@
 #include "code_page/code_page.h"
 #include "destination/on_the_page.h"
 #include "fuzz/target.h"
-#include "script/scenario.h"
+#include "scenario/scenario.h"
 #include "simulated/registry_export.h"
 #include "simulated/shell_link.h"
 #include "system/on_a_machine.h"

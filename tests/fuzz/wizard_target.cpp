@@ -6,7 +6,7 @@
 #include "package/manifest.h"
 #include "platform/operations.h"
 #include "programs/zevsim/setup_program.h"
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/small_package.h"
 
 namespace zev::fuzz {
@@ -89,7 +89,7 @@ json anyStep(Input& input) {
 }
 
 /// Looks on, and does nothing about what cannot be done.
-class Patient final : public scenario::Companion {
+class Patient final : public scenario::Audience {
  public:
   bool refused(const scenario::ScenarioError&) override { return true; }
 };
@@ -120,14 +120,14 @@ void tryWizard(Data data) {
   const scenario::Scenario scenario = scenario::parseScenario(document.dump());
   simulated::NoTranscript nobody;
   Patient person;
-  scenario::Player player(scenario, makeSetupProgram, nobody, person);
-  laySmallPackage(player.machine());
+  scenario::SimulatedStage stage(scenario, makeSetupProgram, nobody);
+  laySmallPackage(stage.machine());
   try {
-    player.play();
+    stage.perform({&person});
   } catch (const scenario::ScenarioError&) {
   }
-  requireWholeThings(player.machine().disks(), u"C:\\Program Files\\ZEV Screen Recorder 6");
-  requireWholeThings(player.machine().disks(), u"C:\\Windows\\system32");
+  requireWholeThings(stage.machine().disks(), u"C:\\Program Files\\ZEV Screen Recorder 6");
+  requireWholeThings(stage.machine().disks(), u"C:\\Windows\\system32");
 }
 
 }  // namespace zev::fuzz

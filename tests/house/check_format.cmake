@@ -1,7 +1,7 @@
 # Fails with the names of all C++ files under ROOT that CLANG_FORMAT would change.
 
 set(patterns)
-foreach(folder src tests sample tools benchmarks)
+foreach(folder src tests sample tools benchmarks event_socket)
   foreach(ending h cpp)
     list(APPEND patterns ${ROOT}/${folder}/*.${ending})
   endforeach()

@@ -21,6 +21,7 @@ const Arrows allowed = {
     {"runtime", {}},
     {"code_page", {"runtime"}},
     {"platform", {"runtime"}},
+    {"observed", {"runtime", "platform"}},
     {"lz", {"runtime", "platform"}},
     {"socket", {"runtime", "platform"}},
     {"state", {"platform", "socket"}},
@@ -30,10 +31,9 @@ const Arrows allowed = {
     {"destination", {"system"}},
     {"wizard", {"package", "destination"}},
     {"digest", {}},
-    {"simulated", {"runtime", "code_page", "platform", "lz", "digest"}},
-    {"script", {"code_page", "platform"}},
-    {"scenario", {"script", "simulated"}},
-    {"win32", {"runtime", "platform", "lz"}},
+    {"simulated", {"runtime", "code_page", "platform", "observed", "lz", "digest"}},
+    {"scenario", {"code_page", "platform"}},
+    {"win32", {"runtime", "platform", "lz", "win32_sockets"}},
     {"posix", {"runtime", "code_page", "platform"}},
 };
 

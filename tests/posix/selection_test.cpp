@@ -1,4 +1,7 @@
+#include <sys/resource.h>
 #include <sys/socket.h>
+
+#include <ctime>
 
 #include "posix/on_the_machine.h"
 
@@ -8,6 +11,30 @@ namespace {
 class Selecting : public OnTheMachine {};
 
 using Events = std::vector<Told>;
+
+// ---- no room
+
+TEST_F(Selecting, ARestEndsByItselfOnceThereIsRoom) {
+  const std::int32_t listener = newListener();
+  const Peer caller = Peer::connectedTo(portOf(listener));
+  ASSERT_TRUE(pumpUntil([&] { return wasTold(listener, ws::fdAccept); }));
+  rlimit before{};
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  const rlimit none{0, before.rlim_max};
+  ::setrlimit(RLIMIT_NOFILE, &none);
+  SocketAddress peer;
+  EXPECT_EQ(sockets().accept(listener, peer), ws::noSocket);
+  EXPECT_EQ(lastError(), ws::error::tooManyFiles);
+  takeTold();
+  // Longer than a rest lasts: it goes on, and takes next to no processor time.
+  const std::clock_t begin = std::clock();
+  EXPECT_FALSE(machine->dispatch(600));
+  EXPECT_LT(std::clock() - begin, CLOCKS_PER_SEC / 20);
+  EXPECT_EQ(takeTold(), Events());
+  ::setrlimit(RLIMIT_NOFILE, &before);
+  EXPECT_TRUE(pumpUntil([&] { return wasTold(listener, ws::fdAccept); }));
+  EXPECT_GT(sockets().accept(listener, peer), 0);
+}
 
 // ---- connecting
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {
@@ -54,7 +54,7 @@ TEST(Expectation, RefusesNamesThatTheProgramDoesNotHave) {
 
 TEST(Expectation, TrimsGlobals) {
   EXPECT_TRUE(holds("", R"("global.gName": "", "global.gPage": 1)"));
-  const Play play = playScript(R"({"set": {"global.gName": "  two words  "}},
+  const ToyPlay play = playScript(R"({"set": {"global.gName": "  two words  "}},
                                   {"expect": {"global.gName": "two words"}})");
   EXPECT_EQ(play.verdicts.failures, std::vector<std::string>{});
 }
@@ -201,7 +201,7 @@ TEST(Expectation, StartsWithNothingHappened) {
 class StartExpectation : public testing::Test {
  protected:
   StartExpectation() {
-    simulated::SimulatedMachine& machine = play.player->machine();
+    simulated::SimulatedMachine& machine = play.stage->machine();
     machine.disks().putText(u"C:\\a.exe", "MZ");
     machine.platform().processes.Shell(u"C:\\a.exe /x", 1);
     EXPECT_THROW(machine.platform().processes.Shell(u"\"C:\\none.exe\"", 7), RuntimeError);
@@ -211,13 +211,13 @@ class StartExpectation : public testing::Test {
   bool found(const std::string& key, std::string_view written) {
     const Json value = parseJson(written);
     checkExpectation(key, JsonReader(value));
-    return judge({key, value, "$"}, play.player->scene()).held;
+    return play.stage->play().verdictOn({key, value, "$"}).value().held;
   }
   std::string foundAs(const std::string& key, std::string_view written) {
-    return judge({key, parseJson(written), "$"}, play.player->scene()).found.dump();
+    return play.stage->play().verdictOn({key, parseJson(written), "$"}).value().found.dump();
   }
 
-  Play play{"{}"};
+  ToyPlay play{"{}"};
 };
 
 TEST_F(StartExpectation, TellsWhatWasStartedByItsWords) {
@@ -260,13 +260,13 @@ TEST_F(StartExpectation, RefusesOtherKeysAndTextsBesideObjects) {
 }
 
 TEST(Expectation, CountsTheCallsOfAnOperation) {
-  const Play play = playScript(R"({"answer": ["no", "no"]}, {"click": "Command3"},
+  const ToyPlay play = playScript(R"({"answer": ["no", "no"]}, {"click": "Command3"},
       {"click": "Command3"}, {"expect": {"calls:MsgBox": 2, "calls:InputBox": 0}})");
   EXPECT_EQ(play.verdicts.failures, std::vector<std::string>{});
 }
 
 TEST(Expectation, TakesBoxesByTheKeysThatAreGivenAndForgetsThem) {
-  const Play play = playScript(R"({"answer": ["no", "no"]}, {"click": "Command3"},
+  const ToyPlay play = playScript(R"({"answer": ["no", "no"]}, {"click": "Command3"},
       {"expect": {"boxes": [{"text": "Do you want to leave?", "style": 36, "title": "Toy"}]}},
       {"expect": {"boxes": []}}, {"click": "Command3"},
       {"expect": {"boxes": [{"text": {"contains": "leave"}, "answer": "no"}]}})");
@@ -275,8 +275,8 @@ TEST(Expectation, TakesBoxesByTheKeysThatAreGivenAndForgetsThem) {
 
 TEST(Expectation, TellsHowTheProgramEnded) {
   const auto ends = [](std::string_view step, std::string_view expected) {
-    const Play play = playScript(std::string(step) +
-                                 ", {\"expect\": {\"ended\": " + std::string(expected) + "}}");
+    const ToyPlay play = playScript(std::string(step) +
+                                    ", {\"expect\": {\"ended\": " + std::string(expected) + "}}");
     return play.verdicts.failures.empty();
   };
   EXPECT_TRUE(ends(R"({"click": "Command3"})", R"("unload")"));

@@ -1,20 +1,20 @@
-#include "scenario/form_drawing.h"
+#include "programs/zevsim/form_drawing.h"
 
 #include <gtest/gtest.h>
 
 #include "runtime/file_lists.h"
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {
 
-std::string drawing(const Play& play) {
-  return drawForm(*play.player->machine().screen().activeForm());
+std::string drawing(const ToyPlay& play) {
+  return drawForm(*play.stage->machine().screen().activeForm());
 }
 
 TEST(FormDrawing, DrawsAFormInItsLayout) {
-  const Play play = playScript(R"({"select": ["Combo1", "Deutsch"]})");
+  const ToyPlay play = playScript(R"({"select": ["Combo1", "Deutsch"]})");
   EXPECT_EQ(drawing(play), R"(+- Deutsch ------------------------------------------------------+
 |   Welcome to the toy. It has two pages, and that is all.       |
 |                                                                |
@@ -32,7 +32,7 @@ TEST(FormDrawing, DrawsAFormInItsLayout) {
 }
 
 TEST(FormDrawing, DrawsThePageThatIsShownAndItsProgress) {
-  const Play play = playScript(
+  const ToyPlay play = playScript(
       R"({"click": "Command2"}, {"click": "Option2"}, {"click": "Check1"},
          {"change": {"faults": [{"call": "OpenOutput", "nth": 5, "error": 5}]}},
          {"click": "Command2"})");
@@ -135,8 +135,8 @@ TEST(FormDrawing, TellsThatATextHasMore) {
 }
 
 TEST(FormDrawing, DrawsOnANarrowSheet) {
-  const Play play = playScript("");
-  EXPECT_EQ(drawForm(*play.player->machine().screen().activeForm(), {40, 24}),
+  const ToyPlay play = playScript("");
+  EXPECT_EQ(drawForm(*play.stage->machine().screen().activeForm(), {40, 24}),
             R"(+- Toy --------------------------------+
 |  Welcome to the toy. It has two      |
 |  pages, and that is all.             |
@@ -154,8 +154,8 @@ TEST(FormDrawing, DrawsOnANarrowSheet) {
 }
 
 TEST(FormDrawing, DrawsOnASheetOfFewLines) {
-  const Play play = playScript("");
-  EXPECT_EQ(drawForm(*play.player->machine().screen().activeForm(), {78, 8}),
+  const ToyPlay play = playScript("");
+  EXPECT_EQ(drawForm(*play.stage->machine().screen().activeForm(), {78, 8}),
             R"(+- Toy ----------------------------------------------------------+
 |   Welcome to the toy. It has two pages, and that is all.       |
 |   [first                       ]  [locked                ]     |
@@ -168,7 +168,7 @@ TEST(FormDrawing, DrawsOnASheetOfFewLines) {
 }
 
 TEST(FormDrawing, MarksWhatIsDisabledByColons) {
-  const Play play =
+  const ToyPlay play =
       playScript(R"({"click": "Command2"}, {"set": {"Form1.Frame1(2).Enabled": false}})");
   const std::string shown = drawing(play);
   EXPECT_NE(shown.find("|   : : Yes "), std::string::npos) << shown;
@@ -176,9 +176,9 @@ TEST(FormDrawing, MarksWhatIsDisabledByColons) {
 }
 
 TEST(FormDrawing, ListsWhatAPersonCanUse) {
-  const Play play = playScript(R"({"focus": "Text1"})");
-  const Form& form = *play.player->machine().screen().activeForm();
-  EXPECT_EQ(listControls(form, play.player->machine().screen().focused(form)),
+  const ToyPlay play = playScript(R"({"focus": "Text1"})");
+  const Form& form = *play.stage->machine().screen().activeForm();
+  EXPECT_EQ(listControls(form, play.stage->machine().screen().focused(form)),
             "use:       >Text1 \"first\"  Combo1  Text2 \"locked\"  Command2 \"Next >>\"\n"
             "           Command3 \"Cancel\"  Command4 \"More\"  Command5 \"Name\"\n"
             "           Command6 \"Stop\"  Command7 \"Fail\"\n"

@@ -1,9 +1,9 @@
-#include "scenario/form_layout.h"
+#include "programs/zevsim/form_layout.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "scenario/text_block.h"
+#include "programs/zevsim/text_block.h"
 
 namespace zev::scenario {
 namespace {

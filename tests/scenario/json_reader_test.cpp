@@ -1,8 +1,8 @@
-#include "script/json_reader.h"
+#include "scenario/json_reader.h"
 
 #include <gtest/gtest.h>
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {

@@ -1,8 +1,8 @@
-#include "scenario/machine_setup.h"
+#include "programs/zevsim/machine_setup.h"
 
 #include <gtest/gtest.h>
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {
@@ -272,13 +272,13 @@ TEST(MachineSetup, KeepsWhatAChangeDoesNotName) {
 }
 
 TEST(MachineSetup, LaysTheInstallerWhereTheMachineHasIt) {
-  const Play usual("{}");
+  const ToyPlay usual("{}");
   const auto entry =
-      usual.player->machine().disks().find(u"C:\\Users\\bob\\Downloads\\ZEVSetup.exe");
+      usual.stage->machine().disks().find(u"C:\\Users\\bob\\Downloads\\ZEVSetup.exe");
   ASSERT_TRUE(entry.has_value());
   EXPECT_EQ(entry->size, 1'000'000u);
-  const Play own(R"({"machine": {"installer": "C:\\s.exe", "files": {"C:\\s.exe": "own"}}})");
-  EXPECT_EQ(own.player->machine().disks().find(u"C:\\s.exe")->size, 3u);
+  const ToyPlay own(R"({"machine": {"installer": "C:\\s.exe", "files": {"C:\\s.exe": "own"}}})");
+  EXPECT_EQ(own.stage->machine().disks().find(u"C:\\s.exe")->size, 3u);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include "script/matcher.h"
+#include "scenario/matcher.h"
 
 #include <gtest/gtest.h>
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {

@@ -1,9 +1,9 @@
-#include "scenario/meant.h"
+#include "programs/zevsim/meant.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {
@@ -44,8 +44,8 @@ TEST(Meant, TakesOneAndNamesSeveral) {
 }
 
 TEST(Meant, FindsControlsByNameBeforeCaption) {
-  const Play play = playScript(R"({"click": "Command2"})");
-  const Form& form = *play.player->machine().screen().activeForm();
+  const ToyPlay play = playScript(R"({"click": "Command2"})");
+  const Form& form = *play.stage->machine().screen().activeForm();
   EXPECT_EQ(meantControl("command3", form)->name(), u"Command3");
   EXPECT_EQ(meantControl("cancel", form)->name(), u"Command3");
   EXPECT_EQ(meantControl("yes", form)->name(), u"Option1");
@@ -56,8 +56,8 @@ TEST(Meant, FindsControlsByNameBeforeCaption) {
 }
 
 TEST(Meant, LeavesOutWhatIsHiddenAndWhatAPersonTyped) {
-  const Play play = playScript("");
-  const Form& form = *play.player->machine().screen().activeForm();
+  const ToyPlay play = playScript("");
+  const Form& form = *play.stage->machine().screen().activeForm();
   EXPECT_EQ(meantControl("yes", form), nullptr);
   EXPECT_EQ(meantControl("first", form), nullptr);
   EXPECT_EQ(meantControl("Welcome", form), nullptr);

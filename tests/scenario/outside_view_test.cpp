@@ -1,4 +1,4 @@
-#include "script/outside_view.h"
+#include "scenario/outside_view.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

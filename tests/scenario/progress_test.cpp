@@ -1,4 +1,4 @@
-#include "scenario/progress.h"
+#include "programs/zevsim/progress.h"
 
 #include <gtest/gtest.h>
 
@@ -25,8 +25,7 @@ TEST(Progress, TellsAFileInOneLine) {
 
 TEST(Progress, TellsABoxInOneLine) {
   std::ostringstream out;
-  Progress(out, false)
-      .boxAnswered({.text = Text(severalLines), .style = 0, .title = u"Toy"}, BoxAnswer::OK);
+  Progress(out, false).boxAnswered({.text = Text(severalLines), .title = u"Toy"}, BoxAnswer::OK);
   EXPECT_EQ(out.str(), "[Toy] one two three  five  -> ok\n");
 }
 

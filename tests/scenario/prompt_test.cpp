@@ -1,14 +1,14 @@
-#include "scenario/prompt.h"
+#include "programs/zevsim/prompt.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+#include "programs/zevsim/typed_line.h"
 #include "runtime/file_lists.h"
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 #include "scenario/toy_program.h"
-#include "scenario/typed_line.h"
 
 namespace zev::scenario {
 namespace {
@@ -48,8 +48,8 @@ TEST(Prompt, TakesAStepInJson) {
 }
 
 TEST(Prompt, FindsAControlByItsCaption) {
-  const Play play = playScript("");
-  const Form* form = play.player->machine().screen().activeForm();
+  const ToyPlay play = playScript("");
+  const Form* form = play.stage->machine().screen().activeForm();
   EXPECT_EQ(stepOf("click Next >>", form), R"({"click":"Command2"})");
   EXPECT_EQ(stepOf("click next", form), R"({"click":"Command2"})");
   EXPECT_EQ(stepOf("click Back", form), R"({"click":"Command1"})");
@@ -59,8 +59,8 @@ TEST(Prompt, FindsAControlByItsCaption) {
 }
 
 TEST(Prompt, FindsAnEntryByItsBeginning) {
-  const Play play = playScript("");
-  const Form* form = play.player->machine().screen().activeForm();
+  const ToyPlay play = playScript("");
+  const Form* form = play.stage->machine().screen().activeForm();
   EXPECT_EQ(stepOf("select Combo1 deu", form), R"({"select":["Combo1","Deutsch"]})");
   EXPECT_EQ(stepOf("select Combo1 FRANC", form), R"({"select":["Combo1","Français"]})");
   EXPECT_EQ(stepOf("select Combo1 franc\xCC\xA7", form), R"({"select":["Combo1","Français"]})");
@@ -71,8 +71,8 @@ TEST(Prompt, FindsAnEntryByItsBeginning) {
 }
 
 TEST(Prompt, SelectsDrivesAndFoldersAsWell) {
-  const Play play = playScript(R"({"click": "Command4"})");
-  const Form* form = play.player->machine().screen().activeForm();
+  const ToyPlay play = playScript(R"({"click": "Command4"})");
+  const Form* form = play.stage->machine().screen().activeForm();
   EXPECT_EQ(stepOf("select Drive1 d:", form), R"({"drive":"d:"})");
   EXPECT_EQ(stepOf("select dir1 C:\\Some Apps", form), R"({"folder":"C:\\Some Apps"})");
 }
@@ -117,18 +117,18 @@ TEST(Prompt, RefusesWhatIsNoVerb) {
 }
 
 TEST(Prompt, GuessesAtACaptionInPlaceOfAVerb) {
-  const Play play = playScript("");
-  const Form* form = play.player->machine().screen().activeForm();
+  const ToyPlay play = playScript("");
+  const Form* form = play.stage->machine().screen().activeForm();
   EXPECT_EQ(errorOf([&] { parseLine("next", form); }),
             "prompt: no verb \"next\"; is it \"click next\"?");
 }
 
 /// Answers by hand.
-class ByHand final : public Companion {
+class ByHand final : public Audience {
  public:
   ByHand(const std::string& typed, int columns) : in_(typed), prompt_(in_, out_, columns) {}
-  std::optional<Step> goOn(Player& player) override { return prompt_.nextStep(player); }
-  std::optional<Answer> answer(const simulated::Box& box) override { return prompt_.answer(box); }
+  std::optional<Step> goOn() override { return prompt_.nextStep(*stage); }
+  std::optional<Answer> answer(const Box& box) override { return prompt_.answer(box); }
   std::optional<Answer> input(TextView prompt, TextView title, TextView initial) override {
     return prompt_.input(prompt, title, initial);
   }
@@ -137,6 +137,8 @@ class ByHand final : public Companion {
     return true;
   }
   std::string shown() const { return out_.str(); }
+
+  SimulatedStage* stage = nullptr;  ///< that it sits at
 
  private:
   std::istringstream in_;
@@ -149,7 +151,9 @@ std::string playByHand(const std::string& typed, int columns = 78) {
   ByHand person(typed, columns);
   simulated::NoTranscript transcript;
   const Scenario scenario;
-  Player(scenario, makeToyProgram, transcript, person).play();
+  SimulatedStage stage(scenario, makeToyProgram, transcript);
+  person.stage = &stage;
+  stage.perform({&person});
   return person.shown();
 }
 
@@ -173,8 +177,10 @@ TEST(Prompt, DrawsABoxAndTakesItsAnswer) {
 }
 
 TEST(Prompt, BreaksTheLongLinesOfABox) {
-  const simulated::Box box{u"One line that is far longer than the box can be\r\nand another", 0,
-                           u"A title that is longer than the box can be"};
+  const Box box{u"One line that is far longer than the box can be\r\nand another",
+                u"A title that is longer than the box can be",
+                0,
+                {BoxAnswer::OK}};
   std::istringstream in("\n");
   std::ostringstream out;
   EXPECT_FALSE(Prompt(in, out, 40).answer(box));
@@ -349,7 +355,10 @@ TEST(Prompt, BreaksTheLinesOfABoxAtEveryKindOfLineEnd) {
   constexpr TextView text = u"one\r\ntwo\rthree\nfour\r\n\r\nsix\r\rend";
   std::istringstream in("\n\n");
   std::ostringstream box;
-  Prompt(in, box).answer({.text = Text(text), .style = box_style::information, .title = u"Toy"});
+  Prompt(in, box).answer({.text = Text(text),
+                          .title = u"Toy",
+                          .style = box_style::information,
+                          .buttons = {BoxAnswer::OK}});
   EXPECT_THAT(linesOf(box.str()), HasSubstr("/one/two/three/four//six//end/"));
   std::ostringstream inputBox;
   Prompt(in, inputBox).input(text, u"Toy", u"");

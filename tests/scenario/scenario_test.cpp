@@ -1,11 +1,11 @@
-#include "script/scenario.h"
+#include "scenario/scenario.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <fstream>
 
-#include "scenario/play.h"
+#include "scenario/toy_play.h"
 
 namespace zev::scenario {
 namespace {

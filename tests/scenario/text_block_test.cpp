@@ -1,4 +1,4 @@
-#include "scenario/text_block.h"
+#include "programs/zevsim/text_block.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

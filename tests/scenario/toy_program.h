@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "scenario/played_program.h"
+#include "programs/zevsim/played_program.h"
 
 namespace zev::scenario {
 

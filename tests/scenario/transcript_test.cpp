@@ -3,8 +3,8 @@
 
 #include <sstream>
 
-#include "scenario/event_writer.h"
-#include "scenario/play.h"
+#include "programs/zevsim/event_writer.h"
+#include "scenario/toy_play.h"
 #include "scenario/toy_program.h"
 
 namespace zev::scenario {
@@ -18,12 +18,12 @@ std::string written(std::string_view script, const std::vector<std::string>& kin
   EventWriter writer(&out, kinds);
   VerdictLog verdicts;
   const Scenario scenario = parseScenario("{\"script\": [" + std::string(script) + "]}");
-  Player(scenario, makeToyProgram, writer, verdicts).play();
+  SimulatedStage(scenario, makeToyProgram, writer).perform({&verdicts});
   return out.str();
 }
 
 TEST(Transcript, TellsAWholeShortPlayInOrder) {
-  const Play play = playScript(R"({"answer": ["no"]}, {"click": "Command3"},
+  const ToyPlay play = playScript(R"({"answer": ["no"]}, {"click": "Command3"},
       {"expect": {"boxes": [{"style": 36}], "Form1.Caption": {"contains": "x"}}},
       {"click": "Command6"})");
   EXPECT_THAT(
@@ -41,7 +41,7 @@ TEST(Transcript, TellsAWholeShortPlayInOrder) {
 }
 
 TEST(Transcript, TellsTheErrorThatEndedTheProgram) {
-  const Play play = playScript(R"({"click": "Command7"})");
+  const ToyPlay play = playScript(R"({"click": "Command7"})");
   EXPECT_THAT(
       play.lines("end"),
       ElementsAre(
@@ -49,21 +49,21 @@ TEST(Transcript, TellsTheErrorThatEndedTheProgram) {
 }
 
 TEST(Transcript, HasNoEndForAProgramThatIsLeftRunning) {
-  const Play play = playScript(R"({"restart": true}, {"click": "Command3"})");
+  const ToyPlay play = playScript(R"({"restart": true}, {"click": "Command3"})");
   EXPECT_EQ(play.lines("start").size(), 2u);
   EXPECT_THAT(play.lines("end"), ElementsAre(R"({"event":"end","how":"unload"})"));
   EXPECT_EQ(playScript(R"({"click": "Command2"})").lines("end").size(), 0u);
 }
 
 TEST(Transcript, TellsInputBoxes) {
-  const Play play = playScript(R"({"answer": [{"text": "Eve"}]}, {"click": "Command5"})");
+  const ToyPlay play = playScript(R"({"answer": [{"text": "Eve"}]}, {"click": "Command5"})");
   EXPECT_THAT(
       play.lines("input"),
       ElementsAre(R"({"event":"input","prompt":"Your name:","title":"Name","answer":"Eve"})"));
 }
 
 TEST(Transcript, TellsTheStepsOfAnAtWhenTheyAreDone) {
-  const Play play = playScript(R"({"at": {"yield": 1}, "do": [{"click": "Option1"}]},
+  const ToyPlay play = playScript(R"({"at": {"yield": 1}, "do": [{"click": "Option1"}]},
                                   {"click": "Command2"}, {"click": "Command2"})");
   EXPECT_THAT(
       play.lines("step"),
@@ -95,7 +95,7 @@ TEST(Transcript, CountsWhatASummaryTells) {
   VerdictLog verdicts;
   const Scenario scenario =
       parseScenario(R"({"script": [{"click": "Command2"}, {"click": "Command2"}]})");
-  Player(scenario, makeToyProgram, writer, verdicts).play();
+  SimulatedStage(scenario, makeToyProgram, writer).perform({&verdicts});
   EXPECT_EQ(writer.tally().written.size(), 8u);
   EXPECT_EQ(writer.tally().boxes, 1u);
   EXPECT_EQ(writer.tally().settings, 0u);

@@ -1,4 +1,4 @@
-#include "scenario/zevsim_main.h"
+#include "programs/zevsim/zevsim_main.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,9 +8,9 @@
 #include <fstream>
 #include <sstream>
 
+#include "programs/zevsim/zevsim_options.h"
+#include "scenario/json_reader.h"
 #include "scenario/toy_program.h"
-#include "scenario/zevsim_options.h"
-#include "script/json_reader.h"
 
 namespace zev::scenario {
 namespace {
@@ -231,10 +231,13 @@ TEST_F(Zevsim, NamesAnOperationThatIsNotThere) {
 
 TEST_F(Zevsim, Gives2ForABadCommandLine) {
   EXPECT_EQ(run({"--nonsense"}), 2);
-  EXPECT_THAT(err_, StartsWith("zevsim: no option --nonsense\n"));
+  EXPECT_THAT(err_, HasSubstr("--nonsense"));
   EXPECT_EQ(run({"a.json", "--state"}), 2);
+  EXPECT_THAT(err_, HasSubstr("--state"));
   EXPECT_EQ(run({"a.json", "b.json"}), 2);
+  EXPECT_THAT(err_, HasSubstr("b.json"));
   EXPECT_EQ(run({"a.json", "--events", "boxes"}), 2);
+  EXPECT_THAT(err_, HasSubstr("boxes"));
   EXPECT_EQ(run({write("a.json", "{}"), "--package", file("none")}), 2);
   EXPECT_EQ(run({write("a.json", "{}"), "--transcript", file("no/such/folder")}), 2);
 }
@@ -254,8 +257,15 @@ TEST_F(Zevsim, TakesAnUntrappedErrorAsAnEndOfTheProgram) {
 
 TEST_F(Zevsim, Helps) {
   EXPECT_EQ(run({"--help"}), 0);
-  EXPECT_EQ(out_, zevsimUsage);
+  EXPECT_EQ(err_, "");
+  for (const char* option :
+       {"SCENARIO", "--package", "--transcript", "--events", "--outside", "--state", "--export",
+        "--progress", "--summary", "--interactive", "--width", "--help", "Exit status"}) {
+    EXPECT_THAT(out_, HasSubstr(option));
+  }
+  const std::string help = out_;
   EXPECT_EQ(run({"-h"}), 0);
+  EXPECT_EQ(out_, help);
 }
 
 TEST_F(Zevsim, Gives3ForResultsThatCannotBeWritten) {
@@ -426,7 +436,7 @@ TEST_F(Zevsim, ShowsNoProgressOfWhatIsHidden) {
 TEST_F(Zevsim, TakesAWidthFromFortyColumns) {
   for (const char* width : {"39", "1001", "-50", "50x", ""}) {
     EXPECT_EQ(run({"--width", width}), 2);
-    EXPECT_THAT(err_, StartsWith("zevsim: no width of " + std::string(width) + " columns; "));
+    EXPECT_THAT(err_, HasSubstr("--width"));
   }
   EXPECT_EQ(run({"--width", "40"}), 0);
   EXPECT_THAT(out_, StartsWith("+- Toy --------------------------------+\n"));

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "programs/zevsim/setup_program.h"
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/expected_machine.h"
 #include "scenarios/told_boxes.h"
 #include "scenarios/whole_run.h"
@@ -23,14 +23,14 @@ class Story {
   Story(const std::string& machine, const std::string& script)
       : scenario_(read(machine, script)),
         log_(false),
-        player_(scenario_, makeSetupProgram, log_, companion_),
+        stage_(scenario_, makeSetupProgram, log_),
         before_(stateNow()) {
-    player_.play();
+    stage_.perform();
   }
 
   const SortedJson& before() const { return before_; }
   SortedJson behind() { return comparable(stateNow()); }
-  const scenario::Json& ended() const { return player_.ended(); }
+  const scenario::Json& ended() const { return stage_.ended(); }
   std::vector<ToldBox> boxes() const { return shownBoxes(log_.of("box")); }
 
  private:
@@ -41,12 +41,11 @@ class Story {
     return scenario;
   }
 
-  SortedJson stateNow() { return SortedJson::parse(player_.machine().state().dump()); }
+  SortedJson stateNow() { return SortedJson::parse(stage_.machine().state().dump()); }
 
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
-  scenario::Companion companion_;
-  scenario::Player player_;
+  scenario::SimulatedStage stage_;
   SortedJson before_;
 };
 

@@ -102,7 +102,6 @@ const QuestionRule questionRules[] = {
     {Phase::Expand, installFolder + "\\vcredist_x86.exe", hiddenFiles, 2, "redistributable_stays"},
     {Phase::Settings, userFolder, directories, 0, "no_user_folders"},
     {Phase::Settings, productRoot, anyEntry, 0, "no_values_folder"},
-    {Phase::Settings, values, anyEntry, 0, "no_values"},
     {Phase::Shortcuts, menu, directories, 0, "no_group no_desktop_link"},
     {Phase::Shortcuts, menu, anyEntry, 0, "group_of_the_user"},
 };
@@ -202,7 +201,6 @@ const std::map<std::string, Deed> deeds = {
     {"no_folder", [](Snapshot& all, const Call& call, const Known&) { all = withoutFolder(all, call.path); }},
     {"no_user_folders", [](Snapshot& all, const Call&, const Known&) { all = withoutFolder(all, productRoot); }},
     {"no_values_folder", [](Snapshot& all, const Call&, const Known&) { all = withoutFolder(all, values); }},
-    {"no_values", [](Snapshot&, const Call&, const Known&) {}},
     {"no_path", [](Snapshot& all, const Call& call, const Known&) { all.erase(call.path); }},
     {"no_value", [](Snapshot& all, const Call& call, const Known&) { all.erase(call.value); }},
     // A version that reads as 0 is an older one.

@@ -2,14 +2,13 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/call_trace.h"
 #include "scenarios/fault_ends.h"
 #include "scenarios/snapshot.h"
@@ -38,14 +37,15 @@ std::string faultOf(const Call& call);
 
 /// A person who looks at the wizard: presses Finish where that is offered, otherwise Cancel, with
 /// Yes behind it.
-class Leaver final : public scenario::Companion {
+class Leaver final : public scenario::Audience {
  public:
-  std::optional<scenario::Step> goOn(scenario::Player& player) override;
-  std::optional<scenario::Answer> answer(const simulated::Box& box) override {
+  std::optional<scenario::Step> goOn() override;
+  std::optional<scenario::Answer> answer(const scenario::Box& box) override {
     if (box.style != cancelStyle) return std::nullopt;
     return scenario::Answer{"yes", std::nullopt, "$"};
   }
 
+  scenario::SimulatedStage* stage = nullptr;  ///< that the person looks at
   bool finished = false;
 
  private:
@@ -90,15 +90,17 @@ struct FaultRun {
   FaultRun(const std::string& version, const std::string& faults, bool withCalls = false,
            const std::vector<std::size_t>& places = {}, const std::string& directory = {});
 
-  /// What the machine keeps, but for what a program that has ended had still open.
-  Snapshot left() const { return withoutReplacements(snapshotOf(machine(), longestFile)); }
-  simulated::SimulatedMachine& machine() const { return player->machine(); }
-  bool has(const std::string& path) const { return machine().disks().exists(fromUtf8(path)); }
+  /// What the machine keeps, but for what the program has still open at its end.
+  Snapshot left();
+  simulated::SimulatedMachine& machine() { return stage.machine(); }
+  const scenario::Json& ended() const { return stage.ended(); }
+  bool has(const std::string& path) { return machine().disks().exists(fromUtf8(path)); }
 
+  bool closes;  ///< no call fails that closes a file
   scenario::Scenario scenario;
   Onlooker log;
   Leaver person;
-  std::unique_ptr<scenario::Player> player;
+  scenario::SimulatedStage stage;
 };
 
 /// The calls of a run without failures.

@@ -13,8 +13,6 @@
 #include <sstream>
 
 #include "package/manifest.h"
-#include "programs/zevsim/setup_program.h"
-#include "scenario/player.h"
 #include "scenarios/call_trace.h"
 #include "scenarios/fault_ends.h"
 #include "scenarios/fault_run.h"
@@ -283,12 +281,12 @@ bool looksBack(const Call& call) {
 // ---- what came of it
 
 Outcome outcomeOf(FaultRun& run) {
-  if (run.player->ended() == "exit") return Outcome::OnTheSpot;
+  if (run.ended() == "exit") return Outcome::OnTheSpot;
   if (run.person.finished) {
     return run.machine().records().dde.empty() ? Finished : Outcome::Fallback;
   }
   constexpr int pageOfTheDirectory = 4;
-  const auto page = run.player->program().global("gCurrentPage");
+  const auto page = run.stage.program().global("gCurrentPage");
   return page == PropertyValue(std::int32_t{pageOfTheDirectory}) ? Outcome::Refused : Stopped;
 }
 
@@ -352,7 +350,7 @@ void failOne(const std::string& version, const Call& call, TallyTable& table) {
   EXPECT_EQ(boxes, expectedBoxes(call, rule));
   EXPECT_STREQ(outcomeNames[static_cast<int>(outcome)],
                outcomeNames[static_cast<int>(rule.outcome)]);
-  EXPECT_EQ(run.player->ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
+  EXPECT_EQ(run.ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
   EXPECT_EQ(temporaryOf(run), expectedTemporary(call));
   EXPECT_GE(run.machine().calls(call.operation), call.nth) << "the fault struck nothing";
   expectEnd(run, version, call, rule.outcome);

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "programs/zevsim/setup_program.h"
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/small_package.h"
 #include "scenarios/snapshot.h"
 #include "scenarios/told_boxes.h"
@@ -149,17 +149,21 @@ class MortalTranscript final : public Transcript {
 // ---- the run
 
 /// A person who installs, from the program's start to Finish, as often as it is started.
-class Installer final : public scenario::Companion {
+class Installer final : public scenario::Audience {
  public:
+  /// Borrows the stage.
+  explicit Installer(const scenario::SimulatedStage& stage) : stage_(stage) {}
+
   void starts() override { done_ = 0; }
-  std::optional<scenario::Step> goOn(scenario::Player& player) override {
+  std::optional<scenario::Step> goOn() override {
     static const char* const clicks[] = {"Command2", "Option1", "Command2", "Command2", "Command2"};
-    if (!player.ended().is_null() || done_ == std::size(clicks)) return std::nullopt;
+    if (!stage_.ended().is_null() || done_ == std::size(clicks)) return std::nullopt;
     const Json step = {{"click", clicks[done_++]}};
     return scenario::readStep(scenario::JsonReader(step, {}, "$"));
   }
 
  private:
+  const scenario::SimulatedStage& stage_;
   std::size_t done_ = 0;
 };
 
@@ -200,26 +204,26 @@ class KilledRun {
       : killer_(change),
         transcript_(killer_),
         scenario_(scenario::parseScenario(machineOf(beginning))),
-        player_(scenario_, makeSetupProgram, transcript_, person_) {
+        stage_(scenario_, makeSetupProgram, transcript_) {
     if (beginning.sample) {
-      player_.machine().disks().put(player_.machine().settings().installer,
-                                    {.content = std::filesystem::path(ZEV_PACKAGE)});
+      stage_.machine().disks().put(stage_.machine().settings().installer,
+                                   {.content = std::filesystem::path(ZEV_PACKAGE)});
     } else {
-      laySmallPackage(player_.machine());
+      laySmallPackage(stage_.machine());
     }
-    Drive& drive = *player_.machine().disks().at(u'C');
+    Drive& drive = *stage_.machine().disks().at(u'C');
     drive.volume = std::make_unique<MortalVolume>(std::move(drive.volume), killer_);
-    player_.play();
+    stage_.perform({&person_});
     if (!change) return;
     EXPECT_TRUE(killer_.struck()) << "nobody was killed";
-    EXPECT_TRUE(player_.ended().is_null());
-    player_.play();
+    EXPECT_TRUE(stage_.ended().is_null());
+    stage_.perform({&person_});
   }
 
-  bool finished() const { return player_.ended() == "unload"; }
+  bool finished() const { return stage_.ended() == "unload"; }
   const Killer& killer() const { return killer_; }
   std::vector<ToldBox> boxes() const { return transcript_.boxes(); }
-  Snapshot snapshot() { return snapshotOf(player_.machine()); }
+  Snapshot snapshot() { return snapshotOf(stage_.machine()); }
 
  private:
   std::string machineOf(const Beginning& beginning) const {
@@ -233,8 +237,8 @@ class KilledRun {
   Killer killer_;
   MortalTranscript transcript_;
   scenario::Scenario scenario_;
-  Installer person_;
-  scenario::Player player_;
+  scenario::SimulatedStage stage_;
+  Installer person_{stage_};
 };
 
 class Killed : public testing::Test {

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "programs/zevsim/setup_program.h"
-#include "scenario/zevsim_main.h"
+#include "programs/zevsim/zevsim_main.h"
 #include "scenarios/scenario_files.h"
 
 namespace zev {

@@ -81,8 +81,8 @@ WatchedRun::WatchedRun(const RunMachine& machine, const Strike& strike)
     : scenario_(scenarioOn(machine, strike)),
       log_(true),
       striker_(strike.write),
-      player_(scenario_, makeSetupProgram, log_, striker_) {
-  player_.play();
+      stage_(scenario_, makeSetupProgram, log_) {
+  stage_.perform({&striker_});
   calls_ = traceCalls(log_.events());
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/call_trace.h"
 
 namespace zev {
@@ -65,7 +65,7 @@ class WatchedRun {
   std::int32_t toldStep() const;
 
  private:
-  class Striker final : public scenario::Companion {
+  class Striker final : public scenario::Audience {
    public:
     explicit Striker(std::optional<Mark> write) : write_(write) {}
     void propertyWritten(const Form* form, const PropertyBase& property) override;
@@ -77,7 +77,7 @@ class WatchedRun {
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
   Striker striker_;
-  scenario::Player player_;
+  scenario::SimulatedStage stage_;
   std::vector<Call> calls_;
 };
 

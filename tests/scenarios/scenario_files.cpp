@@ -102,12 +102,11 @@ void playInto(PlayedStory& story, const Json& document, const std::string& file)
   const auto scenario =
       scenario::parseScenario(document.dump(), (scenarioFolder() / file).parent_path());
   simulated::TranscriptLog log;
-  scenario::Companion nobody;
-  scenario::Player player(scenario, makeSetupProgram, log, nobody);
-  player.play();
+  scenario::SimulatedStage stage(scenario, makeSetupProgram, log);
+  stage.perform();
   story.events = log.events();
-  story.state = stateOf(player.machine());
-  const auto language = player.program().global("gLanguage");
+  story.state = stateOf(stage.machine());
+  const auto language = stage.program().global("gLanguage");
   story.language = std::get<std::int32_t>(language.value());
 }
 

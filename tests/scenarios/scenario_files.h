@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "simulated/transcript.h"
 
 namespace zev {

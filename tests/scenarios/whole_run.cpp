@@ -18,9 +18,9 @@ const char* const stepsToInstall =
 WholeRun::WholeRun(const std::string& text, bool all)
     : scenario_(withPackage(scenario::parseScenario(text))),
       log_(all),
-      player_(scenario_, makeSetupProgram, log_, companion_) {
-  player_.play();
-  passes_ = static_cast<std::size_t>(player_.machine().calls("DoEvents"));
+      stage_(scenario_, makeSetupProgram, log_) {
+  stage_.perform();
+  passes_ = static_cast<std::size_t>(stage_.machine().calls("DoEvents"));
 }
 
 }  // namespace zev

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "scenario/player.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "simulated/transcript.h"
 
 namespace zev {
@@ -17,9 +17,9 @@ class WholeRun {
   explicit WholeRun(const std::string& scenario, bool all = false);
 
   /// True if every expectation of the scenario held.
-  bool held() const { return player_.failures() == 0; }
-  const scenario::Json& ended() const { return player_.ended(); }
-  simulated::SimulatedMachine& machine() { return player_.machine(); }
+  bool held() const { return stage_.judgements().failed == 0; }
+  const scenario::Json& ended() const { return stage_.ended(); }
+  simulated::SimulatedMachine& machine() { return stage_.machine(); }
   /// The events of one kind, in order.
   std::vector<simulated::Event> events(std::string_view kind) const { return log_.of(kind); }
   const std::vector<simulated::Event>& events() const { return log_.events(); }
@@ -29,8 +29,7 @@ class WholeRun {
  private:
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
-  scenario::Companion companion_;
-  scenario::Player player_;
+  scenario::SimulatedStage stage_;
   std::size_t passes_ = 0;
 };
 

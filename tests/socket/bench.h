@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,13 @@ class Bench {
   virtual bool pump(int milliseconds) = 0;
   /// Queues a message as any other program could.
   virtual void post(const WindowMessage& message) = 0;
+
+  /// From now on no socket more can be opened or accepted; or, with `full` false, as many as
+  /// before.
+  virtual void setFull(bool full) = 0;
+
+  /// Whether code in that page of memory could run.
+  virtual bool isExecutable(const std::uint8_t* address) = 0;
 
   /// Sockets that are open now, those of the bench itself left out; -1 if it cannot tell.
   virtual int openSockets() = 0;

@@ -251,5 +251,50 @@ TEST(ByteQueue, AdoptsBehindWhatWaits) {
   EXPECT_EQ(textOf(queue.take(100)), "abxx");
 }
 
+constexpr std::size_t large = std::size_t{8} << 20;
+
+TEST(SpareMemory, GoesFromAQueueThatIsThroughToTheNextOne) {
+  SpareMemory spare;
+  ByteQueue first(spare);
+  first.append(std::vector<std::uint8_t>(large, 1));
+  const void* const memory = first.front(1).data();
+  first.drop(large);
+  ByteQueue second(spare);
+  second.append(std::vector<std::uint8_t>(large / 2, 2));
+  EXPECT_EQ(static_cast<const void*>(second.front(1).data()), memory);
+  EXPECT_EQ(second.take(large), std::vector<std::uint8_t>(large / 2, 2));
+}
+
+TEST(SpareMemory, ServesWhatWasBorrowedToo) {
+  SpareMemory spare;
+  ByteQueue queue(spare);
+  const std::vector<std::uint8_t> bytes(large, 1);
+  queue.borrow(bytes);
+  queue.keep();
+  const void* const memory = queue.front(1).data();
+  queue.drop(large);
+  queue.borrow(bytes);
+  queue.drop(large / 2);
+  queue.keep();
+  EXPECT_EQ(static_cast<const void*>(queue.front(1).data()), memory);
+  EXPECT_EQ(queue.size(), large / 2);
+}
+
+TEST(SpareMemory, IsTooSmallOrTooLargeForSome) {
+  SpareMemory spare;
+  std::vector<std::uint8_t> memory(100);
+  spare.give(memory);
+  EXPECT_EQ(memory.capacity(), 0u);
+  std::vector<std::uint8_t> wanting;
+  spare.take(wanting, 101);
+  EXPECT_EQ(wanting.capacity(), 0u);
+  spare.take(wanting, 100);
+  EXPECT_EQ(wanting.capacity(), 100u);
+  std::vector<std::uint8_t> huge;
+  huge.reserve(SpareMemory::most + 1);
+  spare.give(huge);
+  EXPECT_GT(huge.capacity(), SpareMemory::most) << "it stays its owner's";
+}
+
 }  // namespace
 }  // namespace zev

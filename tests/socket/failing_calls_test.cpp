@@ -60,10 +60,10 @@ TEST_F(FailingCallsTest, OrderOfConnectWithAName) {
   const Watched socket(module);
   calls.clearLines();
   socket->Connect(u"far.example", 40000);
-  EXPECT_EQ(made(),
-            making(socket) +
-                Lines({"inet_addr far.example", "GlobalAlloc 0 1024", "GlobalLock", "GlobalUnlock",
-                       "WSAAsyncGetHostByName " + window() + " 2048 far.example 1024"}));
+  EXPECT_EQ(made(), making(socket) +
+                        Lines({"inet_addr far.example", "GlobalAlloc 0 1024", "GlobalLock block",
+                               "GlobalUnlock block",
+                               "WSAAsyncGetHostByName " + window() + " 2048 far.example 1024"}));
   calls.clearLines();
   ASSERT_TRUE(pumpTo(socket, sckConnecting));
   EXPECT_EQ(made(), Lines({"GlobalFree 0"}) + findingOwnAddress() + binding(handleOf(socket)) +

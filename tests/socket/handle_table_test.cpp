@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+
 namespace zev {
 namespace {
 
@@ -150,6 +153,78 @@ TEST(HandleTable, DoesNotGrowWhileSlotsComeAndGo) {
   }
   EXPECT_EQ(table.count(), 100);
   EXPECT_EQ(table.used(), 100);
+}
+
+/// The same, walked slot by slot.
+struct WalkedTable {
+  struct Slot {
+    std::int32_t handle;
+    InstancePointer instance;
+    bool operator==(const Slot&) const = default;
+  };
+
+  Added add(std::int32_t handle, InstancePointer instance) {
+    for (Slot& each : slots) {
+      if (each.handle == -1) {
+        each = {handle, instance};
+        return Added::InFreeSlot;
+      }
+      if (each.handle == handle) return Added::Known;
+    }
+    slots.push_back({handle, instance});
+    return Added::AtTheEnd;
+  }
+  Slot* slotOf(std::int32_t handle) {
+    const auto found = std::find_if(slots.begin(), slots.end(),
+                                    [&](const Slot& each) { return each.handle == handle; });
+    return found == slots.end() ? nullptr : &*found;
+  }
+  bool holds(InstancePointer instance) const {
+    return std::any_of(slots.begin(), slots.end(),
+                       [&](const Slot& each) { return each.instance == instance; });
+  }
+
+  std::vector<Slot> slots;
+};
+
+/// Both do the same, step by step, with handles that come again and the one of free slots.
+TEST(HandleTable, IsWhatAWalkFromTheFirstSlotWouldFind) {
+  std::mt19937 random(17);
+  HandleTable table;
+  WalkedTable walked;
+  const auto any = [&](std::uint32_t most) {
+    return static_cast<std::int32_t>(random() % most) - 1;
+  };
+  for (int step = 0; step < 20000; ++step) {
+    const std::int32_t handle = any(12);
+    const InstancePointer instance = any(9);
+    switch (random() % 5) {
+      case 0:
+      case 1:
+        EXPECT_EQ(table.add(handle, instance), walked.add(handle, instance));
+        break;
+      case 2:
+        table.remove(handle);
+        if (auto* const slot = walked.slotOf(handle)) *slot = {-1, -1};
+        break;
+      case 3:
+        table.replace(handle, instance);
+        if (auto* const slot = walked.slotOf(handle)) slot->instance = instance;
+        break;
+      default:
+        if (random() % 100 == 0) {
+          table.clear();
+          walked.slots.clear();
+        }
+    }
+    const auto* const slot = walked.slotOf(handle);
+    ASSERT_EQ(table.find(handle), slot == nullptr ? noInstance : slot->instance) << step;
+    ASSERT_EQ(table.holds(instance), walked.holds(instance)) << step;
+    ASSERT_EQ(table.count(), static_cast<std::int32_t>(walked.slots.size())) << step;
+    for (std::size_t i = 0; i < walked.slots.size(); ++i) {
+      ASSERT_EQ((WalkedTable::Slot{table.handles()[i], table.objects()[i]}), walked.slots[i]);
+    }
+  }
 }
 
 }  // namespace

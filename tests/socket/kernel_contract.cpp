@@ -24,6 +24,13 @@ TEST_F(KernelContract, PagesAreZeroAndCanBeWritten) {
   EXPECT_TRUE(kernel().VirtualFree(pages, 0, releasePages));
 }
 
+TEST_F(KernelContract, PagesCanBeExecutedOnlyWhereCodeIsEntered) {
+  std::uint8_t* const pages = kernel().VirtualAlloc(182, commitPages, readWriteExecute);
+  ASSERT_NE(pages, nullptr);
+  EXPECT_EQ(bench().isExecutable(pages), windows().entersMachineCode());
+  EXPECT_TRUE(kernel().VirtualFree(pages, 0, releasePages));
+}
+
 TEST_F(KernelContract, PagesBeginWhereAPageBegins) {
   std::uint8_t* const pages = kernel().VirtualAlloc(1, commitPages, readWriteExecute);
   ASSERT_NE(pages, nullptr);

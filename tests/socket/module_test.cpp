@@ -6,8 +6,8 @@
 #include "simulated/network/simulated_network.h"
 #include "simulated/network/simulated_sockets.h"
 #include "socket/event_socket.h"
-#include "socket/failing_services.h"
 #include "socket/targets.h"
+#include "socket/watched_services.h"
 #include "support/fake_dialogs.h"
 #include "support/table.h"
 
@@ -72,7 +72,7 @@ class ModuleTest : public testing::Test {
   MessageQueue queue;
   simulated::SimulatedSockets sockets{network, queue};
   simulated::SimulatedKernel kernel;
-  FailingServices services{sockets, queue, kernel};
+  WatchedServices services{sockets, queue, kernel};
   Calls& calls = services.calls;
   test::FakeDialogs dialogs;
   Lines trace;
@@ -163,6 +163,21 @@ TEST_F(ModuleTest, WithoutMemoryForTheBlockTheServiceIsNotStarted) {
   EXPECT_EQ(module.InstanceCount(), 1);
   EXPECT_FALSE(module.ServiceStarted());
   EXPECT_EQ(calls.count("WSAStartup"), 0);
+}
+
+TEST_F(ModuleTest, ARefusedBlockIsToldToEachWhoAsksAndNothingElseBreaks) {
+  calls.fail("VirtualAlloc");
+  for (int tries = 0; tries < 2; ++tries) {
+    EXPECT_EQ(raised([&] { CEventSocket::create(module); }),
+              "7 modEventSocket.BuildThunk: Out of memory");
+  }
+  calls.heal("VirtualAlloc");
+  const auto socket = CEventSocket::create(module);
+  socket->Bind(0, u"127.0.0.1");
+  EXPECT_EQ(socket->State(), sckOpen);
+  EXPECT_EQ(calls.count("WSAStartup"), 1);
+  socket->CloseSck();
+  EXPECT_EQ(module.lngWindowHandle(), 0);
 }
 
 TEST_F(ModuleTest, AnEndThatFailsIsRaisedAndLeavesTheServiceStarted) {

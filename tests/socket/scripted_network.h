@@ -25,6 +25,10 @@ class ScriptedBench final : public Bench {
     return true;
   }
   void post(const WindowMessage& message) override { queue.post(message); }
+  void setFull(bool full) override {
+    network.settings.maximumSockets = full ? sockets_.openSockets() : usual_;
+  }
+  bool isExecutable(const std::uint8_t*) override { return false; }
   int openSockets() override { return static_cast<int>(sockets_.openSockets()); }
   int openWindows() override { return static_cast<int>(queue.openWindows()); }
 
@@ -34,6 +38,7 @@ class ScriptedBench final : public Bench {
 
  private:
   simulated::SimulatedSockets sockets_{network, queue};
+  const std::size_t usual_ = network.settings.maximumSockets;
 };
 
 /// Lines, and behind them others.

@@ -23,12 +23,18 @@ class SimulatedBench final : public Bench {
   }
 
   void post(const WindowMessage& message) override { queue_.post(message); }
+  void setFull(bool full) override {
+    network_.settings.maximumSockets = full ? sockets_.openSockets() : usual_;
+  }
+
+  bool isExecutable(const std::uint8_t*) override { return false; }
   int openSockets() override { return static_cast<int>(sockets_.openSockets()); }
   int openWindows() override { return static_cast<int>(queue_.openWindows()); }
 
  private:
   MessageQueue queue_;
   simulated::SimulatedNetwork network_;
+  const std::size_t usual_ = network_.settings.maximumSockets;
   simulated::SimulatedSockets sockets_{network_, queue_};
   simulated::SimulatedKernel kernel_;
 };

@@ -13,7 +13,7 @@
 #include "runtime/error.h"
 #include "socket/bench.h"
 #include "socket/event_socket.h"
-#include "socket/failing_services.h"
+#include "socket/watched_services.h"
 #include "support/fake_dialogs.h"
 
 namespace zev::socket_bench {
@@ -206,7 +206,7 @@ class SocketTest : public testing::Test {
   }
 
   std::unique_ptr<Bench> bench;
-  FailingServices services;
+  WatchedServices services;
   Calls& calls;
   test::FakeDialogs dialogs;
   Lines trace;

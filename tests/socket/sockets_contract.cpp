@@ -623,6 +623,42 @@ TEST_F(SocketsContract, FdAcceptComesForAConnectionBehindAnEmptyQueue) {
   EXPECT_TRUE(comes(pair.listener, fdAccept, 2));
 }
 
+TEST_F(SocketsContract, AListenerWithoutRoomForACallerRestsUntilASocketIsClosed) {
+  const std::int32_t waits = listener();
+  const std::int32_t spare = tcp();
+  const std::int32_t one = connecting(nameOf(waits));
+  ASSERT_TRUE(comes(waits, fdAccept));
+  const std::int32_t other = connecting(nameOf(waits));
+  ASSERT_TRUE(comes(other, fdConnect));
+  bench().setFull(true);
+  SocketAddress peer;
+  EXPECT_EQ(sockets().accept(waits, peer), winsock::noSocket);
+  EXPECT_EQ(lastError(), error::tooManyFiles);
+  quiet();
+  EXPECT_EQ(count(waits, fdAccept), 1u);
+  EXPECT_EQ(sockets().closesocket(spare), 0);
+  ASSERT_TRUE(comes(waits, fdAccept, 2));
+  EXPECT_NE(sockets().accept(waits, peer), winsock::noSocket);
+  EXPECT_EQ(peer.port, nameOf(one).port);
+  bench().setFull(false);
+  ASSERT_TRUE(comes(waits, fdAccept, 3));
+  EXPECT_NE(sockets().accept(waits, peer), winsock::noSocket);
+  EXPECT_EQ(peer.port, nameOf(other).port);
+}
+
+TEST_F(SocketsContract, AListenerWithoutRoomThatIsClosedIsForgotten) {
+  const std::int32_t waits = listener();
+  connecting(nameOf(waits));
+  ASSERT_TRUE(comes(waits, fdAccept));
+  bench().setFull(true);
+  SocketAddress peer;
+  EXPECT_EQ(sockets().accept(waits, peer), winsock::noSocket);
+  EXPECT_EQ(sockets().closesocket(waits), 0);
+  bench().setFull(false);
+  quiet();
+  EXPECT_EQ(count(waits, fdAccept), 1u);
+}
+
 TEST_F(SocketsContract, AnAcceptedSocketInheritsTheSelection) {
   const std::int32_t waits = tcp();
   EXPECT_EQ(sockets().WSAAsyncSelect(waits, ear().window(), otherMessage, fdAccept | fdRead), 0);

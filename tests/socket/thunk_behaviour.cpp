@@ -9,11 +9,10 @@
 
 #include "runtime/error.h"
 #include "socket/bench.h"
-#include "socket/failing_services.h"
 #include "socket/instruction_trace.h"
 #include "socket/targets.h"
 #include "socket/thunk.h"
-#include "socket/watched_windows.h"
+#include "socket/watched_services.h"
 
 namespace zev::socket_bench {
 namespace {
@@ -138,9 +137,10 @@ class ThunkBehaviour : public testing::Test {
     }
     return static_cast<std::int32_t>(result);
   }
+  /// Not by way of what observes the windows: every instruction on the way is followed.
   std::intptr_t sendUnwatched(std::uint32_t message, std::int32_t wParam, std::int32_t lParam) {
-    return windows.CallWindowProcA(block,
-                                   {window, message, static_cast<std::uint32_t>(wParam), lParam});
+    return bench->windows().CallWindowProcA(
+        block, {window, message, static_cast<std::uint32_t>(wParam), lParam});
   }
   void post(std::uint32_t message, std::int32_t wParam, std::int32_t lParam) {
     bench->post({window, message, static_cast<std::uint32_t>(wParam), lParam});
@@ -166,8 +166,8 @@ class ThunkBehaviour : public testing::Test {
 
   std::unique_ptr<Bench> bench = makeBench();
   Calls calls;
-  FailingKernel kernel{bench->kernel(), calls};
-  WatchedWindows windows{bench->windows()};
+  WatchedKernel kernel{bench->kernel(), calls};
+  WatchedWindows windows{bench->windows(), calls};
   RecordingRoutine previousRoutine;
   PreviousProcedure previousProcedure{windows, previousRoutine};
   const std::uintptr_t previous = previousProcedure.address();

@@ -6,9 +6,9 @@
 #include "platform/message_queue.h"
 #include "runtime/error.h"
 #include "simulated/network/simulated_kernel.h"
-#include "socket/failing_services.h"
 #include "socket/targets.h"
 #include "socket/thunk_picture.h"
+#include "socket/watched_services.h"
 #include "support/raised.h"
 
 namespace zev::socket_bench {
@@ -123,8 +123,8 @@ class ThunkTest : public testing::Test {
   MessageQueue queue;
   simulated::SimulatedKernel simulatedKernel;
   Calls calls;
-  FailingWindows windows{queue, calls};
-  FailingKernel kernel{simulatedKernel, calls};
+  WatchedWindows windows{queue, calls};
+  WatchedKernel kernel{simulatedKernel, calls};
   Instances instances{[](std::exception_ptr) {}};
   std::vector<std::string> lines;
   Trace trace;
@@ -137,8 +137,8 @@ TEST_F(ThunkTest, BuildsTheBlockStepByStep) {
   thunk.BuildThunk(false);
   ASSERT_NE(thunk.ThunkBlock(), nullptr);
   EXPECT_THAT(calls.lines(), ElementsAre("VirtualAlloc 182 4096 64", "VirtualLock 182",
-                                         "ProcAddress user32 SetWindowLongA",
-                                         "ProcAddress user32 CallWindowProcA"));
+                                         "GetProcAddress user32!SetWindowLongA",
+                                         "GetProcAddress user32!CallWindowProcA"));
   EXPECT_THAT(differences(builtValues()), IsEmpty());
   EXPECT_EQ(thunk.SubclassedWindow(), 0u);
   EXPECT_EQ(simulatedKernel.pages(), 1u);
@@ -147,9 +147,9 @@ TEST_F(ThunkTest, BuildsTheBlockStepByStep) {
 TEST_F(ThunkTest, BuildsTheGuardInADesignEnvironment) {
   kernel.setProcAddress("vba6", "EbMode", addressOf(&noMode));
   thunk.BuildThunk(true);
-  EXPECT_THAT(calls.linesOf({"ProcAddress"}),
-              ElementsAre("ProcAddress vba6 EbMode", "ProcAddress user32 SetWindowLongA",
-                          "ProcAddress user32 CallWindowProcA"));
+  EXPECT_THAT(calls.linesOf({"GetProcAddress"}),
+              ElementsAre("GetProcAddress vba6!EbMode", "GetProcAddress user32!SetWindowLongA",
+                          "GetProcAddress user32!CallWindowProcA"));
   FieldValues values = builtValues();
   values["EbMode"] = addressOf(&noMode);
   EXPECT_THAT(differences(values, true), IsEmpty());
@@ -159,9 +159,9 @@ TEST_F(ThunkTest, AsksTheOlderLibraryIfTheNewerHasNothing) {
   kernel.setProcAddress("vba5", "EbMode", addressOf(&anotherMode));
   thunk.BuildThunk(true);
   EXPECT_THAT(
-      calls.linesOf({"ProcAddress"}),
-      ElementsAre("ProcAddress vba6 EbMode", "ProcAddress vba5 EbMode",
-                  "ProcAddress user32 SetWindowLongA", "ProcAddress user32 CallWindowProcA"));
+      calls.linesOf({"GetProcAddress"}),
+      ElementsAre("GetProcAddress vba6!EbMode", "GetProcAddress vba5!EbMode",
+                  "GetProcAddress user32!SetWindowLongA", "GetProcAddress user32!CallWindowProcA"));
   FieldValues values = builtValues();
   values["EbMode"] = addressOf(&anotherMode);
   EXPECT_THAT(differences(values, true), IsEmpty());

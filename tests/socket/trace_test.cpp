@@ -114,6 +114,26 @@ TEST_F(TraceTest, AListenerAndItsCallers) {
                    "OK Destroyed accept collection", "STATE: sckConnected"}));
 }
 
+TEST_F(TraceTest, AListenerWithoutRoomTellsOfItOnce) {
+  Watched listener(module), other(module);
+  other->Bind(0, u"127.0.0.1");
+  listener->Listen();
+  machine.setFull(true);
+  take();
+  const auto port = static_cast<std::uint16_t>(listener->LocalPort());
+  network.connectFrom("10.0.0.9", "192.168.1.20", port);
+  network.connectFrom("10.0.0.8", "192.168.1.20", port);
+  settle();
+  EXPECT_EQ(take(), Lines({"FD_ACCEPT " + handleOf(listener),
+                           "ERROR trying to accept: Too many open files."}));
+  EXPECT_EQ(listener->State(), sckListening);
+  EXPECT_EQ(listener.log, Lines());
+  machine.setFull(false);
+  other->CloseSck();
+  settle();
+  EXPECT_EQ(listener.log, Lines({"ConnectionRequest", "ConnectionRequest"}));
+}
+
 TEST_F(TraceTest, ADatagramSocket) {
   Watched socket(module);
   take();

@@ -40,14 +40,26 @@ class CountedSockets final : public win32::Win32Sockets {
   }
 
   int open() const { return static_cast<int>(open_.size()); }
+  void setFull(bool full) { most_ = full ? open_.size() : unbounded; }
+
+ protected:
+  /// The system's own bound is far away.
+  std::int32_t takeConnection(std::int32_t socket, SocketAddress& peer,
+                              std::int32_t& error) override {
+    if (open_.size() < most_) return Win32Sockets::takeConnection(socket, peer, error);
+    error = winsock::error::tooManyFiles;
+    return winsock::noSocket;
+  }
 
  private:
+  static constexpr std::size_t unbounded = static_cast<std::size_t>(-1);
   std::int32_t counted(std::int32_t socket) {
     if (socket != winsock::noSocket) open_.insert(socket);
     return socket;
   }
 
   std::set<std::int32_t> open_;
+  std::size_t most_ = unbounded;
   int starts_ = 0;
 };
 
@@ -84,6 +96,12 @@ class Win32Bench final : public Bench {
                  message.lParam);
   }
 
+  void setFull(bool full) override { sockets_.setFull(full); }
+  bool isExecutable(const std::uint8_t* address) override {
+    MEMORY_BASIC_INFORMATION page{};
+    VirtualQuery(address, &page, sizeof page);
+    return page.Protect == PAGE_EXECUTE_READWRITE;
+  }
   int openSockets() override { return sockets_.open(); }
   int openWindows() override { return static_cast<int>(windows_.openWindows()); }
 

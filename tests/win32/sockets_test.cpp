@@ -34,6 +34,22 @@ class Listener final : public MessageRoutine {
   std::vector<WindowMessage> seen;
 };
 
+/// Sockets of a system that has no room for connections.
+class FullSockets final : public Win32Sockets {
+ public:
+  bool full = true;
+  int tries = 0;
+
+ protected:
+  std::int32_t takeConnection(std::int32_t socket, SocketAddress& peer,
+                              std::int32_t& reason) override {
+    ++tries;
+    if (!full) return Win32Sockets::takeConnection(socket, peer, reason);
+    reason = error::tooManyFiles;
+    return winsock::noSocket;
+  }
+};
+
 class SocketsTest : public testing::Test {
  protected:
   SocketsTest() {
@@ -332,7 +348,7 @@ TEST(KernelTest, GivesPagesThatCanBeWritten) {
   kernel.VirtualLock(pages, 182);
   MEMORY_BASIC_INFORMATION page{};
   ASSERT_NE(VirtualQuery(pages, &page, sizeof page), 0u);
-  EXPECT_EQ(page.Protect, readWriteExecute);
+  EXPECT_EQ(page.Protect, entersMachineCode ? readWriteExecute : DWORD{PAGE_READWRITE});
   pages[181] = 0xC3;
   EXPECT_TRUE(kernel.VirtualFree(pages, 0, releasePages));
   EXPECT_FALSE(kernel.VirtualFree(pages, 0, releasePages));
@@ -366,6 +382,33 @@ TEST(KernelTest, TurnsTextsIntoBytesAndBack) {
   EXPECT_EQ(kernel.toAnsi(Text(u"A\0c", 3)), std::string("A\0c", 3));
   EXPECT_EQ(kernel.fromAnsi(std::string("A\0c", 3)), Text(u"A\0c", 3));
   EXPECT_EQ(kernel.toAnsi(u"日"), "?");
+}
+
+TEST_F(SocketsTest, ARestEndsByItselfOnceThereIsRoom) {
+  FullSockets ours;
+  ASSERT_EQ(ours.WSAStartup(winsock::version), 0);
+  const std::int32_t listener = ours.socket(winsock::internet, winsock::stream, winsock::tcp);
+  EXPECT_EQ(ours.WSAAsyncSelect(listener, window_, socketEvent, allEvents), 0);
+  EXPECT_EQ(ours.bind(listener, loopback()), 0);
+  SocketAddress here, peer;
+  EXPECT_EQ(ours.getsockname(listener, here), 0);
+  EXPECT_EQ(ours.listen(listener, 5), 0);
+  const std::int32_t caller = makeStream();
+  EXPECT_EQ(sockets_.connect(caller, here), 0);
+  expectEvent(listener, winsock::fdAccept);
+  EXPECT_EQ(ours.accept(listener, peer), winsock::noSocket);
+  EXPECT_EQ(ours.WSAGetLastError(), error::tooManyFiles);
+  while (bench_->pump(100)) {
+  }
+  EXPECT_TRUE(routine_.seen.empty());
+  ours.full = false;
+  expectEvent(listener, winsock::fdAccept);
+  EXPECT_EQ(ours.tries, 1);
+  const std::int32_t accepted = ours.accept(listener, peer);
+  EXPECT_NE(accepted, winsock::noSocket);
+  ours.closesocket(accepted);
+  ours.closesocket(listener);
+  sockets_.closesocket(caller);
 }
 
 }  // namespace

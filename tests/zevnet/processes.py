@@ -22,9 +22,10 @@ def tool(name):
 class Running:
     """A process with pipes. What it writes to standard error is kept, line by line."""
 
-    def __init__(self, *command, stdin=subprocess.PIPE, stdout=subprocess.PIPE):
+    def __init__(self, *command, stdin=subprocess.PIPE, stdout=subprocess.PIPE, environment=None):
         self.process = subprocess.Popen(
-            [str(part) for part in command], stdin=stdin, stdout=stdout, stderr=subprocess.PIPE)
+            [str(part) for part in command], stdin=stdin, stdout=stdout, stderr=subprocess.PIPE,
+            env={**os.environ, **(environment or {})})
         self.lines = []
         self._queue = queue.Queue()
         self._reader = threading.Thread(target=self._read_errors, daemon=True)
@@ -32,7 +33,7 @@ class Running:
 
     def _read_errors(self):
         for line in self.process.stderr:
-            self._queue.put(line.decode(errors="replace").rstrip("\n"))
+            self._queue.put(line.decode(errors="replace").rstrip("\r\n"))
         self._queue.put(None)
 
     def line(self, pattern):

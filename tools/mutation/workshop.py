@@ -24,7 +24,7 @@ PACKAGE = pathlib.Path("build") / "run" / "package"
 
 # Where a room's suites are found when its folder of tests has another name.
 OWN_SUITES = {"zevsim": {"scenario", "scenarios"}, "platform": {"contract", "runtime", "socket"},
-              "simulated": {"simulated", "contract"}, "script": {"scenario"},
+              "simulated": {"simulated", "contract"}, "observed": {"observed", "socket"},
               "setup": {"scenarios"}}
 NO_SUITES = {"house"}  # they look at the text of the code, which every break changes
 

@@ -1,96 +1,72 @@
 #include "programs/zevdrive/drive_options.h"
 
-#include <algorithm>
+#include <CLI/CLI.hpp>
 
 namespace zev::drive {
 namespace {
 
-double readSeconds(const std::string& value) {
-  std::size_t read = 0;
-  double seconds = 0;
-  try {
-    seconds = std::stod(value, &read);
-  } catch (const std::logic_error&) {
-    read = 0;
-  }
-  if (read == 0 || read != value.size() || !(seconds > 0)) {
-    throw UsageError("--timeout wants seconds, not \"" + value + "\"");
-  }
-  return seconds;
+constexpr double shortest = 0.001;
+constexpr double longest = 86400;
+
+const char* const description =
+    "Plays the script of a scenario on the real program, through its windows.";
+const char* const statuses =
+    "Exit status: 0 all expectations held; 1 one did not; 2 the scenario or the command line\n"
+    "cannot be used; 3 zevdrive itself failed, or the program did not come to rest; 4 the "
+    "scenario\n"
+    "cannot be played from outside.";
+
+using Path = std::filesystem::path;
+
+CLI::Option* addFile(CLI::App& app, const char* name, const std::function<void(Path)>& take,
+                     const char* help) {
+  const auto taken = [take](const std::string& utf8) {
+    take(std::u8string(utf8.begin(), utf8.end()));
+  };
+  return app.add_option_function<std::string>(name, taken, help)->type_name("FILE");
 }
 
-std::filesystem::path pathOf(const std::string& utf8) {
-  return std::u8string(utf8.begin(), utf8.end());
-}
-
-/// One option: its name, whether a value follows, and what it sets.
-struct OptionRow {
-  const char* name;
-  bool takesValue;
-  void (*set)(const std::string& value, DriveOptions& options);
-};
-
-// clang-format off
-constexpr OptionRow optionRows[] = {
-    {"--program", true, [](const std::string& value, DriveOptions& to) { to.program = pathOf(value); }},
-    {"--transcript", true, [](const std::string& value, DriveOptions& to) { to.transcript = pathOf(value); }},
-    {"--timeout", true, [](const std::string& value, DriveOptions& to) { to.timeout = readSeconds(value); }},
-    {"--prepare", false, [](const std::string&, DriveOptions& to) { to.prepare = true; }},
-    {"--save-registry", true, [](const std::string& value, DriveOptions& to) { to.registry = pathOf(value); }},
-    {"--check", false, [](const std::string&, DriveOptions& to) { to.check = true; }},
-    {"--help", false, [](const std::string&, DriveOptions& to) { to.help = true; }},
-    {"-h", false, [](const std::string&, DriveOptions& to) { to.help = true; }},
-};
-// clang-format on
-
-const OptionRow& findOption(const std::string& name) {
-  const auto found = std::find_if(std::begin(optionRows), std::end(optionRows),
-                                  [&](const OptionRow& row) { return row.name == name; });
-  if (found == std::end(optionRows)) throw UsageError("no option " + name);
-  return *found;
+void addOptions(CLI::App& app, DriveOptions& options) {
+  addFile(
+      app, "SCENARIO", [&](const Path& file) { options.scenario = file; }, "The scenario")
+      ->required();
+  addFile(
+      app, "--program", [&](const Path& file) { options.program = file; }, "ZEVSetup.exe");
+  addFile(
+      app, "--transcript", [&](const Path& file) { options.transcript = file; },
+      "Writes what can be seen from outside at rest, as JSON Lines; without it to standard "
+      "output");
+  app.add_option("--timeout", options.timeout, "How many seconds the whole play may take")
+      ->check(CLI::Range(shortest, longest).description(""))
+      ->type_name("SECONDS")
+      ->capture_default_str();
+  app.add_flag("--prepare", options.prepare,
+               "First makes the files, the registry and the windows of other programs that the "
+               "scenario's machine has: ON THIS SYSTEM. Without --program that is all");
+  addFile(
+      app, "--save-registry", [&](const Path& folder) { options.registry = folder; },
+      "A folder: saves the keys Software of machine and user in it at the end");
+  app.add_flag("--check", options.check,
+               "Only tells whether the scenario can be played from outside");
 }
 
 }  // namespace
 
-const char* const driveUsage =
-    "zevdrive SCENARIO.json --program ZEVSetup.exe [options]\n"
-    "\n"
-    "plays the script of a scenario on the real program, through its windows\n"
-    "\n"
-    "  --transcript FILE   writes what can be seen from outside at rest, as JSON Lines; without "
-    "it\n"
-    "                      to standard output\n"
-    "  --timeout SECONDS   how long the whole play may take; 60\n"
-    "  --prepare           first makes the files, the registry and the windows of other programs\n"
-    "                      that the scenario's machine has: ON THIS SYSTEM. Without --program "
-    "that\n"
-    "                      is all\n"
-    "  --save-registry DIR saves the keys Software of machine and user in a folder at the end\n"
-    "  --check             only tells whether the scenario can be played from outside\n"
-    "\n"
-    "Exit status: 0 all expectations held; 1 one did not; 2 the scenario or the command line\n"
-    "cannot be used; 3 zevdrive itself failed, or the program did not come to rest; 4 the "
-    "scenario\n"
-    "cannot be played from outside.\n";
-
-DriveOptions parseOptions(const std::vector<std::string>& arguments) {
+std::optional<DriveOptions> readOptions(const std::vector<std::string>& arguments,
+                                        std::ostream& out, std::ostream& err, int& status) {
   DriveOptions options;
-  for (std::size_t place = 0; place < arguments.size(); ++place) {
-    const std::string& argument = arguments[place];
-    if (!argument.starts_with('-')) {
-      if (options.scenario) throw UsageError("more than one scenario: " + argument);
-      options.scenario = pathOf(argument);
-      continue;
+  CLI::App app(description, "zevdrive");
+  addOptions(app, options);
+  app.footer(statuses);
+  try {
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    if (!options.program && !options.prepare && !options.check) {
+      throw CLI::RequiredError("--program, --prepare or --check");
     }
-    const OptionRow& option = findOption(argument);
-    if (option.takesValue && ++place == arguments.size()) {
-      throw UsageError(argument + " wants a value");
-    }
-    option.set(option.takesValue ? arguments[place] : std::string(), options);
-  }
-  if (!options.help && !options.scenario) throw UsageError("no scenario");
-  if (!options.help && !options.program && !options.prepare && !options.check) {
-    throw UsageError("no --program");
+  } catch (const CLI::ParseError& error) {
+    const bool helped = app.exit(error, out, err) == 0;
+    status = helped ? exit_status::held : exit_status::unusable;
+    return std::nullopt;
   }
   return options;
 }

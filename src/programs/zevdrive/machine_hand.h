@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "programs/zevdrive/other_windows.h"
-#include "script/machine_change.h"
+#include "scenario/machine_change.h"
 
 namespace zev::drive {
 

@@ -4,8 +4,8 @@
 #include <iostream>
 
 #include "programs/zevdrive/drive_options.h"
-#include "programs/zevdrive/driver.h"
 #include "programs/zevdrive/refusals.h"
+#include "programs/zevdrive/windows_stage.h"
 #include "state/form1.h"
 #include "state/form2.h"
 #include "state/form3.h"
@@ -13,28 +13,21 @@
 namespace zev::drive {
 namespace {
 
-namespace exit_status {
-constexpr int held = 0;
-constexpr int failed = 1;
-constexpr int unusable = 2;
-constexpr int broken = 3;
-constexpr int refused = 4;
-}  // namespace exit_status
-
-std::string shown(const scenario::Json& value) {
-  return value.dump(-1, ' ', false, scenario::Json::error_handler_t::replace);
-}
-
-int report(const Judgements& judgements) {
-  for (const auto& each : judgements.failures) {
-    std::cerr << "FAILED " << each.path << "\n  expected: " << shown(each.expected)
-              << "\n  found:    " << shown(each.found) << '\n';
+/// Prints failed expectations.
+class FailureTeller final : public scenario::Audience {
+ public:
+  void judged(const scenario::KeyedValue& expectation, const scenario::Verdict* verdict) override {
+    if (verdict == nullptr || verdict->held) return;
+    std::cerr << scenario::failureText(expectation, *verdict) << std::endl;
   }
-  std::cerr << "held: " << judgements.held << ", failed: " << judgements.failures.size() << '\n';
+};
+
+int report(const scenario::Judgements& judgements) {
+  std::cerr << "held: " << judgements.held << ", failed: " << judgements.failed << '\n';
   for (const auto& [key, count] : judgements.notSeen) {
     std::cerr << "not seen: " << key << " (" << count << ")\n";
   }
-  return judgements.failures.empty() ? exit_status::held : exit_status::failed;
+  return judgements.failed == 0 ? exit_status::held : exit_status::failed;
 }
 
 Text pathText(const std::filesystem::path& path) {
@@ -53,13 +46,14 @@ int play(const scenario::Scenario& scenario, const DriveOptions& options, Machin
   Form1 form1;
   Form2 form2;
   Form3 form3;
-  scenario::OutsideView view(options.transcript ? static_cast<std::ostream&>(file) : std::cout);
   const auto length = std::chrono::duration_cast<RunningProgram::Clock::duration>(
       std::chrono::duration<double>(options.timeout));
-  Driver driver(scenario, pathText(*options.program), {&form1, &form2, &form3}, view,
-                RunningProgram::Clock::now() + length);
-  driver.play(machine);
-  return report(driver.judgements());
+  WindowsStage stage(pathText(*options.program), {&form1, &form2, &form3}, machine,
+                     RunningProgram::Clock::now() + length);
+  std::ostream& lines = options.transcript ? static_cast<std::ostream&>(file) : std::cout;
+  scenario::OutsideAudience outsider(stage, lines);
+  FailureTeller failures;
+  return report(stage.perform(scenario, {&outsider, &failures}));
 }
 
 /// Saves the registry in the end, whatever came of the play.
@@ -76,7 +70,7 @@ struct RegistrySaver {
 };
 
 int drive(const DriveOptions& options) {
-  const scenario::Scenario scenario = scenario::readScenario(*options.scenario);
+  const scenario::Scenario scenario = scenario::readScenario(options.scenario);
   if (const auto reason = refusal(scenario)) {
     std::cerr << "not played: " << *reason << '\n';
     return exit_status::refused;
@@ -91,11 +85,11 @@ int drive(const DriveOptions& options) {
 int driveReporting(const DriveOptions& options) {
   try {
     return drive(options);
-  } catch (const Refused& reason) {
+  } catch (const scenario::Refused& reason) {
     std::cerr << "not played: " << reason.what() << '\n';
     return exit_status::refused;
   } catch (const scenario::ScenarioError& error) {
-    std::cerr << options.scenario->string() << ": " << error.path() << ": " << error.reason()
+    std::cerr << options.scenario.string() << ": " << error.path() << ": " << error.reason()
               << '\n';
     return exit_status::unusable;
   }
@@ -103,11 +97,11 @@ int driveReporting(const DriveOptions& options) {
 
 int driveMain(const std::vector<std::string>& arguments) {
   try {
-    const DriveOptions options = parseOptions(arguments);
-    if (options.help) std::cout << driveUsage;
-    return options.help ? exit_status::held : driveReporting(options);
+    int status = exit_status::held;
+    const auto options = readOptions(arguments, std::cout, std::cerr, status);
+    return options ? driveReporting(*options) : status;
   } catch (const UsageError& error) {
-    std::cerr << "zevdrive: " << error.what() << "\n\n" << driveUsage;
+    std::cerr << "zevdrive: " << error.what() << '\n';
     return exit_status::unusable;
   } catch (const std::exception& error) {
     std::cerr << "zevdrive: " << error.what() << '\n';

@@ -56,21 +56,6 @@ bool isVisible(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VIS
 
 }  // namespace
 
-bool takesFocus(ControlKind kind) {
-  switch (kind) {
-    case ControlKind::CommandButton:
-    case ControlKind::OptionButton:
-    case ControlKind::CheckBox:
-    case ControlKind::TextBox:
-    case ControlKind::ComboBox:
-    case ControlKind::DriveListBox:
-    case ControlKind::DirListBox:
-      return true;
-    default:
-      return false;
-  }
-}
-
 std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first, LPARAM second) {
   DWORD_PTR answer = 0;
   if (SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, patience, &answer) == 0) {
@@ -209,7 +194,7 @@ void ProgramWindows::addPlaces(scenario::SeenForm& seen) const {
   for (auto& [place, shown] : seen.controls) {
     const Control& control = *seen.form->Controls()[place];
     const HWND own = windowOf(*seen.form, control);
-    shown.place = placeOf(own, scenario::dropsDown(control));
+    shown.place = placeOf(own, control.dropsDown());
     if (!IsWindowVisible(own)) continue;
     shown.inSight = inSight(own, window, takesFocus(control.kind()));
   }

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "script/outside_view.h"
+#include "scenario/outside_view.h"
 #include "win32/windows_api.h"
 
 namespace zev::drive {
@@ -14,9 +14,6 @@ inline constexpr UINT patience = 50;
 
 /// Sends a message and waits for its answer; none if the window's program is busy or gone.
 std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);
-
-/// Whether a person can give a control of a kind the focus.
-bool takesFocus(ControlKind kind);
 
 /// The name of a window's class.
 Text classOf(HWND window);

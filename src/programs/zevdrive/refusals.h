@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "script/scenario.h"
+#include "scenario/scenario.h"
 
 namespace zev::drive {
 

@@ -88,7 +88,7 @@ std::optional<Json> side(const ShownControl& shown) {
 }
 
 std::optional<Json> height(const ShownControl& shown) {
-  if (scenario::dropsDown(shown.control)) return std::nullopt;
+  if (shown.control.dropsDown()) return std::nullopt;
   return side<&scenario::SeenPlace::height>(shown);
 }
 

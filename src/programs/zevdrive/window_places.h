@@ -1,6 +1,6 @@
 #pragma once
 
-#include "script/outside_view.h"
+#include "scenario/outside_view.h"
 #include "win32/windows_api.h"
 
 namespace zev::drive {

@@ -25,7 +25,7 @@ OwnHandle openFile(const Text& path) {
       CreateFileW(wide(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                   nullptr, OPEN_EXISTING, 0, nullptr);
   const bool inUse = file == INVALID_HANDLE_VALUE && GetLastError() == ERROR_SHARING_VIOLATION;
-  if (inUse) throw InUse("in use: " + toUtf8(path));
+  if (inUse) throw scenario::InUse("in use: " + toUtf8(path));
   return OwnHandle(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 

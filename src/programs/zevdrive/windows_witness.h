@@ -1,8 +1,6 @@
 #pragma once
 
-#include <stdexcept>
-
-#include "script/witness.h"
+#include "scenario/witness.h"
 #include "win32/ansi.h"
 #include "win32/windows_api.h"
 
@@ -10,12 +8,6 @@ namespace zev::drive {
 
 /// The system's handle of a hive.
 HKEY hiveHandle(RegistryKey hive);
-
-/// A file cannot be read because somebody has it open without sharing.
-class InUse : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 /// The Windows that this runs on, as expectations ask it.
 class WindowsWitness final : public scenario::Witness {

@@ -91,30 +91,43 @@ std::optional<Failure> Connection::unreportedFailure() const {
   }
 }
 
-void Connection::settle() {
-  if (ended_) return;
-  if (!failure_) failure_ = unreportedFailure();
-  const bool finished = closeWhenSent_ && stands() && !waits();
-  if (failure_ || peerClosed_ || finished) end();
+void Connection::giveUp() {
+  const std::int32_t number = winsock::error::timedOut;
+  fail({number, toUtf8(WinsockErrorText(number)), "zevnet"});
 }
 
-void Connection::end() {
+bool Connection::isOver() {
+  if (ended_) return false;
+  if (!failure_) failure_ = unreportedFailure();
+  return failure_ || peerClosed_ || (closeWhenSent_ && stands() && !waits());
+}
+
+void Connection::end(const InputRest& unread, bool wholeInput) {
   if (std::exchange(ended_, true)) return;
   try {
     socket_->CloseSck();
   } catch (const RuntimeError& error) {
     fail(Failure(error));
   }
-  if (waits()) {
-    const std::string lost = std::to_string(given_ - sent_);
-    fail({winsock::error::connectionAborted, lost + " bytes were not sent.", "zevnet"});
-  }
+  if (hasBegun()) countLost(unread, wholeInput);
   tellEnd();
+}
+
+void Connection::countLost(const InputRest& unread, bool wholeInput) {
+  const std::uint64_t lost = given_ - sent_ + unread.bytes;
+  const auto lose = [this](const std::string& what) {
+    loss_.emplace(winsock::error::connectionAborted, what, "zevnet");
+  };
+  if (lost != 0) return lose(std::to_string(lost) + " bytes were not sent.");
+  if (unread.known) return;
+  if (wholeInput) return lose("The input was not read to its end.");
+  if (!failure_) terminal_.tell("the input was not read to its end");
 }
 
 void Connection::tellEnd() {
   if (failure_) terminal_.tell(failure_->what());
-  if (peer_.empty()) return;
+  if (loss_) terminal_.tell(loss_->what());
+  if (!hasBegun()) return;
   terminal_.tell("closed " + peer_ + ": sent " + std::to_string(sent_) + " bytes, received " +
                  std::to_string(received_) + " bytes");
 }

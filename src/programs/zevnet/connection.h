@@ -24,17 +24,23 @@ class Connection {
   void accept(std::int32_t requestID);
 
   bool stands() const { return socket_->State() == sckConnected; }
+  /// Whether it came about.
+  bool hasBegun() const { return !peer_.empty(); }
   /// Whether some bytes have not gone out yet.
   bool waits() const { return sent_ < given_; }
   void send(BytesView bytes);
   /// Closes as soon as everything has gone out.
   void closeWhenSent() { closeWhenSent_ = true; }
 
-  /// Ends it if it is over. From the top of the loop, after a dispatch.
-  void settle();
-  void end();
+  /// Connecting takes too long.
+  void giveUp();
+  /// Whether it is to be ended. From the top of the loop, after a dispatch.
+  bool isOver();
+  /// Closes it and tells how it ended. `unread` is what is left of the input that should have gone
+  /// out; if `wholeInput` is wanted, more of it that may come is lost as well.
+  void end(const InputRest& unread, bool wholeInput);
   bool ended() const { return ended_; }
-  bool failed() const { return failure_.has_value(); }
+  bool failed() const { return failure_ || loss_; }
   std::uint64_t traffic() const { return sent_ + received_; }
 
  private:
@@ -43,6 +49,7 @@ class Connection {
   void takeArrived();
   void fail(Failure failure);
   std::optional<Failure> unreportedFailure() const;
+  void countLost(const InputRest& unread, bool wholeInput);
   void tellEnd();
 
   modEventSocket& module_;
@@ -54,6 +61,7 @@ class Connection {
   std::uint64_t received_ = 0;
   bool closeWhenSent_ = false;
   bool peerClosed_ = false;
+  std::optional<Failure> loss_;  ///< input that has not gone out
   bool ended_ = false;
   std::optional<Failure> failure_;
 };

@@ -34,13 +34,25 @@ void Connections::endInput() {
 }
 
 void Connections::settle() {
-  for (const auto& each : connections_) each->settle();
+  for (const auto& each : connections_) {
+    if (each->isOver()) end(*each);
+  }
   dropEnded();
 }
 
 void Connections::end() {
-  for (const auto& each : connections_) each->end();
+  for (const auto& each : connections_) end(*each);
   dropEnded();
+}
+
+/// What the input still has nobody will ever get; with others to follow it is theirs.
+void Connections::end(Connection& connection) {
+  InputRest unread{0, true};
+  if (connection.hasBegun() && !inputEnded_ && !wishes_.keep) {
+    terminal_.holdInput();
+    unread = terminal_.restOfInput();
+  }
+  connection.end(unread, wishes_.close);
 }
 
 void Connections::dropEnded() {
@@ -49,10 +61,7 @@ void Connections::dropEnded() {
     failed_ = failed_ || each->failed();
     earlierTraffic_ += each->traffic();
   }
-  const auto dropped = std::erase_if(connections_, [](const auto& each) { return each->ended(); });
-  if (dropped != 0 && none() && !wishes_.keep && !failed_ && !inputEnded_) {
-    terminal_.tell("the input was not read to its end");
-  }
+  std::erase_if(connections_, [](const auto& each) { return each->ended(); });
 }
 
 std::uint64_t Connections::traffic() const {

@@ -28,12 +28,14 @@ class Connections : public Conversation {
  protected:
   Connection& add();
   bool none() const { return connections_.empty(); }
+  Connection& first() const { return *connections_.front(); }
 
   modEventSocket& module_;
   Terminal& terminal_;
   const Wishes& wishes_;
 
  private:
+  void end(Connection& connection);
   void dropEnded();
 
   std::vector<std::unique_ptr<Connection>> connections_;
@@ -48,6 +50,8 @@ class Caller final : public Connections {
   using Connections::Connections;
   void begin() override { add().connect(wishes_.host, wishes_.port); }
   bool over() const override { return none(); }
+  bool connecting() const override { return !none() && !first().hasBegun(); }
+  void giveUp() override { first().giveUp(); }
 };
 
 /// Takes the first connection, or all of them.

@@ -2,12 +2,13 @@
 #include <cstdio>
 #include <iostream>
 
-#include "programs/zevnet/posix_terminal.h"
+#include "programs/zevnet/this_machine.h"
 #include "programs/zevnet/zevnet.h"
 
 namespace {
 
-using zev::netcat::PosixTerminal;
+using zev::netcat::ThisMachine;
+using zev::netcat::ThisTerminal;
 using zev::netcat::Wishes;
 
 constexpr int wrongUse = 2;
@@ -41,6 +42,11 @@ void addCommands(CLI::App& app, Wishes& wishes) {
   connect.add_option("port", wishes.port, "Port of the host")
       ->required()
       ->check(CLI::Range(1, highestPort));
+  connect
+      .add_option("--timeout", wishes.timeout,
+                  "Give up a connection that has not come about after so many seconds")
+      ->check(CLI::Range(0.001, 86400.0))
+      ->capture_default_str();
   addCommonOptions(connect, wishes);
 
   CLI::App& listen =
@@ -63,11 +69,11 @@ int helpWritten() {
 }
 
 int runOnThisMachine(const Wishes& wishes) {
-  PosixTerminal::openMissingStreams();
-  zev::posix::Machine machine;
+  ThisTerminal::openMissingStreams();
+  ThisMachine machine;
   NoBoxes boxes;
   zev::modEventSocket module({machine.sockets(), machine.windows(), machine.kernel(), boxes});
-  PosixTerminal terminal(machine);
+  ThisTerminal terminal(machine);
   return zev::netcat::run(wishes, module, terminal);
 }
 

@@ -18,6 +18,18 @@ class InputTaker {
   virtual void endInput() = 0;
 };
 
+/// What somebody else's signal ends the program by: the person's (SIGINT) or the system's
+/// (SIGTERM).
+struct Interruption {
+  int signal = 0;
+};
+
+/// What is left of an input, as far as can be told without waiting for more.
+struct InputRest {
+  std::uint64_t bytes = 0;  ///< that wait
+  bool known = false;       ///< there are no others behind them
+};
+
 /// The three streams that a program has from its caller, and the loop that waits for the first one
 /// as well as for the network.
 class Terminal {
@@ -28,12 +40,15 @@ class Terminal {
   virtual void readInput(InputTaker& taker, std::size_t longestPiece) = 0;
   /// From now on standard input stays unread.
   virtual void holdInput() = 0;
-  /// Writes all bytes to standard output, waiting for whoever reads it. Throws Failure.
+  /// What is left of standard input. Only once nobody reads it any more.
+  virtual InputRest restOfInput() = 0;
+  /// Writes all bytes to standard output, waiting for whoever reads it. Throws Failure, and
+  /// Interruption.
   virtual void write(BytesView bytes) = 0;
   /// One line on standard error.
   virtual void tell(const std::string& line) = 0;
   /// Dispatches one message of the sockets or reads one piece of input; waits for that as many
-  /// milliseconds at most, for ever if negative.
+  /// milliseconds at most, for ever if negative. Throws Interruption.
   virtual void dispatch(int milliseconds) = 0;
 };
 

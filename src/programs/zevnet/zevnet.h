@@ -6,7 +6,8 @@
 
 namespace zev::netcat {
 
-/// Carries out what was asked for, until it is over. The exit status: 0, or 1 if an error was told.
+/// Carries out what was asked for, until it is over. The exit status: 0, 1 if an error was told, or
+/// 128 and the number of the signal that has ended it.
 int run(const Wishes& wishes, modEventSocket& module, Terminal& terminal);
 
 }  // namespace zev::netcat

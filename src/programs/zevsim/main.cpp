@@ -7,7 +7,7 @@
 #endif
 
 #include "programs/zevsim/setup_program.h"
-#include "scenario/zevsim_main.h"
+#include "programs/zevsim/zevsim_main.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "scenario/played_program.h"
+#include "programs/zevsim/played_program.h"
 
 namespace zev {
 

@@ -60,6 +60,12 @@ class LocalSocket : public PortOwner {
     return winsock::error::operationNotSupported;
   }
 
+  /// A connection that waits may be told of again.
+  void acceptAgain() {
+    arm(winsock::fdAccept);
+    examine();
+  }
+
   // ---- data
 
   virtual std::int32_t send(std::string_view bytes, std::size_t& taken) = 0;

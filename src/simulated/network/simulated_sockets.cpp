@@ -131,8 +131,17 @@ std::int32_t SimulatedSockets::socket(std::int32_t family, std::int32_t type,
 std::int32_t SimulatedSockets::closesocket(std::int32_t socket) {
   return with(socket, [&](LocalSocket&) {
     sockets_.erase(socket);
+    endRest();
     return 0;
   });
+}
+
+/// There is room again.
+void SimulatedSockets::endRest() {
+  for (const std::int32_t handle : std::exchange(resting_, {})) {
+    const auto listener = sockets_.find(handle);
+    if (listener != sockets_.end()) listener->second->acceptAgain();
+  }
 }
 
 std::int32_t SimulatedSockets::connect(std::int32_t socket, const SocketAddress& address) {
@@ -163,7 +172,10 @@ std::int32_t SimulatedSockets::accept(std::int32_t socket, SocketAddress& peer) 
   std::shared_ptr<StreamEnd> end;
   const auto next = [&](LocalSocket& each) { return each.accept(end); };
   if (listener == nullptr) return winsock::noSocket;
-  if (sockets_.size() >= network_.settings.maximumSockets) return result(error::tooManyFiles);
+  if (sockets_.size() >= network_.settings.maximumSockets) {
+    resting_.push_back(socket);
+    return result(error::tooManyFiles);
+  }
   if (waitingWith(socket, next) != 0) return winsock::noSocket;
   peer = toSocketAddress(end->remote());
   const auto made = std::make_shared<StreamSocket>(network_, queue_, nextHandle());

@@ -15,7 +15,7 @@ namespace zev::simulated {
 /// The sockets of one process of the machine. Notifications are posted to the queue. A call of a
 /// socket that was never selected, and a blocking look-up, move the network's clock until they are
 /// done; a call that would wait for ever fails with 10004. Handles are never used again.
-class SimulatedSockets final : public Sockets {
+class SimulatedSockets : public Sockets {
  public:
   /// Borrows both.
   SimulatedSockets(SimulatedNetwork& network, MessageQueue& queue);
@@ -75,11 +75,13 @@ class SimulatedSockets final : public Sockets {
   std::int32_t waitingWith(std::int32_t handle, const Operation& operation);
   std::shared_ptr<LocalSocket> make(std::int32_t type);
   std::int32_t nextHandle();
+  void endRest();
 
   SimulatedNetwork& network_;
   MessageQueue& queue_;
   std::shared_ptr<LookUps> lookUps_;
   std::map<std::int32_t, std::shared_ptr<LocalSocket>> sockets_;
+  std::vector<std::int32_t> resting_;  ///< listeners that have a caller and no room for it
   std::int32_t lastHandle_ = 0x60;
   std::int32_t lastError_ = 0;
   int starts_ = 0;

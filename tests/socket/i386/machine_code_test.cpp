@@ -16,10 +16,11 @@
 
 #include "posix/code_queue.h"
 #include "posix/kernel.h"
-#include "socket/failing_services.h"
+#include "runtime/error.h"
 #include "socket/i386/probe.h"
 #include "socket/instruction_trace.h"
 #include "socket/thunk.h"
+#include "socket/watched_services.h"
 
 namespace zev::socket_bench {
 namespace {
@@ -108,7 +109,7 @@ class Code {
   posix::CodeQueue queue_;
   posix::PosixKernel posixKernel_{1252};
   Calls calls_;
-  FailingKernel kernel_{posixKernel_, calls_};
+  WatchedKernel kernel_{posixKernel_, calls_};
   Instances instances_{[](std::exception_ptr) {}};
   Trace trace_;
   const WindowHandle window_ = queue_.CreateWindowExA(u"STATIC", u"TEST");
@@ -313,6 +314,39 @@ TEST(MachineCode, EntersInstancesWithAnAlignedStack) {
     EXPECT_TRUE(standsAsItWas(probe)) << shift;
     EXPECT_EQ(target->remainder, 0u) << shift;
   }
+}
+
+// ---- a policy
+
+/// Under a policy that forbids memory which can be written and executed: 7 if that is what a new
+/// block is refused with, 100 if the system knows no such policy.
+int refusalUnderPolicy() {
+  constexpr int setPolicy = 65;  // PR_SET_MDWE
+  constexpr unsigned long refuseToBecomeExecutable = 1;
+  const pid_t child = fork();
+  if (child == 0) {
+    if (prctl(setPolicy, refuseToBecomeExecutable, 0ul, 0ul, 0ul) != 0) _exit(100);
+    posix::CodeQueue queue;
+    posix::PosixKernel kernel(1252);
+    Instances instances([](std::exception_ptr) {});
+    const Trace trace;
+    Thunk thunk(kernel, queue, instances, trace);
+    try {
+      thunk.BuildThunk(false);
+    } catch (const RuntimeError& error) {
+      _exit(error.number());
+    }
+    _exit(0);
+  }
+  int status = 0;
+  if (child < 0 || waitpid(child, &status, 0) != child) throw std::runtime_error("no process");
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(MachineCode, APolicyThatForbidsItsMemoryIsErrorSeven) {
+  const int refusal = refusalUnderPolicy();
+  if (refusal == 100) GTEST_SKIP() << "this system knows no such policy";
+  EXPECT_EQ(refusal, 7);
 }
 
 // ---- each byte

@@ -1,0 +1,13 @@
+include(CMakeFindDependencyMacro)
+if(NOT WIN32)
+  set(THREADS_PREFER_PTHREAD_FLAG ON)
+  find_dependency(Threads)
+endif()
+include(${CMAKE_CURRENT_LIST_DIR}/EventSocketCompiler.cmake)
+event_socket_check_compiler()
+include(${CMAKE_CURRENT_LIST_DIR}/EventSocketTargets.cmake)
+foreach(component IN LISTS EventSocket_FIND_COMPONENTS)
+  set(EventSocket_FOUND FALSE)
+  set(EventSocket_NOT_FOUND_MESSAGE
+    "EventSocket has no component ${component}: its one target is event_socket::event_socket.")
+endforeach()

@@ -1,0 +1,107 @@
+#include "observed/instrumentation.h"
+
+#include <stdexcept>
+#include <string>
+
+#include "platform/operations.h"
+
+namespace zev::observed {
+namespace {
+
+/// The first argument that is a text; empty if none is.
+TextView firstText(Arguments arguments) {
+  for (const Argument& each : arguments) {
+    if (const auto* text = std::get_if<TextView>(&each)) return *text;
+    if (const auto* text = std::get_if<Text>(&each)) return *text;
+  }
+  return {};
+}
+
+bool holds(TextView text, const Text& match) {
+  return match.empty() || inStrText(text, match) != 0;
+}
+
+}  // namespace
+
+bool isRuntimeError(std::int32_t code) {
+  constexpr auto firstFileError = static_cast<std::int32_t>(ErrorNumber::BadFileNameOrNumber);
+  constexpr std::int32_t nobodysNumber = 0;
+  return code >= firstFileError && errorDescription(code) != errorDescription(nobodysNumber);
+}
+
+Instrumentation::Instrumentation(Listener& listener) : listener_(listener) { forgetCalls(); }
+
+// ---- faults
+
+Instrumentation::Armed Instrumentation::armed(Fault fault) {
+  const auto name = findOperation(fault.call);
+  if (!name) throw std::invalid_argument("no operation " + fault.call);
+  fault.call = *name;
+  return {std::move(fault), 0};
+}
+
+void Instrumentation::setFaults(std::vector<Fault> faults) {
+  std::vector<Armed> all;
+  for (Fault& each : faults) all.push_back(armed(std::move(each)));
+  faults_ = std::move(all);
+}
+
+void Instrumentation::setFault(Fault fault) {
+  Armed one = armed(std::move(fault));
+  clearFaults(one.fault.call);
+  faults_.push_back(std::move(one));
+}
+
+void Instrumentation::clearFaults(std::string_view call) {
+  const auto name = findOperation(call);
+  std::erase_if(faults_, [&](const Armed& each) { return name && each.fault.call == *name; });
+}
+
+bool Instrumentation::strikes(Armed& armed, const Operation& operation, TextView argument) {
+  const Fault& fault = armed.fault;
+  if (fault.call != operation.name && fault.call != operation.alias) return false;
+  if (!holds(argument, fault.match) && !holds(operation.subject, fault.match)) return false;
+  ++armed.seen;
+  return !fault.nth || *fault.nth == armed.seen;
+}
+
+// ---- calls
+
+std::uint64_t Instrumentation::calls(std::string_view name) const {
+  const auto known = findOperation(name);
+  return known ? calls_.at(*known) : 0;
+}
+
+void Instrumentation::forgetCalls() {
+  for (const std::string_view each : operationNames()) calls_[each] = 0;
+}
+
+void Instrumentation::count(std::string_view name) {
+  if (name.empty()) return;
+  const auto found = calls_.find(name);
+  if (found == calls_.end()) {
+    throw std::logic_error("not in the list of operations: " + std::string(name));
+  }
+  ++found->second;
+}
+
+const Fault* Instrumentation::begin(const Operation& operation, Arguments arguments) {
+  count(operation.name);
+  count(operation.alias);
+  const TextView argument = firstText(arguments);
+  const Fault* striking = nullptr;
+  for (Armed& each : faults_) {
+    if (strikes(each, operation, argument) && striking == nullptr) striking = &each.fault;
+  }
+  if (striking != nullptr && striking->effect == Fault::Effect::Raise) {
+    throw RuntimeError(striking->code);
+  }
+  return striking;
+}
+
+void Instrumentation::tell(const Operation& operation, Arguments arguments,
+                           const Outcome& outcome) {
+  if (listener_.listens()) listener_.called(operation, arguments, outcome);
+}
+
+}  // namespace zev::observed

@@ -1,0 +1,220 @@
+#include "programs/zevdrive/windows_stage.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+#include "programs/zevdrive/folder_tree.h"
+#include "programs/zevdrive/shown_property.h"
+#include "scenario/finding.h"
+
+namespace zev::drive {
+
+using scenario::FormControl;
+using scenario::Json;
+
+namespace {
+
+/// The number in "Run-time error '75': ..".
+std::int32_t errorNumber(const Text& text) {
+  const std::string digits = toUtf8(text.substr(scenario::errorBoxStart.size()));
+  std::int32_t number = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  return number;
+}
+
+bool isErrorBox(const ShownBox& box) {
+  return box.title == scenario::errorBoxTitle && box.text.starts_with(scenario::errorBoxStart);
+}
+
+bool isNamed(TextView name, std::string_view written) { return equalText(name, fromUtf8(written)); }
+
+/// Whether an entry of a list is meant: of a drive list by the drive that it begins with.
+bool isEntry(const Control& list, const Text& entry, const Text& wanted) {
+  if (list.kind() != ControlKind::DriveListBox) return entry == wanted;
+  return lowerCase(left(entry, 2)) == wanted;
+}
+
+}  // namespace
+
+WindowsStage::WindowsStage(Text program, std::vector<Form*> forms, MachineHand& machine,
+                           RunningProgram::Clock::time_point deadline)
+    : path_(std::move(program)), forms_(std::move(forms)), machine_(machine), deadline_(deadline) {}
+
+// ---- the course of a play
+
+scenario::Judgements WindowsStage::perform(const scenario::Scenario& scenario,
+                                           std::vector<scenario::Audience*> audience) {
+  play_ = std::make_unique<scenario::Play>(scenario, *this, std::move(audience));
+  play_->prepare();
+  restart();
+  while (play_->step()) {
+  }
+  return play_->judgements();
+}
+
+void WindowsStage::restart() {
+  program_.reset();
+  play_->starts();
+  program_ = std::make_unique<RunningProgram>(path_, forms_, deadline_);
+  settle();
+}
+
+/// Waits until the program rests or is over, and answers its boxes meanwhile.
+void WindowsStage::settle() {
+  while (running()) {
+    switch (program_->settle()) {
+      case Course::AtRest:
+        return;
+      case Course::Ended:
+        return play_->end(scenario::endedSomehow);
+      case Course::BoxOpen:
+        handleBox();
+    }
+  }
+}
+
+// ---- boxes
+
+void WindowsStage::handleBox() {
+  const HWND box = program_->windows().box();
+  if (isInputBox(box)) {
+    handleInputBox(readInput(box));
+  } else {
+    const ShownBox shown = readBox(box);
+    if (!handleErrorBox(shown)) handleMessageBox(shown);
+  }
+  program_->waitUntilGone(box);
+}
+
+/// A run-time error that ends the program tells itself in a box, and nothing goes on behind it.
+bool WindowsStage::handleErrorBox(const ShownBox& box) {
+  if (!isErrorBox(box)) return false;
+  press(box, BoxAnswer::OK);
+  program_->waitForEnd();
+  play_->end({{"error", errorNumber(box.text)}});
+  return true;
+}
+
+void WindowsStage::handleMessageBox(const ShownBox& box) {
+  press(box, play_->answer({box.text, box.title, box.style(), box.buttons, box.byDefault}));
+}
+
+void WindowsStage::handleInputBox(const ShownInput& box) {
+  const auto answer = play_->input(box.prompt, box.title, box.initial);
+  if (answer.cancelled) {
+    cancel(box);
+  } else {
+    enter(box, answer.text);
+  }
+}
+
+// ---- what is there
+
+Form* WindowsStage::activeForm() { return running() ? program_->windows().activeForm() : nullptr; }
+
+Control* WindowsStage::focused() {
+  const Form* form = activeForm();
+  if (form == nullptr) return nullptr;
+  GUITHREADINFO state{};
+  state.cbSize = sizeof state;
+  const HWND window = program_->windows().windowOf(*form);
+  if (!GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &state)) return nullptr;
+  for (Control* each : form->Controls()) {
+    const HWND own = program_->windows().windowOf(*form, *each);
+    if (own != nullptr && own == state.hwndFocus) return each;
+  }
+  return nullptr;
+}
+
+scenario::Sight WindowsStage::sight() { return running() ? program_->sight() : scenario::Sight(); }
+
+std::optional<Json> WindowsStage::value(Component& component, std::string_view property) {
+  if (!running()) return std::nullopt;
+  for (const Form* form : forms_) {
+    if (form == &component) return formValue(*form, property);
+    for (const Control* each : form->Controls()) {
+      if (each == &component) return shownProperty(program_->windows(), *form, *each, property);
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Json> WindowsStage::formValue(const Form& form, std::string_view property) const {
+  const HWND window = program_->windows().windowOf(form);
+  const bool visible = window != nullptr && IsWindowVisible(window);
+  if (isNamed(u"Visible", property)) return visible;
+  if (window == nullptr) return std::nullopt;
+  if (isNamed(u"Enabled", property)) return IsWindowEnabled(window) != FALSE;
+  if (isNamed(u"Caption", property)) return toUtf8(textOf(window).value_or(Text()));
+  return std::nullopt;
+}
+
+// ---- what a person does
+
+bool WindowsStage::reaches(const FormControl& to) {
+  return running() && hand().reaches(to.form, to.control);
+}
+
+void WindowsStage::click(const FormControl& to) {
+  if (!reaches(to)) return;
+  hand().click(to.form, to.control);
+  settle();
+}
+
+void WindowsStage::focus(const FormControl& to) {
+  if (!reaches(to)) return;
+  hand().focus(to.form, to.control);
+  settle();
+}
+
+void WindowsStage::type(const FormControl& box, const Text& text) {
+  if (!reaches(box)) return;
+  hand().type(box.form, box.control, text);
+  settle();
+}
+
+std::vector<Text> WindowsStage::entries(const FormControl& list) {
+  return hand().entries(list.form, list.control);
+}
+
+void WindowsStage::choose(const FormControl& list, const Text& entry) {
+  if (!reaches(list)) return;
+  if (list.control.kind() == ControlKind::DirListBox) return openFolder(list, entry);
+  select(list, entry);
+}
+
+void WindowsStage::select(const FormControl& list, const Text& entry) {
+  const std::vector<Text> all = entries(list);
+  const auto found = std::find_if(
+      all.begin(), all.end(), [&](const Text& each) { return isEntry(list.control, each, entry); });
+  if (found == all.end()) throw scenario::Refused("a list that does not show " + toUtf8(entry));
+  hand().select(list.form, list.control, static_cast<int>(found - all.begin()));
+  settle();
+}
+
+/// As a person does: the drive first if it is another one, then back to the last folder that is on
+/// the way, and from there down, one folder after the other.
+void WindowsStage::openFolder(const FormControl& tree, const Text& folder) {
+  const auto shown = [&] {
+    return FolderTree(entries(tree), hand().chosen(tree.form, tree.control));
+  };
+  if (!shown().onDriveOf(folder)) {
+    const FormControl drives = scenario::listOf(ControlKind::DriveListBox, *this, "$");
+    if (reaches(drives)) select(drives, join(lowerCase(left(folder, 1)), u":"));
+  }
+  while (reaches(tree) && !shown().opened(folder)) {
+    const auto next = shown().towards(folder);
+    if (!next) throw scenario::Refused("a folder that the tree does not show");
+    hand().open(tree.form, tree.control, *next);
+    settle();
+  }
+}
+
+void WindowsStage::close(Form& form) {
+  if (!running() || !hand().reaches(form)) return;
+  hand().close(form);
+  settle();
+}
+
+}  // namespace zev::drive

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "programs/zevsim/played_program.h"
+#include "programs/zevsim/simulated_witness.h"
+#include "scenario/play.h"
+#include "simulated/simulated_machine.h"
+
+namespace zev::scenario {
+
+/// The stage of the simulated machine, which it owns: it is the person at that machine. The machine
+/// asks from inside its message loop for what comes next, and the play is pulled from there.
+class SimulatedStage final : public Stage, private simulated::Person {
+ public:
+  /// Borrows the scenario and the transcript, which outlive it. The machine is set up here; a
+  /// machine that cannot be is a ScenarioError.
+  SimulatedStage(const Scenario& scenario, ProgramFactory factory,
+                 simulated::Transcript& transcript);
+  ~SimulatedStage() override;
+
+  /// Plays the whole script, once, to an audience that is borrowed. A ScenarioError is a mistake of
+  /// the script that shows only now.
+  void perform(std::vector<Audience*> audiences = {});
+
+  simulated::SimulatedMachine& machine() { return machine_; }
+  /// The running program, or the one that ran last; only from within and after perform().
+  PlayedProgram& program() { return *program_; }
+  /// The same for the play.
+  Play& play() { return *play_; }
+  const Judgements& judgements() const { return play_->judgements(); }
+  /// How the program ended: null, "unload", "exit", or an object with `error` and `description`.
+  const Json& ended() const { return play_->ended(); }
+
+  // Stage
+  bool seesInside() const override { return true; }
+  std::vector<Form*> forms() override;
+  Form* activeForm() override { return machine_.screen().activeForm(); }
+  Control* focused() override;
+  Sight sight() override;
+  const Witness& witness() const override { return witness_; }
+  std::optional<Json> value(Component& component, std::string_view property) override;
+  std::optional<Json> find(std::string_view kind, std::string_view rest) override;
+  bool reaches(const FormControl& to) override;
+  void click(const FormControl& to) override;
+  void focus(const FormControl& to) override;
+  void type(const FormControl& box, const Text& text) override;
+  std::vector<Text> entries(const FormControl& list) override;
+  void choose(const FormControl& list, const Text& entry) override;
+  void close(Form& form) override;
+  void change(const MachineChange& change) override;
+  void restart() override;
+  bool setGlobal(std::string_view name, const PropertyValue& value) override;
+  void write(PropertyBase& property, const PropertyValue& value) override;
+
+ private:
+  class Teller;
+
+  // Person
+  bool next() override { return play_->step(); }
+  void passBegins() override { play_->passBegins(); }
+  bool duringPass() override { return play_->dueStep(); }
+  BoxAnswer answer(const simulated::Box& box) override;
+  Text input(TextView prompt, TextView title, TextView initial) override;
+  void propertyWritten(PropertyBase& property) override;
+
+  void live();
+  void runProgram();
+
+  const Scenario& scenario_;
+  ProgramFactory factory_;
+  simulated::SimulatedMachine machine_;
+  SimulatedWitness witness_{machine_};
+  std::unique_ptr<PlayedProgram> program_;
+  std::unique_ptr<Teller> teller_;
+  std::unique_ptr<Play> play_;
+};
+
+/// The drives that a drive list shows on a machine, as "c:".
+std::vector<Text> shownDrives(const simulated::Disks& disks);
+
+}  // namespace zev::scenario

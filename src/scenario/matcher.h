@@ -1,0 +1,28 @@
+#pragma once
+
+#include "scenario/json_reader.h"
+
+namespace zev::scenario {
+
+/// Checks that an expected value can be matched: an object with one of the keys `contains`,
+/// `matches` and `not` has no others, and every `matches` is a regular expression. Fails with a
+/// ScenarioError.
+void checkMatcher(const JsonReader& expected);
+
+/// Checks that each number in an expected value is a whole one within bounds: another one could
+/// match nothing. Fails with a ScenarioError.
+void checkNumbers(const JsonReader& expected, std::int64_t least, std::int64_t most);
+
+/// True if the object stands for a condition and not for itself.
+bool isCondition(const Json& expected);
+
+/// Whether a value is what is expected.
+///
+/// A condition holds if all its keys hold: `contains` (a text has the piece; a list has an element
+/// that matches, or one for each element of a list), `matches` (a regular expression is found in a
+/// text), `not` (the value inside does not match). Lists match element by element. An object
+/// matches if each of its keys matches; what else the found one has does not matter. All else must
+/// be equal.
+bool matches(const Json& expected, const Json& found);
+
+}  // namespace zev::scenario

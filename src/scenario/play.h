@@ -1,0 +1,182 @@
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "platform/dialogs.h"
+#include "scenario/judge.h"
+#include "scenario/scenario.h"
+#include "scenario/triggers.h"
+
+namespace zev::scenario {
+
+/// Thrown by an audience: the play ends here, and the program is left where it stands.
+struct PlayLeft {};
+
+/// A message box that waits for its answer, as far as it shows.
+struct Box {
+  Text text;
+  Text title;
+  std::int32_t style = 0;            ///< from outside the part of it that shows
+  std::vector<BoxAnswer> buttons{};  ///< that it has
+  BoxAnswer byDefault = BoxAnswer::OK;
+};
+
+/// Who looks on while a scenario is played, and may go on where it ends: of several the first one
+/// that has something to say. Every function has a default that does nothing.
+class Audience {
+ public:
+  virtual ~Audience() = default;
+
+  /// The program is about to start, anew or for the first time.
+  virtual void starts() {}
+  /// A step of the script is about to be done; an `expect` is none.
+  virtual void stepBegins(const Step& /*step*/) {}
+  /// Null: not to be seen from there.
+  virtual void judged(const KeyedValue& /*expectation*/, const Verdict* /*verdict*/) {}
+  virtual void ended(const Json& /*how*/) {}
+
+  virtual void propertyWritten(const Form* /*form*/, const PropertyBase& /*property*/) {}
+  /// A message box or input box is open, and nothing has been done about it yet.
+  virtual void boxOpens() {}
+  virtual void boxAnswered(const Box& /*box*/, BoxAnswer /*answer*/) {}
+  /// An input box was answered, with this text.
+  virtual void inputAnswered(TextView /*prompt*/, TextView /*title*/, TextView /*answer*/) {}
+
+  /// The program is at rest, or over, and the script has no more steps: one more; none to stop.
+  virtual std::optional<Step> goOn() { return std::nullopt; }
+  /// An answer for a box that the script has none for; none: the default button.
+  virtual std::optional<Answer> answer(const Box& /*box*/) { return std::nullopt; }
+  virtual std::optional<Answer> input(TextView /*prompt*/, TextView /*title*/,
+                                      TextView /*initial*/) {
+    return std::nullopt;
+  }
+  /// A step of its own, or an answer, could not be carried out. True if that was dealt with; false
+  /// ends the play with the error.
+  virtual bool refused(const ScenarioError& /*error*/) { return false; }
+};
+
+/// Writes the transcript of somebody in front of the screen while a scenario is played.
+class OutsideAudience final : public Audience {
+ public:
+  /// Borrows both.
+  OutsideAudience(Stage& stage, std::ostream& out) : stage_(stage), view_(out) {}
+
+  void starts() override;
+  void stepBegins(const Step& step) override;
+  void ended(const Json& how) override { view_.end(how); }
+  void boxOpens() override;
+  void boxAnswered(const Box& box, BoxAnswer answer) override;
+  void inputAnswered(TextView prompt, TextView title, TextView answer) override;
+  std::optional<Step> goOn() override;
+
+ private:
+  Stage& stage_;
+  OutsideView view_;
+  bool boxOpen_ = false;
+};
+
+/// What came of the expectations of a play.
+struct Judgements {
+  std::size_t held = 0;
+  std::size_t failed = 0;
+  std::map<std::string, std::size_t> notSeen{};  ///< by key: those that ask for the inside
+};
+
+/// What somebody is told of an expectation that did not hold, in three lines.
+std::string failureText(const KeyedValue& expectation, const Verdict& verdict);
+
+/// The course of one scenario over a stage: its steps, its answers to boxes, and its verdicts. The
+/// stage pulls it, one step after the other, from wherever its program can be asked.
+class Play {
+ public:
+  /// Borrows all, which outlive it.
+  Play(const Scenario& scenario, Stage& stage, std::vector<Audience*> audience);
+
+  // ---- for the stage
+
+  /// Does the steps that are in force before the program starts.
+  void prepare();
+  /// The program is about to start, anew or for the first time.
+  void starts();
+  /// The program has its forms. A property that an `at` waits for and that none of them has is a
+  /// ScenarioError.
+  void hasForms() { triggers_.requireProperties(stage_.forms()); }
+  void end(Json how);
+
+  /// The program is at rest, or over: does the next step. What is due comes first, then the script,
+  /// then the audience; false if nothing is left.
+  bool step();
+  void passBegins() { triggers_.passBegins(); }
+  /// In a pass of the message loop: does the next step that is due; false if there is none.
+  bool dueStep();
+  /// A property was written. `form` is null for a component of no known form.
+  void propertyWritten(const Form* form, const PropertyBase& property);
+
+  /// The answer to a box, behind what is to be done before it is answered.
+  BoxAnswer answer(const Box& box);
+  struct Entered {
+    Text text;
+    bool cancelled = false;
+  };
+  Entered input(TextView prompt, TextView title, TextView initial);
+
+  // ---- for whoever looks at it
+
+  /// How the program ended; null while it runs.
+  const Json& ended() const { return ended_; }
+  const Judgements& judgements() const { return judgements_; }
+  /// What came of an expectation if it were one of the script, now.
+  std::optional<Verdict> verdictOn(const KeyedValue& expectation);
+
+ private:
+  template <typename... Parameters, typename... Given>
+  void tell(void (Audience::*what)(Parameters...), const Given&... given);
+  template <typename Answer, typename... Parameters, typename... Given>
+  std::optional<Answer> ask(std::optional<Answer> (Audience::*what)(Parameters...),
+                            const Given&... given);
+  bool refused(const ScenarioError& error);
+
+  const Step* takeStep();
+  const Step* takeOwnStep();
+  void performGuarded(const Step& step);
+  void perform(const Step& step);
+  void openBox();
+  template <typename Take>
+  auto takeAnswer(const Take& take) -> std::optional<decltype(take(std::declval<Answer>()))>;
+
+  // One function a verb.
+  void carryOut(const Click& click, const Step& step);
+  void carryOut(const Select& select, const Step& step);
+  void carryOut(const Type& type, const Step& step);
+  void carryOut(const Focus& focus, const Step& step);
+  void carryOut(const ChooseDrive& choice, const Step& step);
+  void carryOut(const ChooseFolder& choice, const Step& step);
+  void carryOut(const Close& close, const Step& step);
+  void carryOut(const GiveAnswers& given, const Step& step);
+  void carryOut(const At& at, const Step& step);
+  void carryOut(const Change& change, const Step& step);
+  void carryOut(const Restart& restart, const Step& step);
+  void carryOut(const Expect& expect, const Step& step);
+  void carryOut(const Set& set, const Step& step);
+  void setOne(const KeyedValue& value);
+  void judgeOne(const KeyedValue& expectation);
+
+  const Scenario& scenario_;
+  Stage& stage_;
+  std::vector<Audience*> audience_;
+
+  std::size_t place_ = 0;                       ///< of the script's next step
+  std::deque<std::unique_ptr<Step>> ownSteps_;  ///< of the audience: triggers borrow them
+  Triggers triggers_;
+  std::deque<Answer> answers_;
+  Json boxes_ = Json::array();  ///< not yet expected
+  Json ended_;
+  Judgements judgements_;
+};
+
+}  // namespace zev::scenario

@@ -1,0 +1,127 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "scenario/json_reader.h"
+#include "scenario/machine_change.h"
+
+namespace zev::scenario {
+
+struct Step;
+
+/// A form, a control of a form, or a property of either, as a script names it: `Form1`,
+/// `Form1.Command2`, `Command2`. Parts are as written; who plays the script finds them.
+struct Name {
+  std::vector<std::string> parts;
+  std::string written() const;
+};
+
+/// What a person answers to a box: a button by its word, or a text for an input box.
+struct Answer {
+  std::string button;
+  std::optional<Text> text;
+  std::string path;  ///< in the document, for messages
+};
+
+// The verbs.
+
+struct Click {
+  Name control;
+};
+struct Select {
+  Name control;
+  Text entry;
+};
+struct Type {
+  Name control;
+  Text text;
+};
+struct Focus {
+  Name control;
+};
+struct ChooseDrive {
+  Text drive;
+};
+struct ChooseFolder {
+  Text folder;
+};
+struct Close {
+  Name form;
+};
+struct GiveAnswers {
+  std::vector<Answer> answers;
+};
+struct Restart {};
+struct Change {
+  MachineChange change;
+};
+
+// When steps are done that are done later.
+
+/// In the n-th pass of the message loop from here.
+struct AtPass {
+  std::int32_t count = 1;
+};
+/// When a property takes a value, or one that meets a condition; at the next pass.
+struct AtSet {
+  Name property;
+  Json value;
+  std::string path;  ///< of the property in the document, for messages
+};
+/// Before the n-th box from here is answered.
+struct AtBox {
+  std::int32_t count = 1;
+};
+/// Steps that are done later, once.
+struct At {
+  std::variant<AtPass, AtSet, AtBox> when;
+  std::vector<Step> steps;
+};
+
+/// One key of an expectation or one thing to set, with its value.
+struct KeyedValue {
+  std::string key;
+  Json value;
+  std::string path;
+};
+struct Expect {
+  std::vector<KeyedValue> expectations;
+};
+/// Writes globals of the program or properties of its forms.
+struct Set {
+  std::vector<KeyedValue> values;
+};
+
+using Action = std::variant<Click, Select, Type, Focus, ChooseDrive, ChooseFolder, Close,
+                            GiveAnswers, At, Change, Restart, Expect, Set>;
+
+/// One step of a script.
+struct Step {
+  Json source;       ///< as it stands in the script
+  std::string path;  ///< of the verb in the document, for messages
+  Action action;
+};
+
+/// Steps that only prepare what comes later: at the head of a script they are in force before the
+/// program starts.
+bool preparesOnly(const Step& step);
+
+/// Reads a list of steps, and one step.
+std::vector<Step> readSteps(const JsonReader& steps);
+Step readStep(const JsonReader& step);
+
+/// Reads a name of one to `mostParts` parts; the index of a control array stays with its part, as
+/// in `Form1.Frame1(2)`.
+Name readName(const JsonReader& name, std::size_t mostParts);
+
+/// The parts of a text between its points, each an identifier that an index in parentheses may
+/// follow, as in "Form1.Label3(2).Caption". None if one is something else.
+std::optional<std::vector<std::string>> partsOfName(std::string_view written);
+
+}  // namespace zev::scenario
