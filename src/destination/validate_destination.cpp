@@ -2,6 +2,7 @@
 
 #include "destination/drive_refusal.h"
 #include "runtime/error.h"
+#include "state/product_folder.h"
 #include "system/attributes.h"
 #include "system/product_settings.h"
 
@@ -10,9 +11,6 @@ namespace {
 
 constexpr std::size_t shortestPath = 4;
 constexpr TextView forbiddenCharacters = u"*?<>\"|/";
-constexpr TextView productFolder = u":\\ZEV Screen Recorder 6";
-constexpr TextView programFiles = u"\\Program Files";
-constexpr TextView defaultFolder = u"\\Program Files\\ZEV Screen Recorder 6";
 
 constexpr TextView productTitle = u"ZEV Screen Recorder";
 constexpr TextView shortTitle = u"ZEV";
@@ -61,7 +59,8 @@ bool DestinationCheck::charactersAllowed() {
 /// Up to three characters stand for the product's folder on the drive of the first one.
 void DestinationCheck::completeShortEntry() {
   const Text entry = destination();
-  if (entry.size() < shortestPath) globals_.gInstallDir = join(left(entry, 1), productFolder);
+  if (entry.size() < shortestPath)
+    globals_.gInstallDir = join(left(entry, 1), u":\\", productFolder);
 }
 
 bool DestinationCheck::driveSuits() {
@@ -156,7 +155,7 @@ void DestinationCheck::climb() {
 bool DestinationCheck::directoryStands() {
   if (!destinationExists()) makeDestination();
   if (destinationExists()) return true;
-  if (destination() == join(systemDrive(), defaultFolder)) {
+  if (destination() == join(systemDrive(), defaultFolder())) {
     repairDefaultFolder();
     return true;
   }
@@ -166,7 +165,7 @@ bool DestinationCheck::directoryStands() {
 }
 
 void DestinationCheck::repairDefaultFolder() {
-  for (const TextView level : {programFiles, defaultFolder}) {
+  for (const Text& level : {Text(programFiles), defaultFolder()}) {
     const Text folder = join(systemDrive(), level);
     if (!folderExists(folder)) platform_.files.MkDir(folder);
   }

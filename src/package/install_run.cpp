@@ -19,7 +19,6 @@
 namespace zev {
 namespace {
 
-constexpr std::int32_t lastTick = 60;
 constexpr std::size_t systemDirectorySize = 255;
 
 /// Diagnostic steps, printed by the trap. Members have theirs in the manifest; the user's folders,
@@ -48,12 +47,12 @@ constexpr std::int32_t registerUsers = 175;
 constexpr std::int32_t finish = 176;
 }  // namespace step
 
-/// Ticks behind those of the members.
+/// Ticks behind those of the slots, of which the first is 0; the display is full at the last one.
 namespace tick {
-constexpr std::int32_t status = 57;
-constexpr std::int32_t behindVideoCodecs = 58;
-constexpr std::int32_t otherUsers = 59;
-constexpr std::int32_t finish = 60;
+constexpr std::int32_t status = std::int32_t{manifestSlots};
+constexpr std::int32_t behindVideoCodecs = status + 1;
+constexpr std::int32_t otherUsers = behindVideoCodecs + 1;
+constexpr std::int32_t finish = otherUsers + 1;
 }  // namespace tick
 
 /// Rows of the manifest in front of which something is worked out.
@@ -374,7 +373,7 @@ void InstallRun::finish() {
 // ---- the screen
 
 void InstallRun::showTick(std::int32_t tick) {
-  ShowProgress(toLong(static_cast<double>(tick) / lastTick * 100));
+  ShowProgress(toLong(static_cast<double>(tick) / tick::finish * 100));
 }
 
 void InstallRun::ShowProgress(std::int32_t percent) {

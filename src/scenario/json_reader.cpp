@@ -5,6 +5,8 @@
 #include <cmath>
 #include <set>
 
+#include "scenario/expand.h"
+
 namespace zev::scenario {
 namespace {
 
@@ -63,16 +65,48 @@ std::string lineAndColumn(std::string_view text, std::size_t offset) {
 class KeyWatch {
  public:
   bool operator()(int /*depth*/, Json::parse_event_t event, Json& parsed) {
-    if (event == Json::parse_event_t::object_start) open_.emplace_back();
-    if (event == Json::parse_event_t::object_end) open_.pop_back();
-    if (event == Json::parse_event_t::key && !open_.back().insert(parsed).second) {
-      throw ScenarioError("$", "the key " + parsed.dump() + " stands twice in one object");
+    using Event = Json::parse_event_t;
+    if (event == Event::object_start || event == Event::array_start) {
+      open_.push_back({.isList = event == Event::array_start});
+      return true;
     }
+    if (event == Event::key) {
+      takeKey(parsed);
+      return true;
+    }
+    if (event != Event::value) open_.pop_back();
+    if (!open_.empty()) ++open_.back().count;
     return true;
   }
 
  private:
-  std::vector<std::set<std::string>> open_;
+  /// A list or an object that is being read.
+  struct Open {
+    bool isList = false;
+    std::size_t count = 0;  ///< of the values read
+    std::set<std::string> keys = {};
+    std::string key = {};  ///< the last one
+  };
+
+  void takeKey(const Json& key) {
+    Open& object = open_.back();
+    if (!object.keys.insert(key).second) {
+      throw ScenarioError(path(), "the key " + key.dump() + " stands twice in one object");
+    }
+    object.key = key;
+  }
+
+  /// Of the innermost of all that are open.
+  std::string path() const {
+    std::string path = "$";
+    for (std::size_t place = 0; place + 1 < open_.size(); ++place) {
+      const Open& each = open_[place];
+      path += each.isList ? "[" + std::to_string(each.count) + "]" : pathStep(each.key);
+    }
+    return path;
+  }
+
+  std::vector<Open> open_;
 };
 
 /// Reads a document for nothing but the number in it that is beyond every type, where the parser
@@ -123,12 +157,20 @@ ScenarioError::ScenarioError(std::string path, std::string reason)
       path_(std::move(path)),
       reason_(std::move(reason)) {}
 
-JsonReader::JsonReader(const Json& document, const std::filesystem::path& folder, std::string path)
+std::string pathStep(const std::string& key) {
+  return isIdentifier(key) ? "." + key : "[" + Json(key).dump() + "]";
+}
+
+JsonReader::JsonReader(const Json& document, const std::filesystem::path& folder, std::string path,
+                       std::shared_ptr<const Origins> origins)
     : value_(&document),
       folder_(std::make_shared<const std::filesystem::path>(folder)),
-      path_(std::move(path)) {}
+      path_(std::move(path)),
+      origins_(std::move(origins)) {}
 
-void JsonReader::fail(const std::string& reason) const { throw ScenarioError(path_, reason); }
+std::string JsonReader::path() const { return origins_ ? origins_->written(path_) : path_; }
+
+void JsonReader::fail(const std::string& reason) const { throw ScenarioError(path(), reason); }
 
 void JsonReader::failWanted(std::string_view wanted) const {
   fail(std::string(kindOf(*value_)) + " where " + std::string(wanted) + " is wanted");
@@ -139,8 +181,7 @@ JsonReader JsonReader::element(std::size_t index) const {
 }
 
 JsonReader JsonReader::member(const std::string& key) const {
-  const std::string step = isIdentifier(key) ? "." + key : "[" + Json(key).dump() + "]";
-  return {value_->at(key), *this, step};
+  return {value_->at(key), *this, pathStep(key)};
 }
 
 std::vector<JsonReader> JsonReader::elements() const {

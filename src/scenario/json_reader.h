@@ -33,20 +33,26 @@ class ScenarioError : public std::runtime_error {
   std::string reason_;
 };
 
+class Origins;
+
+/// The step from an object of a document to a member, in a JSON path: `.click`, `["a b"]`.
+std::string pathStep(const std::string& key);
+
 /// A value that may be absent (nothing is said of it), null, or there.
 template <typename T>
 using Nullable = std::optional<std::optional<T>>;
 
 /// One place in a JSON document: the value there and the path to it. It reads the value as what it
 /// has to be and fails with a ScenarioError for anything else. The document is borrowed. Names of
-/// the host's files in it are relative to a folder.
+/// the host's files in it are relative to a folder. Of a document that is written out of several
+/// places the origins tell the path to a value as it was written.
 class JsonReader {
  public:
   explicit JsonReader(const Json& document, const std::filesystem::path& folder = {},
-                      std::string path = "$");
+                      std::string path = "$", std::shared_ptr<const Origins> origins = nullptr);
 
   const Json& json() const { return *value_; }
-  const std::string& path() const { return path_; }
+  std::string path() const;
   bool isNull() const { return value_->is_null(); }
   bool isText() const { return value_->is_string(); }
   bool isObject() const { return value_->is_object(); }
@@ -92,11 +98,15 @@ class JsonReader {
 
  private:
   JsonReader(const Json& value, const JsonReader& parent, const std::string& step)
-      : value_(&value), folder_(parent.folder_), path_(parent.path_ + step) {}
+      : value_(&value),
+        folder_(parent.folder_),
+        path_(parent.path_ + step),
+        origins_(parent.origins_) {}
 
   const Json* value_;
   std::shared_ptr<const std::filesystem::path> folder_;
   std::string path_;
+  std::shared_ptr<const Origins> origins_;
 };
 
 /// One key that an object may have, and what reads its value into the target.

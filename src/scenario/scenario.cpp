@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <sstream>
+
+#include "scenario/expand.h"
 
 namespace zev::scenario {
 namespace {
@@ -92,23 +93,31 @@ void invert(const Package& package, std::vector<std::uint8_t>& bytes) {
 
 }  // namespace
 
-Scenario parseScenario(std::string_view text, const std::filesystem::path& folder) {
-  const Json document = parseJson(text);
+namespace {
+
+Scenario scenarioOf(const WrittenOut& written, const std::filesystem::path& folder) {
   Scenario scenario;
-  readObject(JsonReader(document, folder), scenarioKeys, scenario);
+  readObject(JsonReader(written.document, folder, "$", written.origins), scenarioKeys, scenario);
   return scenario;
 }
 
+WrittenOut readAndWriteOut(const ScenarioAddress& address) {
+  return writeOut(readDocument(address.file), address.file.parent_path(), address.chosen);
+}
+
+}  // namespace
+
+Scenario parseScenario(std::string_view text, const std::filesystem::path& folder) {
+  return scenarioOf(writeOut(parseJson(text), folder), folder);
+}
+
 Scenario readScenario(const std::filesystem::path& file) {
-  // A pipe would be waited for.
-  std::error_code ignored;
-  const bool isFile = std::filesystem::is_regular_file(file, ignored);
-  std::ifstream in;
-  if (isFile) in.open(file, std::ios::binary);
-  std::ostringstream text;
-  if (!isFile || !in) throw ScenarioError("$", "cannot be read");
-  text << in.rdbuf();
-  return parseScenario(text.str(), file.parent_path());
+  const ScenarioAddress address = addressOf(file);
+  return scenarioOf(readAndWriteOut(address), address.file.parent_path());
+}
+
+Json writtenOut(const std::filesystem::path& file) {
+  return readAndWriteOut(addressOf(file)).document;
 }
 
 std::vector<std::uint8_t> makeInstaller(const Package& package) {

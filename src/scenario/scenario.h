@@ -36,8 +36,11 @@ struct Scenario {
 /// Reads a scenario from its text; the host's files in it are relative to `folder`. Fails with a
 /// ScenarioError.
 Scenario parseScenario(std::string_view text, const std::filesystem::path& folder = {});
-/// Reads the file of a scenario. One that cannot be read is a ScenarioError as well.
+/// Reads the file of a scenario, or a case of it (`table.json#case`). One that cannot be read is a
+/// ScenarioError as well.
 Scenario readScenario(const std::filesystem::path& file);
+/// The same scenario as a document in which nothing is named any more.
+Json writtenOut(const std::filesystem::path& file);
 
 /// The bytes of the installer's file. Fails with a ScenarioError if the file of the host cannot be
 /// read or the cuts do not fit it.

@@ -47,8 +47,6 @@ class Screen final : public FormEngine {
   Form* formOf(const Component& component) const;
   /// The visible form on top, of the enabled ones if there is any; null without a visible form.
   Form* activeForm() const;
-  /// Visible forms, the one on top last.
-  const std::vector<Form*>& visibleForms() const { return visible_; }
   /// The control of the form that has the focus when the form is active; null if none can.
   Control* focused(const Form& form) const;
   /// Moves the focus within the control's form and makes that form the active one. The focus events

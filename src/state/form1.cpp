@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "state/languages.h"
+
 namespace zev {
 namespace {
 
@@ -57,14 +59,9 @@ constexpr FormDesign form1Design = {.name = u"Form1",
                                     .cancelButton = u"Command3",
                                     .controls = form1Controls};
 
-/// The items of the language list, in their order.
-constexpr TextView languages[] = {u"English", u"Deutsch", u"Français", u"Espanol"};
-
 }  // namespace
 
-Form1::Form1() : Form(form1Design) {
-  Combo1.designList({std::begin(languages), std::end(languages)});
-}
+Form1::Form1() : Form(form1Design) { Combo1.designList(languageEntries()); }
 
 Frame& Form1::Frame1(int index) const {
   return control<Frame>(join(u"Frame1(", decimal(index), u")"));

@@ -4,17 +4,9 @@
 
 #include "runtime/fixed_text.h"
 #include "runtime/text.h"
+#include "state/languages.h"
 
 namespace zev {
-
-/// Numbers of the languages.
-namespace language {
-inline constexpr std::int32_t English = 0;
-inline constexpr std::int32_t Turkish = 1;
-inline constexpr std::int32_t German = 2;
-inline constexpr std::int32_t French = 3;
-inline constexpr std::int32_t Spanish = 4;
-}  // namespace language
 
 /// The class of machine on which the product's values live in files of the user's profile.
 inline constexpr std::int32_t profileClass = 4;

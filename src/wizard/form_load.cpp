@@ -1,3 +1,4 @@
+#include "localisation/catalogue.h"
 #include "runtime/error.h"
 #include "system/get_os.h"
 #include "system/user_folder_chain.h"
@@ -12,18 +13,6 @@ namespace {
 constexpr std::size_t pathSize = 145;
 constexpr TextView mainExecutable = u"Screen Recorder 6";
 constexpr std::int32_t noLanguage = -1;
-
-/// Place in the language list for a language number; the numbers of the list are not those of the
-/// languages, and a machine keeps the former and reads them as the latter.
-struct LanguagePlace {
-  std::int32_t language;
-  std::int32_t listIndex;
-};
-
-constexpr LanguagePlace languagePlaces[] = {
-    {language::English, 0}, {language::Turkish, 1}, {language::German, 1},
-    {language::French, 2},  {language::Spanish, 3},
-};
 
 }  // namespace
 
@@ -56,7 +45,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   stage = 21;
   phrases_.LoadPhrases();
   stage = 22;
-  form1_.Text1.Text_ = phrases_.PhraseKeys().at(9);
+  form1_.Text1.Text_ = phrases_.PhraseKeys().at(phrase_row::agreement);
   stage = 23;
   proposeInstallDirectory(program_, registry_);
   if (!RunningProduct(program_, phrases_, setStage).waitUntilClosed()) {
@@ -110,11 +99,7 @@ bool Wizard::readLanguage() {
 /// Choosing a place fires the list's click, which localises the form. A number without a place
 /// leaves the form as it is.
 void Wizard::selectLanguage() {
-  for (const LanguagePlace& each : languagePlaces) {
-    if (each.language != globals_.gLanguage) continue;
-    form1_.Combo1.setListIndex(each.listIndex);
-    return;
-  }
+  if (const auto place = listPlaceOf(globals_.gLanguage)) form1_.Combo1.setListIndex(*place);
 }
 
 void Wizard::showInstallDirectory() {

@@ -1,5 +1,6 @@
 #include "wizard/install_directory.h"
 
+#include "state/product_folder.h"
 #include "system/attributes.h"
 #include "system/product_settings.h"
 
@@ -43,7 +44,7 @@ void proposeByProfile(Program& program, Registry& registry) {
 }  // namespace
 
 Text defaultDirectory(const Globals& globals) {
-  return join(left(trim(globals.gWinDir), 2), u"\\Program Files\\ZEV Screen Recorder 6");
+  return join(left(trim(globals.gWinDir), 2), defaultFolder());
 }
 
 void proposeInstallDirectory(Program& program, Registry& registry) {

@@ -1,5 +1,6 @@
 #include "destination/validate_destination.h"
 #include "localisation/localise_form.h"
+#include "state/product_folder.h"
 #include "wizard/wizard.h"
 
 namespace zev {
@@ -18,25 +19,6 @@ constexpr int runFrame = 4;
 
 constexpr std::int32_t productFolderLength = 25;
 constexpr std::uint8_t iconClicksForSwitch = 5;
-
-/// Languages by the items of the list; any other item is English.
-struct ListLanguage {
-  TextView item;
-  std::int32_t number;
-};
-
-constexpr ListLanguage listLanguages[] = {
-    {u"Deutsch", language::German},
-    {u"Français", language::French},
-    {u"Espanol", language::Spanish},
-};
-
-std::int32_t languageOf(TextView item) {
-  for (const ListLanguage& each : listLanguages) {
-    if (each.item == item) return each.number;
-  }
-  return language::English;
-}
 
 }  // namespace
 
@@ -128,7 +110,7 @@ void Wizard::DizinGuncelle() {
   const Text directory = installDirectory();
   const Text ending = lowerCase(right(directory, productFolderLength));
   if (inStrText(ending, u"screen recorder") == 0) {
-    globals_.gInstallDir = join(directory, u"\\ZEV Screen Recorder 6");
+    globals_.gInstallDir = join(directory, u"\\", productFolder);
   }
 }
 
@@ -184,7 +166,7 @@ void Wizard::Option2_Click() { form1_.Command2.Enabled = false; }
 void Wizard::Combo1_Click() {
   const bool showsEnglish = globals_.gLanguage == 0 || globals_.gLanguage == -1;
   if (!showsEnglish) RestoreEnglishTexts(form1_, phrases_);
-  globals_.gLanguage = languageOf(form1_.Combo1.text());
+  globals_.gLanguage = languageOfEntry(form1_.Combo1.text());
   if (!showsEnglish) phrases_.LoadPhrases();
   Translate(Phrases::HafizaTemizle);
   LocaliseForm(form1_, phrases_, globals_.gLanguage);

@@ -77,7 +77,11 @@ TEST(JsonReader, TellsTheLineAndColumnOfASyntaxError) {
 
 TEST(JsonReader, RefusesAKeyThatStandsTwiceInOneObject) {
   EXPECT_EQ(errorOf([] { parseJson(R"({"a": {"b": 1, "c": 2, "b": 3}})"); }),
-            "$: the key \"b\" stands twice in one object");
+            "$.a: the key \"b\" stands twice in one object");
+  EXPECT_EQ(errorOf([] { parseJson(R"([1, {}, [2, {"x y": {"b": 1, "c": [1], "b": 3}}]])"); }),
+            "$[2][1][\"x y\"]: the key \"b\" stands twice in one object");
+  EXPECT_EQ(errorOf([] { parseJson(R"({"a": {"c": {}}, "b": [], "a": 3})"); }),
+            "$: the key \"a\" stands twice in one object");
   EXPECT_NO_THROW(parseJson(R"({"a": {"b": 1}, "c": {"b": 2}})"));
 }
 

@@ -7,14 +7,14 @@
 namespace zev::scenario {
 namespace {
 
-constexpr ControlDesign controls[] = {{.name = u"Label12", .kind = ControlKind::Label}};
-constexpr FormDesign design = {.name = u"Form1", .caption = u"Toy", .controls = controls};
+constexpr ControlDesign barControls[] = {{.name = u"Label12", .kind = ControlKind::Label}};
+constexpr FormDesign barDesign = {.name = u"Form1", .caption = u"Toy", .controls = barControls};
 
 /// Line ends of every kind, as they stand in captions and boxes.
 constexpr TextView severalLines = u"one\r\ntwo\rthree\n\r\nfive";
 
 TEST(Progress, TellsAFileInOneLine) {
-  Form form(design);
+  Form form(barDesign);
   form.Visible = true;
   Label& file = form.control<Label>(u"Label12");
   file.Caption = Text(severalLines);

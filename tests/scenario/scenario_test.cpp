@@ -89,7 +89,8 @@ INSTANTIATE_TEST_SUITE_P(
             R"({"klick": "A"})",
             "$.script[0].klick: unknown key \"klick\"; the keys are click, select, type, focus, "
             "drive, folder, close, answer, change, restart, expect, set, at"},
-        BadScript{R"("click")", "$.script[0]: a text where a step is wanted"},
+        BadScript{R"("click")",
+                  "$.script[0]: no steps \"click\": no common.json is here or in the folder above"},
         BadScript{"{}", "$.script[0]: a step without a verb"},
         BadScript{R"({"click": "A", "focus": "B"})", "$.script[0]: a step has one verb, not 2"},
         BadScript{R"({"click": 5})", "$.script[0].click: a whole number where a text is wanted"},

@@ -255,6 +255,27 @@ TEST_F(Zevsim, TakesAnUntrappedErrorAsAnEndOfTheProgram) {
   EXPECT_THAT(out_, HasSubstr(R"("how":"error","error":75)"));
 }
 
+TEST_F(Zevsim, WritesAScenarioOut) {
+  write("common.json", R"({"steps": {"start": [{"click": "Command1"}]}})");
+  const std::string table =
+      write("a.json", R"j({"script": ["start", {"expect": {"Form1.Caption": "$(title)"}}],
+                           "cases": {"toy": {"title": "Toy"}, "tin": {"title": "Tin"}}})j");
+  EXPECT_EQ(run({table + "#tin", "--expand"}), 0) << err_;
+  EXPECT_EQ(out_,
+            "{\"script\": [{\"click\": \"Command1\"}, {\"expect\": {\"Form1.Caption\": "
+            "\"Tin\"}}]}\n");
+  EXPECT_EQ(run({write("out.json", out_), "--expand"}), 0) << err_;
+  EXPECT_EQ(run({table + "#tin"}), 1);
+  EXPECT_EQ(err_,
+            "FAILED $.script[1].expect[\"Form1.Caption\"] uses $.cases.tin.title\n"
+            "  expected: \"Tin\"\n  found:    \"Toy\"\n");
+  EXPECT_EQ(run({table + "#toy"}), 0) << err_;
+  EXPECT_EQ(run({table}), 2);
+  EXPECT_EQ(err_, table + ": $.cases: one of the cases is wanted: toy, tin\n");
+  EXPECT_EQ(run({write("bad.json", R"({"script": [{"click": 5}]})"), "--expand"}), 2);
+  EXPECT_EQ(run({"--expand"}), 2);
+}
+
 TEST_F(Zevsim, Helps) {
   EXPECT_EQ(run({"--help"}), 0);
   EXPECT_EQ(err_, "");

@@ -45,6 +45,9 @@ class Leaver final : public scenario::Audience {
     return scenario::Answer{"yes", std::nullopt, "$"};
   }
 
+  /// Of a program that has ended before it could be used.
+  bool refused(const scenario::ScenarioError&) override { return !stage->ended().is_null(); }
+
   scenario::SimulatedStage* stage = nullptr;  ///< that the person looks at
   bool finished = false;
 

@@ -47,6 +47,9 @@ class Killer {
   void revive() { dead_ = false; }
   std::size_t changes() const { return changes_; }
   bool struck() const { return !change_; }
+  /// The change that makes the key of the file type, still without its value.
+  void beginsType() { typeBegins_ = changes_; }
+  std::optional<std::size_t> typeBegins() const { return typeBegins_; }
   /// The changes that put a file in another one's place.
   void notes() { replacements_.push_back(changes_ - 1); }
   const std::vector<std::size_t>& replacements() const { return replacements_; }
@@ -55,6 +58,7 @@ class Killer {
   std::optional<std::size_t> change_;
   std::size_t changes_ = 0;
   std::vector<std::size_t> replacements_;
+  std::optional<std::size_t> typeBegins_;
   bool dead_ = false;
 };
 
@@ -119,7 +123,7 @@ class MortalVolume final : public Volume {
   Killer& killer_;
 };
 
-/// Learns of each change of the registry when it has been made.
+/// Learns of the registry's changes: of a key when it has been made, of a value in front of that.
 class MortalTranscript final : public Transcript {
  public:
   explicit MortalTranscript(Killer& killer) : killer_(killer) {}
@@ -130,8 +134,10 @@ class MortalTranscript final : public Transcript {
   void add(Event event) override {
     const bool start = event["event"] == "start";
     const bool registry = event["event"] == "registry";
+    const bool type = registry && event["op"] == "create" && event["key"] == ".zrd";
     events_.push_back(std::move(event));
     if (start) killer_.revive();
+    if (type) killer_.beginsType();
     if (registry) killer_.allows();
   }
   std::vector<ToldBox> boxes() const {
@@ -250,7 +256,14 @@ class Killed : public testing::Test {
     ASSERT_EQ(clean.boxes(), std::vector<ToldBox>());
     changes_ = clean.killer().changes();
     replacements_ = clean.killer().replacements();
+    typeBegins_ = clean.killer().typeBegins();
     expected_ = clean.snapshot();
+  }
+
+  /// A file type without a value is somebody else's, and so the next run asks.
+  std::vector<ToldBox> expectedBoxes(std::size_t change) const {
+    if (change != typeBegins_ && change - 1 != typeBegins_) return {};
+    return {toldBox("association.question")};
   }
 
   void expectSameBehindAKill(std::size_t change) {
@@ -258,7 +271,7 @@ class Killed : public testing::Test {
                  std::to_string(changes_));
     KilledRun run(beginning_, change);
     EXPECT_TRUE(run.finished());
-    EXPECT_EQ(run.boxes(), std::vector<ToldBox>());
+    EXPECT_EQ(run.boxes(), expectedBoxes(change));
     EXPECT_EQ(differences(run.snapshot(), expected_), std::vector<std::string>());
   }
 
@@ -267,6 +280,15 @@ class Killed : public testing::Test {
     begin(beginning);
     EXPECT_GT(changes_, 400u);
     for (std::size_t change = first; change < changes_; change += every) {
+      expectSameBehindAKill(change);
+    }
+  }
+
+  /// Around the key of the file type.
+  void expectSameAmidTheType(const Beginning& beginning) {
+    begin(beginning);
+    ASSERT_TRUE(typeBegins_);
+    for (std::size_t change = *typeBegins_ - 1; change <= *typeBegins_ + 2; ++change) {
       expectSameBehindAKill(change);
     }
   }
@@ -286,6 +308,7 @@ class Killed : public testing::Test {
   Beginning beginning_;
   std::size_t changes_ = 0;
   std::vector<std::size_t> replacements_;
+  std::optional<std::size_t> typeBegins_;
   Snapshot expected_;
 };
 
@@ -307,6 +330,10 @@ TEST_F(Killed, AmidValuesAnUpgradeDoneAgainIsThatOfAnUntouchedMachine) {
   constexpr std::size_t own = 10;   // the same but for dwKFE, with two values of the upgrade
   constexpr std::size_t other = 9;  // a probe and eight values, one of them of the upgrade
   expectSameAmidValues({.files = olderSettings + ", " + otherSettings}, own + other);
+}
+
+TEST_F(Killed, AmidTheFileTypeAnInstallDoneAgainAsksForItAndIsThatOfAnUntouchedMachine) {
+  expectSameAmidTheType({});
 }
 
 const Beginning untouched = {};

@@ -1,12 +1,17 @@
-// The files of scenarios, each a test of its own by its path: "scenario.pages/first-page" plays
-// pages/first-page.json as zevsim does.
+// The files of scenarios, each a test of its own by its path: "scenario.pages/forward" plays
+// pages/forward.json as zevsim does, "scenario.pages/directory/empty" the case "empty" of
+// pages/directory.json.
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "programs/zevsim/setup_program.h"
 #include "programs/zevsim/zevsim_main.h"
+#include "scenario/expand.h"
+#include "scenario/layout.h"
 #include "scenarios/scenario_files.h"
 
 namespace zev {
@@ -30,10 +35,16 @@ class ScenarioFile final : public testing::Test {
   std::string file_;
 };
 
+std::string nameOfTest(const scenario::ScenarioAddress& address) {
+  const std::string file = (address.file.parent_path() / address.file.stem()).generic_string();
+  return address.chosen ? file + "/" + *address.chosen : file;
+}
+
 bool registerFiles() {
   for (const std::string& file : scenarioFiles()) {
-    const std::string name = file.substr(0, file.rfind('.'));
-    const std::string path = std::string(ZEV_SCENARIOS) + "/" + file;
+    const scenario::ScenarioAddress address = scenario::addressOf(file);
+    const std::string name = nameOfTest(address);
+    const std::string path = std::string(ZEV_SCENARIOS) + "/" + address.file.generic_string();
     testing::RegisterTest("scenario", name.c_str(), nullptr, nullptr, path.c_str(), 1,
                           [file]() -> testing::Test* { return new ScenarioFile(file); });
   }
@@ -45,6 +56,15 @@ const bool registered = registerFiles();
 TEST(ScenarioFiles, AreFound) {
   EXPECT_TRUE(registered);
   EXPECT_FALSE(scenarioFiles().empty());
+}
+
+TEST(ScenarioFiles, AreLaidOut) {
+  for (const auto& each : std::filesystem::recursive_directory_iterator(ZEV_SCENARIOS)) {
+    if (each.path().extension() != ".json") continue;
+    std::ostringstream text;
+    text << std::ifstream(each.path(), std::ios::binary).rdbuf();
+    EXPECT_EQ(text.str(), scenario::layOut(scenario::readDocument(each.path()))) << each.path();
+  }
 }
 
 }  // namespace

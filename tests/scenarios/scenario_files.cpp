@@ -1,12 +1,12 @@
 #include "scenarios/scenario_files.h"
 
 #include <algorithm>
-#include <fstream>
 #include <optional>
-#include <sstream>
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
+#include "scenario/common_names.h"
+#include "scenario/expand.h"
 
 namespace zev {
 namespace {
@@ -19,13 +19,22 @@ const std::string usualInstaller = "C:\\Users\\bob\\Downloads\\ZEVSetup.exe";
 
 fs::path scenarioFolder() { return ZEV_SCENARIOS; }
 
+/// The scenarios of a file: that itself, or each of its cases.
+std::vector<std::string> scenariosIn(const fs::path& file) {
+  const std::string name = fs::relative(file, scenarioFolder()).generic_string();
+  std::vector<std::string> all = scenario::casesOf(scenario::readDocument(file));
+  for (std::string& each : all) each = name + "#" + each;
+  return all.empty() ? std::vector<std::string>{name} : all;
+}
+
 std::vector<std::string> findFiles() {
   const fs::path scenarios = scenarioFolder();
   std::vector<std::string> files;
   for (const fs::directory_entry& each : fs::recursive_directory_iterator(scenarios)) {
-    if (each.path().extension() == ".json") {
-      files.push_back(fs::relative(each.path(), scenarios).generic_string());
+    if (each.path().extension() != ".json" || each.path().filename() == scenario::commonFile) {
+      continue;
     }
+    for (std::string& name : scenariosIn(each.path())) files.push_back(std::move(name));
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -128,10 +137,7 @@ void forEachSteps(Json& document, const std::function<void(Json&)>& change) {
 }
 
 Json readStory(const std::string& file) {
-  std::ifstream in(scenarioFolder() / file, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  Json document = Json::parse(text.str());
+  Json document = scenario::writtenOut(scenarioFolder() / file);
   forEachSteps(document, emptyExpectations);
   return document;
 }

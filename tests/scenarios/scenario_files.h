@@ -10,10 +10,11 @@
 
 namespace zev {
 
-/// All scenario files, by their path below tests/scenarios, sorted.
+/// All scenarios, by the path of their file below tests/scenarios, those of a table with the case:
+/// "pages/forward.json", "pages/directory.json#empty". Sorted.
 const std::vector<std::string>& scenarioFiles();
 
-/// A scenario file as its document, with nothing in its expectations.
+/// A scenario as its document, written out, with nothing in its expectations.
 scenario::Json readStory(const std::string& file);
 
 /// Calls a function for each list of steps of a document: the script and what an `at` does later.

@@ -6,6 +6,8 @@ be seen of both from outside, and what both leave behind.
                          --program ZEVSetup.exe --image IMAGE.exe --simulator zevsim
                          FILE-OR-FOLDER...
 
+A case of a table of scenarios is named behind its file, `table.json#case`.
+
 The driver plays the script on the program's windows and writes the transcript of somebody in front of
 the screen; the simulator writes the same transcript. They must be equal line by line, and so must the
 end states: files with their bytes, registry, shortcuts, and what was started and opened. What Wine cannot carry is left out, by a
@@ -503,7 +505,8 @@ class Settings:
         return scenario_machine.make_package(plan, self.package) if plan.package else None
 
     def plan(self, path):
-        return scenario_machine.plan_of(path, self.image_size, len(self.package), self.windows)
+        return scenario_machine.plan_of(path, self.simulator, self.image_size, len(self.package),
+                                        self.windows)
 
 
 class Simulation:
@@ -670,9 +673,16 @@ class Runner:
 
 
 def scenario_files(places):
+    """Those of the files, and of the files in the folders; of a table each case, but for one that is
+    named (`table.json#case`)."""
     found = []
     for place in map(pathlib.Path, places):
-        found += sorted(place.rglob("*.json")) if place.is_dir() else [place]
+        if ".json#" in place.name:
+            found.append(place)
+            continue
+        for file in sorted(place.rglob("*.json")) if place.is_dir() else [place]:
+            if file.name != scenario_machine.COMMON:
+                found += scenario_machine.scenarios_of(file)
     return found
 
 

@@ -6,6 +6,7 @@ import copy
 import json
 import pathlib
 import re
+import subprocess
 
 USER_HOME = "C:\\Users\\bob"
 PROGRAM = USER_HOME + "\\Downloads\\ZEVSetup.exe"
@@ -358,12 +359,29 @@ def make_package(plan, package):
     return bytes(data)
 
 
-def plan_of(path, image_size, package_size, windows=None):
-    """The plan for a scenario's file, on the Windows that it names or on another one; raises
-    LeftOut."""
-    document = json.loads(pathlib.Path(path).read_text())
+COMMON = "common.json"  # what scenarios name
+
+
+def scenarios_of(file):
+    """The scenarios of a file: itself, or each of its cases, as zevsim takes them."""
+    cases = json.loads(pathlib.Path(file).read_text(encoding="utf-8")).get("cases", {})
+    return [pathlib.Path(f"{file}#{case}") for case in cases] or [pathlib.Path(file)]
+
+
+def written_out(path, simulator):
+    """A scenario as its document, in which nothing is named any more."""
+    shown = subprocess.run([str(simulator), "--expand", str(path)], stdin=subprocess.DEVNULL,
+                           capture_output=True, check=False)
+    if shown.returncode:
+        raise RuntimeError(f"zevsim --expand {path}: {shown.stderr.decode('utf-8', 'replace')}")
+    return json.loads(shown.stdout.decode("utf-8"))
+
+
+def plan_of(path, simulator, image_size, package_size, windows=None):
+    """The plan for a scenario, on the Windows that it names or on another one; raises LeftOut."""
+    document = written_out(path, simulator)
     for name, reason in KNOWN_TO_DIFFER.items():
-        if str(path).endswith(f"/{name}.json"):
+        if str(path).replace(".json", "").replace("#", "/").endswith(f"/{name}"):
             raise LeftOut(reason)
     plan = Plan(path, document)
     machine = document.get("machine", {})

@@ -28,7 +28,8 @@ CLI::Option* addFile(CLI::App& app, const char* name, const std::function<void(P
 
 void addOptions(CLI::App& app, DriveOptions& options) {
   addFile(
-      app, "SCENARIO", [&](const Path& file) { options.scenario = file; }, "The scenario")
+      app, "SCENARIO", [&](const Path& file) { options.scenario = file; },
+      "The scenario, or a case of it: TABLE.json#CASE")
       ->required();
   addFile(
       app, "--program", [&](const Path& file) { options.program = file; }, "ZEVSetup.exe");

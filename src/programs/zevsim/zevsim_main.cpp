@@ -13,6 +13,7 @@
 #include "programs/zevsim/simulated_stage.h"
 #include "programs/zevsim/zevsim_options.h"
 #include "scenario/answers.h"
+#include "scenario/layout.h"
 #include "scenario/outside_view.h"
 
 namespace zev::scenario {
@@ -159,7 +160,16 @@ Scenario scenarioOf(const ZevsimOptions& options) {
   return scenario;
 }
 
+int expand(const ZevsimOptions& options, const Console& console) {
+  const Json document = writtenOut(*options.scenario);
+  readScenario(*options.scenario);  // tells what is wrong with it
+  console.out << layOut(document);
+  requireWritten(console.out, "standard output");
+  return exit_status::held;
+}
+
 int play(const ZevsimOptions& options, const ProgramFactory& factory, const Console& console) {
+  if (options.expand) return expand(options, console);
   const Scenario scenario = scenarioOf(options);
   std::ofstream file;
   if (options.transcript) file = openForWriting(*options.transcript);

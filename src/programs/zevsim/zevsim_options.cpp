@@ -26,7 +26,7 @@ void addFile(CLI::App& app, const char* name, File& file, const char* help) {
 }
 
 void addFiles(CLI::App& app, ZevsimOptions& options) {
-  addFile(app, "SCENARIO", options.scenario, "The scenario");
+  addFile(app, "SCENARIO", options.scenario, "The scenario, or a case of it: TABLE.json#CASE");
   addFile(app, "--package", options.package,
           "The installer's file, in place of the scenario's own");
   addFile(app, "--transcript", options.transcript,
@@ -64,6 +64,9 @@ void addEvents(CLI::App& app, ZevsimOptions& options) {
 void addScreen(CLI::App& app, ZevsimOptions& options) {
   app.add_flag("--interactive", options.interactive, "The prompt, behind the scenario's script");
   app.add_flag("--progress", options.progress, "Shows the progress of the install, and each box");
+  app.add_flag("--expand", options.expand,
+               "Prints the scenario written out, with nothing named in it, and plays nothing")
+      ->needs(app.get_option("SCENARIO"));
   app.add_flag("--summary", options.summary, "Tells at the end what was laid and how long it took");
   app.add_option("--width", options.columns, "The prompt and the progress are so many columns wide")
       ->check(CLI::Range(leastColumns, mostColumns).description("40 at least"))

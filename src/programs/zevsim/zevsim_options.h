@@ -23,6 +23,7 @@ struct ZevsimOptions {
   bool interactive = false;
   bool progress = false;
   bool summary = false;
+  bool expand = false;  ///< prints the scenario written out and plays nothing
 };
 
 /// A file that the command line names, and that zevsim cannot do with what it is to do.
