@@ -34,6 +34,7 @@ inline constexpr SystemError directoryNotEmpty = 145;
 inline constexpr SystemError alreadyExists = 183;
 inline constexpr SystemError fileNameTooLong = 206;
 inline constexpr SystemError directoryInvalid = 267;
+inline constexpr SystemError deviceError = 1117;
 inline constexpr SystemError cannotResolve = 1921;
 }  // namespace system_error
 
@@ -48,6 +49,9 @@ inline constexpr std::uint32_t directory = 16;
 inline constexpr std::uint32_t archive = 32;
 inline constexpr std::uint32_t link = 1024;  ///< a junction, a symbolic link: it leads elsewhere
 }  // namespace file_attribute
+
+/// What stands behind the name of a file while the one that is to replace it is being written.
+inline constexpr TextView replacementSuffix = u".~zev";
 
 /// One entry of a directory.
 struct DirectoryEntry {
@@ -75,6 +79,7 @@ enum class FileDisposition {
   OpenExisting,  ///< fails with fileNotFound if there is none
   OpenAlways,    ///< creates an empty file if there is none
   CreateAlways,  ///< creates a file or empties the one that is there
+  Replace,  ///< the same, but what is there stays until CommitFile puts the new one in its place
 };
 
 /// The file calls of the system, one call an operation, failing with the system's numbers.
@@ -115,7 +120,15 @@ class FileSystem {
   virtual SystemError WriteFile(FileHandle file, std::uint64_t offset,
                                 std::span<const std::uint8_t> from, std::size_t& written) = 0;
   virtual SystemError GetFileSize(FileHandle file, std::uint64_t& size) = 0;
-  virtual void CloseHandle(FileHandle file) = 0;
+  /// Closes a file. It fails if the system cannot keep what it was given before; the file is closed
+  /// all the same. One that was opened by Replace is dropped, and what is there stays.
+  virtual SystemError CloseHandle(FileHandle file) = 0;
+  /// Closes a file that was opened by Replace and puts it in its place, whole: whoever looks finds
+  /// what was there or all that was written, also if the program is ended meanwhile. If it fails
+  /// the new file is dropped. Where no second file can be made beside the one that is there, or
+  /// that one cannot be taken away (others have it open, its folder refuses), it is written over in
+  /// place.
+  virtual SystemError CommitFile(FileHandle file) = 0;
 
   /// Holds a file or directory until CloseHandle, and tells its attributes: a file that has other
   /// names, too, counts as a link here. ReadFile and GetFileSize read a file that is held; the

@@ -58,9 +58,12 @@ class Files {
   virtual void OpenBinaryWrite(std::int32_t number, TextView path) = 0;
   /// Opens a text file for input; 53 if there is none.
   virtual void OpenInput(std::int32_t number, TextView path) = 0;
-  /// Opens a text file for output, which empties or creates it.
+  /// Opens a text file for output. What is printed takes the place of what is there when the file
+  /// is closed, all of it or nothing: a file that nothing was printed into, or not all that was to
+  /// be, leaves what is there.
   virtual void OpenOutput(std::int32_t number, TextView path) = 0;
-  /// Closes a file; nothing happens for a number that is not open.
+  /// Closes a file; nothing happens for a number that is not open. The file is closed also if that
+  /// raises an error, since what it was given cannot be kept.
   virtual void Close(std::int32_t number) = 0;
 
   /// Length of an open file in bytes.

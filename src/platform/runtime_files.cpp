@@ -256,16 +256,18 @@ std::string RuntimeFiles::readText(FileHandle handle) {
 void RuntimeFiles::OpenOutput(std::int32_t number, TextView path) {
   requireFree(number);
   FileHandle handle = 0;
-  require(system_.CreateFileA(path, FileAccess::Write, FileShare::All,
-                              FileDisposition::CreateAlways, handle));
+  require(system_.CreateFileA(path, FileAccess::Write, FileShare::All, FileDisposition::Replace,
+                              handle));
   add(number, Mode::Output, handle);
 }
 
 void RuntimeFiles::Close(std::int32_t number) {
   const auto found = files_.find(number);
   if (found == files_.end()) return;
-  system_.CloseHandle(found->second.handle);
+  const OpenFile file = std::move(found->second);
   files_.erase(found);
+  require(file.printed && !file.cut ? system_.CommitFile(file.handle)
+                                    : system_.CloseHandle(file.handle));
 }
 
 RuntimeFiles::OpenFile& RuntimeFiles::opened(std::int32_t number) {
@@ -312,8 +314,11 @@ void RuntimeFiles::Print(std::int32_t number, TextView text) {
   OpenFile& file = open(number, Mode::Output);
   const std::string line = system_.toAnsi(join(text, lineEnd));
   std::size_t written = 0;
-  require(system_.WriteFile(file.handle, file.place, bytesOf(line), written));
+  const SystemError error = system_.WriteFile(file.handle, file.place, bytesOf(line), written);
   file.place += written;
+  file.printed = true;
+  file.cut = file.cut || error != system_error::success;
+  require(error);
 }
 
 Text RuntimeFiles::Input(std::int32_t number) {

@@ -49,6 +49,8 @@ class RuntimeFiles final : public Files {
     FileHandle handle = 0;
     std::uint64_t place = 0;  ///< of text input and output
     std::string text;         ///< all of a text file that is read
+    bool printed = false;     ///< something was printed into it
+    bool cut = false;         ///< and not all of it could be written
   };
   struct Query {
     FileHandle search = 0;

@@ -40,12 +40,11 @@ std::vector<std::uint8_t> readHostFile(const fs::path& path) {
   return bytes;
 }
 
-bool fill(FileBody& body, const FileContent& content) {
-  if (const auto* zeros = std::get_if<ZeroBytes>(&content)) {
-    return body.resize(0) && body.resize(zeros->size);
-  }
+SystemError fill(FileBody& body, const FileContent& content) {
+  if (const SystemError error = body.resize(0)) return error;
+  if (const auto* zeros = std::get_if<ZeroBytes>(&content)) return body.resize(zeros->size);
   if (const auto* host = std::get_if<fs::path>(&content)) return fill(body, readHostFile(*host));
-  return body.resize(0) && body.write(0, std::get<std::vector<std::uint8_t>>(content));
+  return body.write(0, std::get<std::vector<std::uint8_t>>(content));
 }
 
 /// Hands the bytes of a file on, chunk by chunk.
@@ -206,9 +205,9 @@ void Disks::putFile(Drive& drive, const Path& path, const std::optional<FileCont
     entry.reset();
   }
   const std::uint64_t before = entry ? entry->size : 0;
-  const bool made = entry || drive.volume->createFile(path, file_attribute::archive);
+  const bool made = entry || drive.volume->createFile(path, file_attribute::archive) == 0;
   const auto body = made ? drive.volume->open(path) : nullptr;
-  if (!body || (content && !fill(*body, *content))) {
+  if (!body || (content && fill(*body, *content) != 0) || body->close() != 0) {
     throw std::runtime_error("cannot lay " + toUtf8(path.text()));
   }
   drive.used += static_cast<std::int64_t>(drive.spaceFor(body->size())) -
@@ -243,7 +242,7 @@ void Disks::putDirectory(TextView text) {
     each = each.child(name);
     if (isDirectory(drive.volume->find(each))) continue;
     remove(each.text());
-    if (!drive.volume->createDirectory(each)) {
+    if (drive.volume->createDirectory(each) != 0) {
       throw std::runtime_error("cannot lay " + toUtf8(each.text()));
     }
   }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <map>
 #include <system_error>
@@ -11,15 +12,38 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// What the host's refusal is on the machine.
+SystemError refusal(const std::error_code& error) {
+  if (!error) return system_error::success;
+  for (const std::errc full : {std::errc::no_space_on_device, std::errc::file_too_large}) {
+    if (error == full) return system_error::diskFull;
+  }
+#if defined(EDQUOT)
+  if (error.value() == EDQUOT) return system_error::diskFull;
+#endif
+  if (error == std::errc::io_error) return system_error::deviceError;
+  if (error == std::errc::read_only_file_system) return system_error::writeProtect;
+  if (error == std::errc::too_many_files_open) return system_error::tooManyOpenFiles;
+  return system_error::accessDenied;
+}
+
+/// Why a stream of the host has just failed.
+SystemError lastRefusal() {
+  const SystemError error = refusal({errno, std::generic_category()});
+  return error != system_error::success ? error : SystemError{system_error::deviceError};
+}
+
 /// A file of the host. It is opened for writing when it is first written. All of the machine's
-/// accesses to a file go through one body, so its size needs to be asked for only once.
+/// accesses to a file go through one body, so its size needs to be asked for only once. What is
+/// written goes to the host at once, so that it is the write that fails there.
 class HostBody final : public FileBody {
  public:
-  explicit HostBody(fs::path path) : path_(std::move(path)) {}
+  explicit HostBody(fs::path path) : path_(std::move(path)) {
+    stream_.rdbuf()->pubsetbuf(nullptr, 0);
+  }
 
   std::uint64_t size() const override {
     if (!size_) {
-      stream_.flush();
       std::error_code error;
       const auto size = fs::file_size(path_, error);
       if (error) return 0;
@@ -35,23 +59,33 @@ class HostBody final : public FileBody {
     return static_cast<std::size_t>(stream_.gcount());
   }
 
-  bool write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
-    if (!ready(std::ios::in | std::ios::out)) return false;
+  SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
+    errno = 0;
+    if (!ready(std::ios::in | std::ios::out)) return lastRefusal();
     stream_.seekp(static_cast<std::streamoff>(offset));
     stream_.write(reinterpret_cast<const char*>(from.data()),
                   static_cast<std::streamsize>(from.size()));
-    const bool written = stream_.good();
-    if (!written) size_.reset();
+    if (!stream_.good()) {
+      size_.reset();
+      return lastRefusal();
+    }
     if (size_ && !from.empty()) size_ = std::max<std::uint64_t>(*size_, offset + from.size());
-    return written;
+    return system_error::success;
   }
 
-  bool resize(std::uint64_t size) override {
-    stream_.flush();
+  SystemError resize(std::uint64_t size) override {
     std::error_code error;
     fs::resize_file(path_, size, error);
     size_.reset();
-    return !error;
+    return refusal(error);
+  }
+
+  SystemError close() override {
+    if (!stream_.is_open()) return system_error::success;
+    errno = 0;
+    stream_.clear();
+    stream_.close();
+    return stream_.good() ? SystemError{system_error::success} : lastRefusal();
   }
 
  private:
@@ -66,7 +100,7 @@ class HostBody final : public FileBody {
   }
 
   fs::path path_;
-  mutable std::fstream stream_;
+  std::fstream stream_;
   mutable std::optional<std::uint64_t> size_;  ///< in bytes; none: it has to be asked for
   std::ios::openmode mode_{};
 };
@@ -109,18 +143,38 @@ class HostVolume final : public Volume {
     return body;
   }
 
-  bool createFile(const Path& path, std::uint32_t attributes) override {
+  SystemError createFile(const Path& path, std::uint32_t attributes) override {
     const auto parent = onHost(path.parent());
-    if (!parent) return false;
-    if (!std::ofstream(parent->path() / hostName(path.leaf()), std::ios::binary)) return false;
+    if (!parent) return system_error::pathNotFound;
+    errno = 0;
+    if (!std::ofstream(parent->path() / hostName(path.leaf()), std::ios::binary)) {
+      return lastRefusal();
+    }
     attributes_[path.key()] = attributes;
-    return true;
+    return system_error::success;
   }
 
-  bool createDirectory(const Path& path) override {
+  SystemError createDirectory(const Path& path) override {
     const auto parent = onHost(path.parent());
+    if (!parent) return system_error::pathNotFound;
     std::error_code error;
-    return parent && fs::create_directory(parent->path() / hostName(path.leaf()), error) && !error;
+    const bool made = fs::create_directory(parent->path() / hostName(path.leaf()), error);
+    return made || error ? refusal(error) : SystemError{system_error::alreadyExists};
+  }
+
+  SystemError replace(const Path& file, const Path& by) override {
+    const auto replacement = onHost(by);
+    if (!replacement) return system_error::fileNotFound;
+    const auto replaced = onHost(file);
+    const fs::path beside = replacement->path().parent_path() / hostName(file.leaf());
+    std::error_code error;
+    fs::rename(replacement->path(), replaced ? replaced->path() : beside, error);
+    if (error) return refusal(error);
+    const auto attributes = attributes_.extract(by.key());
+    if (!replaced && attributes) attributes_[file.key()] = attributes.mapped();
+    bodies_.erase(file.key());
+    bodies_.erase(by.key());
+    return system_error::success;
   }
 
   bool remove(const Path& path) override {

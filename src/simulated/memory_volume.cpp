@@ -25,21 +25,23 @@ class MemoryBody final : public FileBody {
     return count;
   }
 
-  bool write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
+  SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
     const auto start = static_cast<std::size_t>(offset);
     if (start > kept()) bytes_.resize(start);
     const std::size_t over = std::min(from.size(), kept() - start);
     std::copy_n(from.begin(), over, bytes_.begin() + static_cast<std::ptrdiff_t>(start));
     bytes_.insert(bytes_.end(), from.begin() + static_cast<std::ptrdiff_t>(over), from.end());
     size_ = std::max<std::uint64_t>(size_, kept());
-    return true;
+    return system_error::success;
   }
 
-  bool resize(std::uint64_t size) override {
+  SystemError resize(std::uint64_t size) override {
     if (size < kept()) bytes_.resize(static_cast<std::size_t>(size));
     size_ = size;
-    return true;
+    return system_error::success;
   }
+
+  SystemError close() override { return system_error::success; }
 
  private:
   std::size_t kept() const { return bytes_.size(); }
@@ -80,14 +82,27 @@ class MemoryVolume final : public Volume {
     return node == nullptr ? nullptr : node->body;
   }
 
-  bool createFile(const Path& path, std::uint32_t attributes) override {
+  SystemError createFile(const Path& path, std::uint32_t attributes) override {
     Node* node = create(path, attributes);
-    if (node != nullptr) node->body = std::make_shared<MemoryBody>();
-    return node != nullptr;
+    if (node == nullptr) return system_error::accessDenied;
+    node->body = std::make_shared<MemoryBody>();
+    return system_error::success;
   }
 
-  bool createDirectory(const Path& path) override {
-    return create(path, file_attribute::directory) != nullptr;
+  SystemError createDirectory(const Path& path) override {
+    return create(path, file_attribute::directory) != nullptr ? system_error::success
+                                                              : system_error::accessDenied;
+  }
+
+  SystemError replace(const Path& file, const Path& by) override {
+    Node* replaced = at(file);
+    Node* replacement = at(by);
+    if (replacement == nullptr) return system_error::fileNotFound;
+    if (replaced == nullptr) replaced = create(file, replacement->attributes);
+    if (replaced == nullptr) return system_error::accessDenied;
+    replaced->body = std::move(replacement->body);
+    remove(by);
+    return system_error::success;
   }
 
   bool remove(const Path& path) override {

@@ -16,6 +16,9 @@ constexpr std::uint32_t settable = file_attribute::readOnly | file_attribute::hi
 
 bool writes(FileAccess access) { return access != FileAccess::Read; }
 bool reads(FileAccess access) { return access != FileAccess::Write; }
+bool empties(FileDisposition disposition) {
+  return disposition == FileDisposition::CreateAlways || disposition == FileDisposition::Replace;
+}
 
 Text driveAndKey(const Path& path) { return path.drive + path.key(); }
 
@@ -149,7 +152,7 @@ SystemError SimulatedFileSystem::mayWrite(const Place& place, FileDisposition di
   if (place.onReadOnlyMedium()) return writeProtect;
   if (place.has(file_attribute::readOnly)) return accessDenied;
   if (place.guard().deny.write || place.parentGuard().deny.write) return accessDenied;
-  const bool replaces = disposition == FileDisposition::CreateAlways;
+  const bool replaces = empties(disposition);
   if (replaces && place.has(concealing)) return accessDenied;
   return runs(place.path) ? sharingViolation : success;
 }
@@ -190,24 +193,44 @@ SystemError SimulatedFileSystem::mayRemoveDirectory(const Place& place) const {
 // ---- open files
 
 SystemError SimulatedFileSystem::createFile(const Place& place) {
-  const bool made = place.drive->volume->createFile(place.path, file_attribute::archive);
-  return told("create", place.path.text(), made ? success : accessDenied);
+  return told("create", place.path.text(),
+              place.drive->volume->createFile(place.path, file_attribute::archive));
 }
 
 SystemError SimulatedFileSystem::empty(const Place& place) {
   const auto body = place.drive->volume->open(place.path);
-  const bool emptied = body && body->resize(0);
-  if (emptied) {
+  const SystemError error = body ? body->resize(0) : accessDenied;
+  if (error == success) {
     account(*place.drive, place.entry->size, 0);
     place.drive->volume->setAttributes(place.path,
                                        place.entry->attributes | file_attribute::archive);
   }
-  return told("create", place.path.text(), emptied ? success : accessDenied);
+  return told("create", place.path.text(), error);
 }
 
-SystemError SimulatedFileSystem::prepare(Place& place, FileDisposition disposition) {
+/// Whether a second file can be made beside one, and can take its place.
+bool SimulatedFileSystem::canReplace(const Place& place) const {
+  if (place.parentGuard().deny.create) return false;
+  return !place.exists() || mayDelete(place) == success;
+}
+
+/// Makes the file that is to replace one; none where that one has to be written over. What an ended
+/// program has left under its name is gone.
+std::optional<Path> SimulatedFileSystem::beginReplacement(const Place& place) {
+  if (!canReplace(place)) return std::nullopt;
+  const Path by = place.path.parent().child(join(place.path.leaf(), replacementSuffix));
+  if (checkNames(by) != success) return std::nullopt;
+  if (place.drive->volume->find(by)) drop(by);
+  const bool made = place.drive->volume->createFile(by, file_attribute::archive) == success;
+  return made ? std::optional(by) : std::nullopt;
+}
+
+SystemError SimulatedFileSystem::prepare(Place& place, FileDisposition disposition,
+                                         std::optional<Path>& replacement) {
+  if (disposition == FileDisposition::Replace) replacement = beginReplacement(place);
+  if (replacement) return told("create", place.path.text(), success);
   if (!place.exists()) return createFile(place);
-  return disposition == FileDisposition::CreateAlways ? empty(place) : success;
+  return empties(disposition) ? empty(place) : success;
 }
 
 SystemError SimulatedFileSystem::CreateFileA(TextView path, FileAccess access, FileShare share,
@@ -216,21 +239,23 @@ SystemError SimulatedFileSystem::CreateFileA(TextView path, FileAccess access, F
   SystemError error = lookUp(path, place, true);
   if (error == success) error = mayOpen(place, access, share, disposition);
   if (error != success) {
-    const bool creates = disposition == FileDisposition::CreateAlways ||
-                         (disposition == FileDisposition::OpenAlways && !place.exists());
+    const bool creates =
+        empties(disposition) || (disposition == FileDisposition::OpenAlways && !place.exists());
     return creates ? told("create", path, error) : error;
   }
-  if (const SystemError refused = prepare(place, disposition)) return refused;
-  auto body = place.drive->volume->open(place.path);
+  std::optional<Path> replacement;
+  if (const SystemError refused = prepare(place, disposition, replacement)) return refused;
+  auto body = place.drive->volume->open(replacement.value_or(place.path));
   if (!body) return accessDenied;
   file = add(place, access, openingOf(access, share), std::move(body));
+  files_.at(file).replacement = std::move(replacement);
   return success;
 }
 
 FileHandle SimulatedFileSystem::add(const Place& place, FileAccess access, Opening opening,
                                     std::shared_ptr<FileBody> body) {
   const std::uint64_t sharing = machine_.sharing.add(driveAndKey(place.path), opening);
-  files_.emplace(++lastHandle_, OpenFile{place.path, sharing, access, std::move(body), 0, false});
+  files_.emplace(++lastHandle_, OpenFile{place.path, sharing, access, std::move(body)});
   return lastHandle_;
 }
 
@@ -285,16 +310,20 @@ SystemError SimulatedFileSystem::WriteFile(FileHandle file, std::uint64_t offset
   const std::uint64_t largest = largestSize(*drive, before);
   const std::uint64_t room = offset < largest ? largest - offset : 0;
   const std::size_t fitting = static_cast<std::size_t>(std::min<std::uint64_t>(from.size(), room));
+  SystemError error = fitting == from.size() ? success : diskFull;
+  written = fitting;
   if (fitting > 0) {
-    if (!open.body->write(offset, from.first(fitting))) return accessDenied;
-    account(*drive, before, std::max<std::uint64_t>(before, offset + fitting));
+    if (const SystemError refused = open.body->write(offset, from.first(fitting))) {
+      error = refused;
+      const std::uint64_t end = std::max(open.body->size(), offset);
+      written = std::min<std::size_t>(static_cast<std::size_t>(end - offset), fitting);
+    }
+    account(*drive, before, open.body->size());
     open.written = true;
   }
-  written = fitting;
-  open.unreported += fitting;
-  if (fitting == from.size()) return success;
-  tellWritten(open, diskFull);
-  return diskFull;
+  open.unreported += written;
+  if (error != success) tellWritten(open, error);
+  return error;
 }
 
 SystemError SimulatedFileSystem::GetFileSize(FileHandle file, std::uint64_t& size) {
@@ -304,19 +333,64 @@ SystemError SimulatedFileSystem::GetFileSize(FileHandle file, std::uint64_t& siz
   return success;
 }
 
-void SimulatedFileSystem::CloseHandle(FileHandle file) {
-  const auto found = files_.find(file);
-  if (found == files_.end()) return;
-  OpenFile& open = found->second;
-  const Drive* drive = machine_.disks.at(open.path.drive);
-  if (open.written && drive != nullptr) {
-    if (const auto entry = drive->volume->find(open.path)) {
-      drive->volume->setAttributes(open.path, entry->attributes | file_attribute::archive);
-    }
+/// What the drive cannot keep shows at the latest when nobody has the file open any more.
+SystemError SimulatedFileSystem::close(OpenFile& file) {
+  const SystemError error = file.body && file.body.use_count() == 1 ? file.body->close() : success;
+  file.body.reset();
+  machine_.sharing.remove(file.sharing);
+  if (error != success) tellWritten(file, error);
+  return error;
+}
+
+/// A file that was written has the archive attribute.
+void SimulatedFileSystem::settle(const OpenFile& file) {
+  const Drive* drive = machine_.disks.at(file.path.drive);
+  if (!file.written || drive == nullptr) return;
+  if (const auto entry = drive->volume->find(file.path)) {
+    drive->volume->setAttributes(file.path, entry->attributes | file_attribute::archive);
   }
-  if (open.unreported > 0) tellWritten(open, success);
-  machine_.sharing.remove(open.sharing);
+}
+
+void SimulatedFileSystem::drop(const Path& replacement) {
+  Drive* drive = machine_.disks.at(replacement.drive);
+  const auto entry = drive == nullptr ? std::nullopt : drive->volume->find(replacement);
+  if (entry && drive->volume->remove(replacement)) account(*drive, entry->size, 0);
+}
+
+SystemError SimulatedFileSystem::CloseHandle(FileHandle file) {
+  const auto found = files_.find(file);
+  if (found == files_.end()) return invalidHandle;
+  OpenFile open = std::move(found->second);
   files_.erase(found);
+  const SystemError error = close(open);
+  if (open.replacement) {
+    drop(*open.replacement);
+    return error;
+  }
+  settle(open);
+  if (open.unreported > 0) tellWritten(open, success);
+  return error;
+}
+
+SystemError SimulatedFileSystem::CommitFile(FileHandle file) {
+  const auto found = files_.find(file);
+  if (found == files_.end()) return invalidHandle;
+  if (!found->second.replacement) return CloseHandle(file);
+  OpenFile open = std::move(found->second);
+  files_.erase(found);
+  Drive* drive = machine_.disks.at(open.path.drive);
+  SystemError error = close(open);
+  if (error == success && drive == nullptr) error = notReady;
+  const auto replaced = drive == nullptr ? std::nullopt : drive->volume->find(open.path);
+  if (error == success) error = drive->volume->replace(open.path, *open.replacement);
+  if (error != success) {
+    drop(*open.replacement);
+    return error;
+  }
+  if (replaced) account(*drive, replaced->size, 0);
+  settle(open);
+  if (open.unreported > 0) tellWritten(open, success);
+  return success;
 }
 
 // ---- entries by name
@@ -339,7 +413,7 @@ SystemError SimulatedFileSystem::CreateDirectoryA(TextView path) {
   if (error == success && place.exists()) error = alreadyExists;
   if (error == success && place.path.text().size() > longestDirectoryPath) error = fileNameTooLong;
   if (error == success) error = mayCreate(place);
-  if (error == success && !place.drive->volume->createDirectory(place.path)) error = accessDenied;
+  if (error == success) error = place.drive->volume->createDirectory(place.path);
   return told("mkdir", path, error);
 }
 

@@ -40,7 +40,8 @@ class SimulatedFileSystem final : public FileSystem {
   SystemError WriteFile(FileHandle file, std::uint64_t offset, std::span<const std::uint8_t> from,
                         std::size_t& written) override;
   SystemError GetFileSize(FileHandle file, std::uint64_t& size) override;
-  void CloseHandle(FileHandle file) override;
+  SystemError CloseHandle(FileHandle file) override;
+  SystemError CommitFile(FileHandle file) override;
   SystemError HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
                          FileHandle& held) override;
   SystemError DeleteFileA(TextView path) override;
@@ -60,8 +61,9 @@ class SimulatedFileSystem final : public FileSystem {
     Path path;
     std::uint64_t sharing = 0;  ///< its number among all that the machine's processes have open
     FileAccess access{};
-    std::shared_ptr<FileBody> body;  ///< none of a directory that is held
-    std::uint64_t unreported = 0;    ///< bytes written that the transcript does not know of
+    std::shared_ptr<FileBody> body{};   ///< none of a directory that is held
+    std::optional<Path> replacement{};  ///< where the bytes lie until they are put in their place
+    std::uint64_t unreported = 0;       ///< bytes written that the transcript does not know of
     bool written = false;
   };
   struct Search {
@@ -101,11 +103,16 @@ class SimulatedFileSystem final : public FileSystem {
                  std::shared_ptr<FileBody> body);
   bool runs(const Path& path) const;
 
-  SystemError prepare(Place& place, FileDisposition disposition);
+  bool canReplace(const Place& place) const;
+  SystemError prepare(Place& place, FileDisposition disposition, std::optional<Path>& replacement);
+  std::optional<Path> beginReplacement(const Place& place);
   SystemError createFile(const Place& place);
   SystemError empty(const Place& place);
   static std::uint64_t largestSize(const Drive& drive, std::uint64_t size);
   static void account(Drive& drive, std::uint64_t before, std::uint64_t after);
+  SystemError close(OpenFile& file);
+  void settle(const OpenFile& file);
+  void drop(const Path& replacement);
   SystemError told(std::string_view op, TextView path, SystemError error);
   void tell(std::string_view op, TextView path, SystemError error);
   void tellWritten(OpenFile& file, SystemError error);

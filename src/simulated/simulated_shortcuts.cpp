@@ -65,8 +65,8 @@ class SimulatedShortcut final : public Shortcut {
     if (error != system_error::success) return error;
     std::size_t written = 0;
     error = files_.WriteFile(file, 0, shellLink(properties_, machine_.codePage()), written);
-    files_.CloseHandle(file);
-    return error;
+    const SystemError closed = files_.CloseHandle(file);
+    return error != system_error::success ? error : closed;
   }
 
   MachineState& machine_;

@@ -19,10 +19,13 @@ class FileBody {
   virtual std::uint64_t size() const = 0;
   /// Reads from an offset; the count is less at the end.
   virtual std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) = 0;
-  /// Writes at an offset; a gap behind the end fills with zeros. False if the host refuses.
-  virtual bool write(std::uint64_t offset, std::span<const std::uint8_t> from) = 0;
+  /// Writes at an offset; a gap behind the end fills with zeros. It fails where the host does, and
+  /// has then written what fitted.
+  virtual SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) = 0;
   /// Makes the file that long.
-  virtual bool resize(std::uint64_t size) = 0;
+  virtual SystemError resize(std::uint64_t size) = 0;
+  /// Nobody has the file open any more: fails if the host cannot keep what it was given.
+  virtual SystemError close() = 0;
 };
 
 /// The tree of files on one drive, as plain storage: who asks has checked that it may. Names match
@@ -39,8 +42,11 @@ class Volume {
   /// The bytes of a file; null if it is no file or cannot be opened.
   virtual std::shared_ptr<FileBody> open(const Path& file) const = 0;
   /// The parent is there, the name is free.
-  virtual bool createFile(const Path& path, std::uint32_t attributes) = 0;
-  virtual bool createDirectory(const Path& path) = 0;
+  virtual SystemError createFile(const Path& path, std::uint32_t attributes) = 0;
+  virtual SystemError createDirectory(const Path& path) = 0;
+  /// Gives a file another name in its directory, at once: a file that has it is gone, and lends the
+  /// new one its attributes and the case of its name.
+  virtual SystemError replace(const Path& file, const Path& by) = 0;
   /// Takes an entry away, a directory with all that it holds.
   virtual bool remove(const Path& path) = 0;
   virtual bool setAttributes(const Path& path, std::uint32_t attributes) = 0;

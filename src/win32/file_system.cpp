@@ -44,6 +44,28 @@ DWORD dispositionOf(FileDisposition disposition) {
   return disposition == FileDisposition::OpenAlways ? OPEN_ALWAYS : CREATE_ALWAYS;
 }
 
+constexpr DWORD sharedByAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
+
+SystemError opened(HANDLE handle, FileHandle& file) {
+  if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
+  file = reinterpret_cast<FileHandle>(handle);
+  return system_error::success;
+}
+
+/// Why a file could not be written over; success if it could, or if there is none.
+SystemError mayWriteOver(const std::string& path) {
+  constexpr DWORD concealing = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+  const DWORD attributes = ::GetFileAttributesA(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) return system_error::success;
+  if ((attributes & concealing) != 0) return system_error::accessDenied;
+  FileHandle file = 0;
+  const SystemError error = opened(::CreateFileA(path.c_str(), GENERIC_WRITE, sharedByAll, nullptr,
+                                                 OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr),
+                                   file);
+  if (error == system_error::success) ::CloseHandle(handleOf(file));
+  return error;
+}
+
 /// Sets the place of the next reading or writing.
 SystemError seek(FileHandle file, std::uint64_t offset) {
   LARGE_INTEGER place;
@@ -80,12 +102,33 @@ void Win32FileSystem::FindClose(FileHandle search) { ::FindClose(handleOf(search
 
 SystemError Win32FileSystem::CreateFileA(TextView path, FileAccess access, FileShare share,
                                          FileDisposition disposition, FileHandle& file) {
-  const DWORD shared = share == FileShare::All ? FILE_SHARE_READ | FILE_SHARE_WRITE : 0;
-  HANDLE handle = ::CreateFileA(ansiArgument(path).c_str(), accessOf(access), shared, nullptr,
-                                dispositionOf(disposition), FILE_ATTRIBUTE_ARCHIVE, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
-  file = reinterpret_cast<FileHandle>(handle);
-  return system_error::success;
+  const std::string name = ansiArgument(path);
+  if (disposition == FileDisposition::Replace) {
+    if (const SystemError error = mayWriteOver(name)) return error;
+    if (beginReplacement(name, file) == system_error::success) return system_error::success;
+  }
+  const DWORD shared = share == FileShare::All ? sharedByAll : 0;
+  return opened(::CreateFileA(name.c_str(), accessOf(access), shared, nullptr,
+                              dispositionOf(disposition), FILE_ATTRIBUTE_ARCHIVE, nullptr),
+                file);
+}
+
+/// What an ended program has left under its name is gone first. Nothing that stands there by then,
+/// a link among it, is opened.
+SystemError Win32FileSystem::beginReplacement(const std::string& target, FileHandle& file) {
+  const std::string path = target + win32::toAnsi(replacementSuffix);
+  ::DeleteFileA(path.c_str());
+  const SystemError error =
+      opened(::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                           FILE_ATTRIBUTE_ARCHIVE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr),
+             file);
+  if (error == system_error::success) replacements_[file] = {path, target};
+  return error;
+}
+
+Win32FileSystem::Replacement Win32FileSystem::takeReplacement(FileHandle file) {
+  const auto node = replacements_.extract(file);
+  return node ? node.mapped() : Replacement{};
 }
 
 SystemError Win32FileSystem::ReadFile(FileHandle file, std::uint64_t offset,
@@ -129,7 +172,26 @@ SystemError Win32FileSystem::GetFileSize(FileHandle file, std::uint64_t& size) {
   return error;
 }
 
-void Win32FileSystem::CloseHandle(FileHandle file) { ::CloseHandle(handleOf(file)); }
+SystemError Win32FileSystem::CloseHandle(FileHandle file) {
+  const Replacement dropped = takeReplacement(file);
+  const SystemError error = resultOf(::CloseHandle(handleOf(file)));
+  if (!dropped.path.empty()) ::DeleteFileA(dropped.path.c_str());
+  return error;
+}
+
+/// Systems that cannot move a file over another, and files that others have open, are written over.
+SystemError Win32FileSystem::CommitFile(FileHandle file) {
+  const Replacement replacement = takeReplacement(file);
+  SystemError error = resultOf(::CloseHandle(handleOf(file)));
+  if (replacement.path.empty()) return error;
+  const char* path = replacement.path.c_str();
+  const char* target = replacement.target.c_str();
+  constexpr DWORD atOnce = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+  if (error == system_error::success && ::MoveFileExA(path, target, atOnce)) return error;
+  if (error == system_error::success) error = resultOf(::CopyFileA(path, target, FALSE));
+  ::DeleteFileA(path);
+  return error;
+}
 
 namespace {
 

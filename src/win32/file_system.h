@@ -1,5 +1,8 @@
 #pragma once
 
+#include <map>
+#include <string>
+
 #include "platform/file_system.h"
 
 namespace zev::win32 {
@@ -18,7 +21,8 @@ class Win32FileSystem final : public FileSystem {
   SystemError WriteFile(FileHandle file, std::uint64_t offset, std::span<const std::uint8_t> from,
                         std::size_t& written) override;
   SystemError GetFileSize(FileHandle file, std::uint64_t& size) override;
-  void CloseHandle(FileHandle file) override;
+  SystemError CloseHandle(FileHandle file) override;
+  SystemError CommitFile(FileHandle file) override;
   SystemError HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
                          FileHandle& held) override;
 
@@ -31,6 +35,17 @@ class Win32FileSystem final : public FileSystem {
 
   std::string toAnsi(TextView text) override;
   Text fromAnsi(std::string_view bytes) override;
+
+ private:
+  /// A file that is being written beside the one that it is to replace.
+  struct Replacement {
+    std::string path;
+    std::string target;
+  };
+  SystemError beginReplacement(const std::string& target, FileHandle& file);
+  Replacement takeReplacement(FileHandle file);
+
+  std::map<FileHandle, Replacement> replacements_;
 };
 
 }  // namespace zev::win32

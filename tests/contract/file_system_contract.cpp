@@ -57,6 +57,15 @@ class FileSystemContract : public ContractTest {
     return bytes;
   }
 
+  std::string contentOf(const Text& path) {
+    constexpr std::size_t longest = 1000;
+    const Opened opened = open(path, FileAccess::Read, FileDisposition::OpenExisting);
+    EXPECT_EQ(opened.error, success);
+    const std::string bytes = read(opened.file, 0, longest);
+    system().CloseHandle(opened.file);
+    return bytes;
+  }
+
   /// Names that a search gives, in its order.
   std::vector<Text> found(const Text& pattern) {
     std::vector<Text> names;
@@ -119,6 +128,82 @@ TEST_F(FileSystemContract, KeepsWhatIsThereUnlessItIsToBeReplaced) {
   ASSERT_EQ(opened.error, success);
   EXPECT_EQ(read(opened.file, 0, 100), "");
   system().CloseHandle(opened.file);
+}
+
+// ---- replacing
+
+TEST_F(FileSystemContract, ReplacesAFileWhenItIsWhole) {
+  const Text path = made(u"a.txt", u"what was there");
+  const Opened opened = open(path, FileAccess::Write, FileDisposition::Replace);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(write(opened.file, 0, "new"), success);
+  EXPECT_EQ(contentOf(path), "what was there\r\n");
+  EXPECT_EQ(system().CommitFile(opened.file), success);
+  EXPECT_EQ(contentOf(path), "new");
+  EXPECT_EQ(attributesOf(path), file_attribute::archive);
+  EXPECT_THAT(found(in(u"a*")), ElementsAre(u"a.txt"));
+}
+
+TEST_F(FileSystemContract, LaysANewFileWhenItIsWhole) {
+  const Opened opened = open(in(u"a.txt"), FileAccess::Write, FileDisposition::Replace);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(write(opened.file, 0, "new"), success);
+  EXPECT_EQ(lookUpError(in(u"a.txt")), fileNotFound);
+  EXPECT_EQ(system().CommitFile(opened.file), success);
+  EXPECT_EQ(contentOf(in(u"a.txt")), "new");
+  EXPECT_THAT(found(in(u"a*")), ElementsAre(u"a.txt"));
+}
+
+TEST_F(FileSystemContract, DropsAReplacementThatIsOnlyClosed) {
+  for (const Text& path : {made(u"a.txt", u"what was there"), in(u"b.txt")}) {
+    const Opened opened = open(path, FileAccess::Write, FileDisposition::Replace);
+    ASSERT_EQ(opened.error, success);
+    EXPECT_EQ(write(opened.file, 0, "new"), success);
+    EXPECT_EQ(system().CloseHandle(opened.file), success);
+  }
+  EXPECT_EQ(contentOf(in(u"a.txt")), "what was there\r\n");
+  EXPECT_THAT(found(in(u"*.txt*")), ElementsAre(u"a.txt"));
+}
+
+TEST_F(FileSystemContract, ReplacesNothingThatCannotBeWritten) {
+  const auto replaceError = [&](const Text& path) {
+    return open(path, FileAccess::Write, FileDisposition::Replace).error;
+  };
+  const Text fixed = made(u"fixed");
+  ASSERT_EQ(system().SetFileAttributesA(fixed, file_attribute::readOnly), success);
+  EXPECT_EQ(replaceError(fixed), accessDenied);
+  ASSERT_EQ(system().SetFileAttributesA(fixed, file_attribute::normal), success);
+  ASSERT_EQ(system().CreateDirectoryA(in(u"folder")), success);
+  EXPECT_EQ(replaceError(in(u"folder")), accessDenied);
+  EXPECT_EQ(replaceError(in(u"none\\file")), pathNotFound);
+  const Opened held =
+      open(made(u"held"), FileAccess::Read, FileDisposition::OpenExisting, FileShare::Nothing);
+  EXPECT_EQ(replaceError(in(u"held")), sharingViolation);
+  system().CloseHandle(held.file);
+  EXPECT_THAT(found(in(u"*.~zev")), ElementsAre());
+}
+
+// Somebody who reads it keeps nobody from writing it.
+TEST_F(FileSystemContract, WritesOverWhatOthersHaveOpen) {
+  const Text path = made(u"a.txt", u"what was there");
+  const Opened reader = open(path, FileAccess::Read, FileDisposition::OpenExisting);
+  const Opened opened = open(path, FileAccess::Write, FileDisposition::Replace);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(write(opened.file, 0, "new"), success);
+  EXPECT_EQ(system().CommitFile(opened.file), success);
+  system().CloseHandle(reader.file);
+  EXPECT_EQ(contentOf(path), "new");
+  EXPECT_THAT(found(in(u"a*")), ElementsAre(u"a.txt"));
+}
+
+TEST_F(FileSystemContract, ReplacesThroughWhatAnEndedProgramHasLeft) {
+  made(u"a.txt.~zev", u"much more than what is to be written now");
+  const Opened opened = open(in(u"a.txt"), FileAccess::Write, FileDisposition::Replace);
+  ASSERT_EQ(opened.error, success);
+  EXPECT_EQ(write(opened.file, 0, "new"), success);
+  EXPECT_EQ(system().CommitFile(opened.file), success);
+  EXPECT_EQ(contentOf(in(u"a.txt")), "new");
+  EXPECT_THAT(found(in(u"a*")), ElementsAre(u"a.txt"));
 }
 
 TEST_F(FileSystemContract, FillsAGapBehindTheEndWithZeros) {

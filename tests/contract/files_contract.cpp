@@ -251,6 +251,28 @@ TEST_F(FilesContract, OutputReplacesWhatIsThere) {
   EXPECT_EQ(files().FileLen(in(u"file")), 3);
 }
 
+TEST_F(FilesContract, OutputTakesItsPlaceWhenItIsClosed) {
+  const Text path = made(u"file", u"what was there");
+  files().OpenOutput(1, path);
+  files().Print(1, u"new");
+  files().OpenInput(2, path);
+  EXPECT_EQ(files().Input(2), u"what was there");
+  files().Close(2);
+  files().Close(1);
+  EXPECT_EQ(files().FileLen(path), 5);
+  EXPECT_THAT(all(in(u"*.*"), 38), testing::ElementsAre(u"file"));
+}
+
+TEST_F(FilesContract, OutputThatNothingWasPrintedIntoLeavesWhatIsThere) {
+  const Text path = made(u"file", u"what was there");
+  for (const Text& each : {path, in(u"new")}) {
+    files().OpenOutput(1, each);
+    files().Close(1);
+  }
+  EXPECT_EQ(files().FileLen(path), 16);
+  EXPECT_THAT(all(in(u"*.*"), 38), testing::ElementsAre(u"file"));
+}
+
 TEST_F(FilesContract, AFileIsUsedInTheModeItWasOpenedFor) {
   files().OpenOutput(1, in(u"file"));
   EXPECT_EQ(errorOf([&] { get(1, 1); }), 54);

@@ -23,6 +23,7 @@ class InstrumentationTest : public simulated::MachineTest {
 
 TEST_F(InstrumentationTest, CountsCallsByNameAndAlias) {
   files().OpenOutput(1, u"C:\\f");
+  files().Print(1, u"line");
   files().Close(1);
   files().OpenInput(1, u"C:\\f");
   files().Close(1);

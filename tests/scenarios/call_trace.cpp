@@ -149,6 +149,51 @@ class Tracer {
   std::vector<std::size_t> waiting_;
 };
 
+/// The value that the next change of the registry sets, as a snapshot names it.
+std::string nextValue(const std::vector<Event>& events, std::size_t place) {
+  for (; place < events.size(); ++place) {
+    const Event& each = events[place];
+    if (each["event"] != "registry" || each["op"] != "set") continue;
+    std::string key = each["hive"].get<std::string>() + "\\" + each["key"].get<std::string>();
+    const std::string classes = "HKEY_CLASSES_ROOT";
+    if (key.starts_with(classes)) {
+      key = "HKEY_LOCAL_MACHINE\\Software\\Classes" + key.substr(classes.size());
+    }
+    return key + "|" + each["name"].get<std::string>();
+  }
+  return {};
+}
+
+/// What the question for a folder of value files is asked for: the next file in it that is written,
+/// or looked for.
+void findFile(std::vector<Call>& calls, std::size_t place) {
+  constexpr int hiddenFiles = 38;
+  Call& asks = calls[place];
+  for (std::size_t next = place + 1; next < calls.size(); ++next) {
+    const Call& each = calls[next];
+    const bool looks = each.operation == "Dir" && each.number == hiddenFiles;
+    if (!each.path.starts_with(asks.path + "\\")) continue;
+    if (!looks && each.operation != "OpenOutput") continue;
+    asks.value = each.path;
+    asks.read = looks;
+    return;
+  }
+}
+
+/// A key is made for a value if it is not closed at once.
+void findValues(std::vector<Call>& calls, const std::vector<Event>& events) {
+  for (std::size_t place = 0; place < calls.size(); ++place) {
+    Call& call = calls[place];
+    if (place > 0) call.begin = calls[place - 1].place + 1;
+    const bool last = place + 1 == calls.size();
+    const bool forValue = !last && calls[place + 1].operation == "RegSetValueExA";
+    if (call.operation == "Dir" && call.path.ends_with("\\ZEV5")) findFile(calls, place);
+    if (call.operation == "RegSetValueExA" || (call.operation == "RegCreateKeyA" && forValue)) {
+      call.value = nextValue(events, call.begin);
+    }
+  }
+}
+
 }  // namespace
 
 const char* nameOf(Phase phase) { return phaseNames[static_cast<std::size_t>(phase)]; }
@@ -156,6 +201,7 @@ const char* nameOf(Phase phase) { return phaseNames[static_cast<std::size_t>(pha
 std::vector<Call> traceCalls(const std::vector<Event>& events) {
   Tracer tracer;
   for (const Event& each : events) tracer.take(each);
+  findValues(tracer.calls, events);
   return std::move(tracer.calls);
 }
 

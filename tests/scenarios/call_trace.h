@@ -42,6 +42,9 @@ struct Call {
   std::size_t repeat = 1;  ///< which call of the operation for this path, in this stretch
   std::size_t link = 0;    ///< which shortcut is being made, from 1
   std::size_t place = 0;   ///< of its event in the transcript
+  std::size_t begin = 0;   ///< of what happens behind the call before it
+  std::string value;       ///< the setting that it has a part in: "C:\\folder\\name", "key|name"
+  bool read = false;       ///< and that is read with its help
 };
 
 /// Finds the calls in the transcript, with its calls, of a run whose fourth click pressed Install;

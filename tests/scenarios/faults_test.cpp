@@ -7,14 +7,18 @@
 #include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <map>
+#include <set>
 #include <sstream>
 
 #include "package/manifest.h"
-#include "programs/zevsim/setup_program.h"
-#include "programs/zevsim/simulated_stage.h"
 #include "scenarios/call_trace.h"
+#include "scenarios/fault_ends.h"
+#include "scenarios/fault_run.h"
 #include "scenarios/sanitized.h"
+#include "scenarios/small_package.h"
+#include "scenarios/snapshot.h"
 #include "scenarios/told_boxes.h"
 #include "scenarios/whole_run.h"
 #include "support/table.h"
@@ -26,51 +30,11 @@ using scenario::Json;
 
 /// Of so many calls each one fails; with a sanitizer every tenth.
 constexpr std::size_t everyCall = sanitized ? 10 : 1;
-constexpr std::size_t shards = 8;
+constexpr std::size_t faultShards = 8;
 
 const std::string productFolder = userFolder + "\\Tavorns\\ZEV5";
 /// Where the temporary folder is if the system names none.
 const std::string rootFolder = "C:\\ZEVTMP";
-
-// ---- how each operation fails
-
-/// The number that a fault gives to the calls of an operation. A number below 0 stands for none:
-/// the operation has no error code of its own, and any number makes it fail in its own shape.
-struct CodeRow {
-  const char* operations;  ///< separated by bars
-  int code;
-};
-
-constexpr int none = -1;
-constexpr int cannotOpen = 5;
-constexpr int badFormat = 3;
-constexpr int noRoot = 1;
-
-// clang-format off
-constexpr CodeRow codeRows[] = {
-    {"FileLen|Shell", 53},
-    {"Close|Get|LOF", 57},
-    {"Put|PutText|Print", 61},
-    {"FreeFile", 67},
-    {"Kill|OpenBinary|OpenBinaryWrite|OpenOutput", 70},
-    {"MkDir|RmDir|GetAttr", 75},
-    {"CreateObject", 429},
-    {"CreateShortcut|TargetPath|Arguments|WindowStyle|IconLocation|Description|WorkingDirectory|Save", 440},
-    {"RegOpenKeyA|RegCreateKeyA|RegCloseKey|RegEnumKeyA|RegQueryValueExA|RegSetValueExA", 5},
-    {"LZOpenFileA", cannotOpen},
-    {"LZCopy", badFormat},
-    {"GetDriveTypeA", noRoot},
-    {"SHGetKnownFolderPath|SHGetSpecialFolderLocation|CLSIDFromString|ShellExecuteA", 2},
-    {"Dir|SpecialFolders|ownFolder|ownName", none},
-    {"GetTempPathA|GetWindowsDirectoryA|GetSystemDirectoryA|GetSystemDefaultUILanguage", none},
-    {"GetVersionExA|GetUserNameA|GetWindow|GetWindowTextLengthA|GetWindowTextA", none},
-    {"OpenProcess|WaitForSingleObject|SetForegroundWindow|BringWindowToTop", none},
-    {"SHGetPathFromIDList|lstrlenW", none},
-    {"CloseHandle|CoTaskMemFree|DoEvents|LZClose", none},
-    {"WSAStartup|WSACleanup", 10091},
-    {"VirtualAlloc|VirtualLock|VirtualFree|GetProcAddress", none},
-};
-// clang-format on
 
 /// The run-time's words for its errors.
 const std::map<int, std::string> descriptions = {
@@ -80,18 +44,6 @@ const std::map<int, std::string> descriptions = {
     {76, "Path not found"},    {429, "ActiveX component can't create object"},
     {440, "Automation error"},
 };
-
-/// True if a name is one of several that are separated by bars; "*" is any name.
-bool isAmong(const std::string& name, const std::string& list) {
-  return list == "*" || ("|" + list + "|").find("|" + name + "|") != std::string::npos;
-}
-
-int codeOf(const std::string& operation) {
-  for (const CodeRow& row : codeRows) {
-    if (isAmong(operation, row.operations)) return row.code;
-  }
-  throw std::out_of_range("no error is known for " + operation);
-}
 
 // ---- what must come of it
 
@@ -320,89 +272,20 @@ Temporary expectedTemporary(const Call& call) {
   return held || call.phase == Phase::CleanUp ? Temporary::Stays : Temporary::Gone;
 }
 
-// ---- the run
-
-/// A package whose members are zeros: without a head they are laid as they are.
-constexpr std::int64_t imageSize = 1000;
-
-std::string machineOf(const std::string& version, const std::string& faults) {
-  return R"("machine": {"version": )" + version +
-         R"(, "files": {"C:\\Users\\bob\\Downloads\\ZEVSetup.exe": {"size": )" +
-         std::to_string(packageSize + imageSize) + R"(}}, "faults": [)" + faults + "]}";
-}
-
-const std::string profileVersion = R"({"platform": 2, "major": 6, "minor": 1})";
-const std::string registryVersion = R"({"platform": 2, "major": 5, "minor": 1, "build": 2600})";
-
-std::string faultOf(const Call& call) {
-  constexpr int anyNumber = 1;
-  const int code = codeOf(call.operation);
-  return R"({"call": ")" + call.operation + R"(", "nth": )" + std::to_string(call.nth) +
-         R"(, "error": )" + std::to_string(code == none ? anyNumber : code) + "}";
-}
-
-/// A person who looks at the wizard: presses Finish where that is offered, otherwise Cancel, with
-/// Yes behind it.
-class Leaver final : public scenario::Audience {
- public:
-  std::optional<scenario::Step> goOn() override {
-    if (!stage->ended().is_null() || left_) return std::nullopt;
-    left_ = true;
-    finished = caption() == "Finish";
-    const Json step = {{"click", finished ? "Form1.Command2" : "Form1.Command3"}};
-    return scenario::readStep(scenario::JsonReader(step, {}, "$"));
-  }
-
-  std::optional<scenario::Answer> answer(const scenario::Box& box) override {
-    if (box.style != cancelStyle) return std::nullopt;
-    return scenario::Answer{"yes", std::nullopt, "$"};
-  }
-
-  scenario::SimulatedStage* stage = nullptr;  ///< that the person looks at
-  bool finished = false;
-
- private:
-  static constexpr std::int32_t cancelStyle = 4388;
-
-  Json caption() {
-    return stage->play().verdictOn({"Form1.Command2.Caption", nullptr, "$"}).value().found;
-  }
-
-  bool left_ = false;
-};
-
-/// One run on a machine, to its very end.
-struct FaultRun {
-  FaultRun(const std::string& version, const std::string& faults, bool withCalls)
-      : scenario(scenario::parseScenario("{" + machineOf(version, faults) + R"(, "script": [)" +
-                                         stepsToInstall + "]}")),
-        log(withCalls),
-        stage(scenario, makeSetupProgram, log) {
-    person.stage = &stage;
-    stage.perform({&person});
-  }
-
-  bool has(const std::string& path) { return stage.machine().disks().exists(fromUtf8(path)); }
-
-  scenario::Scenario scenario;
-  simulated::TranscriptLog log;
-  Leaver person;
-  scenario::SimulatedStage stage;
-};
-
-const std::vector<Call>& callsOf(const std::string& version) {
-  static std::map<std::string, std::vector<Call>> traced;
-  std::vector<Call>& calls = traced[version];
-  if (calls.empty()) calls = traceCalls(FaultRun(version, "", true).log.events());
-  return calls;
+/// Whether what there was in front of a call has a part in what must be left behind it.
+bool looksBack(const Call& call) {
+  const Outcome outcome = ruleOf(call).outcome;
+  const bool goesOn = outcome == Finished || outcome == Outcome::Fallback;
+  return !goesOn || call.phase == Phase::CleanUp || call.operation == "LZClose" ||
+         call.path.ends_with("vcredist_x86.exe");
 }
 
 // ---- what came of it
 
 Outcome outcomeOf(FaultRun& run) {
-  if (run.stage.ended() == "exit") return Outcome::OnTheSpot;
+  if (run.ended() == "exit") return Outcome::OnTheSpot;
   if (run.person.finished) {
-    return run.stage.machine().records().dde.empty() ? Finished : Outcome::Fallback;
+    return run.machine().records().dde.empty() ? Finished : Outcome::Fallback;
   }
   constexpr int pageOfTheDirectory = 4;
   const auto page = run.stage.program().global("gCurrentPage");
@@ -411,29 +294,6 @@ Outcome outcomeOf(FaultRun& run) {
 
 Temporary temporaryOf(FaultRun& run) {
   return run.has(temporaryFolder) || run.has(rootFolder) ? Temporary::Stays : Temporary::Gone;
-}
-
-/// Where a member is laid on a usual machine; empty for one that this class of machine does not
-/// get, or that does not stay.
-std::string targetOf(const ManifestRow& row, bool profileClass) {
-  const bool left =
-      row.condition == Condition::Redistributable || row.row == 0 ||
-      row.condition == (profileClass ? Condition::OtherClasses : Condition::ProfileClass);
-  if (left) return {};
-  const std::string name = "\\" + toUtf8(row.installedName);
-  if (row.target == Target::System) return "C:\\Windows\\system32" + name;
-  if (row.target == Target::Projects) return "C:\\Users\\bob\\Documents\\ZEV Projects" + name;
-  return installFolder + name;
-}
-
-/// Whatever fails at one member, all others are laid.
-void expectOtherMembers(FaultRun& run, const Call& call, bool profileClass) {
-  for (const ManifestRow& row : manifest()) {
-    const std::string target = targetOf(row, profileClass);
-    if (row.row != call.row && !target.empty()) {
-      EXPECT_TRUE(run.has(target)) << target;
-    }
-  }
 }
 
 /// One line of the table: an operation in one stretch of the run, and what came of its calls.
@@ -451,20 +311,51 @@ std::string beginningOf(const ToldBox& box) {
   return line.size() <= shown ? line : line.substr(0, shown) + "...";
 }
 
+/// What runs without failures leave, by version of the machine and directory.
+const Snapshot& cleanOf(const std::string& version, const std::string& directory) {
+  static std::map<std::string, Snapshot> all;
+  Snapshot& clean = all[version + directory];
+  if (clean.empty()) clean = FaultRun(version, "", false, {}, directory).left();
+  return clean;
+}
+
+/// What a machine keeps in front of the calls that are failed.
+const Snapshot& beforeOf(const std::string& version, const Call& call) {
+  static std::map<std::string, std::map<std::size_t, Snapshot>> all;
+  auto& snapshots = all[version];
+  if (snapshots.empty()) {
+    std::vector<std::size_t> places;
+    for (const Call& each : callsOf(version)) {
+      if (looksBack(each)) places.push_back(each.begin);
+    }
+    FaultRun run(version, "", true, places);
+    snapshots = std::move(run.log.snapshots);
+  }
+  static const Snapshot notNeeded;
+  return looksBack(call) ? snapshots.at(call.begin) : notNeeded;
+}
+
+/// All that is left is what has to be, each file where it has to lie.
+void expectEnd(FaultRun& run, const std::string& version, const Call& call, Outcome outcome) {
+  const Known known = {cleanOf(version, ""), cleanOf(registryVersion, ""),
+                       cleanOf(version, "C:\\\\Program Files"), beforeOf(version, call)};
+  const bool goesOn = outcome == Finished || outcome == Outcome::Fallback;
+  const Snapshot expected = goesOn ? leftBehind(call, known) : leftBehindAStop(known);
+  EXPECT_EQ(differences(run.left(), expected), std::vector<std::string>());
+}
+
 void failOne(const std::string& version, const Call& call, TallyTable& table) {
   const Rule rule = ruleOf(call);
-  FaultRun run(version, faultOf(call), false);
-  const std::vector<ToldBox> boxes = shownBoxes(run.log.of("box"));
+  FaultRun run(version, faultOf(call));
+  const std::vector<ToldBox> boxes = shownBoxes(run.log.boxes());
   const Outcome outcome = outcomeOf(run);
   EXPECT_EQ(boxes, expectedBoxes(call, rule));
   EXPECT_STREQ(outcomeNames[static_cast<int>(outcome)],
                outcomeNames[static_cast<int>(rule.outcome)]);
-  EXPECT_EQ(run.stage.ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
+  EXPECT_EQ(run.ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
   EXPECT_EQ(temporaryOf(run), expectedTemporary(call));
-  EXPECT_GE(run.stage.machine().calls(call.operation), call.nth) << "the fault struck nothing";
-  if (outcome == Finished && (call.phase == Phase::Extract || call.phase == Phase::Expand)) {
-    expectOtherMembers(run, call, version == profileVersion);
-  }
+  EXPECT_GE(run.machine().calls(call.operation), call.nth) << "the fault struck nothing";
+  expectEnd(run, version, call, rule.outcome);
   Tally& tally = table[{call.operation, call.phase}];
   ++tally.calls;
   ++tally.outcomes[outcomeNames[static_cast<int>(outcome)]];
@@ -501,7 +392,7 @@ class FaultsOnWindows7 : public testing::TestWithParam<std::size_t> {};
 TEST_P(FaultsOnWindows7, EachCallLeadsToWhatIsTold) {
   const std::vector<Call>& calls = callsOf(profileVersion);
   TallyTable table;
-  for (std::size_t place = GetParam(); place < calls.size(); place += shards * everyCall) {
+  for (std::size_t place = GetParam(); place < calls.size(); place += faultShards * everyCall) {
     const Call& call = calls[place];
     SCOPED_TRACE(faultOf(call) + " in " + nameOf(call.phase) + ", row " + std::to_string(call.row) +
                  ", " + call.path);
@@ -510,7 +401,7 @@ TEST_P(FaultsOnWindows7, EachCallLeadsToWhatIsTold) {
   print(table, "windows-7-" + std::to_string(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Shard, FaultsOnWindows7, testing::Range(std::size_t{0}, shards));
+INSTANTIATE_TEST_SUITE_P(Shard, FaultsOnWindows7, testing::Range(std::size_t{0}, faultShards));
 
 /// The calls that this class makes and the other does not: all in whole stretches that differ, and
 /// the row that the other leaves out.

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <vector>
 
 #include "simulated/simulated_machine.h"
 
@@ -111,6 +113,15 @@ class HostFolder {
   std::string read(const std::filesystem::path& file) const {
     std::ifstream in(path_ / file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+  }
+  /// Names of what lies in a folder of it, sorted.
+  std::vector<std::string> names(const std::filesystem::path& folder = {}) const {
+    std::vector<std::string> names;
+    for (const auto& each : std::filesystem::directory_iterator(path_ / folder)) {
+      names.push_back(each.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
   }
   void write(const std::filesystem::path& file, std::string_view text) const {
     std::filesystem::create_directories((path_ / file).parent_path());

@@ -30,8 +30,11 @@ TEST_F(HostVolumeTest, WritesRealFiles) {
   files().Close(1);
   EXPECT_EQ(host.read(std::u8string(u8"Neu\u00FC/a.txt")), "line\r\n");
   files().OpenOutput(1, u"E:\\sub\\mixed.txt");
+  files().Print(1, u"new");
+  EXPECT_EQ(host.read("Sub/MiXed.txt"), "abc");
   files().Close(1);
-  EXPECT_EQ(host.read("Sub/MiXed.txt"), "");
+  EXPECT_EQ(host.read("Sub/MiXed.txt"), "new\r\n");
+  EXPECT_THAT(host.names("Sub"), testing::ElementsAre("MiXed.txt"));
 }
 
 TEST_F(HostVolumeTest, ReadsWhatWasJustWritten) {
@@ -63,11 +66,23 @@ TEST_F(HostVolumeTest, HasTheSpaceThatTheMachineSays) {
   DriveSettings settings = *machine.disks().drive(u'E');
   settings.free = 4096;
   machine.disks().setDrive(u'E', settings);
-  files().OpenOutput(1, u"E:\\f");
-  EXPECT_EQ(errorOf([&] { files().Print(1, Text(5000, u'x')); }), 61);
+  files().OpenBinaryWrite(1, u"E:\\f");
+  EXPECT_EQ(errorOf([&] { files().PutText(1, 1, Text(5000, u'x')); }), 61);
   files().Close(1);
   EXPECT_EQ(host.read("f").size(), 4096u);
   EXPECT_EQ(machine.disks().drive(u'E')->free, 0u);
+}
+
+TEST_F(HostVolumeTest, LeavesNothingOfATextThatHasNoSpace) {
+  DriveSettings settings = *machine.disks().drive(u'E');
+  settings.free = 4096;
+  machine.disks().setDrive(u'E', settings);
+  files().OpenOutput(1, u"E:\\Sub\\MiXed.txt");
+  EXPECT_EQ(errorOf([&] { files().Print(1, Text(5000, u'x')); }), 61);
+  files().Close(1);
+  EXPECT_EQ(host.read("Sub/MiXed.txt"), "abc");
+  EXPECT_THAT(host.names("Sub"), testing::ElementsAre("MiXed.txt"));
+  EXPECT_EQ(machine.disks().drive(u'E')->free, 4096u);
 }
 
 TEST_F(HostVolumeTest, ChangingSettingsKeepsTheFolder) {

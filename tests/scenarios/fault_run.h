@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "programs/zevsim/simulated_stage.h"
+#include "scenarios/call_trace.h"
+#include "scenarios/fault_ends.h"
+#include "scenarios/snapshot.h"
+
+namespace zev {
+
+/// No error code: any number makes the operation fail in its own shape.
+inline constexpr int none = -1;
+inline constexpr int cannotOpen = 5;
+inline constexpr int badFormat = 3;
+inline constexpr int noRoot = 1;
+
+/// True if a name is one of several that are separated by bars; "*" is any name.
+bool isAmong(const std::string& name, const std::string& list);
+
+/// The number that a fault gives to the calls of an operation, or `none`.
+int codeOf(const std::string& operation);
+
+/// The machines that runs are failed on: with value files in the user's profile, and with settings
+/// in the registry.
+extern const std::string profileVersion;
+extern const std::string registryVersion;
+
+/// The fault that makes a call fail, as a scenario writes it.
+std::string faultOf(const Call& call);
+
+/// A person who looks at the wizard: presses Finish where that is offered, otherwise Cancel, with
+/// Yes behind it.
+class Leaver final : public scenario::Audience {
+ public:
+  std::optional<scenario::Step> goOn() override;
+  std::optional<scenario::Answer> answer(const scenario::Box& box) override {
+    if (box.style != cancelStyle) return std::nullopt;
+    return scenario::Answer{"yes", std::nullopt, "$"};
+  }
+
+  /// Of a program that has ended before it could be used.
+  bool refused(const scenario::ScenarioError&) override { return !stage->ended().is_null(); }
+
+  scenario::SimulatedStage* stage = nullptr;  ///< that the person looks at
+  bool finished = false;
+
+ private:
+  static constexpr std::int32_t cancelStyle = 4388;
+
+  bool left_ = false;
+};
+
+/// Bytes of the longest file that is laid; the packed ones are longer.
+inline constexpr std::uint64_t longestFile = 1000;
+
+/// All that happens on a machine, and what it keeps at some places of that.
+class Onlooker final : public simulated::Transcript {
+ public:
+  explicit Onlooker(bool withCalls) : withCalls_(withCalls) {}
+
+  /// What the machine is like in front of these events, in ascending order, is kept.
+  void lookAt(const simulated::SimulatedMachine& machine, std::vector<std::size_t> places) {
+    machine_ = &machine;
+    places_ = {places.begin(), places.end()};
+  }
+
+  bool wants(std::string_view kind) const override {
+    return withCalls_ || !simulated::onDemandOnly(kind);
+  }
+  void add(simulated::Event event) override;
+  std::vector<simulated::Event> boxes() const;
+
+  std::vector<simulated::Event> events;
+  std::map<std::size_t, Snapshot> snapshots;
+
+ private:
+  bool withCalls_;
+  const simulated::SimulatedMachine* machine_ = nullptr;
+  std::set<std::size_t> places_;
+};
+
+/// One run on a machine, to its very end.
+struct FaultRun {
+  /// With calls the onlooker is told of every one, and keeps what there is at these places. A
+  /// directory is typed on its page.
+  FaultRun(const std::string& version, const std::string& faults, bool withCalls = false,
+           const std::vector<std::size_t>& places = {}, const std::string& directory = {});
+
+  /// What the machine keeps, but for what the program has still open at its end.
+  Snapshot left();
+  simulated::SimulatedMachine& machine() { return stage.machine(); }
+  const scenario::Json& ended() const { return stage.ended(); }
+  bool has(const std::string& path) { return machine().disks().exists(fromUtf8(path)); }
+
+  bool closes;  ///< no call fails that closes a file
+  scenario::Scenario scenario;
+  Onlooker log;
+  Leaver person;
+  scenario::SimulatedStage stage;
+};
+
+/// The calls of a run without failures.
+const std::vector<Call>& callsOf(const std::string& version);
+
+}  // namespace zev
