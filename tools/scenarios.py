@@ -24,7 +24,7 @@ COMMON = "common.json"
 PLACEHOLDER = re.compile(r"\$\(([^)]*)\)")
 
 
-# ---- layout, as src/script/layout.cpp does it
+# ---- layout, as src/scenario/layout.cpp does it
 
 
 WIDTH = 100
