@@ -17,4 +17,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 # source give the same bytes.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
   "-static -Wl,--nxcompat,--dynamicbase,--no-insert-timestamp -Wl,--gc-sections")
-set(CMAKE_CXX_FLAGS_INIT "-ffunction-sections -fdata-sections")
+# With a section for each function, a unit of several files has more sections than the older format of
+# object files counts.
+set(CMAKE_CXX_FLAGS_INIT "-ffunction-sections -fdata-sections -Wa,-mbig-obj")

@@ -1,7 +1,7 @@
 # Installs what the project needs from Debian's packages. Sourced by ./run and ./test.
 
 packages_to_run=(
-  g++ clang cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev libre2-dev
+  g++ clang lld cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev libre2-dev
   libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev g++-mingw-w64-i686-win32 fp-utils-3.2.2
 )
 

@@ -589,8 +589,10 @@ class Tester:
         return 0 if failed == 0 else 1
 
 
-# Rooms that the stage `run` tests, whose suites take much longer under a sanitizer.
-RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", "zevsim"}
+# Rooms that the stage `run` tests: their suites, or what they are made of, take much longer under a
+# sanitizer.
+RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", "zevsim",
+             "fuzz"}
 
 
 def known_rooms():
