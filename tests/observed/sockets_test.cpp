@@ -1,6 +1,6 @@
 // Sockets, windows and kernel under observation.
 
-#include <cstring>
+#include <bit>
 #include <string>
 #include <vector>
 
@@ -15,10 +15,8 @@ using simulated::Event;
 using Effect = Fault::Effect;
 
 SocketAddress addressOf(std::uint8_t first, std::uint8_t last, std::uint8_t port) {
-  const std::uint8_t bytes[] = {winsock::internet, 0, 0, port, first, 0, 0, last};
-  SocketAddress address;
-  std::memcpy(&address, bytes, sizeof bytes);
-  return address;
+  const std::uint8_t bytes[16] = {winsock::internet, 0, 0, port, first, 0, 0, last};
+  return std::bit_cast<SocketAddress>(bytes);
 }
 
 class ObservedSockets : public simulated::MachineTest {
