@@ -54,7 +54,7 @@ void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,
   files.OpenBinary(copy.source, source, false);
   copy.destination = files.FreeFile();
   files.OpenBinary(copy.destination, destination, true);
-  const std::int32_t end = packageEnd(files, source, files.LOF(copy.source));
+  const std::int32_t end = packageEnd(files, copy.source, files.LOF(copy.source));
   const std::int32_t position = add(subtract(subtract(end, tailOffset), size), 1);
   if (position < 1) {
     program.platform.dialogs.MsgBox(
