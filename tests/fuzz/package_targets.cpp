@@ -142,8 +142,12 @@ void tryExtraction(Data data) {
   OnAMachine on;
   on.machine.disks().putText(packagePath, asText(file));
   const bool copied = ExtractFile(*on.program, *on.phrases, packagePath, workPath, size, tail);
-  const std::int64_t start = static_cast<std::int64_t>(endOf(file)) - tail - size;
-  require(copied == (start >= 0 && start <= std::int64_t{0x7FFFFFFE}), "a member in the file");
+  // Places are numbers of 32 bits, also on the way to them.
+  constexpr std::int64_t most = 0x7FFFFFFF;
+  const std::int64_t behind = static_cast<std::int64_t>(endOf(file)) - tail;
+  const std::int64_t start = behind - size;
+  const bool counts = behind <= most && start >= 0 && start < most;
+  require(copied == counts, "a member in the file");
   on.program->workFile.release();  // which is held until it is expanded
   require(on.machine.openHandles().files == 0, "files that stay open");
   if (!copied) return;
