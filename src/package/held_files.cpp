@@ -57,9 +57,16 @@ class HeldTwin final : public lz::ByteSink {
 
 bool holdsNothingBut(const Hold& file, std::span<const std::uint8_t> bytes) {
   if (!file.held()) return false;
-  std::vector<std::uint8_t> found(bytes.size() + 1);
-  found.resize(file.read(0, found));
-  return found.size() <= bytes.size() && std::equal(found.begin(), found.end(), bytes.begin());
+  std::vector<std::uint8_t> piece(pieceSize);
+  std::size_t count = piece.size();
+  for (std::size_t place = 0; count == piece.size(); place += count) {
+    count = file.read(place, piece);
+    const auto written = bytes.subspan(std::min(place, bytes.size()));
+    if (count > written.size() || !std::equal(piece.data(), piece.data() + count, written.data())) {
+      return false;
+    }
+  }
+  return true;
 }
 
 bool holdsExpanded(const Hold& file, const Hold& packed) {
