@@ -159,10 +159,12 @@ void tryExtraction(Data data) {
   require(on.textOf(workPath) == expected, "other bytes");
 }
 
-/// Expanding in reads of any size comes to the same as the slow way.
+/// Expanding in reads of any size, and in memory, comes to the same as the slow way.
 void tryExpansion(Data data) {
   const std::size_t step = data.empty() ? 1 : std::size_t{1} + data.back() * std::size_t{16};
-  require(lz::expandBySteps(data, step) == lz::expandByRing(data), "not what the slow way gives");
+  const lz::Expanded expected = lz::expandByRing(data);
+  require(lz::expandBySteps(data, step) == expected, "not what the slow way gives");
+  require(lz::expandInMemory(data) == expected, "not what the slow way gives, in memory");
 }
 
 /// The services over files of which a read or a write fails, beside the slow way.
