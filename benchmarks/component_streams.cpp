@@ -107,11 +107,10 @@ std::size_t ComponentStreams::fetchInPieces(std::size_t most) {
   CEventSocket& socket = *streams_.front().socket;
   std::size_t fetched = 0;
   while (socket.BytesReceived() != 0) {
-    Variant data;
     Variant type = Variant::missing();
     Variant length = static_cast<std::int32_t>(most);
-    socket.GetData(data, type, length);
-    fetched += data.get<Bytes>()->size();
+    socket.GetData(arrived_, type, length);
+    fetched += arrived_.get<Bytes>()->size();
   }
   return fetched;
 }

@@ -20,6 +20,8 @@ class ComponentStreams final : public StreamEnd {
   void receive(const Load& load) override;
   void send(const Load& load) override;
 
+  void keepAtMost(std::size_t bytes) { module_.spareMemory().keepAtMost(bytes); }
+
   // ---- the first stream alone
 
   /// Gives so many bytes to one SendData, and waits until it is complete.

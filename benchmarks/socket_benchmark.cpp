@@ -3,16 +3,18 @@
 //   cmake --preset release && cmake --build build/release --target socket_benchmark
 //   build/release/benchmarks/socket_benchmark [rounds]
 //
-// Both ends of measure take turns, each over connections of its own to a peer of the same kind, and
-// both cut what they send and receive into pieces of the size of the system's own buffers. Told are
-// the medians of the rounds' ratios of bytes per second, by the clock and by the processor time of
-// the measured thread: component / plain loop. Behind them, what a byte costs the component when
-// many bytes are given or wait at once. Every byte is counted.
+// What is measured takes turns, each over new connections to a peer of the same kind, and all cut
+// what they send and receive into pieces of the size of the system's own buffers. Told are the
+// medians of the rounds' ratios of bytes per second, by the clock and by the processor time of the
+// measured thread: component / plain loop, and, to show what such a ratio can tell, a second plain
+// loop / plain loop. Behind them, what a byte costs the component when many bytes are given or wait
+// at once: as it is, and when it keeps all memory that it has had. Every byte is counted.
 
 #include <sys/resource.h>
 #include <time.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -27,7 +29,7 @@
 namespace zev::benchmarks {
 namespace {
 
-constexpr int usualRounds = 15;
+constexpr int usualRounds = 41;
 constexpr std::size_t mega = 1'000'000;
 constexpr std::size_t pieceOfFetching = std::size_t{64} << 10;
 
@@ -90,39 +92,62 @@ struct Line {
 
 // ---- beside the plain loop
 
+/// Of what is measured over the plain loop, round by round.
 struct Ratios {
-  std::vector<double> wall, processor, component, plain;
+  std::vector<double> wall, processor;
 
-  void add(const Load& load, const Seconds& ours, const Seconds& theirs) {
-    const double megabytes = static_cast<double>(load.total()) / static_cast<double>(mega);
-    wall.push_back(theirs.wall / ours.wall);
-    processor.push_back(theirs.processor / ours.processor);
-    component.push_back(megabytes / ours.wall);
-    plain.push_back(megabytes / theirs.wall);
+  void add(const Seconds& measured, const Seconds& plain) {
+    wall.push_back(plain.wall / measured.wall);
+    processor.push_back(plain.processor / measured.processor);
   }
-  void print(const Load& load, const char* direction, double wanted) const {
-    std::printf("%5zu x %9zu bytes  %-9s  %8.0f %8.0f   %5.2f  (%.2f to %.2f)  %5.2f   %.1f\n",
-                load.streams, load.bytesEach, direction, median(component), median(plain),
-                median(wall), *std::min_element(wall.begin(), wall.end()),
-                *std::max_element(wall.begin(), wall.end()), median(processor), wanted);
+  void print(const Load& load, const char* direction, const char* what) const {
+    const auto [least, most] = std::minmax_element(wall.begin(), wall.end());
+    std::printf("%5zu x %9zu bytes  %-9s  %-11s  %5.2f  (%.2f to %.2f)  %5.2f\n", load.streams,
+                load.bytesEach, direction, what, median(wall), *least, *most, median(processor));
   }
 };
 
-void compare(const Load& load, int rounds, double wanted) {
-  Line<ComponentStreams> component(load.streams);
-  Line<PlainStreams> plain(load.streams);
-  Ratios sending;
-  Ratios receiving;
-  component.sends(load);
-  plain.sends(load);
-  for (int round = 0; round < rounds; ++round) {
-    const Seconds ours = component.sends(load);
-    sending.add(load, ours, plain.sends(load));
-    const Seconds oursBack = component.receives(load);
-    receiving.add(load, oursBack, plain.receives(load));
+/// One of each kind, on connections of their own, which are new in each round: two that are the
+/// same in every way differ by more than what is measured here, and go on differing.
+struct Trio {
+  explicit Trio(std::size_t streams) : component(streams), plain(streams), again(streams) {}
+
+  /// What each of them takes, in an order that goes round.
+  std::array<Seconds, 3> measureEach(int round, const Load& load, bool sends) {
+    std::array<Seconds, 3> taken;
+    for (int turn = 0; turn < 3; ++turn) {
+      const int which = (round + turn) % 3;
+      taken[static_cast<std::size_t>(which)] = which == 0   ? measureOne(component, load, sends)
+                                               : which == 1 ? measureOne(plain, load, sends)
+                                                            : measureOne(again, load, sends);
+    }
+    return taken;
   }
-  sending.print(load, "sending", wanted);
-  receiving.print(load, "receiving", wanted);
+  template <typename End>
+  static Seconds measureOne(Line<End>& line, const Load& load, bool sends) {
+    return sends ? line.sends(load) : line.receives(load);
+  }
+
+  Line<ComponentStreams> component;
+  Line<PlainStreams> plain;
+  Line<PlainStreams> again;
+};
+
+void compare(const Load& load, int rounds) {
+  const Load warming{load.streams, load.bytesEach / 4};
+  for (const bool sends : {true, false}) {
+    Ratios component, again;
+    for (int round = 0; round < rounds; ++round) {
+      Trio trio(load.streams);
+      trio.measureEach(round, warming, sends);
+      const auto [ours, plain, second] = trio.measureEach(round, load, sends);
+      component.add(ours, plain);
+      again.add(second, plain);
+    }
+    const char* const direction = sends ? "sending" : "receiving";
+    component.print(load, direction, "component");
+    again.print(load, direction, "plain again");
+  }
 }
 
 // ---- what a byte costs
@@ -146,38 +171,66 @@ class Cost {
   double user_ = 0;
 };
 
-std::size_t repeats(std::size_t bytes) { return std::max<std::size_t>(1, 512 * mega / bytes); }
+/// The first two times need memory of their own: who fetches keeps what he has got until the next
+/// time.
+constexpr std::size_t firstTimes = 2;
 
-void costOf(std::size_t bytes) {
+std::size_t repeats(std::size_t bytes) { return std::max(2 * firstTimes, 512 * mega / bytes); }
+
+void costOfSending(std::size_t bytes) {
   const Load load{1, bytes};
   Line<ComponentStreams> component(1);
   Line<PlainStreams> plain(1);
-  Cost sendsPlain, sends, receivesPlain, waits, fetchesWhole, fetchesPieces;
+  Cost ours, theirs;
   const Variant data = std::vector<std::uint8_t>(bytes, 's');
   for (std::size_t i = 0; i < repeats(bytes); ++i) {
     component.peer.beginToReceive(load);
-    sends.add(bytes, measure([&] { component.end.sendAtOnce(data); }));
+    ours.add(bytes, measure([&] { component.end.sendAtOnce(data); }));
     component.peer.join();
-    sendsPlain.add(bytes, plain.sends(load));
-    for (const bool whole : {true, false}) {
-      component.peer.beginToSend(load);
-      waits.add(bytes, measure([&] { component.end.letWait(bytes); }));
-      component.peer.join();
-      std::size_t fetched = 0;
-      const auto fetch = [&] {
-        fetched = component.end.fetchInPieces(whole ? bytes : pieceOfFetching);
-      };
-      (whole ? fetchesWhole : fetchesPieces).add(bytes, measure(fetch));
-      if (fetched != bytes) throw std::runtime_error("bytes are missing");
-    }
-    receivesPlain.add(bytes, plain.receives(load));
+    theirs.add(bytes, plain.sends(load));
   }
-  std::printf("%11zu", bytes);
-  for (const Cost* each :
-       {&sends, &sendsPlain, &waits, &receivesPlain, &fetchesWhole, &fetchesPieces}) {
-    each->print();
-  }
+  std::printf("%11zu  one SendData  ", bytes);
+  ours.print();
+  theirs.print();
   std::printf("\n");
+}
+
+/// `kept`: memory that the component may keep for what waits next.
+void costOfWaiting(std::size_t bytes, bool whole, std::size_t kept) {
+  const Load load{1, bytes};
+  Line<ComponentStreams> component(1);
+  component.end.keepAtMost(kept);
+  Line<PlainStreams> plain(1);
+  Cost first, again, fetches, theirs;
+  for (std::size_t i = 0; i < repeats(bytes); ++i) {
+    component.peer.beginToSend(load);
+    (i < firstTimes ? first : again).add(bytes, measure([&] { component.end.letWait(bytes); }));
+    component.peer.join();
+    std::size_t fetched = 0;
+    fetches.add(bytes, measure([&] {
+                  fetched = component.end.fetchInPieces(whole ? bytes : pieceOfFetching);
+                }));
+    if (fetched != bytes) throw std::runtime_error("bytes are missing");
+    theirs.add(bytes, plain.receives(load));
+  }
+  std::printf("%11zu  %s", bytes, whole ? "one GetData   " : "64 KB GetData ");
+  for (const Cost* each : {&again, &theirs, &first, &fetches}) each->print();
+  std::printf("\n");
+}
+
+void printCosts() {
+  constexpr std::size_t sizes[] = {mega, 10 * mega, 100 * mega, 1000 * mega};
+  std::printf("\nnanoseconds of processor time a byte (in user mode), one stream\n");
+  std::printf("%11s  %-12s    %-14s  %-14s\n", "bytes", "", "sent", "plain");
+  for (const std::size_t bytes : sizes) costOfSending(bytes);
+  for (const std::size_t kept : {SpareMemory::usual, 1200 * mega}) {
+    std::printf("\nat most %zu bytes of memory kept\n", kept);
+    std::printf("%11s  %-12s    %-14s  %-14s  %-14s  %-14s\n", "bytes", "", "arrive, wait", "plain",
+                "first times", "fetched");
+    for (const std::size_t bytes : sizes) {
+      for (const bool whole : {true, false}) costOfWaiting(bytes, whole, kept);
+    }
+  }
 }
 
 void printLoad(const char* when) {
@@ -188,15 +241,11 @@ void printLoad(const char* when) {
 
 void run(int rounds) {
   printLoad("at the start");
-  std::printf("%-24s  %-9s  %8s %8s   %-23s  %s  %s\n", "streams", "", "ours", "plain",
-              "ratio by the clock", "processor", "wanted");
-  std::printf("%-24s  %-9s  %8s %8s\n", "", "", "MB/s", "MB/s");
-  compare({1, 512 * mega}, rounds, 0.8);
-  compare({1000, mega / 2}, rounds, 0.7);
-  std::printf("\nnanoseconds of processor time a byte (in user mode), one stream\n");
-  std::printf("%11s  %-14s  %-14s  %-14s  %-14s  %-14s  %-14s\n", "bytes", "one SendData",
-              "plain sending", "arrive, wait", "plain receive", "one GetData", "64 KB GetData");
-  for (const std::size_t bytes : {mega, 10 * mega, 100 * mega, 1000 * mega}) costOf(bytes);
+  std::printf("%-24s  %-9s  %-11s  %-22s  %s\n", "streams", "", "", "ratio by the clock",
+              "processor");
+  compare({1, 200 * mega}, rounds);
+  compare({1000, mega / 5}, (rounds + 2) / 3);
+  printCosts();
   printLoad("at the end");
 }
 

@@ -22,6 +22,9 @@ static_assert(EPOLLIN == POLLIN && EPOLLPRI == POLLPRI && EPOLLOUT == POLLOUT &&
 /// A notification's lParam: the event in the low word, its error number in the high one.
 constexpr int errorShift = 16;
 
+/// How many reads in a row are offered without a look at the other sockets.
+constexpr int longestReadingOn = 8;
+
 /// How long a listener rests before the next try, if no socket is closed meanwhile.
 constexpr std::chrono::milliseconds restTime(250);
 
@@ -84,6 +87,7 @@ void Selection::notice(std::int32_t handle, std::uint32_t events) {
 }
 
 void Selection::examineAgain() {
+  readOn_ = 0;
   tryResting();
   if (listed_.empty()) return;
   examined_.clear();
@@ -196,9 +200,12 @@ void Selection::tryResting() {
 
 /// Urgent data stops a read early, so that "all that was there" cannot be trusted then. After the
 /// last byte of a peer that has closed, FD_CLOSE is due, which no further report would bring.
-void Selection::read(OpenSocket& socket, bool exhausted) {
+void Selection::read(OpenSocket& socket, Left left) {
   socket.posted &= ~winsock::fdRead;
-  if (!exhausted || socket.urgent) {
+  if (left == Left::More && readOn_ < longestReadingOn) {
+    ++readOn_;
+    offer(socket, winsock::fdRead);
+  } else if (left != Left::Nothing || socket.urgent) {
     examineLater(socket);
   } else if (socket.hungUp) {
     offer(socket, winsock::fdClose, socket.failure);

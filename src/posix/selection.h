@@ -22,8 +22,9 @@ namespace zev::posix {
 ///   notice()          the poller reports EPOLLIN: offer() posts FD_READ and sets its bit in
 ///                     `posted`. Further reports while the bit is set are dropped
 ///   (the message is dispatched, and the event procedure reads)
-///   read()            the answering call: the bit is cleared. If the call may have left bytes
-///                     behind, the socket goes on `listed_`
+///   read()            the answering call: the bit is cleared. If the call has left bytes behind,
+///                     FD_READ is posted again at once; if it may have, the socket goes on
+///                     `listed_`
 ///   examineAgain()    polls all listed sockets at once and offers anew what is still ready
 ///
 /// The list is needed because the poller does not report again what only stays ready, and what it
@@ -73,8 +74,9 @@ class Selection {
   /// Milliseconds until the next try for a listener that rests; -1 if none does. No wait may be
   /// longer.
   int restLeft() const;
-  /// Something was read. `exhausted`: the call got all that was there.
-  void read(OpenSocket& socket, bool exhausted);
+  /// Something was read, and that is how much was left: nothing is known of it, or there is more.
+  enum class Left { Nothing, Perhaps, More };
+  void read(OpenSocket& socket, Left left);
   /// Reading has shown that nothing more will come: `error` is 0 if the peer has closed, else the
   /// Winsock number that broke the connection.
   void ended(OpenSocket& socket, std::int32_t error);
@@ -98,6 +100,7 @@ class Selection {
   std::vector<std::int32_t> resting_;  ///< handles of listeners
   std::chrono::steady_clock::time_point restUntil_;
   std::vector<std::int32_t> listed_;  ///< handles, to be examined again
+  int readOn_ = 0;                    ///< reads offered without a look since the last look
   // Of one examineAgain(), kept for their memory; place by place about the same socket.
   std::vector<std::int32_t> examined_;
   std::vector<pollfd> polled_;

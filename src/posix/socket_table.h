@@ -33,6 +33,7 @@ struct OpenSocket {
   bool hungUp = false;       ///< nothing more will come from the peer
   bool urgent = false;       ///< the peer has sent urgent data, at which reading stops early
   bool listed = false;       ///< waits to be examined
+  bool tellsRest = false;    ///< each read tells how many bytes it has left
   std::int32_t failure = 0;  ///< why the connection broke
 };
 

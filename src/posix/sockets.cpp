@@ -1,6 +1,7 @@
 #include "posix/sockets.h"
 
 #include <arpa/inet.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -80,6 +81,41 @@ auto uninterrupted(const Call& call) {
   auto result = call();
   while (result == -1 && errno == EINTR) result = call();
   return result;
+}
+
+constexpr int unknownRest = -1;
+
+/// Reads, and tells how many bytes are left where the socket tells it.
+ssize_t readStream(const OpenSocket& socket, std::span<std::uint8_t> bytes, int flags, int& rest) {
+  const int descriptor = socket.descriptor.get();
+  if (!socket.tellsRest) return ::recv(descriptor, bytes.data(), bytes.size(), flags);
+  iovec piece{bytes.data(), bytes.size()};
+  alignas(cmsghdr) std::array<std::uint8_t, CMSG_SPACE(sizeof rest)> told{};
+  msghdr message{};
+  message.msg_iov = &piece;
+  message.msg_iovlen = 1;
+  message.msg_control = told.data();
+  message.msg_controllen = told.size();
+  const ssize_t count = ::recvmsg(descriptor, &message, flags);
+  const cmsghdr* const first = count > 0 ? CMSG_FIRSTHDR(&message) : nullptr;
+  if (first != nullptr && first->cmsg_level == SOL_TCP && first->cmsg_type == TCP_CM_INQ) {
+    std::memcpy(&rest, CMSG_DATA(first), sizeof rest);
+  }
+  return count;
+}
+
+/// What a read has left. Fewer bytes than asked for were all that were there. One whose buffer was
+/// full may have left some: whoever reads so much is asked from then on. One byte may be the end.
+Selection::Left leftBy(OpenSocket& socket, std::size_t room, int flags, int rest) {
+  const bool peeked = (flags & winsock::peek) != 0;
+  if (!peeked && room != 0) return Selection::Left::Nothing;
+  if (!peeked && !socket.hungUp && !socket.urgent && rest > 1) return Selection::Left::More;
+  if (!socket.tellsRest) {
+    const int on = 1;
+    ::setsockopt(socket.descriptor.get(), SOL_TCP, TCP_INQ, &on, sizeof on);
+    socket.tellsRest = true;
+  }
+  return Selection::Left::Perhaps;
 }
 
 const sockaddr* general(const sockaddr_in& address) {
@@ -460,16 +496,15 @@ std::int32_t PosixSockets::receive(OpenSocket& socket, std::span<std::uint8_t> b
                        : receiveDatagram(socket, bytes, flags, sender);
 }
 
-/// Fewer bytes than asked for were all that were there.
 std::int32_t PosixSockets::receiveStream(OpenSocket& socket, std::span<std::uint8_t> bytes,
                                          std::int32_t flags) {
-  const ssize_t count = uninterrupted(
-      [&] { return ::recv(socket.descriptor.get(), bytes.data(), bytes.size(), flags); });
+  int rest = unknownRest;
+  const ssize_t count = uninterrupted([&] { return readStream(socket, bytes, flags, rest); });
   if (count < 0) return failReading(socket, errno);
   const bool end = count == 0 && !bytes.empty();
-  const bool peeked = (flags & winsock::peek) != 0;
   if (end) selection_.ended(socket, 0);
-  selection_.read(socket, end || (!peeked && static_cast<std::size_t>(count) < bytes.size()));
+  selection_.read(socket,
+                  leftBy(socket, bytes.size() - static_cast<std::size_t>(count), flags, rest));
   if (end && socket.failure != 0) return fail(socket.failure);
   return static_cast<std::int32_t>(count);
 }
@@ -486,7 +521,7 @@ std::int32_t PosixSockets::receiveDatagram(OpenSocket& socket, std::span<std::ui
   const ssize_t count =
       uninterrupted([&] { return ::recvmsg(socket.descriptor.get(), &message, flags); });
   if (count < 0) return failReading(socket, errno);
-  selection_.read(socket, false);
+  selection_.read(socket, Selection::Left::Perhaps);
   if (sender != nullptr) *sender = fromSystem(from);
   if ((message.msg_flags & MSG_TRUNC) != 0) return fail(error::messageTooLong);
   return static_cast<std::int32_t>(count);
@@ -495,12 +530,12 @@ std::int32_t PosixSockets::receiveDatagram(OpenSocket& socket, std::span<std::ui
 std::int32_t PosixSockets::failReading(OpenSocket& socket, int error) {
   const std::int32_t number = winsockError(error);
   if (!socket.stream) {
-    selection_.read(socket, error == EAGAIN);
+    selection_.read(socket, error == EAGAIN ? Selection::Left::Nothing : Selection::Left::Perhaps);
     // Nobody was there to take a datagram that went out.
     return fail(error == ECONNREFUSED ? error::connectionReset : number);
   }
   if (isBroken(error)) selection_.ended(socket, number);
-  selection_.read(socket, true);
+  selection_.read(socket, Selection::Left::Nothing);
   return fail(isBroken(error) ? socket.failure : number);
 }
 

@@ -10,10 +10,22 @@ namespace {
 /// Memory that an empty queue may keep for the next bytes.
 constexpr std::size_t worthKeeping = std::size_t{1} << 20;
 
-/// How much more memory than there was is asked for. What is never written to costs nothing but
-/// addresses, of which small processes are short.
-constexpr std::size_t growth = sizeof(void*) > 4 ? 4 : 2;
+/// How many times as much memory as there was is asked for, once it is large. What is never written
+/// to costs nothing but addresses, of which small processes are short; what is copied is written
+/// twice.
+constexpr std::size_t generous = sizeof(void*) > 4 ? 16 : 2;
+constexpr std::size_t modest = 2;
 constexpr std::size_t longest = INT32_MAX;
+
+/// False without memory for so many bytes.
+bool reserves(std::vector<std::uint8_t>& memory, std::size_t bytes) {
+  try {
+    memory.reserve(bytes);
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
 
 }  // namespace
 
@@ -53,13 +65,12 @@ std::vector<std::uint8_t> ByteQueue::memoryFor(std::size_t needed) {
   const bool large = needed > worthKeeping;
   std::vector<std::uint8_t> memory;
   if (large && spare_ != nullptr) spare_->take(memory, needed);
-  const std::size_t wanted =
-      std::min((large ? growth : 2) * bytes_.capacity(), std::max(needed, longest));
-  try {
-    memory.reserve(std::max(needed, memory.capacity() == 0 ? wanted : 0));
-  } catch (const std::bad_alloc&) {
-    memory.reserve(needed);
-  }
+  if (memory.capacity() >= needed) return memory;
+  const auto times = [&](std::size_t factor) {
+    return std::max(needed, std::min(factor * bytes_.capacity(), longest));
+  };
+  if (large && reserves(memory, times(generous))) return memory;
+  if (!reserves(memory, times(modest))) memory.reserve(needed);
   return memory;
 }
 

@@ -153,6 +153,37 @@ TEST_F(Selecting, TellsAgainOfDataThatAReadHasLeft) {
   EXPECT_EQ(takeTold(), Events());
 }
 
+TEST_F(Selecting, TellsAgainAtOnceWhereTheSystemHasToldOfMore) {
+  std::unique_ptr<Peer> peer;
+  const std::int32_t socket = newConnection(peer);
+  peer->send(std::string(100, 'x'));
+  ASSERT_TRUE(pumpUntil([&] { return wasTold(socket, ws::fdRead); }));
+  EXPECT_EQ(receive(socket, 10), std::string(10, 'x'));
+  EXPECT_EQ(windows().waiting(), 0u) << "nobody has asked yet";
+  ASSERT_TRUE(machine->dispatch(1000));
+  int atOnce = 0;
+  while (receive(socket, 1) == "x" && windows().waiting() == 1) {
+    takeTold();
+    EXPECT_TRUE(windows().dispatch());
+    EXPECT_EQ(takeTold(), (Events{{socket, ws::fdRead, 0}}));
+    ++atOnce;
+  }
+  EXPECT_GT(atOnce, 3);
+  EXPECT_LT(atOnce, 50) << "others have their turn";
+  ASSERT_TRUE(machine->dispatch(1000));
+  EXPECT_EQ(takeTold(), (Events{{socket, ws::fdRead, 0}}));
+  const std::size_t left = 89 - static_cast<std::size_t>(atOnce);
+  EXPECT_EQ(receive(socket, left - 1).size(), left - 1);
+  ASSERT_TRUE(machine->dispatch(1000));
+  EXPECT_EQ(receive(socket, 1), "x");
+  takeTold();
+  settle();
+  EXPECT_EQ(takeTold(), Events()) << "there are none left";
+  peer->close();
+  settle();
+  EXPECT_EQ(takeTold(), (Events{{socket, ws::fdClose, 0}}));
+}
+
 TEST_F(Selecting, TellsAgainBehindALook) {
   std::unique_ptr<Peer> peer;
   const std::int32_t socket = newConnection(peer);
