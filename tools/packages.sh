@@ -2,7 +2,7 @@
 
 packages_to_run=(
   g++ clang lld cmake ninja-build pkg-config nlohmann-json3-dev libcli11-dev libre2-dev
-  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev libssl-dev g++-mingw-w64-i686-win32 fp-utils-3.2.2
+  libsndfile1-dev libjpeg62-turbo-dev libpng-dev libzip-dev nettle-dev g++-mingw-w64-i686-win32 fp-utils-3.2.2
 )
 
 packages_to_test=(

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <nettle/sha2.h>
+
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 
@@ -10,15 +11,13 @@ namespace zev {
 /// SHA-256 of bytes that come piece by piece.
 class Sha256 {
  public:
-  Sha256();
-  ~Sha256();
+  Sha256() { sha256_init(&context_); }
   void add(std::span<const std::uint8_t> bytes);
   /// The digest of all that was added, in lower-case hexadecimal digits. Ends the object's work.
   std::string hex();
 
  private:
-  struct Context;
-  std::unique_ptr<Context> context_;
+  sha256_ctx context_;
 };
 
 /// The digest of one piece.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 
 #include "scenario/expand.h"
 
@@ -40,55 +39,68 @@ constexpr KeyRow<Scenario> scenarioKeys[] = {
     {"script", [](const JsonReader& value, Scenario& to) { to.script = readSteps(value); }},
 };
 
-std::vector<std::uint8_t> readBytes(const Package& package) {
-  if (!package.file) return std::vector<std::uint8_t>(bareImageLength);
-  std::error_code ignored;
-  if (!std::filesystem::is_regular_file(*package.file, ignored)) {
+/// The file as it stands, or the zeros that stand for an image.
+InstallerBytes wholeFile(const Package& package) {
+  if (!package.file) return {{}, bareImageLength, 0, 0, {}};
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(*package.file, error)) {
     throw ScenarioError(package.path + ".file", "no file " + package.file->string());
   }
-  std::ifstream in(*package.file, std::ios::binary);
-  std::vector<std::uint8_t> bytes;
-  if (in) bytes.resize(static_cast<std::size_t>(std::filesystem::file_size(*package.file)));
-  in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-  if (!in) throw ScenarioError(package.path, "cannot read " + package.file->string());
-  return bytes;
+  const std::uintmax_t size = std::filesystem::file_size(*package.file, error);
+  if (error || !std::ifstream(*package.file, std::ios::binary)) {
+    throw ScenarioError(package.path, "cannot read " + package.file->string());
+  }
+  return {package.file, 0, 0, size, {}};
 }
 
-void cut(const Package& package, std::vector<std::uint8_t>& bytes) {
-  if (package.cutEnd + package.cutStart > bytes.size()) {
-    throw ScenarioError(package.path, "more is cut off than the " + std::to_string(bytes.size()) +
+/// Leaves out so many bytes, which are there, at the front.
+void cutFront(InstallerBytes& bytes, std::uint64_t count) {
+  const std::uint64_t zeros = std::min(count, bytes.zeros);
+  bytes.zeros -= zeros;
+  bytes.offset += count - zeros;
+  bytes.size -= count - zeros;
+}
+
+void cutBack(InstallerBytes& bytes, std::uint64_t count) {
+  const std::uint64_t fromFile = std::min(count, bytes.size);
+  bytes.size -= fromFile;
+  bytes.zeros -= count - fromFile;
+}
+
+void cut(const Package& package, InstallerBytes& bytes) {
+  if (package.cutEnd + package.cutStart > bytes.length()) {
+    throw ScenarioError(package.path, "more is cut off than the " + std::to_string(bytes.length()) +
                                           " bytes that the file has");
   }
-  bytes.resize(bytes.size() - static_cast<std::size_t>(package.cutEnd));
-  bytes.erase(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(package.cutStart));
+  cutBack(bytes, package.cutEnd);
+  cutFront(bytes, package.cutStart);
 }
 
-void keepEnd(const Package& package, std::vector<std::uint8_t>& bytes) {
-  if (*package.keepEnd > bytes.size()) {
+void keepEnd(const Package& package, InstallerBytes& bytes) {
+  if (*package.keepEnd > bytes.length()) {
     throw ScenarioError(package.path + ".keepEnd",
-                        "the file has only " + std::to_string(bytes.size()) + " bytes");
+                        "the file has only " + std::to_string(bytes.length()) + " bytes");
   }
-  bytes.erase(bytes.begin(), bytes.end() - static_cast<std::ptrdiff_t>(*package.keepEnd));
+  cutFront(bytes, bytes.length() - *package.keepEnd);
 }
 
-void setLength(std::size_t length, std::vector<std::uint8_t>& bytes) {
-  if (length <= bytes.size()) {
-    bytes.resize(length);
+void setLength(std::uint64_t length, InstallerBytes& bytes) {
+  if (length <= bytes.length()) {
+    cutBack(bytes, bytes.length() - length);
   } else {
-    bytes.insert(bytes.begin(), length - bytes.size(), std::uint8_t{0});
+    bytes.zeros += length - bytes.length();
   }
 }
 
-void invert(const Package& package, std::vector<std::uint8_t>& bytes) {
+void invert(const Package& package, InstallerBytes& bytes) {
   for (const std::uint64_t offset : package.flip) {
-    if (offset >= bytes.size()) {
+    if (offset >= bytes.length()) {
       throw ScenarioError(package.path + ".flip", std::to_string(offset) +
                                                       " is behind the end of " +
-                                                      std::to_string(bytes.size()) + " bytes");
+                                                      std::to_string(bytes.length()) + " bytes");
     }
-    std::uint8_t& byte = bytes[static_cast<std::size_t>(offset)];
-    byte = static_cast<std::uint8_t>(~byte);
   }
+  bytes.inverted = package.flip;
 }
 
 }  // namespace
@@ -120,11 +132,11 @@ Json writtenOut(const std::filesystem::path& file) {
   return readAndWriteOut(addressOf(file)).document;
 }
 
-std::vector<std::uint8_t> makeInstaller(const Package& package) {
-  std::vector<std::uint8_t> bytes = readBytes(package);
+InstallerBytes makeInstaller(const Package& package) {
+  InstallerBytes bytes = wholeFile(package);
   cut(package, bytes);
   if (package.keepEnd) keepEnd(package, bytes);
-  if (package.length) setLength(static_cast<std::size_t>(*package.length), bytes);
+  if (package.length) setLength(*package.length, bytes);
   invert(package, bytes);
   return bytes;
 }

@@ -42,8 +42,20 @@ Scenario readScenario(const std::filesystem::path& file);
 /// The same scenario as a document in which nothing is named any more.
 Json writtenOut(const std::filesystem::path& file);
 
-/// The bytes of the installer's file. Fails with a ScenarioError if the file of the host cannot be
-/// read or the cuts do not fit it.
-std::vector<std::uint8_t> makeInstaller(const Package& package);
+/// Of which bytes the installer's file is made: zeros, and behind them a piece of a file of the
+/// host.
+struct InstallerBytes {
+  std::optional<std::filesystem::path> file;  ///< none if `size` is 0
+  std::uint64_t zeros = 0;
+  std::uint64_t offset = 0;             ///< of the piece, in the file
+  std::uint64_t size = 0;               ///< of the piece
+  std::vector<std::uint64_t> inverted;  ///< offsets of bytes that are inverted then
+
+  std::uint64_t length() const { return zeros + size; }
+};
+
+/// Fails with a ScenarioError if the file of the host is not there or the cuts do not fit it. None
+/// of it is read.
+InstallerBytes makeInstaller(const Package& package);
 
 }  // namespace zev::scenario

@@ -41,6 +41,9 @@ std::vector<std::uint8_t> readHostFile(const fs::path& path) {
 }
 
 SystemError fill(FileBody& body, const FileContent& content) {
+  if (const auto* piece = std::get_if<std::shared_ptr<const HostPiece>>(&content)) {
+    return body.fill(*piece);
+  }
   if (const SystemError error = body.resize(0)) return error;
   if (const auto* zeros = std::get_if<ZeroBytes>(&content)) return body.resize(zeros->size);
   if (const auto* host = std::get_if<fs::path>(&content)) return fill(body, readHostFile(*host));

@@ -18,6 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::size_t pieceBytes = std::size_t{256} << 10;
+
 /// What the host's refusal is on the machine.
 SystemError refusal(const std::error_code& error) {
   if (!error) return system_error::success;
@@ -89,6 +91,16 @@ class HostBody final : public FileBody {
     fs::resize_file(path_, size, error);
     size_.reset();
     return refusal(error);
+  }
+
+  SystemError fill(const std::shared_ptr<const HostPiece>& piece) override {
+    if (const SystemError error = resize(0)) return error;
+    std::vector<std::uint8_t> bytes(pieceBytes);
+    for (std::uint64_t offset = 0; const std::size_t count = piece->read(offset, bytes);) {
+      if (const SystemError error = write(offset, std::span(bytes).first(count))) return error;
+      offset += count;
+    }
+    return system_error::success;
   }
 
   SystemError close() override {

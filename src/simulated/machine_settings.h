@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
 #include "runtime/text.h"
+#include "simulated/host_piece.h"
 
 namespace zev::simulated {
 
@@ -96,12 +98,14 @@ struct ZeroBytes {
   std::uint64_t size = 0;
 };
 
-using FileContent = std::variant<std::vector<std::uint8_t>, ZeroBytes, std::filesystem::path>;
+using FileContent = std::variant<std::vector<std::uint8_t>, ZeroBytes, std::filesystem::path,
+                                 std::shared_ptr<const HostPiece>>;
 
 /// An entry as it is laid on a drive. What is not given stays as it is on an entry that is there.
 struct FileSettings {
   bool directory = false;
-  std::optional<FileContent> content{};       ///< a path is a file of the host, copied
+  /// A path is a file of the host, copied; a piece of one is read when it is asked for.
+  std::optional<FileContent> content{};
   std::optional<Text> link{};                 ///< it leads to this full path, and holds nothing
   std::optional<std::uint32_t> attributes{};  ///< of platform `file_attribute`; a new file: archive
   std::optional<bool> locked{};               ///< its attributes cannot be changed

@@ -8,12 +8,14 @@
 namespace zev::simulated {
 namespace {
 
-/// Bytes in memory. Zeros behind the last byte that was written take none.
+/// Bytes in memory. Zeros behind the last byte that was written take none, nor does a piece of the
+/// host until it is written to.
 class MemoryBody final : public FileBody {
  public:
-  std::uint64_t size() const override { return size_; }
+  std::uint64_t size() const override { return piece_ ? piece_->size() : size_; }
 
   std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) override {
+    if (piece_) return piece_->read(offset, into);
     if (offset >= size_) return 0;
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size_ - offset));
@@ -26,6 +28,7 @@ class MemoryBody final : public FileBody {
   }
 
   SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
+    takeOver();
     const auto start = static_cast<std::size_t>(offset);
     if (start > kept()) bytes_.resize(start);
     const std::size_t over = std::min(from.size(), kept() - start);
@@ -36,8 +39,15 @@ class MemoryBody final : public FileBody {
   }
 
   SystemError resize(std::uint64_t size) override {
+    takeOver();
     if (size < kept()) bytes_.resize(static_cast<std::size_t>(size));
     size_ = size;
+    return system_error::success;
+  }
+
+  SystemError fill(const std::shared_ptr<const HostPiece>& piece) override {
+    bytes_ = {};
+    piece_ = piece;
     return system_error::success;
   }
 
@@ -46,6 +56,16 @@ class MemoryBody final : public FileBody {
  private:
   std::size_t kept() const { return bytes_.size(); }
 
+  /// The bytes of the piece become the file's own, since they change.
+  void takeOver() {
+    if (!piece_) return;
+    size_ = piece_->size();
+    bytes_.resize(static_cast<std::size_t>(size_));
+    piece_->read(0, bytes_);
+    piece_.reset();
+  }
+
+  std::shared_ptr<const HostPiece> piece_;  ///< all of the file; none once that is in `bytes_`
   std::vector<std::uint8_t> bytes_;
   std::uint64_t size_ = 0;
 };

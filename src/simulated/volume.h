@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/file_system.h"
+#include "simulated/host_piece.h"
 #include "simulated/path.h"
 
 namespace zev::simulated {
@@ -24,6 +25,8 @@ class FileBody {
   virtual SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) = 0;
   /// Makes the file that long.
   virtual SystemError resize(std::uint64_t size) = 0;
+  /// Makes the file what the piece is.
+  virtual SystemError fill(const std::shared_ptr<const HostPiece>& piece) = 0;
   /// Nobody has the file open any more: fails if the host cannot keep what it was given.
   virtual SystemError close() = 0;
 };

@@ -36,8 +36,19 @@ class ScenarioFiles : public testing::Test {
   }
 
   std::string installer(const std::string& json) const {
-    const auto bytes = makeInstaller(package(json));
-    return {bytes.begin(), bytes.end()};
+    const InstallerBytes bytes = makeInstaller(package(json));
+    std::string whole(static_cast<std::size_t>(bytes.zeros), '\0');
+    if (bytes.file) {
+      std::ifstream in(*bytes.file, std::ios::binary);
+      const std::string all{std::istreambuf_iterator<char>(in), {}};
+      whole +=
+          all.substr(static_cast<std::size_t>(bytes.offset), static_cast<std::size_t>(bytes.size));
+    }
+    for (const std::uint64_t offset : bytes.inverted) {
+      char& byte = whole.at(static_cast<std::size_t>(offset));
+      byte = static_cast<char>(~byte);
+    }
+    return whole;
   }
 
   fs::path folder_;
@@ -46,7 +57,7 @@ class ScenarioFiles : public testing::Test {
 TEST(Scenario, CanBeEmpty) {
   const Scenario scenario = parseScenario("{}");
   EXPECT_TRUE(scenario.script.empty());
-  EXPECT_EQ(makeInstaller(scenario.package).size(), bareImageLength);
+  EXPECT_EQ(makeInstaller(scenario.package).length(), bareImageLength);
 }
 
 TEST(Scenario, ReadsEveryVerb) {
@@ -269,7 +280,7 @@ TEST(Scenario, RefusesAnUnknownKeyOfItsOwn) {
 TEST_F(ScenarioFiles, FindsThePackageBesideTheScenario) {
   write("setup.bin", "0123456789");
   const fs::path file = write("one.json", R"({"package": {"file": "setup.bin"}})");
-  EXPECT_EQ(makeInstaller(readScenario(file).package).size(), 10u);
+  EXPECT_EQ(makeInstaller(readScenario(file).package).length(), 10u);
   EXPECT_EQ(errorOf([&] { installer(R"({"file": "other.bin"})"); }),
             "$.package.file: no file " + (folder_ / "other.bin").string());
 }

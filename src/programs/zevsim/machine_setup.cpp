@@ -255,11 +255,30 @@ void setUp(SimulatedMachine& machine, const MachineChange& description) {
   changeState(machine, description);
 }
 
-void layInstaller(SimulatedMachine& machine, std::vector<std::uint8_t> bytes) {
+namespace {
+
+simulated::FileContent contentOf(const InstallerBytes& bytes) {
+  using simulated::HostPiece;
+  auto piece = bytes.file ? std::make_shared<const HostPiece>(*bytes.file, bytes.offset, bytes.size,
+                                                              bytes.zeros)
+                          : std::make_shared<const HostPiece>(bytes.zeros);
+  if (bytes.inverted.empty()) return piece;
+  std::vector<std::uint8_t> whole(static_cast<std::size_t>(piece->size()));
+  piece->read(0, whole);
+  for (const std::uint64_t offset : bytes.inverted) {
+    std::uint8_t& byte = whole[static_cast<std::size_t>(offset)];
+    byte = static_cast<std::uint8_t>(~byte);
+  }
+  return whole;
+}
+
+}  // namespace
+
+void layInstaller(SimulatedMachine& machine, const InstallerBytes& bytes) {
   const Text& path = machine.settings().installer;
   if (!machine.disks().drive(upperCase(path).front())) return;
   simulated::FileSettings file;
-  file.content = std::move(bytes);
+  file.content = contentOf(bytes);
   try {
     machine.disks().put(path, file);
   } catch (const std::invalid_argument& error) {

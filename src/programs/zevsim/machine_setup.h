@@ -1,9 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "scenario/machine_change.h"
+#include "scenario/scenario.h"
 #include "simulated/simulated_machine.h"
 
 namespace zev::scenario {
@@ -12,8 +10,9 @@ namespace zev::scenario {
 /// follow the user's name unless they are given.
 void setUp(simulated::SimulatedMachine& machine, const MachineChange& description);
 
-/// Puts the installer's file where the machine has it.
-void layInstaller(simulated::SimulatedMachine& machine, std::vector<std::uint8_t> bytes);
+/// Puts the installer's file where the machine has it. What the host has of it is read when the
+/// program asks for it.
+void layInstaller(simulated::SimulatedMachine& machine, const InstallerBytes& bytes);
 
 /// Changes a machine, before or in the midst of a run. What cannot be done, such as a file on a
 /// drive that is not there, is a ScenarioError.
