@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <map>
 
+#include "lz/compressor.h"
 #include "package/held_files.h"
 #include "package/manifest.h"
 #include "package/projects.h"
@@ -66,6 +67,26 @@ TEST_F(ExtractFileTest, HeldFileHasWhatWasWrittenAndNothingElse) {
   EXPECT_FALSE(holds("7x9", "789"));
   EXPECT_FALSE(holds("7890", "789"));
   EXPECT_FALSE(holdsNothingBut(Hold(), {}));
+}
+
+TEST_F(ExtractFileTest, HeldFileIsAllOfWhatThePackedOneExpandsTo) {
+  constexpr TextView laid = u"C:\\laid.exe";
+  const std::string_view plain = "a program, and what it is made of";
+  const auto packed =
+      lz::compress({reinterpret_cast<const std::uint8_t*>(plain.data()), plain.size()}, 0);
+  machine.disks().putText(work, std::string(packed.begin(), packed.end()));
+  const Hold heldWork = program->platform.holds.hold(work, Holding::ToKeep);
+  const auto holds = [&](const std::string& found) {
+    machine.disks().putText(laid, found);
+    return holdsExpanded(program->platform.holds.hold(laid, Holding::ToKeep), heldWork);
+  };
+  const std::string whole(plain);
+  EXPECT_TRUE(holds(whole));
+  EXPECT_FALSE(holds(whole + "!"));
+  EXPECT_FALSE(holds(whole.substr(1)));
+  EXPECT_FALSE(holds(whole.substr(0, whole.size() - 1)));
+  EXPECT_FALSE(holds("A" + whole.substr(1)));
+  EXPECT_FALSE(holds(""));
 }
 
 TEST_F(ExtractFileTest, PositionOneIsTheFirstByte) {

@@ -85,6 +85,15 @@ TEST_F(ZevpackList, SaysWhatIsNoPackage) {
   }
 }
 
+TEST_F(ZevpackList, FailsForRightMembersWithoutAProgram) {
+  const Outcome outcome = list(packageOf({}, packedMembers()));
+  EXPECT_EQ(outcome.status, 1);
+  const std::vector<std::string> lines = linesOf(outcome.out);
+  ASSERT_EQ(lines.size(), 58u);
+  EXPECT_EQ(lines[57], "there is no program in front of the members");
+  for (const std::string& line : lines) EXPECT_THAT(line, Not(HasSubstr("header")));
+}
+
 TEST_F(ZevpackList, NamesMembersThatBeginInFrontOfTheFile) {
   const Bytes whole = packageOf(madeImage(), packedMembers());
   const Outcome outcome = list(Bytes(whole.end() - 194 - 178, whole.end()));
