@@ -11,6 +11,7 @@ import argparse
 import os
 import shlex
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -66,6 +67,7 @@ def main():
     parser.add_argument("console")
     parser.add_argument("cases", nargs="*", default=CLASSES)
     options = parser.parse_args()
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended from outside"))
     folder = wine_machine.Template(options.work, options.width).copy()
     try:
         with wine_machine.Machine(folder, width=options.width) as machine:

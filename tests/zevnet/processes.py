@@ -51,7 +51,9 @@ class Running:
             except queue.Empty:
                 raise AssertionError(f"no line {pattern!r} in time, only {self.lines}") from None
             if line is None:
-                raise AssertionError(f"ended without a line {pattern!r}: {self.lines}")
+                status = self.process.wait(timeout=PATIENCE)
+                raise AssertionError(
+                    f"ended with {status} without a line {pattern!r}: {self.lines}")
             self.lines.append(line)
             match = re.search(pattern, line)
             if match:
