@@ -118,7 +118,7 @@ const PageTables& tablesOf(const DoubleBytePage& page) {
   return *tables[place];
 }
 
-/// Takes one character from bytes and moves behind it.
+/// Takes one character from bytes and moves past it.
 char16_t takeUnit(const PageTables& tables, const DoubleBytePage& page, std::string_view bytes,
                   std::size_t& place) {
   std::size_t pair = static_cast<unsigned char>(bytes[place++]);

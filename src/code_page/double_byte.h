@@ -14,7 +14,7 @@ struct ByteRange {
   unsigned char last;
 };
 
-/// A page of East Asia: bytes below 0x80 are ASCII, a lead byte and the byte behind it one
+/// A page of East Asia: bytes below 0x80 are ASCII, a lead byte and the byte after it one
 /// character.
 struct DoubleBytePage {
   std::uint32_t number;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "observed/observed.h"
-#include "platform/dde.h"
 #include "platform/dialogs.h"
 #include "platform/file_system.h"
 #include "platform/processes.h"

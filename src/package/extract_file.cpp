@@ -1,15 +1,79 @@
 #include "package/extract_file.h"
 
+#include <algorithm>
 #include <vector>
 
-#include "package/held_files.h"
+#include "lz/byte_stream.h"
+#include "lz/expand.h"
 #include "package/package_end.h"
-#include "runtime/buffer.h"
+#include "runtime/containers.h"
 #include "runtime/error.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
 
 namespace zev {
+namespace {
+
+constexpr std::size_t pieceSize = 65536;
+
+class HeldSource final : public lz::ByteSource {
+ public:
+  explicit HeldSource(const Hold& file) : file_(file) {}
+
+  std::ptrdiff_t read(std::span<std::uint8_t> into) override {
+    const std::size_t count = file_.read(place_, into);
+    place_ += count;
+    return static_cast<std::ptrdiff_t>(count);
+  }
+
+ private:
+  const Hold& file_;
+  std::uint64_t place_ = 0;
+};
+
+/// Takes what a held file has at the same place, and nothing else.
+class HeldTwin final : public lz::ByteSink {
+ public:
+  explicit HeldTwin(const Hold& file) : file_(file), piece_(pieceSize) {}
+
+  bool write(std::span<const std::uint8_t> from) override {
+    for (std::size_t done = 0; done < from.size(); done += pieceSize) {
+      if (!takes(from.subspan(done, std::min(pieceSize, from.size() - done)))) return false;
+    }
+    return true;
+  }
+
+  bool atEnd() { return file_.read(place_, std::span(piece_).first(1)) == 0; }
+
+ private:
+  bool takes(std::span<const std::uint8_t> bytes) {
+    const auto found = std::span(piece_).first(bytes.size());
+    place_ += bytes.size();
+    return file_.read(place_ - bytes.size(), found) == bytes.size() &&
+           std::equal(bytes.begin(), bytes.end(), found.begin());
+  }
+
+  const Hold& file_;
+  std::uint64_t place_ = 0;
+  std::vector<std::uint8_t> piece_;
+};
+
+}  // namespace
+
+bool holdsNothingBut(const Hold& file, std::span<const std::uint8_t> bytes) {
+  if (!file.held()) return false;
+  std::vector<std::uint8_t> found(bytes.size() + 1);
+  found.resize(file.read(0, found));
+  return found.size() <= bytes.size() && std::equal(found.begin(), found.end(), bytes.begin());
+}
+
+bool holdsExpanded(const Hold& file, const Hold& packed) {
+  if (!file.held() || !packed.held()) return file.held();
+  HeldSource source(packed);
+  HeldTwin twin(file);
+  return lz::expand(source, twin) >= 0 && twin.atEnd();
+}
+
 namespace {
 
 bool oldFileThere(Files& files, TextView path) {

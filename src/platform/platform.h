@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/dde.h"
 #include "platform/dialogs.h"
 #include "platform/drives.h"
 #include "platform/files.h"
@@ -14,7 +13,6 @@
 #include "platform/shortcuts.h"
 #include "platform/sockets.h"
 #include "platform/system_information.h"
-#include "platform/windows.h"
 #include "runtime/application.h"
 
 namespace zev {

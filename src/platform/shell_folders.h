@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/windows.h"
+#include "platform/processes.h"
 #include "runtime/text.h"
 
 namespace zev {

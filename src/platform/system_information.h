@@ -22,7 +22,7 @@ struct OSVERSIONINFO {
   static constexpr std::uint32_t extendedForm = 156;
 };
 
-/// What the system tells of itself and of the user. Texts come from the code page of the system. A
+/// What the system says about itself and the user. Texts come from the code page of the system. A
 /// buffer is a text that stands for as many bytes, given with it as its size; a call writes its
 /// answer over the beginning, ended by a NUL, and leaves the rest. Sizes that a call takes and
 /// needs are in bytes. The length of an answer is in the units that it takes in the buffer, where a

@@ -24,7 +24,7 @@ TextView trim(TextView text);
 TextView left(TextView text, std::int32_t count);
 TextView right(TextView text, std::int32_t count);
 
-/// Units from the 1-based position on; empty behind the end. A position below 1 is error 5.
+/// Units from the 1-based position on; empty past the end. A position below 1 is error 5.
 TextView mid(TextView text, std::int32_t position);
 
 /// Length in 16-bit units.

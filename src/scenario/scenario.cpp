@@ -4,7 +4,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "scenario/expand.h"
+#include "scenario/written_out.h"
 
 namespace zev::scenario {
 namespace {

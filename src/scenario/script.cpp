@@ -32,7 +32,7 @@ Action readType(const JsonReader& value) {
 
 std::string readButton(const JsonReader& value) {
   std::string word = value.utf8();
-  if (!answerOf(word)) {
+  if (!answerNamed(word)) {
     value.fail("no answer \"" + word +
                "\"; there are ok, cancel, abort, retry, ignore, yes, no and {\"text\": ..}");
   }

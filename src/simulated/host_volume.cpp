@@ -4,7 +4,7 @@
 #include <map>
 #include <system_error>
 
-#include "platform/file_name.h"
+#include "platform/file_system.h"
 #include "simulated/volume.h"
 
 namespace zev::simulated {

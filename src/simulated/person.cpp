@@ -1,7 +1,6 @@
 #include "simulated/person.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 namespace zev::simulated {
@@ -10,8 +9,6 @@ namespace {
 constexpr std::int32_t buttonMask = 0xF;
 constexpr std::int32_t defaultButtonShift = 8;
 constexpr std::int32_t defaultButtonMask = 3;
-
-constexpr std::string_view names[] = {"ok", "cancel", "abort", "retry", "ignore", "yes", "no"};
 
 /// The buttons of a box, in their order, by the lowest digit of its style.
 std::vector<BoxAnswer> buttonsOf(std::int32_t style) {
@@ -38,11 +35,6 @@ BoxAnswer defaultAnswer(std::int32_t style) {
   const std::vector<BoxAnswer> buttons = buttonsOf(style);
   const auto place = static_cast<std::size_t>((style >> defaultButtonShift) & defaultButtonMask);
   return place < buttons.size() ? buttons[place] : buttons.front();
-}
-
-std::string_view answerName(BoxAnswer answer) {
-  const auto place = static_cast<std::size_t>(answer) - 1;
-  return place < std::size(names) ? names[place] : "none";
 }
 
 bool hasButton(std::int32_t style, BoxAnswer answer) {

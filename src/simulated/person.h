@@ -42,9 +42,6 @@ class Person {
 /// The button that a box takes when nobody chooses one, by its style.
 BoxAnswer defaultAnswer(std::int32_t style);
 
-/// "ok", "cancel", "abort", "retry", "ignore", "yes" or "no".
-std::string_view answerName(BoxAnswer answer);
-
 /// Whether a box of that style has the button.
 bool hasButton(std::int32_t style, BoxAnswer answer);
 

@@ -87,7 +87,7 @@ void write(Text& out, const RegistryNode& node, const Text& path) {
 Text registryEditorText(const RegistryTree& registry) {
   Text out = join(firstLine, lineEnd);
   for (const RegistryKey hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-    write(out, *registry.find(hive, {}), RegistryTree::hiveName(hive));
+    write(out, *registry.find(hive, {}), Text(hiveName(hive)));
   }
   return out + Text(lineEnd);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dde.h"
+#include "platform/shortcuts.h"
 #include "simulated/machine_state.h"
 
 namespace zev::simulated {

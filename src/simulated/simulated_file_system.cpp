@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/drives.h"
-#include "platform/file_name.h"
+#include "platform/file_system.h"
 #include "simulated/wildcard.h"
 
 namespace zev::simulated {

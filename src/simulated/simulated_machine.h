@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "observed/fault.h"
+#include "observed/instrumentation.h"
 #include "platform/platform.h"
 #include "simulated/disks.h"
 #include "simulated/hand.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/windows.h"
+#include "platform/processes.h"
 #include "simulated/machine_state.h"
 #include "simulated/screen.h"
 

@@ -98,7 +98,7 @@ Json stateReport(const MachineState& machine) {
   }
   Json registry = Json::object();
   for (const RegistryKey hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-    Json& keys = registry[toUtf8(RegistryTree::hiveName(hive))] = Json::object();
+    Json& keys = registry[toUtf8(hiveName(hive))] = Json::object();
     addKeys(keys, *machine.registry.find(hive, {}), {});
   }
   Json shortcuts = Json::object();

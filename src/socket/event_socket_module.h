@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "runtime/collection.h"
+#include "runtime/containers.h"
 #include "socket/byte_queue.h"
 #include "socket/socket_services.h"
 #include "socket/thunk.h"

@@ -4,9 +4,7 @@
 
 #include "platform/platform.h"
 #include "socket/event_socket_module.h"
-#include "state/form1.h"
-#include "state/form2.h"
-#include "state/form3.h"
+#include "state/forms.h"
 #include "state/globals.h"
 
 namespace zev {

@@ -46,7 +46,6 @@ class StartMenu {
 
   Text install() const { return program_.globals.gInstallDir.trimmed(); }
   Text target(const GroupEntry& entry) const;
-  bool folderExists(TextView folder);
 
   Program& program_;
   Globals& globals_;

@@ -3,7 +3,6 @@
 #include <cstdint>
 
 #include "runtime/controls.h"
-#include "win32/ansi.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
@@ -11,7 +10,7 @@ namespace zev::win32 {
 inline constexpr int twipsPerInch = 1440;
 inline constexpr int usualDpi = 96;
 
-/// Twips in pixels of a screen with so many dots an inch.
+/// Twips in pixels of a screen of `dpi` dots an inch.
 inline int pixels(std::int32_t twips, int dpi) { return MulDiv(twips, dpi, twipsPerInch); }
 
 /// The place of a control within its container, in pixels.
@@ -21,25 +20,6 @@ RECT pixelPlace(const Control& control, int dpi);
 /// tells them apart.
 int systemDpi();
 int windowDpi(HWND window);
-
-/// The form font, MS Sans Serif 8, in two sets of letters: that of the system, and the Turkish one
-/// for texts that need it.
-class FormFonts {
- public:
-  explicit FormFonts(int dpi);
-  ~FormFonts();
-  FormFonts(const FormFonts&) = delete;
-  FormFonts& operator=(const FormFonts&) = delete;
-
-  HFONT fontFor(TextView text) const;
-
- private:
-  HFONT usual_;
-  HFONT turkish_;
-};
-
-/// Width of a text in a font, in pixels.
-int textWidth(HFONT font, TextView text);
 
 /// The text of a window.
 Text windowText(HWND window);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "runtime/form.h"
+#include "win32/form_fonts.h"
 #include "win32/form_metrics.h"
 #include "win32/windows_api.h"
 

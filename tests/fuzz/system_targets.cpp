@@ -259,7 +259,7 @@ void tryRegistryText(Data data) {
   }
   Keys expected;
   for (const RegistryKey hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-    collect(*registry.find(hive, {}), RegistryTree::hiveName(hive), expected);
+    collect(*registry.find(hive, {}), hiveName(hive), expected);
   }
   require(RegistryTextReader(registryEditorText(registry)).read() == expected, "another registry");
 }

@@ -1,15 +1,12 @@
 #include "localisation/catalogue.h"
 
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <map>
 #include <set>
 #include <utility>
 #include <vector>
 
-#include "localisation/addresses.h"
-#include "localisation/agreement.h"
 #include "localisation/languages.h"
 #include "support/table.h"
 

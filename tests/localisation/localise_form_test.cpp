@@ -1,12 +1,10 @@
 #include "localisation/localise_form.h"
 
 #include <gtest/gtest.h>
-
 #include <map>
 #include <optional>
 #include <sstream>
 
-#include "localisation/agreement.h"
 #include "localisation/catalogue.h"
 #include "localisation/languages.h"
 #include "support/raised.h"

@@ -2,11 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <map>
 
-#include "package/held_files.h"
 #include "package/manifest.h"
 #include "package/projects.h"
 #include "support/made_image.h"

@@ -1,8 +1,7 @@
-#include "runtime/collection.h"
+#include "runtime/containers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <memory>
 
 #include "support/raised.h"

@@ -1,7 +1,6 @@
-#include "scenario/expand.h"
+#include "scenario/written_out.h"
 
 #include <gtest/gtest.h>
-
 #include <fstream>
 
 #include "scenario/common_names.h"

@@ -3,15 +3,14 @@
 // pages/directory.json.
 
 #include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "programs/zevsim/setup_program.h"
 #include "programs/zevsim/zevsim_main.h"
-#include "scenario/expand.h"
 #include "scenario/layout.h"
+#include "scenario/written_out.h"
 #include "scenarios/scenario_files.h"
 
 namespace zev {

@@ -1,7 +1,6 @@
-#include "state/form1.h"
+#include "state/forms.h"
 
 #include <gtest/gtest.h>
-
 #include <functional>
 #include <map>
 #include <set>

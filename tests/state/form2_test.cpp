@@ -1,7 +1,6 @@
-#include "state/form2.h"
+#include "state/forms.h"
 
 #include <gtest/gtest.h>
-
 #include <map>
 #include <set>
 #include <stdexcept>

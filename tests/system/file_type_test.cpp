@@ -1,7 +1,6 @@
-#include "system/file_type.h"
+#include "system/registry_entries.h"
 
 #include <gtest/gtest.h>
-
 #include <utility>
 
 #include "runtime/error.h"

@@ -1,7 +1,6 @@
-#include "win32/desktop_windows.h"
+#include "win32/processes.h"
 
 #include <gtest/gtest.h>
-
 #include <set>
 
 #include "win32/windows_api.h"

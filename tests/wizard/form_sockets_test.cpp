@@ -1,11 +1,10 @@
 #include <gmock/gmock.h>
-
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "simulated/bench.h"
-#include "state/socket_host.h"
+#include "state/socket_array.h"
 #include "wizard/setup.h"
 
 namespace zev {

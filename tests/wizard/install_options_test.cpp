@@ -1,7 +1,6 @@
-#include "wizard/install_options.h"
+#include "wizard/wizard.h"
 
 #include <gtest/gtest.h>
-
 #include <map>
 
 #include "runtime/error.h"

@@ -1,14 +1,13 @@
 // Which language the wizard begins with, and which one a choice in its list gives.
 
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <map>
 #include <string>
 
+#include "state/languages.h"
 #include "support/table.h"
 #include "system/on_a_machine.h"
-#include "wizard/first_language.h"
 #include "wizard/setup.h"
 
 namespace zev {

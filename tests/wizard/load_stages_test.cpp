@@ -1,7 +1,6 @@
 // The stages of the start, as its trap prints them: what happens in each is made to fail.
 
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <set>
 #include <string>
@@ -10,7 +9,7 @@
 #include "runtime/error.h"
 #include "support/table.h"
 #include "system/on_a_machine.h"
-#include "system/user_folder_chain.h"
+#include "system/user_folders.h"
 #include "wizard/running_product.h"
 #include "wizard/setup.h"
 

@@ -2,12 +2,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <optional>
 #include <set>
 
 #include "simulated/simulated_machine.h"
-#include "wizard/first_language.h"
 #include "wizard/setup.h"
 
 namespace zev {

@@ -111,14 +111,8 @@ LSTATUS store(HKEY key, const Text& name, const scenario::RegistryData& data) {
   return RegSetValueExA(key, ansi.c_str(), 0, data.type, bytes.data(), size);
 }
 
-HKEY hiveOf(const Text& name) {
-  if (name == u"HKEY_CLASSES_ROOT") return hiveHandle(HKEY_CLASSES_ROOT);
-  if (name == u"HKEY_CURRENT_USER") return hiveHandle(HKEY_CURRENT_USER);
-  return hiveHandle(HKEY_LOCAL_MACHINE);
-}
-
 void removeKey(const RegistryChange& change) {
-  const LSTATUS error = RegDeleteTreeW(hiveOf(change.hive), wide(change.key));
+  const LSTATUS error = RegDeleteTreeW(hiveHandle(change.hive), wide(change.key));
   if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) failRegistry(change, error);
 }
 
@@ -135,7 +129,7 @@ void apply(const RegistryChange& change) {
   const bool wholeKey = !change.name;
   if (wholeKey && !change.data) return removeKey(change);
   HKEY key = nullptr;
-  const LSTATUS error = RegCreateKeyExW(hiveOf(change.hive), wide(change.key), 0, nullptr, 0,
+  const LSTATUS error = RegCreateKeyExW(hiveHandle(change.hive), wide(change.key), 0, nullptr, 0,
                                         MAXIMUM_ALLOWED, nullptr, &key, nullptr);
   if (error != ERROR_SUCCESS) failRegistry(change, error);
   changeValue(key, change);

@@ -87,7 +87,7 @@ void WindowsStage::handleBox() {
   program_->waitUntilGone(box);
 }
 
-/// A run-time error that ends the program tells itself in a box, and nothing goes on behind it.
+/// A run-time error that ends the program shows itself in a box, and nothing goes on after it.
 bool WindowsStage::handleErrorBox(const ShownBox& box) {
   if (!isErrorBox(box)) return false;
   press(box, BoxAnswer::OK);

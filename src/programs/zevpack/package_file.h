@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "package/image_header.h"
 #include "package/manifest.h"
+#include "package/package_end.h"
 #include "programs/zevpack/host_file.h"
 
 namespace zev::packing {

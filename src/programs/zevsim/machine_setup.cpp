@@ -153,7 +153,7 @@ simulated::RegistryValue registryValue(const RegistryData& data, std::uint32_t c
 
 void changeRegistry(SimulatedMachine& machine, const RegistryChange& change) {
   simulated::RegistryTree& registry = machine.registry();
-  const RegistryKey hive = simulated::RegistryTree::hiveOf(change.hive).value();
+  const RegistryKey hive = change.hive;
   if (change.name && change.data) {
     registry.setValue(hive, change.key, **change.name,
                       registryValue(*change.data, machine.settings().system.codePage));
@@ -173,7 +173,7 @@ void denyKeys(simulated::RegistryTree& registry, const std::vector<Text>& keys) 
   for (const Text& key : keys) {
     const std::size_t bar = std::min(key.find(u'\\'), key.size());
     const TextView below = TextView(key).substr(std::min(bar + 1, key.size()));
-    registry.deny(simulated::RegistryTree::hiveOf(TextView(key).substr(0, bar)).value(), below);
+    registry.deny(hiveNamed(TextView(key).substr(0, bar)).value(), below);
   }
 }
 

@@ -51,7 +51,7 @@ FolderNames foldersOf(const simulated::SimulatedMachine& machine) {
 std::string buttonWords(const Box& box) {
   std::string all;
   for (const BoxAnswer each : box.buttons) {
-    all += (all.empty() ? "" : ", ") + std::string(answerWord(each));
+    all += (all.empty() ? "" : ", ") + std::string(answerName(each));
   }
   return all;
 }
@@ -59,7 +59,7 @@ std::string buttonWords(const Box& box) {
 /// The button that a person means who types its word, or the beginning of it.
 std::optional<std::string> meantButton(std::string_view typed, const Box& box) {
   for (const BoxAnswer each : box.buttons) {
-    if (answerWord(each).starts_with(typed)) return std::string(answerWord(each));
+    if (answerName(each).starts_with(typed)) return std::string(answerName(each));
   }
   return std::nullopt;
 }
@@ -68,7 +68,7 @@ Text buttonRow(const Box& box) {
   Text row;
   for (const BoxAnswer each : box.buttons) {
     const TextView mark = each == box.byDefault ? u" *" : u"";
-    row += join(row.empty() ? u"" : u"  ", u"[ ", fromUtf8(answerWord(each)), mark, u" ]");
+    row += join(row.empty() ? u"" : u"  ", u"[ ", fromUtf8(answerName(each)), mark, u" ]");
   }
   return row;
 }
