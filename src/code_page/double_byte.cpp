@@ -1,4 +1,4 @@
-#include "code_page/double_byte.h"
+#include "code_page/page_tables.h"
 
 #include <iconv.h>
 
@@ -7,8 +7,6 @@
 #include <mutex>
 #include <stdexcept>
 #include <vector>
-
-#include "code_page/single_byte.h"
 
 namespace zev {
 namespace {

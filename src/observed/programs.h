@@ -8,7 +8,7 @@
 #include "platform/dialogs.h"
 #include "platform/file_system.h"
 #include "platform/processes.h"
-#include "platform/shortcuts.h"
+#include "platform/shell.h"
 #include "runtime/error.h"
 
 namespace zev::observed {

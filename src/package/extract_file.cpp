@@ -74,6 +74,8 @@ bool holdsExpanded(const Hold& file, const Hold& packed) {
   return lz::expand(source, twin) >= 0 && twin.atEnd();
 }
 
+// ---- copying a member out
+
 namespace {
 
 bool oldFileThere(Files& files, TextView path) {

@@ -137,6 +137,8 @@ std::optional<ImageHeader> readImageHeader(const ReadAt& read) {
                      certificatesOf(*header, directoriesOf(*header))};
 }
 
+// ---- the end of the package
+
 namespace {
 
 constexpr std::uint64_t tableAlignment = 8;

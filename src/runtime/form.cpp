@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 
 namespace zev {
 namespace {
@@ -77,6 +77,8 @@ void Form::restoreDesign() {
   Component::restoreDesign();
   for (Control* each : controls_) each->restoreDesign();
 }
+
+// ---- the tab order
 
 std::vector<Control*> tabOrder(const Form& form) {
   std::vector<Control*> order = form.Controls();

@@ -134,6 +134,7 @@ constexpr KeyRow<DriveChange> driveKeys[] = {
     {"sectorsPerCluster", readGeometry<&DriveChange::sectorsPerCluster>},
     {"bytesPerSector", readGeometry<&DriveChange::bytesPerSector>},
     {"label", into<&DriveChange::label>},
+    {"ready", into<&DriveChange::ready>},
     {"shortNames", into<&DriveChange::shortNames>},
     {"host", [](const JsonReader& value, DriveChange& drive) { drive.host = value.hostFolder(); }},
 };
@@ -345,6 +346,7 @@ constexpr KeyRow<ProgramChange> programKeys[] = {
     {"opens", into<&ProgramChange::opens>},
     {"running", into<&ProgramChange::running>},
     {"exit", into<&ProgramChange::exit>},
+    {"duration", into<&ProgramChange::duration>},
 };
 
 void readPrograms(const JsonReader& value, MachineChange& machine) {

@@ -44,6 +44,7 @@ struct DriveChange {
   std::optional<std::uint32_t> sectorsPerCluster;
   std::optional<std::uint32_t> bytesPerSector;
   std::optional<Text> label;
+  std::optional<bool> ready;
   std::optional<bool> shortNames;
   std::optional<std::filesystem::path> host;
 };
@@ -105,6 +106,7 @@ struct ProgramChange {
   std::optional<bool> opens;
   std::optional<bool> running;
   std::optional<std::int32_t> exit;
+  std::optional<std::uint32_t> duration;  ///< milliseconds
 };
 
 struct FaultChange {

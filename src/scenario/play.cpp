@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "scenario/answers.h"
 #include "scenario/finding.h"
+#include "scenario/script.h"
 
 namespace zev::scenario {
 namespace {

@@ -8,7 +8,7 @@
 namespace zev::simulated {
 namespace {
 
-/// Bytes in memory. Zeros behind the last byte that was written take none.
+/// Bytes in memory. Zeros past the last byte that was written take none.
 class MemoryBody final : public FileBody {
  public:
   std::uint64_t size() const override { return size_; }

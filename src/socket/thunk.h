@@ -68,7 +68,7 @@ class Thunk final : private MessageRoutine {
   /// window.
   bool UnsubclassMessageWindow();
 
-  /// Only behind BuildThunk, which does not look at the tables. A handle that has a slot already
+  /// Only after BuildThunk, which does not look at the tables. A handle that has a slot already
   /// keeps it, with a warning in the trace; but if a free slot lies before that one, the handle
   /// gets that too, and is found there from then on.
   void AddResolveEntry(std::int32_t lookUp, InstancePointer instance);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 #include "runtime/form.h"
 #include "state/socket_array.h"
 

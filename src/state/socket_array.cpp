@@ -54,6 +54,8 @@ std::unique_ptr<Socket> SocketArray::make(std::int32_t index) {
   return control;
 }
 
+// ---- the form as the host of its sockets
+
 namespace {
 
 constexpr std::uint32_t pauseBehindLoad = 300;  ///< milliseconds

@@ -6,6 +6,9 @@
 #include "state/product.h"
 
 namespace zev {
+
+// ---- the uninstall entry
+
 namespace {
 
 constexpr TextView entryKey =
@@ -21,6 +24,8 @@ void enterUninstall(Registry& registry, const Globals& globals) {
   set(u"DisplayName", u"ZEV Screen Recorder 6");
   set(u"UninstallString", installedFile(globals, uninstallProgram));
 }
+
+// ---- the file type
 
 namespace {
 
@@ -76,6 +81,8 @@ void FileType::write(TextView key, TextView text) {
   registry_.CreateRegKey(HKEY_CLASSES_ROOT, key, ForceRegistry);
   registry_.SetRegString(HKEY_CLASSES_ROOT, key, defaultValue, text, ForceRegistry);
 }
+
+// ---- the keys of AVI files
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include "localisation/phrases.h"
 #include "platform/dialogs.h"
 #include "state/globals.h"
+#include "state/program.h"
 #include "system/registry.h"
-#include "system/run_report.h"
 
 namespace zev {
 

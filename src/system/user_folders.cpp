@@ -197,6 +197,8 @@ bool DeleteProbeFile(Files& files, TextView folder, TextView file) {
   }
 }
 
+// ---- making the folders ready
+
 namespace {
 
 enum class Outcome {

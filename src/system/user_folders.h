@@ -5,7 +5,6 @@
 
 #include "localisation/phrases.h"
 #include "state/program.h"
-#include "system/run_report.h"
 
 namespace zev {
 

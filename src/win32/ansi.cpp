@@ -54,6 +54,8 @@ std::uint32_t writeAnswer(Text& buffer, std::string_view answer) {
   return static_cast<std::uint32_t>(fromAnsi(answer).size());
 }
 
+// ---- paths that the page cannot write
+
 namespace {
 
 bool isWritable(const Text& path) { return fromAnsi(toAnsi(path)) == path; }

@@ -1,12 +1,29 @@
 #pragma once
 
+#include <cstdint>
+
 #include "runtime/controls.h"
-#include "runtime/file_lists.h"
 #include "runtime/form.h"
-#include "win32/form_metrics.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
+
+inline constexpr int twipsPerInch = 1440;
+inline constexpr int usualDpi = 96;
+
+/// Twips in pixels of a screen of `dpi` dots an inch.
+inline int pixels(std::int32_t twips, int dpi) { return MulDiv(twips, dpi, twipsPerInch); }
+
+/// The place of a control within its container, in pixels.
+RECT pixelPlace(const Control& control, int dpi);
+
+/// Dots an inch of the whole system, and of the screen on which a window lies where the system
+/// tells them apart.
+int systemDpi();
+int windowDpi(HWND window);
+
+/// The text of a window.
+Text windowText(HWND window);
 
 /// The number of a control's window: its place among the controls of its form, counted from here.
 /// Who drives the program from outside finds the controls by it.

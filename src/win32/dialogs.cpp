@@ -3,8 +3,8 @@
 #include <array>
 #include <memory>
 
+#include "win32/control_windows.h"
 #include "win32/form_fonts.h"
-#include "win32/form_metrics.h"
 
 namespace zev::win32 {
 namespace {
@@ -40,6 +40,8 @@ Text Win32Dialogs::InputBox(TextView prompt, TextView title, TextView initial) {
 }
 
 Text Win32Dialogs::defaultTitle() { return u"ZEVSetup"; }
+
+// ---- the box that asks for a text
 
 namespace {
 

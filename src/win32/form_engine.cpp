@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 #include "runtime/form.h"
 #include "win32/control_windows.h"
 

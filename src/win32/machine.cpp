@@ -14,6 +14,8 @@ Platform Machine::platform(Application& application, Dialogs& dialogs) {
           dde_,        sockets_, messageWindows_, kernel_};
 }
 
+// ---- what the process lets in
+
 namespace {
 
 constexpr DWORD searchSystemFolderAlone = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32

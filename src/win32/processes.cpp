@@ -8,6 +8,9 @@
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
+
+// ---- the windows of the desktop
+
 namespace {
 
 HWND windowOf(WindowHandle window) { return reinterpret_cast<HWND>(window); }
@@ -44,6 +47,9 @@ bool Win32Windows::BringWindowToTop(WindowHandle window) {
 #include <shellapi.h>
 
 namespace zev::win32 {
+
+// ---- programs and time
+
 namespace {
 
 constexpr std::intptr_t noShell = 0;

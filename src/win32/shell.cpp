@@ -91,6 +91,8 @@ void Win32ShellFolders::CoTaskMemFree(void* memory) {
   if (call != nullptr) call(memory);
 }
 
+// ---- shortcuts
+
 namespace {
 
 /// True if an icon's location ends in the place of the icon within its file, ", 0".

@@ -2,8 +2,7 @@
 
 #include <optional>
 
-#include "platform/shell_folders.h"
-#include "platform/shortcuts.h"
+#include "platform/shell.h"
 #include "win32/automation.h"
 #include "win32/system_library.h"
 

@@ -143,6 +143,8 @@ bool Win32System::GetProductInfo(std::uint32_t major, std::uint32_t minor, std::
   return true;
 }
 
+// ---- drives
+
 namespace {
 
 /// A size that the interface's number cannot hold becomes the largest that it can.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/drives.h"
 #include "platform/system_information.h"
 
 namespace zev::win32 {

@@ -1,6 +1,7 @@
 #include "localisation/catalogue.h"
 
 #include <gtest/gtest.h>
+
 #include <algorithm>
 #include <map>
 #include <set>

@@ -1,6 +1,7 @@
 #include "localisation/localise_form.h"
 
 #include <gtest/gtest.h>
+
 #include <map>
 #include <optional>
 #include <sstream>

@@ -1,6 +1,7 @@
 #include "scenario/written_out.h"
 
 #include <gtest/gtest.h>
+
 #include <fstream>
 
 #include "scenario/common_names.h"

@@ -3,6 +3,7 @@
 // pages/directory.json.
 
 #include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>

@@ -1,6 +1,7 @@
 #include "state/forms.h"
 
 #include <gtest/gtest.h>
+
 #include <functional>
 #include <map>
 #include <set>

@@ -1,6 +1,7 @@
 #include "state/forms.h"
 
 #include <gtest/gtest.h>
+
 #include <map>
 #include <set>
 #include <stdexcept>

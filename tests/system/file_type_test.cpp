@@ -1,6 +1,7 @@
 #include "system/registry_entries.h"
 
 #include <gtest/gtest.h>
+
 #include <utility>
 
 #include "runtime/error.h"

@@ -1,6 +1,7 @@
 #include "win32/processes.h"
 
 #include <gtest/gtest.h>
+
 #include <set>
 
 #include "win32/windows_api.h"

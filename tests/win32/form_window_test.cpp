@@ -2,6 +2,7 @@
 // as a person does.
 
 #include <gtest/gtest.h>
+
 #include <algorithm>
 #include <optional>
 #include <span>

@@ -2,6 +2,7 @@
 // machine.
 
 #include <gtest/gtest.h>
+
 #include <iostream>
 #include <set>
 #include <string>
@@ -12,7 +13,6 @@
 #include "win32/ansi.h"
 #include "win32/control_windows.h"
 #include "win32/form_fonts.h"
-#include "win32/form_metrics.h"
 
 namespace zev::win32 {
 namespace {

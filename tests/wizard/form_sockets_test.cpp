@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+
 #include <memory>
 #include <string>
 #include <vector>

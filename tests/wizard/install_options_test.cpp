@@ -1,6 +1,7 @@
 #include "wizard/wizard.h"
 
 #include <gtest/gtest.h>
+
 #include <map>
 
 #include "runtime/error.h"

@@ -1,6 +1,7 @@
 // Which language the wizard begins with, and which one a choice in its list gives.
 
 #include <gtest/gtest.h>
+
 #include <algorithm>
 #include <map>
 #include <string>

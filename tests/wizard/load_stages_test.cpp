@@ -1,6 +1,7 @@
 // The stages of the start, as its trap prints them: what happens in each is made to fail.
 
 #include <gtest/gtest.h>
+
 #include <algorithm>
 #include <set>
 #include <string>

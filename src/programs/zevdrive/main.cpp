@@ -3,7 +3,6 @@
 #include <fstream>
 #include <iostream>
 
-#include "programs/zevdrive/refusals.h"
 #include "programs/zevdrive/windows_stage.h"
 #include "programs/zevdrive/zevdrive_options.h"
 #include "state/forms.h"

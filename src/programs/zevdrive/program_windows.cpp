@@ -7,7 +7,6 @@
 
 #include "programs/zevdrive/screen_picture.h"
 #include "win32/control_windows.h"
-#include "win32/form_metrics.h"
 
 namespace zev::drive {
 namespace {
@@ -225,6 +224,8 @@ std::vector<std::size_t> ProgramWindows::blanksOf(const scenario::SeenForm& seen
   }
   return blank;
 }
+
+// ---- places
 
 namespace {
 

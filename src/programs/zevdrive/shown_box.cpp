@@ -57,6 +57,8 @@ std::int32_t iconShownBy(HWND window) {
   return 0;
 }
 
+// ---- the box
+
 namespace {
 
 constexpr int defaultButtonShift = 8;

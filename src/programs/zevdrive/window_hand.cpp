@@ -2,7 +2,7 @@
 
 #include "programs/zevdrive/program_windows.h"
 #include "programs/zevdrive/running_program.h"
-#include "win32/form_metrics.h"
+#include "win32/control_windows.h"
 
 namespace zev::drive {
 namespace {
@@ -81,6 +81,8 @@ bool reachedAt(POINT point, HWND window) {
   const HWND found = WindowFromPoint(point);
   return found == window || IsChild(window, found) || GetParent(window) == found;
 }
+
+// ---- what a person does to windows
 
 namespace {
 

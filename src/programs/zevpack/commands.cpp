@@ -4,7 +4,7 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "programs/zevpack/member_check.h"
+#include "programs/zevpack/package_check.h"
 #include "programs/zevpack/parallel.h"
 #include "programs/zevpack/progress.h"
 #include "sample/sample_product.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "programs/zevpack/folder.h"
-#include "programs/zevpack/member_check.h"
+#include "programs/zevpack/host_file.h"
+#include "programs/zevpack/package_check.h"
 #include "programs/zevpack/parallel.h"
 #include "programs/zevpack/progress.h"
 

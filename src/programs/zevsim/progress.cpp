@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "programs/zevsim/text_block.h"
-#include "scenario/answers.h"
+#include "scenario/script.h"
 
 namespace zev::scenario {
 namespace {

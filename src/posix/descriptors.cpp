@@ -1,13 +1,24 @@
-#include "posix/poller.h"
+#include "posix/descriptors.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
 
 namespace zev::posix {
+
+Descriptor::~Descriptor() { close(); }
+
+int Descriptor::close() {
+  if (number_ < 0) return 0;
+  const int result = ::close(std::exchange(number_, -1));
+  return result == 0 ? 0 : errno;
+}
+
 namespace {
 
-/// As many as one wait tells of; what is left comes with the next.
+/// As many as one wait reports; what is left comes with the next.
 constexpr std::size_t batch = 512;
 constexpr int numberBits = 32;
 

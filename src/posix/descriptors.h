@@ -4,11 +4,30 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
-#include "posix/descriptor.h"
-
 namespace zev::posix {
+
+/// A file descriptor and its only owner.
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
+  ~Descriptor();
+
+  int get() const { return number_; }
+  /// Closes it now. The error number of the system, 0 on success; it is gone in either case.
+  int close();
+
+ private:
+  int number_ = -1;
+};
 
 /// What a token of the poller is about.
 enum class Subject : std::uint32_t { socket, lookUps, watch };
@@ -31,7 +50,7 @@ class Poller {
   /// Throws std::system_error if the system has no room for it.
   Poller();
 
-  /// False, with errno, if the system refuses. Adding and renewing tell of what is there already,
+  /// False, with errno, if the system refuses. Adding and renewing report what is there already,
   /// too.
   bool add(int descriptor, std::uint32_t events, Token token);
   bool renew(int descriptor, std::uint32_t events, Token token);
