@@ -209,6 +209,56 @@ class GtestReader:
         self.name = None
 
 
+class UnittestReader:
+    """Takes the lines of Python's unittest (-v) apart into cases. What failed is told at the end."""
+
+    NAME = re.compile(r"^(test_\w+) \(([\w.]+)\)")
+    RESULT = re.compile(r"(?:^|\.\.\. )(ok|FAIL|ERROR|skipped .*)$")
+    FAILURE = re.compile(r"^(?:FAIL|ERROR): (\w+) \(([\w.]+)\)")
+    RESULTS = {"ok": "ok", "FAIL": "failed", "ERROR": "failed"}
+
+    def __init__(self):
+        self.name = None
+        self.begin = time.monotonic()
+        self.cases = {}
+        self.outputs = {}
+        self.ended = False
+
+    @staticmethod
+    def title(match):
+        """The last two of its names, in whatever module and however Python tells them."""
+        names = match[2].split(".")
+        if names[-1] == match[1]:
+            names.pop()
+        return f"{names[-1]}.{match[1]}"
+
+    def read(self, line):
+        self.ended = self.ended or line.startswith("Ran ")
+        if match := self.FAILURE.match(line):
+            self.name = None
+            self.output = self.outputs.setdefault(self.title(match), [])
+        elif self.outputs:
+            self.output.append(line)
+        elif match := self.NAME.match(line):
+            self.name = self.title(match)
+        if self.name and (match := self.RESULT.search(line)):
+            self.finish(self.RESULTS.get(match[1], "skipped"))
+
+    def finish(self, result):
+        now = time.monotonic()
+        self.cases[self.name] = (result, now - self.begin)
+        self.begin = now
+        self.name = None
+
+    def told(self):
+        """The cases, the failed ones with what they told."""
+        names = [*self.cases, *(name for name in self.outputs if name not in self.cases)]
+        for name in names:
+            result, seconds = self.cases.get(name, ("failed", 0.0))
+            output = self.outputs.get(name, [])
+            yield Case(name, "failed" if output else result, seconds, output)
+
+
 class Job:
     """A suite, or one of its shards, run in a process of its own."""
 
@@ -231,6 +281,8 @@ class Job:
         with open(self.log, "w", errors="replace") as log:
             if self.suite.kind == "gtest":
                 self.run_gtest(processes, tell, log)
+            elif self.suite.kind == "unittest":
+                self.run_unittest(processes, tell, log)
             else:
                 self.run_script(processes, tell, log)
 
@@ -282,6 +334,17 @@ class Job:
         elif status not in (0, 1):
             tell(Case("(end)", "failed", 0, [f"The process ended with status {status} behind its "
                                              f"last case."]))
+
+    def run_unittest(self, processes, tell, log):
+        reader = UnittestReader()
+        status = self.process(processes, self.words, log, reader.read)
+        failed = False
+        for case in reader.told():
+            failed = failed or case.result == "failed"
+            tell(case)
+        if not reader.ended or (status != 0 and not failed):
+            why = "took too long" if status is None else f"ended with status {status}"
+            tell(Case("(end)", "failed", 0, [f"The suite {why}; see {self.log}"]))
 
     def run_script(self, processes, tell, log):
         begin = time.monotonic()

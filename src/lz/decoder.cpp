@@ -34,7 +34,7 @@ class Decoder {
       expandFast();
       if (left_ > 0 && window_.room() >= kGroupOutput) result = expandGroup();
     }
-    return window_.flush() ? result : DecodeResult::sinkFailed;
+    return window_.finish() ? result : DecodeResult::sinkFailed;
   }
 
  private:

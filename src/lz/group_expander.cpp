@@ -17,6 +17,9 @@ struct Group {
   std::uint32_t size = 0;
 };
 
+// Bytes from the flag byte on that are loaded for a group: literals are loaded eight at a time.
+constexpr std::size_t kGroupLoads = kGroupInput + 8;
+
 constexpr std::uint32_t kMatchMark = 8;
 constexpr std::uint32_t kLiteralsMask = 7;
 constexpr unsigned kMatchBits = 4;
@@ -67,19 +70,22 @@ void repeat(std::uint8_t* out, std::size_t distance, std::size_t length) {
 
 GroupProgress expandGroups(std::span<const std::uint8_t> input, std::uint8_t* out, std::size_t room,
                            std::size_t at) {
-  if (input.size() < kGroupInput || room < kGroupOutput) return {};
+  if (input.size() < kGroupLoads || room < kGroupOutput) return {};
   const std::uint8_t* in = input.data();
-  const std::uint8_t* const inputStop = in + (input.size() - kGroupInput);
+  const std::uint8_t* const inputStop = in + (input.size() - kGroupLoads);
   const std::uint8_t* const outputStop = out + (room - kGroupOutput);
   const std::uint8_t* const outputBegin = out;
   // From here to `out` it is as far as the position of the byte before `out`.
   const std::uint8_t* const origin = out - (at - 1);
 
+  // The next group is read in advance while this one is copied.
+  Group group = kGroups[*in];
   while (in <= inputStop && out <= outputStop) {
-    const Group& group = kGroups[*in];
     const std::uint8_t* const next = in + group.size;
+    std::uint32_t matches = group.matches;
+    group = kGroups[*next];
     ++in;
-    for (std::uint32_t matches = group.matches; matches != 0; matches >>= kMatchBits) {
+    for (; matches != 0; matches >>= kMatchBits) {
       const std::size_t literals = matches & kLiteralsMask;
       copyWide<8>(out, in);
       out += literals;

@@ -12,9 +12,7 @@ namespace zev::lz {
 inline constexpr std::size_t kGroupInput = 1 + kTokensPerFlagByte * kMatchBytes;
 inline constexpr std::size_t kGroupOutput = kTokensPerFlagByte * kLongestMatch;
 
-/// How many bytes past the input may be loaded, and past the room overwritten. Neither is looked
-/// at.
-inline constexpr std::size_t kInputSlack = 8;
+/// How many bytes past the room may be overwritten, which nobody looks at.
 inline constexpr std::size_t kOutputSlack = 16;
 
 struct GroupProgress {
@@ -22,8 +20,8 @@ struct GroupProgress {
   std::size_t given = 0;  ///< bytes of output
 };
 
-/// Expands groups for speed, as long as the largest would fit into what is left of input and room.
-/// `input` begins with a flag byte and has kInputSlack bytes behind. `out` has `room` bytes and
+/// Expands groups for speed, as long as the largest would fit into what is left of the room, and of
+/// the input with some bytes to spare. `input` begins with a flag byte. `out` has `room` bytes and
 /// kOutputSlack more, and the kRingSize bytes before it are the ring; `at` is its position in
 /// there, or that plus any multiple of kRingSize up to the start of the memory that `out` points
 /// into.

@@ -1,25 +1,27 @@
 #include "lz/input_buffer.h"
 
-#include "lz/group_expander.h"
-
 namespace zev::lz {
 namespace {
 
-constexpr std::size_t kPiece = std::size_t{32} << 10;
+constexpr std::size_t kInputPiece = std::size_t{32} << 10;
 
 }  // namespace
 
-InputBuffer::InputBuffer(ByteSource& source)
-    : source_(source),
-      bytes_(std::make_unique_for_overwrite<std::uint8_t[]>(kPiece + kInputSlack)) {}
+InputBuffer::InputBuffer(ByteSource& source) : source_(source) {
+  if (const auto whole = source.takeRest()) {
+    rest_ = *whole;
+  } else {
+    bytes_ = std::make_unique_for_overwrite<std::uint8_t[]>(kInputPiece);
+  }
+}
 
 int InputBuffer::refill() {
-  const std::ptrdiff_t count = source_.read({bytes_.get(), kPiece});
+  if (!bytes_) return kEnd;
+  const std::ptrdiff_t count = source_.read({bytes_.get(), kInputPiece});
   if (count < 0) return kFailed;
   if (count == 0) return kEnd;
-  begin_ = 1;
-  end_ = static_cast<std::size_t>(count);
-  return bytes_[0];
+  rest_ = {bytes_.get(), static_cast<std::size_t>(count)};
+  return next();
 }
 
 }  // namespace zev::lz

@@ -9,7 +9,8 @@
 
 namespace zev::lz {
 
-/// Reads a source in large pieces, and only once the piece before is used up.
+/// Reads a source in large pieces, and only once the piece before is used up. What lies in memory
+/// already is used where it lies.
 class InputBuffer {
  public:
   /// What `next` returns in place of a byte.
@@ -19,20 +20,23 @@ class InputBuffer {
   explicit InputBuffer(ByteSource& source);
 
   /// The next byte, or kEnd or kFailed.
-  int next() { return begin_ != end_ ? bytes_[begin_++] : refill(); }
+  int next() {
+    if (rest_.empty()) return refill();
+    const int byte = rest_.front();
+    skip(1);
+    return byte;
+  }
 
-  /// The bytes read and not yet used; kInputSlack meaningless ones follow, which may be loaded.
-  /// `skip` counts bytes of it as used.
-  std::span<const std::uint8_t> rest() const { return {bytes_.get() + begin_, end_ - begin_}; }
-  void skip(std::size_t count) { begin_ += count; }
+  /// The bytes at hand and not yet used. `skip` counts bytes of it as used.
+  std::span<const std::uint8_t> rest() const { return rest_; }
+  void skip(std::size_t count) { rest_ = rest_.subspan(count); }
 
  private:
   int refill();
 
   ByteSource& source_;
-  std::unique_ptr<std::uint8_t[]> bytes_;
-  std::size_t begin_ = 0;
-  std::size_t end_ = 0;
+  std::unique_ptr<std::uint8_t[]> bytes_;  ///< none for a source that lies in memory
+  std::span<const std::uint8_t> rest_;
 };
 
 }  // namespace zev::lz

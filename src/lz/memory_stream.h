@@ -1,6 +1,8 @@
 #pragma once
 
+#include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "lz/byte_stream.h"
@@ -13,6 +15,9 @@ class MemorySource final : public ByteSource {
   explicit MemorySource(std::span<const std::uint8_t> bytes) : rest_(bytes) {}
 
   std::ptrdiff_t read(std::span<std::uint8_t> into) override;
+  std::optional<std::span<const std::uint8_t>> takeRest() override {
+    return std::exchange(rest_, rest_.last(0));
+  }
 
  private:
   std::span<const std::uint8_t> rest_;
@@ -25,6 +30,7 @@ class MemorySink final : public ByteSink {
   explicit MemorySink(std::vector<std::uint8_t>& bytes) : bytes_(bytes) {}
 
   bool write(std::span<const std::uint8_t> from) override;
+  std::vector<std::uint8_t>* memory() override { return &bytes_; }
 
  private:
   std::vector<std::uint8_t>& bytes_;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "lz/byte_stream.h"
 #include "lz/group_expander.h"
@@ -11,36 +12,44 @@
 namespace zev::lz {
 
 /// The ring of the format, laid out straight: expanded bytes line up behind the last 4096 before
-/// them (blanks at first), so that no copy ever wraps. An index into it, modulo the ring's size, is
-/// the position in the ring. Full pieces go to the sink, and the last 4096 bytes move to the front.
+/// them (blanks at first), so that no copy ever wraps. Full pieces go to the sink, and the last
+/// 4096 bytes move to the front. Where the sink lies in memory that is done only until there are
+/// 4096 bytes in it: those that follow are made in their place.
 class OutputWindow {
  public:
   /// Borrows the sink. Throws std::bad_alloc.
   explicit OutputWindow(ByteSink& sink);
 
-  /// The index of the next byte, and its address for a writer that goes by pointer. 4096 bytes
+  /// Where the next byte goes, and its position in the ring, as 1 to kRingSize. The kRingSize bytes
   /// before it can be read.
-  std::size_t at() const { return at_; }
-  std::uint8_t* data() { return bytes_.get() + at_; }
+  std::uint8_t* data() { return next_; }
+  std::size_t at() const { return ((position_ + made() - 1) & kRingMask) + 1; }
 
   /// How many bytes fit before the next flush; kOutputSlack more may be overwritten.
-  std::size_t room() const { return kEnd - at_; }
+  std::size_t room() const { return static_cast<std::size_t>(end_ - next_); }
 
   /// Counts bytes as expanded that were written at `data`, at most `room()` of them.
-  void advance(std::size_t count) { at_ += count; }
+  void advance(std::size_t count) { next_ += count; }
 
   /// Gives the sink what it has not had yet and makes room. False if the sink fails.
   bool flush();
+  /// The same at the end, when no more room is wanted.
+  bool finish();
 
  private:
-  static constexpr std::size_t kBegin = kRingSize + kRingStart;
-  // Small enough to stay in the caches beside the input.
-  static constexpr std::size_t kEnd = 2 * kRingSize + (std::size_t{32} << 10);
+  std::size_t made() const { return static_cast<std::size_t>(next_ - begin_); }
+  bool give();
+  bool makeRoomInMemory();
+  void beginAt(std::uint8_t* place, std::size_t size);
 
   ByteSink& sink_;
+  std::vector<std::uint8_t>* memory_;  ///< the sink's own; null if it has none
   std::unique_ptr<std::uint8_t[]> bytes_;
-  std::size_t at_ = kBegin;
-  std::size_t flushed_ = kBegin;
+  bool inMemory_ = false;          ///< the bytes are made in `memory_`
+  std::uint8_t* begin_ = nullptr;  ///< of what the sink has not had yet
+  std::uint8_t* next_ = nullptr;
+  std::uint8_t* end_ = nullptr;
+  std::size_t position_ = kRingStart;  ///< of `begin_` in the ring
 };
 
 }  // namespace zev::lz

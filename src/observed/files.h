@@ -35,6 +35,10 @@ class Files final : public Observed<zev::Files> {
   std::size_t peek(TextView path, std::uint64_t offset, std::span<std::uint8_t> into) override {
     return next_.peek(path, offset, into);  // the program looks at itself: nobody is to see that
   }
+  std::size_t peek(std::int32_t number, std::uint64_t offset,
+                   std::span<std::uint8_t> into) override {
+    return next_.peek(number, offset, into);
+  }
   bool SetFileAttributesA(TextView path, std::int32_t attributes) override {
     return withNothing({"SetFileAttributesA"}, &Service::SetFileAttributesA, path, attributes);
   }

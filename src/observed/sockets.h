@@ -75,6 +75,9 @@ class Sockets : public Observed<zev::Sockets> {
                     std::int32_t flags) override {
     return shaped({"send"}, &Service::send, allOf(bytes), socket, bytes, flags);
   }
+  std::int32_t shutdown(std::int32_t socket, std::int32_t how) override {
+    return made({"shutdown"}, &Service::shutdown, socket, how);
+  }
   std::int32_t sendto(std::int32_t socket, std::span<const std::uint8_t> bytes, std::int32_t flags,
                       const SocketAddress& receiver) override {
     return shaped({"sendto"}, &Service::sendto, allOf(bytes), socket, bytes, flags, receiver);

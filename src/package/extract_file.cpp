@@ -62,9 +62,18 @@ class HeldTwin final : public lz::ByteSink {
 
 bool holdsNothingBut(const Hold& file, std::span<const std::uint8_t> bytes) {
   if (!file.held()) return false;
-  std::vector<std::uint8_t> found(bytes.size() + 1);
-  found.resize(file.read(0, found));
-  return found.size() <= bytes.size() && std::equal(found.begin(), found.end(), bytes.begin());
+  std::vector<std::uint8_t> piece(pieceSize);
+  std::uint64_t place = 0;
+  while (const std::size_t count = file.read(place, piece)) {
+    if (count > bytes.size() ||
+        !std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count),
+                    piece.begin())) {
+      return false;
+    }
+    bytes = bytes.subspan(count);
+    place += count;
+  }
+  return true;
 }
 
 bool holdsExpanded(const Hold& file, const Hold& packed) {
@@ -120,7 +129,7 @@ void copyMember(Program& program, Phrases& phrases, Copy& copy, TextView source,
   files.OpenBinary(copy.source, source, false);
   copy.destination = files.FreeFile();
   files.OpenBinary(copy.destination, destination, true);
-  const std::int32_t end = packageEnd(files, source, files.LOF(copy.source));
+  const std::int32_t end = packageEnd(files, copy.source, files.LOF(copy.source));
   const std::int32_t position = add(subtract(subtract(end, tailOffset), size), 1);
   if (position < 1) {
     program.platform.dialogs.MsgBox(

@@ -186,15 +186,29 @@ std::uint64_t packageEnd(std::uint64_t length, const ReadAt& read) {
   return table - alignmentOf(table, image->end, read);
 }
 
-std::int32_t packageEnd(Files& files, TextView path, std::int32_t length) {
+namespace {
+
+/// For a file that is named to Files in one way or the other.
+template <typename File>
+std::int32_t endOf(Files& files, const File& file, std::int32_t length) {
   std::vector<std::uint8_t> head(usualHead);
-  head.resize(files.peek(path, 0, head));
+  head.resize(files.peek(file, 0, head));
   const ReadAt read = [&](std::uint64_t offset, std::span<std::uint8_t> into) {
-    if (offset + into.size() > head.size()) return files.peek(path, offset, into) == into.size();
+    if (offset + into.size() > head.size()) return files.peek(file, offset, into) == into.size();
     std::copy_n(head.begin() + static_cast<std::ptrdiff_t>(offset), into.size(), into.begin());
     return true;
   };
   return static_cast<std::int32_t>(packageEnd(static_cast<std::uint64_t>(length), read));
+}
+
+}  // namespace
+
+std::int32_t packageEnd(Files& files, TextView path, std::int32_t length) {
+  return endOf(files, path, length);
+}
+
+std::int32_t packageEnd(Files& files, std::int32_t number, std::int32_t length) {
+  return endOf(files, number, length);
 }
 
 }  // namespace zev

@@ -38,7 +38,9 @@ std::optional<ImageHeader> readImageHeader(const ReadAt& read);
 /// or over the image, is none.
 std::uint64_t packageEnd(std::uint64_t length, const ReadAt& read);
 
-/// The same for a file on the machine. Raises what keeps it from being read.
+/// The same for a file on the machine, by its name or by its number while it is open. Raises what
+/// keeps it from being read.
 std::int32_t packageEnd(Files& files, TextView path, std::int32_t length);
+std::int32_t packageEnd(Files& files, std::int32_t number, std::int32_t length);
 
 }  // namespace zev

@@ -46,6 +46,9 @@ class Files {
   /// file may be open meanwhile. Raises what keeps it from being opened. Nobody observes it, for it
   /// leaves nothing behind and finds nothing out that an observer would not know.
   virtual std::size_t peek(TextView path, std::uint64_t offset, std::span<std::uint8_t> into) = 0;
+  /// The same for a file that is open; 52 if none has the number.
+  virtual std::size_t peek(std::int32_t number, std::uint64_t offset,
+                           std::span<std::uint8_t> into) = 0;
   /// The system's call, not a statement: false on failure, which is no run-time error.
   virtual bool SetFileAttributesA(TextView path, std::int32_t attributes) = 0;
 

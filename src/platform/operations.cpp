@@ -117,6 +117,7 @@ constexpr std::string_view names[] = {
     "SHGetKnownFolderPath",
     "SHGetPathFromIDList",
     "SHGetSpecialFolderLocation",
+    "shutdown",
     "Sleep",
     "socket",
     "SpecialFolders",

@@ -178,6 +178,13 @@ std::size_t RuntimeFiles::peek(TextView path, std::uint64_t offset, std::span<st
   return read;
 }
 
+std::size_t RuntimeFiles::peek(std::int32_t number, std::uint64_t offset,
+                               std::span<std::uint8_t> into) {
+  std::size_t read = 0;
+  require(system_.ReadFile(opened(number).handle, offset, into, read));
+  return read;
+}
+
 bool RuntimeFiles::SetFileAttributesA(TextView path, std::int32_t attributes) {
   return system_.SetFileAttributesA(path, static_cast<std::uint32_t>(attributes)) ==
          system_error::success;

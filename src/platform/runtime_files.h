@@ -27,6 +27,8 @@ class RuntimeFiles final : public Files {
   std::int32_t GetAttr(TextView path) override;
   std::int32_t FileLen(TextView path) override;
   std::size_t peek(TextView path, std::uint64_t offset, std::span<std::uint8_t> into) override;
+  std::size_t peek(std::int32_t number, std::uint64_t offset,
+                   std::span<std::uint8_t> into) override;
   bool SetFileAttributesA(TextView path, std::int32_t attributes) override;
   std::int32_t FreeFile() override;
   void OpenBinary(std::int32_t number, TextView path, bool locked) override;

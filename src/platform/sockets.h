@@ -28,6 +28,7 @@ inline constexpr std::int32_t maximumMessage = 8195;     ///< SO_MAX_MSG_SIZE, b
 
 inline constexpr std::int32_t bytesWaiting = 0x4004667F;  ///< FIONREAD
 inline constexpr std::int32_t peek = 2;                   ///< MSG_PEEK
+inline constexpr std::int32_t sendingEnd = 1;             ///< of shutdown: nothing more is sent
 
 // Notifications of WSAAsyncSelect; each is one bit.
 inline constexpr std::int32_t fdRead = 1;
@@ -153,6 +154,10 @@ class Sockets {
   /// Bytes taken, which can be fewer than given; -1 with 10035 if there is no room.
   virtual std::int32_t send(std::int32_t socket, std::span<const std::uint8_t> bytes,
                             std::int32_t flags) = 0;
+  /// Ends one direction (sendingEnd, the only one; 10022 for others): the peer reads what was sent
+  /// and then the end; what it sends still comes. Sending fails with 10058 from then on. 10057
+  /// without a connection.
+  virtual std::int32_t shutdown(std::int32_t socket, std::int32_t how) = 0;
   virtual std::int32_t sendto(std::int32_t socket, std::span<const std::uint8_t> bytes,
                               std::int32_t flags, const SocketAddress& receiver) = 0;
   /// Bytes read, 0 after the last one of a peer that has closed. Of a datagram that is longer than

@@ -149,6 +149,7 @@ void Selection::concludeConnecting(OpenSocket& socket) {
 void Selection::connecting(OpenSocket& socket) {
   socket.phase = Phase::connecting;
   socket.posted = 0;
+  socket.silent = false;
   socket.hungUp = false;
   socket.failure = 0;
 }

@@ -29,6 +29,7 @@ struct OpenSocket {
   bool watched = false;     ///< the poller knows it
   std::int32_t posted = 0;  ///< events that were posted and that no call has answered yet
 
+  bool silent = false;       ///< sends nothing more
   bool hungUp = false;       ///< nothing more will come from the peer
   bool urgent = false;       ///< the peer has sent urgent data, at which reading stops early
   bool listed = false;       ///< waits to be examined

@@ -373,6 +373,16 @@ std::int32_t PosixSockets::ioctlsocket(std::int32_t socket, std::int32_t command
 
 // ---- sending
 
+std::int32_t PosixSockets::shutdown(std::int32_t socket, std::int32_t how) {
+  OpenSocket* const open = find(socket);
+  if (open == nullptr) return winsock::failed;
+  if (how != winsock::sendingEnd) return fail(error::invalidArgument);
+  if (!open->stream || open->phase != Phase::connected) return fail(error::notConnected);
+  if (::shutdown(open->descriptor.get(), SHUT_WR) != 0) return failSystem();
+  open->silent = true;
+  return 0;
+}
+
 /// The socket of a transfer: one that is there, and connected if it has to be.
 OpenSocket* PosixSockets::findForTransfer(std::int32_t socket, std::int32_t flags) {
   constexpr std::int32_t known = outOfBand | winsock::peek | dontRoute;
@@ -404,6 +414,7 @@ std::int32_t PosixSockets::sendto(std::int32_t socket, std::span<const std::uint
 
 std::int32_t PosixSockets::transmit(OpenSocket& socket, std::span<const std::uint8_t> bytes,
                                     std::int32_t flags, const SocketAddress* receiver) {
+  if (socket.silent) return fail(error::shutDown);
   const sockaddr_in to = toSystem(receiver == nullptr ? SocketAddress() : *receiver);
   const auto call = [&] {
     return ::sendto(socket.descriptor.get(), bytes.data(), bytes.size(), flags | MSG_NOSIGNAL,

@@ -49,6 +49,7 @@ class PosixSockets final : public Sockets {
 
   std::int32_t send(std::int32_t socket, std::span<const std::uint8_t> bytes,
                     std::int32_t flags) override;
+  std::int32_t shutdown(std::int32_t socket, std::int32_t how) override;
   std::int32_t sendto(std::int32_t socket, std::span<const std::uint8_t> bytes, std::int32_t flags,
                       const SocketAddress& receiver) override;
   std::int32_t recv(std::int32_t socket, std::span<std::uint8_t> bytes,

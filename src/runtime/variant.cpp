@@ -89,6 +89,25 @@ bool isNumeric(const Variant& value) {
   }
 }
 
+SharedBytes::SharedBytes(Bytes bytes)
+    : bytes_(bytes.empty() ? nullptr : std::make_shared<Bytes>(std::move(bytes))) {}
+
+const SharedBytes::Bytes& SharedBytes::get() const {
+  static const Bytes none;
+  return bytes_ ? *bytes_ : none;
+}
+
+std::shared_ptr<const SharedBytes::Bytes> SharedBytes::share() const {
+  return bytes_ ? bytes_ : std::make_shared<const Bytes>();
+}
+
+SharedBytes::Bytes SharedBytes::take() {
+  if (!bytes_) return {};
+  Bytes taken = bytes_.use_count() == 1 ? std::move(*bytes_) : *bytes_;
+  bytes_.reset();
+  return taken;
+}
+
 Variant::Variant() = default;
 Variant::Variant(TextView text) : value_(Text(text)) {}
 Variant::Variant(const char16_t* text) : value_(Text(text)) {}
@@ -100,7 +119,9 @@ Variant::~Variant() = default;
 
 template <typename T>
 Variant::Variant(T value) requires(isOneOf<T>(static_cast<const Value*>(nullptr)))
-    : value_(std::in_place_type<T>, std::move(value)) {}
+    : value_(std::in_place_type<
+                 std::conditional_t<std::is_same_v<T, SharedBytes::Bytes>, SharedBytes, T>>,
+             std::move(value)) {}
 
 template Variant::Variant(std::monostate);
 template Variant::Variant(Null);

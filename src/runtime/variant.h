@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -43,6 +44,23 @@ struct Date {
   bool operator==(const Date&) const = default;
 };
 
+/// An array of bytes. Copies share the bytes, which nobody changes, until one of them takes its own
+/// out: what waits to be sent is not there twice.
+class SharedBytes {
+ public:
+  using Bytes = std::vector<std::uint8_t>;
+
+  explicit SharedBytes(Bytes bytes);
+  const Bytes& get() const;
+  std::shared_ptr<const Bytes> share() const;
+  /// Without a copy if nobody else has them. None are left.
+  Bytes take();
+  bool operator==(const SharedBytes& other) const { return get() == other.get(); }
+
+ private:
+  std::shared_ptr<Bytes> bytes_;  ///< null: none
+};
+
 /// A value that carries its type. The alternatives stand in the order of `types` in variant.cpp.
 /// What treats one by one the fifteen types that a value can have stands there too: the header is
 /// in every unit, and compiling it there again and again took a twentieth of the build.
@@ -68,6 +86,7 @@ class Variant {
   struct Missing {
     bool operator==(const Missing&) const = default;
   };
+  /// What a variant is made of and gives back.
   using Value = std::variant<std::monostate, Null, std::int16_t, std::int32_t, float, double,
                              Currency, Date, Text, Object, Missing, bool, std::uint8_t,
                              std::vector<std::int32_t>, std::vector<std::uint8_t>>;
@@ -101,21 +120,41 @@ class Variant {
   /// The value if it is of that type, else null.
   template <typename T>
   const T* get() const {
-    return std::get_if<T>(&value_);
+    if constexpr (std::is_same_v<T, SharedBytes::Bytes>) {
+      const auto* const bytes = std::get_if<SharedBytes>(&value_);
+      return bytes == nullptr ? nullptr : &bytes->get();
+    } else {
+      return std::get_if<T>(&value_);
+    }
+  }
+  /// The bytes of an array of them, which stay as they are while anybody has them; null of any
+  /// other value.
+  std::shared_ptr<const SharedBytes::Bytes> shareBytes() const {
+    const auto* const bytes = std::get_if<SharedBytes>(&value_);
+    return bytes == nullptr ? nullptr : bytes->share();
   }
   /// Takes a value of that type out; the variant keeps the type. std::bad_variant_access otherwise.
   template <typename T>
   T take() {
-    return std::exchange(std::get<T>(value_), T{});
+    if constexpr (std::is_same_v<T, SharedBytes::Bytes>) {
+      return std::get<SharedBytes>(value_).take();
+    } else {
+      return std::exchange(std::get<T>(value_), T{});
+    }
   }
-  const Value& value() const { return value_; }
   /// See toDouble.
   double number() const;
 
   bool operator==(const Variant& other) const;
 
  private:
-  Value value_;
+  template <typename... Types>
+  static std::variant<
+      std::conditional_t<std::is_same_v<Types, SharedBytes::Bytes>, SharedBytes, Types>...>
+  storedAs(const std::variant<Types...>&);
+  using Stored = decltype(storedAs(std::declval<Value>()));
+
+  Stored value_;
 };
 
 /// Whether the language takes the value for a number: the number types, Boolean and Empty, and

@@ -342,10 +342,8 @@ void readServices(const JsonReader& value, MachineChange& machine) {
 }
 
 constexpr KeyRow<ProgramChange> programKeys[] = {
-    {"starts", into<&ProgramChange::starts>},
-    {"opens", into<&ProgramChange::opens>},
-    {"running", into<&ProgramChange::running>},
-    {"exit", into<&ProgramChange::exit>},
+    {"starts", into<&ProgramChange::starts>},     {"opens", into<&ProgramChange::opens>},
+    {"running", into<&ProgramChange::running>},   {"exit", into<&ProgramChange::exit>},
     {"duration", into<&ProgramChange::duration>},
 };
 

@@ -105,6 +105,7 @@ std::uint64_t Drive::spaceFor(std::uint64_t size) const {
 }
 
 Guard Drive::guard(const Path& path) const {
+  if (guards.empty()) return {};
   const auto found = guards.find(path.key());
   return found == guards.end() ? Guard{} : found->second;
 }
@@ -194,7 +195,11 @@ void Disks::put(TextView text, const FileSettings& settings) {
   guard.locked = settings.locked.value_or(guard.locked);
   guard.inUse = settings.inUse.value_or(guard.inUse);
   guard.deny = settings.deny.value_or(guard.deny);
-  drive.guards[path.key()] = guard;
+  if (guard == Guard{}) {
+    drive.guards.erase(path.key());
+  } else {
+    drive.guards[path.key()] = guard;
+  }
 }
 
 void Disks::putFile(Drive& drive, const Path& path, const std::optional<FileContent>& content) {

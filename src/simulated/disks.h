@@ -23,6 +23,8 @@ struct Guard {
   bool locked = false;
   bool inUse = false;
   Denial deny;
+
+  bool operator==(const Guard&) const = default;
 };
 
 /// One drive: its settings, its volume and the guards of its entries.

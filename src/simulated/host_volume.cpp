@@ -1,10 +1,16 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <fstream>
 #include <map>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "platform/file_system.h"
+#include "simulated/host_names.h"
 #include "simulated/volume.h"
 
 namespace zev::simulated {
@@ -27,47 +33,52 @@ SystemError refusal(const std::error_code& error) {
   return system_error::accessDenied;
 }
 
-/// Why a stream of the host has just failed.
-SystemError lastRefusal() {
-  const SystemError error = refusal({errno, std::generic_category()});
-  return error != system_error::success ? error : SystemError{system_error::deviceError};
-}
+/// Why a call of the host has just failed.
+SystemError lastRefusal() { return refusal({errno, std::generic_category()}); }
 
 /// A file of the host. It is opened for writing when it is first written. All of the machine's
 /// accesses to a file go through one body, so its size needs to be asked for only once. What is
 /// written goes to the host at once, so that it is the write that fails there.
 class HostBody final : public FileBody {
  public:
-  explicit HostBody(fs::path path) : path_(std::move(path)) {
-    stream_.rdbuf()->pubsetbuf(nullptr, 0);
-  }
+  explicit HostBody(std::string path) : path_(std::move(path)) {}
+  ~HostBody() override { close(); }
+  HostBody(const HostBody&) = delete;
+  HostBody& operator=(const HostBody&) = delete;
 
   std::uint64_t size() const override {
     if (!size_) {
-      std::error_code error;
-      const auto size = fs::file_size(path_, error);
-      if (error) return 0;
-      size_ = size;
+      struct stat status {};
+      if (::stat(path_.c_str(), &status) != 0) return 0;
+      size_ = static_cast<std::uint64_t>(status.st_size);
     }
     return *size_;
   }
 
   std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) override {
-    if (!ready(std::ios::in)) return 0;
-    stream_.seekg(static_cast<std::streamoff>(offset));
-    stream_.read(reinterpret_cast<char*>(into.data()), static_cast<std::streamsize>(into.size()));
-    return static_cast<std::size_t>(stream_.gcount());
+    if (!ready(O_RDONLY)) return 0;
+    std::size_t done = 0;
+    while (done < into.size()) {
+      const ssize_t count =
+          ::pread(file_, into.data() + done, into.size() - done, static_cast<off_t>(offset + done));
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) break;
+      done += static_cast<std::size_t>(count);
+    }
+    return done;
   }
 
   SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
-    errno = 0;
-    if (!ready(std::ios::in | std::ios::out)) return lastRefusal();
-    stream_.seekp(static_cast<std::streamoff>(offset));
-    stream_.write(reinterpret_cast<const char*>(from.data()),
-                  static_cast<std::streamsize>(from.size()));
-    if (!stream_.good()) {
-      size_.reset();
-      return lastRefusal();
+    if (!ready(O_RDWR)) return lastRefusal();
+    for (std::size_t done = 0; done < from.size();) {
+      const ssize_t count = ::pwrite(file_, from.data() + done, from.size() - done,
+                                     static_cast<off_t>(offset + done));
+      if (count < 0 && errno == EINTR) continue;
+      if (count < 0) {
+        size_.reset();
+        return lastRefusal();
+      }
+      done += static_cast<std::size_t>(count);
     }
     if (size_ && !from.empty()) size_ = std::max<std::uint64_t>(*size_, offset + from.size());
     return system_error::success;
@@ -81,33 +92,48 @@ class HostBody final : public FileBody {
   }
 
   SystemError close() override {
-    if (!stream_.is_open()) return system_error::success;
-    errno = 0;
-    stream_.clear();
-    stream_.close();
-    return stream_.good() ? SystemError{system_error::success} : lastRefusal();
+    if (file_ < 0) return system_error::success;
+    return ::close(std::exchange(file_, -1)) == 0 ? SystemError{system_error::success}
+                                                  : lastRefusal();
   }
 
  private:
-  bool ready(std::ios::openmode mode) {
-    if (!stream_.is_open() || (mode & ~mode_) != std::ios::openmode{}) {
-      stream_.close();
-      stream_.open(path_, mode | std::ios::binary);
+  /// The file is open for that, or for more.
+  bool ready(int mode) {
+    if (file_ < 0 || (mode == O_RDWR && mode_ != O_RDWR)) {
+      close();
+      file_ = ::open(path_.c_str(), mode | O_CLOEXEC);
       mode_ = mode;
     }
-    stream_.clear();
-    return stream_.is_open();
+    return file_ >= 0;
   }
 
-  fs::path path_;
-  std::fstream stream_;
+  std::string path_;
+  int file_ = -1;
+  int mode_ = O_RDONLY;
   mutable std::optional<std::uint64_t> size_;  ///< in bytes; none: it has to be asked for
-  std::ios::openmode mode_{};
+};
+
+/// An entry of the host.
+struct HostEntry {
+  std::string path;
+  struct stat status {};  ///< of what a link leads to, and of the link itself if that is nothing
+  bool link = false;
+
+  bool isDirectory() const { return S_ISDIR(status.st_mode); }
+  bool isFile() const { return S_ISREG(status.st_mode); }
+  HostNames::Identity identity() const { return {status.st_dev, status.st_ino}; }
+  /// Looks at the path; false if nothing is there, or only a link that leads nowhere.
+  bool look() {
+    if (::lstat(path.c_str(), &status) != 0) return false;
+    link = S_ISLNK(status.st_mode);
+    return !link || ::stat(path.c_str(), &status) == 0;
+  }
 };
 
 class HostVolume final : public Volume {
  public:
-  explicit HostVolume(fs::path folder) : folder_(std::move(folder)) {}
+  explicit HostVolume(const fs::path& folder) : folder_(folder.native()) {}
 
   std::optional<DirectoryEntry> find(const Path& path) const override {
     const auto host = onHost(path);
@@ -121,10 +147,12 @@ class HostVolume final : public Volume {
     std::vector<DirectoryEntry> entries;
     const auto host = onHost(directory);
     std::error_code error;
-    if (!host || !host->is_directory(error)) return entries;
-    for (const auto& each : fs::directory_iterator(*host, error)) {
-      const Text name = nameOf(each.path());
-      if (validName(name)) entries.push_back(entry(each, directory.child(name)));
+    if (!host || !host->isDirectory()) return entries;
+    for (const auto& each : fs::directory_iterator(host->path, error)) {
+      HostEntry one{each.path().native()};
+      one.look();
+      const Text name = nameOf(one);
+      if (validName(name)) entries.push_back(entry(one, directory.child(name)));
     }
     std::sort(entries.begin(), entries.end(),
               [](const DirectoryEntry& first, const DirectoryEntry& second) {
@@ -135,21 +163,20 @@ class HostVolume final : public Volume {
 
   std::shared_ptr<FileBody> open(const Path& file) const override {
     const auto host = onHost(file);
-    std::error_code error;
-    if (!host || !host->is_regular_file(error)) return nullptr;
+    if (!host || !host->isFile()) return nullptr;
     std::weak_ptr<FileBody>& known = bodies_[file.key()];
     std::shared_ptr<FileBody> body = known.lock();
-    if (!body) known = body = std::make_shared<HostBody>(*host);
+    if (!body) known = body = std::make_shared<HostBody>(host->path);
     return body;
   }
 
   SystemError createFile(const Path& path, std::uint32_t attributes) override {
+    constexpr mode_t anybody = 0666;
     const auto parent = onHost(path.parent());
     if (!parent) return system_error::pathNotFound;
-    errno = 0;
-    if (!std::ofstream(parent->path() / hostName(path.leaf()), std::ios::binary)) {
-      return lastRefusal();
-    }
+    const int made = ::open(below(*parent, path.leaf()).c_str(),
+                            O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, anybody);
+    if (made < 0 || ::close(made) != 0) return lastRefusal();
     attributes_[path.key()] = attributes;
     return system_error::success;
   }
@@ -158,7 +185,7 @@ class HostVolume final : public Volume {
     const auto parent = onHost(path.parent());
     if (!parent) return system_error::pathNotFound;
     std::error_code error;
-    const bool made = fs::create_directory(parent->path() / hostName(path.leaf()), error);
+    const bool made = fs::create_directory(below(*parent, path.leaf()), error);
     return made || error ? refusal(error) : SystemError{system_error::alreadyExists};
   }
 
@@ -166,9 +193,9 @@ class HostVolume final : public Volume {
     const auto replacement = onHost(by);
     if (!replacement) return system_error::fileNotFound;
     const auto replaced = onHost(file);
-    const fs::path beside = replacement->path().parent_path() / hostName(file.leaf());
+    const fs::path beside = fs::path(replacement->path).parent_path() / toUtf8(file.leaf());
     std::error_code error;
-    fs::rename(replacement->path(), replaced ? replaced->path() : beside, error);
+    fs::rename(replacement->path, replaced ? fs::path(replaced->path) : beside, error);
     if (error) return refusal(error);
     const auto attributes = attributes_.extract(by.key());
     if (!replaced && attributes) attributes_[file.key()] = attributes.mapped();
@@ -181,7 +208,7 @@ class HostVolume final : public Volume {
     const auto host = path.isRoot() ? std::nullopt : onHost(path);
     if (!host) return false;
     std::error_code error;
-    fs::remove_all(*host, error);
+    fs::remove_all(host->path, error);
     if (error) return false;
     const Text key = path.key();
     std::erase_if(attributes_, [&](const auto& each) {
@@ -198,80 +225,61 @@ class HostVolume final : public Volume {
   }
 
  private:
-  static fs::path hostName(const Text& name) { return fs::path(name); }
+  static std::string below(const HostEntry& folder, const Text& name) {
+    return folder.path + '/' + toUtf8(name);
+  }
 
-  static Text nameOf(const fs::path& path) {
-    const std::u8string name = path.filename().u8string();
-    return fromUtf8({reinterpret_cast<const char*>(name.data()), name.size()});
+  static Text nameOf(const HostEntry& entry) {
+    return fromUtf8(std::string_view(entry.path).substr(entry.path.rfind('/') + 1));
   }
 
   /// The real entry, whatever the case of its names; none if there is none. Names as they stand are
   /// tried first, all at once.
-  std::optional<fs::directory_entry> onHost(const Path& path) const {
-    fs::path exact = folder_;
-    for (const Text& name : path.names) exact /= hostName(name);
-    std::error_code error;
-    fs::directory_entry entry(exact, error);
-    if (entry.exists(error)) return entry;
+  std::optional<HostEntry> onHost(const Path& path) const {
+    HostEntry exact{folder_};
+    for (const Text& name : path.names) exact.path = below(exact, name);
+    if (exact.look()) return exact;
     const auto parent = path.isRoot() ? std::nullopt : onHost(path.parent());
-    return parent ? childInAnyCase(*parent, path.leaf()) : std::nullopt;
-  }
-
-  static std::optional<fs::directory_entry> childInAnyCase(const fs::directory_entry& folder,
-                                                           const Text& name) {
-    const fs::path exact = hostName(name);
-    std::optional<fs::directory_entry> found;
-    std::error_code error;
-    for (const auto& each : fs::directory_iterator(folder, error)) {
-      if (!mayBeNamed(each, name)) continue;
-      const fs::path itsName = each.path().filename();
-      if (itsName == exact) return each;
-      if (!found && equalText(nameOf(itsName), name)) found = each;
-    }
+    const auto name =
+        parent ? names_.find(parent->path, parent->identity(), path.leaf()) : std::nullopt;
+    if (!name) return std::nullopt;
+    HostEntry found{parent->path + '/' + *name};
+    found.look();
     return found;
   }
 
-  /// False for most of the names that differ from `name`, without a conversion: a name of the host
-  /// has one to three units for each of ours.
-  static bool mayBeNamed(const fs::directory_entry& entry, const Text& name) {
-    const fs::path::string_type& whole = entry.path().native();
-    const std::size_t units = whole.size() - (whole.rfind(fs::path::preferred_separator) + 1);
-    return units >= name.size() && units <= 3 * name.size();
-  }
-
-  DirectoryEntry entry(const fs::directory_entry& host, const Path& path) const {
-    std::error_code error;
-    DirectoryEntry entry{nameOf(host.path()), file_attribute::archive, 0};
-    const bool directory = host.is_directory(error);
-    if (directory) entry.attributes = file_attribute::normal;
-    const auto known = attributes_.find(path.key());
+  DirectoryEntry entry(const HostEntry& host, const Path& path) const {
+    DirectoryEntry entry{nameOf(host), file_attribute::archive, 0};
+    if (host.isDirectory()) entry.attributes = file_attribute::normal;
+    const Text key = path.key();
+    const auto known = attributes_.find(key);
     if (known != attributes_.end()) entry.attributes = known->second;
-    if (host.is_symlink(error)) entry.attributes |= file_attribute::link;
-    if (directory) {
+    if (host.link) entry.attributes |= file_attribute::link;
+    if (host.isDirectory()) {
       entry.attributes |= file_attribute::directory;
-    } else if (const auto body = openBody(path)) {
+    } else if (const auto body = openBody(key)) {
       entry.size = body->size();
-    } else {
-      const auto size = host.file_size(error);
-      entry.size = error ? 0 : size;
+    } else if (host.isFile()) {
+      entry.size = static_cast<std::uint64_t>(host.status.st_size);
     }
     return entry;
   }
 
-  /// The body of a file that somebody has open: what it was given may not be on the disk yet.
-  std::shared_ptr<FileBody> openBody(const Path& path) const {
-    const auto known = bodies_.find(path.key());
+  /// The body of a file that somebody has open: its size needs not be asked for.
+  std::shared_ptr<FileBody> openBody(const Text& key) const {
+    const auto known = bodies_.find(key);
     return known == bodies_.end() ? nullptr : known->second.lock();
   }
 
-  fs::path folder_;
+  std::string folder_;  ///< absolute or relative to the host's current folder, as it was given
+  mutable HostNames names_;
   std::map<Text, std::uint32_t> attributes_;
   mutable std::map<Text, std::weak_ptr<FileBody>> bodies_;
 };
 
 }  // namespace
 
-std::unique_ptr<Volume> makeHostVolume(fs::path folder) {
+std::unique_ptr<Volume> makeHostVolume(std::filesystem::path folder) {
   return std::make_unique<HostVolume>(std::move(folder));
 }
 

@@ -87,6 +87,8 @@ struct Denial {
   bool write = false;
   bool remove = false;
   bool list = false;
+
+  bool operator==(const Denial&) const = default;
 };
 
 /// A file of that many zeros, which take no memory.

@@ -186,8 +186,9 @@ SystemError SimulatedFileSystem::mayRemoveDirectory(const Place& place) const {
   if (place.onReadOnlyMedium()) return writeProtect;
   if (place.guard().deny.remove || place.parentGuard().deny.remove) return accessDenied;
   if (place.has(file_attribute::readOnly)) return accessDenied;
-  if (!place.isLink() && !place.drive->volume->list(place.path).empty()) return directoryNotEmpty;
-  return allows(place, deletion) ? success : sharingViolation;
+  if (!allows(place, deletion)) return sharingViolation;
+  const bool filled = !place.isLink() && !place.drive->volume->list(place.path).empty();
+  return filled ? directoryNotEmpty : success;
 }
 
 // ---- open files

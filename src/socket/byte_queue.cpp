@@ -1,6 +1,7 @@
 #include "socket/byte_queue.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace zev {
@@ -9,11 +10,22 @@ namespace {
 /// Memory that an empty queue may keep for the next bytes.
 constexpr std::size_t worthKeeping = std::size_t{1} << 20;
 
+/// How much more memory than there was is asked for. What is never written to costs nothing but
+/// addresses, of which small processes are short.
+constexpr std::size_t growth = sizeof(void*) > 4 ? 4 : 2;
+constexpr std::size_t longest = INT32_MAX;
+
 }  // namespace
 
+// ---- memory
+
+void SpareMemory::keepAtMost(std::size_t bytes) {
+  most_ = bytes;
+  if (spare_.size() > most_) spare_ = std::vector<std::uint8_t>();
+}
+
 void SpareMemory::give(std::vector<std::uint8_t>& memory) {
-  if (memory.capacity() <= spare_.capacity() || memory.capacity() > most) return;
-  memory.clear();
+  if (memory.size() <= spare_.size() || memory.size() > most_) return;
   spare_ = std::exchange(memory, {});
 }
 
@@ -22,43 +34,78 @@ void SpareMemory::take(std::vector<std::uint8_t>& memory, std::size_t bytes) {
   memory = std::exchange(spare_, {});
 }
 
-std::span<const std::uint8_t> ByteQueue::front(std::size_t count) const {
-  if (!borrowed_.empty()) return borrowed_.first(std::min(count, borrowed_.size()));
-  return std::span(bytes_).subspan(taken_, std::min(count, size()));
-}
-
-void ByteQueue::append(std::span<const std::uint8_t> bytes) {
-  keep();
-  reserve(bytes.size());
-  bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
-}
-
 /// Once more than half is gone the rest moves to the front: each byte moves at most once for every
 /// byte that was dropped. Memory doubles at least, for the same reason.
 void ByteQueue::reserve(std::size_t more) {
-  if (taken_ > bytes_.size() / 2) {
-    bytes_.erase(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(taken_));
-    taken_ = 0;
-  }
-  const std::size_t needed = bytes_.size() + more;
+  if (begin_ > end_ / 2) moveTo(bytes_);
+  const std::size_t needed = end_ + more;
+  if (needed > bytes_.capacity()) grow(needed);
+}
+
+void ByteQueue::grow(std::size_t needed) {
+  std::vector<std::uint8_t> memory = memoryFor(needed);
+  moveTo(memory);
+  std::swap(memory, bytes_);
+  if (spare_ != nullptr && memory.capacity() > worthKeeping) spare_->give(memory);
+}
+
+std::vector<std::uint8_t> ByteQueue::memoryFor(std::size_t needed) {
   const bool large = needed > worthKeeping;
-  if (large && bytes_.empty() && spare_ != nullptr) spare_->take(bytes_, needed);
-  if (needed > bytes_.capacity()) bytes_.reserve(std::max(needed, 2 * bytes_.capacity()));
-}
-
-void ByteQueue::borrow(std::span<const std::uint8_t> bytes) {
-  if (empty()) {
-    borrowed_ = bytes;
-  } else {
-    append(bytes);
+  std::vector<std::uint8_t> memory;
+  if (large && spare_ != nullptr) spare_->take(memory, needed);
+  const std::size_t wanted =
+      std::min((large ? growth : 2) * bytes_.capacity(), std::max(needed, longest));
+  try {
+    memory.reserve(std::max(needed, memory.capacity() == 0 ? wanted : 0));
+  } catch (const std::bad_alloc&) {
+    memory.reserve(needed);
   }
+  return memory;
 }
 
-void ByteQueue::keep() {
-  const auto rest = std::exchange(borrowed_, {});
-  if (rest.empty()) return;
-  reserve(rest.size());
-  bytes_.insert(bytes_.end(), rest.begin(), rest.end());
+/// Moves what waits to the front of that memory, or of its own.
+void ByteQueue::moveTo(std::vector<std::uint8_t>& memory) {
+  const auto first = bytes_.begin() + static_cast<std::ptrdiff_t>(begin_);
+  const auto last = bytes_.begin() + static_cast<std::ptrdiff_t>(end_);
+  const std::size_t count = end_ - begin_;
+  if (memory.size() < count) {
+    memory.assign(first, last);
+  } else {
+    std::copy(first, last, memory.begin());
+  }
+  begin_ = 0;
+  end_ = count;
+}
+
+// ---- bytes
+
+std::span<const std::uint8_t> ByteQueue::front(std::size_t count) const {
+  if (!shared_.empty()) return shared_.first(std::min(count, shared_.size()));
+  return std::span(bytes_).subspan(begin_, std::min(count, size()));
+}
+
+void ByteQueue::append(std::span<const std::uint8_t> bytes) {
+  const auto former = shared_;
+  reserve(former.size() + bytes.size());
+  bytes_.resize(end_);
+  bytes_.insert(bytes_.end(), former.begin(), former.end());
+  bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+  end_ = bytes_.size();
+  shared_ = {};
+  owner_.reset();
+}
+
+void ByteQueue::share(std::shared_ptr<const void> owner, std::span<const std::uint8_t> bytes) {
+  if (!empty()) return append(bytes);
+  owner_ = std::move(owner);
+  shared_ = bytes;
+}
+
+std::span<std::uint8_t> ByteQueue::room(std::size_t more) {
+  if (!shared_.empty()) append({});
+  reserve(more);
+  if (bytes_.size() - end_ < more) bytes_.resize(end_ + more);
+  return std::span(bytes_).subspan(end_, more);
 }
 
 /// The memory itself goes over, unless most of it would lie idle.
@@ -66,23 +113,27 @@ void ByteQueue::adopt(std::vector<std::uint8_t>& bytes, std::size_t count) {
   if (!empty() || count < bytes.size() / 2) return append(std::span(bytes).first(count));
   bytes.resize(count);
   bytes_ = std::exchange(bytes, {});
+  begin_ = 0;
+  end_ = count;
 }
 
 void ByteQueue::drop(std::size_t count) {
-  if (!borrowed_.empty()) {
-    borrowed_ = borrowed_.subspan(std::min(count, borrowed_.size()));
+  if (!shared_.empty()) {
+    shared_ = shared_.subspan(std::min(count, shared_.size()));
+    if (shared_.empty()) owner_.reset();
     return;
   }
-  taken_ += std::min(count, size());
+  begin_ += std::min(count, size());
   if (!empty()) return;
   if (bytes_.capacity() > worthKeeping) return clear();
-  bytes_.clear();
-  taken_ = 0;
+  begin_ = end_ = 0;
 }
 
 std::vector<std::uint8_t> ByteQueue::take(std::size_t count) {
-  keep();
-  if (taken_ == 0 && count >= bytes_.size()) return std::exchange(bytes_, {});
+  if (shared_.empty() && begin_ == 0 && count >= end_) {
+    bytes_.resize(std::exchange(end_, 0));
+    return std::exchange(bytes_, {});
+  }
   const auto first = front(count);
   std::vector<std::uint8_t> taken(first.begin(), first.end());
   drop(count);
@@ -90,10 +141,11 @@ std::vector<std::uint8_t> ByteQueue::take(std::size_t count) {
 }
 
 void ByteQueue::clear() {
-  borrowed_ = {};
+  shared_ = {};
+  owner_.reset();
   if (spare_ != nullptr && bytes_.capacity() > worthKeeping) spare_->give(bytes_);
-  bytes_ = {};
-  taken_ = 0;
+  bytes_ = std::vector<std::uint8_t>();  // `{}` would keep the memory
+  begin_ = end_ = 0;
 }
 
 }  // namespace zev

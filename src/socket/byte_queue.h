@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -11,39 +12,46 @@ namespace zev {
 /// out by the system and cleared once is not handed out and cleared again.
 class SpareMemory {
  public:
-  /// The most that lies idle, in bytes.
-  static constexpr std::size_t most = std::size_t{64} << 20;
+  /// The most that lies idle without other wishes, in bytes.
+  static constexpr std::size_t usual = std::size_t{64} << 20;
 
+  /// From now on at most so many bytes lie idle.
+  void keepAtMost(std::size_t bytes);
   /// Keeps memory if it is more than there is already, but not too much. The vector is empty then.
   void give(std::vector<std::uint8_t>& memory);
-  /// Memory for so many bytes for an empty vector, if there is any.
+  /// Memory for so many bytes, if there is any, in place of what the vector has. What it holds is
+  /// of no account.
   void take(std::vector<std::uint8_t>& memory, std::size_t bytes);
 
  private:
-  std::vector<std::uint8_t> spare_;
+  std::vector<std::uint8_t> spare_;  ///< whose size is how far it was ever written
+  std::size_t most_ = usual;
 };
 
-/// Bytes that wait, in one piece of memory: appended at the end, taken from the front. Each byte is
-/// moved a bounded number of times however many wait.
+/// Bytes that wait: appended at the end, taken from the front. They lie in one piece of memory, the
+/// queue's own or one that is shared with whoever gave it. Each byte is moved a bounded number of
+/// times however many wait.
 class ByteQueue {
  public:
   ByteQueue() = default;
   /// Borrows where large memory comes from and goes to, which outlives the queue.
   explicit ByteQueue(SpareMemory& spare) : spare_(&spare) {}
 
-  std::size_t size() const { return borrowed_.size() + bytes_.size() - taken_; }
+  std::size_t size() const { return shared_.size() + end_ - begin_; }
   bool empty() const { return size() == 0; }
   /// The first `count` bytes, at most all; valid until the queue changes.
   std::span<const std::uint8_t> front(std::size_t count) const;
   /// std::bad_alloc without memory for them, here and below; nothing has changed then.
   void append(std::span<const std::uint8_t> bytes);
+  /// The same for an empty queue without a copy: the bytes are as they are while the queue has the
+  /// owner.
+  void share(std::shared_ptr<const void> owner, std::span<const std::uint8_t> bytes);
   /// Makes room for so many more bytes.
   void reserve(std::size_t more);
-  /// The same for an empty queue without a copy: the bytes stay the caller's, who has to leave them
-  /// alone until `keep`.
-  void borrow(std::span<const std::uint8_t> bytes);
-  /// Makes what is still borrowed the queue's own; without memory for it, it is gone.
-  void keep();
+  /// Room for so many bytes behind what waits, to be filled before the queue is touched again.
+  std::span<std::uint8_t> room(std::size_t more);
+  /// So many bytes of that room are there now.
+  void filled(std::size_t count) { end_ += count; }
   /// Appends the first `count` bytes of a vector, which is as good as moved away.
   void adopt(std::vector<std::uint8_t>& bytes, std::size_t count);
   /// Drops the first `count` bytes, at most all.
@@ -54,9 +62,15 @@ class ByteQueue {
   void clear();
 
  private:
-  std::span<const std::uint8_t> borrowed_;  ///< if any, there are no others
-  std::vector<std::uint8_t> bytes_;
-  std::size_t taken_ = 0;  ///< bytes at the front that are gone
+  void grow(std::size_t needed);
+  std::vector<std::uint8_t> memoryFor(std::size_t needed);
+  void moveTo(std::vector<std::uint8_t>& memory);
+
+  std::shared_ptr<const void> owner_;     ///< of `shared_`
+  std::span<const std::uint8_t> shared_;  ///< if any, there are no others
+  std::vector<std::uint8_t> bytes_;       ///< whose size is how far it was ever written
+  std::size_t begin_ = 0;                 ///< in `bytes_`
+  std::size_t end_ = 0;
   SpareMemory* spare_ = nullptr;
 };
 

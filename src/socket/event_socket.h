@@ -195,12 +195,11 @@ class CEventSocket final : public NotificationTarget,
   void SendBufferedData();
   bool sendChunk(std::int32_t& counter);
   void queueValue(const Variant& data);
-  void queueBytes(std::span<const std::uint8_t> bytes);
+  void queueBytes(std::shared_ptr<const void> owner, std::span<const std::uint8_t> bytes);
   void chunkSent(std::int32_t amount, std::int32_t& counter);
-  void keepRest();
   void chunkRefused(std::int32_t reason, std::int32_t counter);
   std::int32_t RecvDataToBuffer();
-  void makeRoom(std::vector<std::uint8_t>& scratch, std::size_t most);
+  std::span<std::uint8_t> makeRoom(std::size_t most, bool follows);
   std::int32_t RecvData(Variant& data, Peek peek, Variant& varType, const Variant& maxLen);
   std::int32_t fetchBytes(Variant& data, VariantType type, Peek peek, const Variant& maxLen);
   void storeBytes(Variant& data, std::vector<std::uint8_t> bytes);
@@ -232,7 +231,7 @@ class CEventSocket final : public NotificationTarget,
   std::int32_t sendChunkSize_ = 0;  ///< largest piece for one `send`
   std::int32_t recvChunkSize_ = 0;  ///< size of one `recv`
   ByteQueue sendBuffer_{module_.spareMemory()};
-  ByteQueue recvBuffer_;
+  ByteQueue recvBuffer_{module_.spareMemory()};
   bool acceptClass_ = false;                  ///< holds a connection until somebody takes it
   Collection<std::int32_t> pendingResolves_;  ///< destinations by look-up
   std::int32_t runningLookUp_ = 0;            ///< 0 while there is none

@@ -13,8 +13,21 @@ using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t longestBuffer = INT32_MAX;
 
-std::span<const std::uint8_t> bytesOf(const std::string& text) {
-  return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+/// Bytes that stay as they are while somebody has them.
+struct Shared {
+  std::shared_ptr<const void> owner;
+  std::span<const std::uint8_t> bytes;
+};
+
+template <typename Container>
+Shared shared(std::shared_ptr<const Container> owner) {
+  const std::span bytes(reinterpret_cast<const std::uint8_t*>(owner->data()), owner->size());
+  return {std::move(owner), bytes};
+}
+
+template <typename Container>
+Shared shared(Container container) {
+  return shared(std::make_shared<const Container>(std::move(container)));
 }
 
 std::string_view charactersOf(std::span<const std::uint8_t> bytes) {
@@ -57,32 +70,30 @@ void CEventSocket::SendData(const Variant& data) {
 }
 
 void CEventSocket::queueValue(const Variant& data) {
+  Shared given;
   if (const Text* const text = data.get<Text>()) {
-    queueBytes(bytesOf(module_.services().kernel.toAnsi(*text)));
-  } else if (const Bytes* const bytes = data.get<Bytes>()) {
-    queueBytes(*bytes);
+    given = shared(module_.services().kernel.toAnsi(*text));
+  } else if (data.get<Bytes>() != nullptr) {
+    given = shared(data.shareBytes());
   } else if (wireSize(data.type())) {
-    queueBytes(toWire(data));
+    given = shared(toWire(data));
   } else {
     raiseUnsupportedVariant(u"CEventSocket.SendData");
   }
+  queueBytes(std::move(given.owner), given.bytes);
 }
 
 /// Bytes that find others waiting follow them once there is room. Those that find none go out from
-/// where they are, and only the rest is copied, before anybody else can touch them.
-void CEventSocket::queueBytes(std::span<const std::uint8_t> bytes) {
+/// where they are, without a copy: the owner's variant and the queue share them.
+void CEventSocket::queueBytes(std::shared_ptr<const void> owner,
+                              std::span<const std::uint8_t> bytes) {
   if (bytes.empty()) return;
   if (bytes.size() > longestBuffer - sendBuffer_.size()) {
     raiseOutOfMemory(u"CEventSocket.SendData");
   }
-  if (!sendBuffer_.empty()) return sendBuffer_.append(bytes);
-  sendBuffer_.borrow(bytes);
-  try {
-    FlushSendBuffer();
-  } catch (...) {
-    sendBuffer_.keep();
-    throw;
-  }
+  const bool waits = !sendBuffer_.empty();
+  sendBuffer_.share(std::move(owner), bytes);
+  if (!waits) FlushSendBuffer();
 }
 
 void CEventSocket::FlushSendBuffer() {
@@ -140,18 +151,7 @@ void CEventSocket::chunkSent(std::int32_t amount, std::int32_t& counter) {
   raiseEvent(events.SendComplete);
 }
 
-/// Without memory for the rest the stream has a gap.
-void CEventSocket::keepRest() {
-  try {
-    sendBuffer_.keep();
-  } catch (const std::bad_alloc&) {
-    setState(sckError);
-    throw;
-  }
-}
-
 void CEventSocket::chunkRefused(std::int32_t reason, std::int32_t counter) {
-  keepRest();
   if (reason != winsock::error::wouldBlock) {
     return Report(reason, u"CEventSocket.SendBufferedData");
   }
@@ -169,11 +169,15 @@ std::int32_t CEventSocket::recvBufferLength() const {
   return static_cast<std::int32_t>(recvBuffer_.size());
 }
 
-/// Before bytes leave the system: there they are safe.
-void CEventSocket::makeRoom(std::vector<std::uint8_t>& scratch, std::size_t most) {
+/// Before bytes leave the system: there they are safe. Much that waits is followed where it lies.
+/// Little is copied there, so that nobody holds room for a whole chunk because of it.
+std::span<std::uint8_t> CEventSocket::makeRoom(std::size_t most, bool follows) {
   try {
+    if (follows) return recvBuffer_.room(most);
+    Bytes& scratch = module_.scratch();
     if (scratch.size() < most) scratch.resize(most);
     if (!recvBuffer_.empty()) recvBuffer_.reserve(most);
+    return std::span(scratch).first(most);
   } catch (const std::bad_alloc&) {
     setState(sckError);
     raiseOutOfMemory(u"CEventSocket.RecvDataToBuffer");
@@ -187,15 +191,19 @@ std::int32_t CEventSocket::RecvDataToBuffer() {
     setState(sckError);
     raiseOutOfMemory(source);
   }
-  Bytes& bytes = module_.scratch();
-  makeRoom(bytes, most);
-  const std::int32_t amount = sockets_.recv(socketHandle_, std::span(bytes).first(most), 0);
+  const bool follows = recvBuffer_.size() >= most;
+  const std::int32_t amount = sockets_.recv(socketHandle_, makeRoom(most, follows), 0);
   if (amount == winsock::failed) {
     const std::int32_t reason = lastError();
     setState(sckError);
     raiseWinsockError(reason, source);
   }
-  recvBuffer_.adopt(bytes, static_cast<std::size_t>(amount));
+  const auto count = static_cast<std::size_t>(amount);
+  if (follows) {
+    recvBuffer_.filled(count);
+  } else {
+    recvBuffer_.adopt(module_.scratch(), count);
+  }
   return amount;
 }
 

@@ -69,7 +69,9 @@ void modEventSocket::instanceEnded(InstancePointer instance) {
 
 void modEventSocket::giveBack(std::vector<std::uint8_t> memory) {
   constexpr std::size_t worthKeeping = std::size_t{1} << 20;
-  if (memory.capacity() <= worthKeeping && memory.capacity() > scratch_.capacity()) {
+  if (memory.capacity() > worthKeeping) {
+    spareMemory_.give(memory);
+  } else if (memory.capacity() > scratch_.capacity()) {
     scratch_ = std::move(memory);
   }
 }

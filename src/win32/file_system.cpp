@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "win32/ansi.h"
+#include "win32/system_library.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
@@ -79,10 +80,28 @@ DWORD pieceOf(std::size_t left) { return static_cast<DWORD>(std::min(left, large
 
 // ---- searches
 
+namespace {
+
+bool isThere(const std::string& path) {
+  return ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+/// Whether a pattern names one entry, and its folder is there but it is not.
+bool isMissing(const std::string& pattern) {
+  const std::size_t name = pattern.rfind('\\') + 1;
+  return name != 0 && pattern.find_first_of("*?") == std::string::npos && !isThere(pattern) &&
+         ::GetLastError() == system_error::fileNotFound && isThere(pattern.substr(0, name));
+}
+
+}  // namespace
+
+/// Most searches are for one file that is not there: then no folder is opened.
 SystemError Win32FileSystem::FindFirstFileA(TextView pattern, DirectoryEntry& entry,
                                             FileHandle& search) {
+  const std::string argument = ansiArgument(pattern);
+  if (isMissing(argument)) return system_error::fileNotFound;
   WIN32_FIND_DATAA found{};
-  HANDLE handle = ::FindFirstFileA(ansiArgument(pattern).c_str(), &found);
+  HANDLE handle = ::FindFirstFileA(argument.c_str(), &found);
   if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
   search = reinterpret_cast<FileHandle>(handle);
   entry = entryOf(found);
@@ -214,6 +233,31 @@ HANDLE openEntry(const std::string& path, const Opening& opening) {
                        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
 }
 
+/// What an open entry is: its attributes, and how many names it has.
+struct Facts {
+  DWORD attributes;
+  DWORD links;
+};
+
+/// Systems from version 6 tell it by itself. What all have also asks the volume for its number,
+/// which takes longer than the rest of a hold.
+SystemError factsOf(HANDLE handle, Facts& facts) {
+  static SystemLibrary kernel32("kernel32.dll");
+  const auto ask =
+      kernel32.find<decltype(::GetFileInformationByHandleEx)>("GetFileInformationByHandleEx");
+  FILE_BASIC_INFO basic{};
+  FILE_STANDARD_INFO standard{};
+  if (ask != nullptr && ask(handle, FileBasicInfo, &basic, sizeof basic) &&
+      ask(handle, FileStandardInfo, &standard, sizeof standard)) {
+    facts = {basic.FileAttributes, standard.NumberOfLinks};
+    return system_error::success;
+  }
+  BY_HANDLE_FILE_INFORMATION information{};
+  const SystemError error = resultOf(::GetFileInformationByHandle(handle, &information));
+  facts = {information.dwFileAttributes, information.nNumberOfLinks};
+  return error;
+}
+
 }  // namespace
 
 SystemError Win32FileSystem::HoldEntryA(TextView path, Holding holding, std::uint32_t& attributes,
@@ -224,14 +268,13 @@ SystemError Win32FileSystem::HoldEntryA(TextView path, Holding holding, std::uin
   const bool directory = (before & FILE_ATTRIBUTE_DIRECTORY) != 0;
   HANDLE handle = openEntry(argument, openingOf(holding, directory));
   if (handle == INVALID_HANDLE_VALUE) return ::GetLastError();
-  BY_HANDLE_FILE_INFORMATION information{};
-  if (!::GetFileInformationByHandle(handle, &information)) {
-    const SystemError error = ::GetLastError();
+  Facts facts{};
+  if (const SystemError error = factsOf(handle, facts)) {
     ::CloseHandle(handle);
     return error;
   }
-  attributes = (before | information.dwFileAttributes) & known;
-  if (!directory && information.nNumberOfLinks > 1) attributes |= file_attribute::link;
+  attributes = (before | facts.attributes) & known;
+  if (!directory && facts.links > 1) attributes |= file_attribute::link;
   held = reinterpret_cast<FileHandle>(handle);
   return system_error::success;
 }

@@ -30,13 +30,13 @@ HFONT FormFonts::fontFor(TextView text) const {
 }
 
 int textWidth(HFONT font, TextView text) {
-  const HDC screen = GetDC(nullptr);
-  const HGDIOBJ before = SelectObject(screen, font);
+  const HDC canvas = CreateCompatibleDC(nullptr);  // as the screen, but nothing is drawn there
+  const HGDIOBJ before = SelectObject(canvas, font);
   SIZE size{};
-  GetTextExtentPoint32W(screen, reinterpret_cast<const wchar_t*>(text.data()),
+  GetTextExtentPoint32W(canvas, reinterpret_cast<const wchar_t*>(text.data()),
                         static_cast<int>(text.size()), &size);
-  SelectObject(screen, before);
-  ReleaseDC(nullptr, screen);
+  SelectObject(canvas, before);
+  DeleteDC(canvas);
   return size.cx;
 }
 

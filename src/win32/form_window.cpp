@@ -60,6 +60,12 @@ std::vector<Control*> windowOrder(const Form& form) {
   return order;
 }
 
+/// Whether a property is part of the place that a control has.
+bool isPlace(const PropertyBase& property) {
+  constexpr std::string_view names[] = {"Left", "Top", "Width", "Height"};
+  return std::find(std::begin(names), std::end(names), property.name()) != std::end(names);
+}
+
 /// Why the session is not to end, or none for no reason any more. Systems before version 6 take the
 /// answer alone.
 void tellReason(HWND window, const std::optional<Text>& reason) {
@@ -130,9 +136,13 @@ void FormWindow::place(const Control& control) {
                windowHeight(control, area, dpi_), SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void FormWindow::takeFont(const Control& control) {
-  SendMessageW(windowOf(control), WM_SETFONT,
-               reinterpret_cast<WPARAM>(fonts_->fontFor(contentText(control))), TRUE);
+/// True if the control had another font until now.
+bool FormWindow::takeFont(const Control& control) {
+  const HWND window = windowOf(control);
+  const HFONT font = fonts_->fontFor(contentText(control));
+  if (reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)) == font) return false;
+  SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  return true;
 }
 
 /// Gives the client area its size and puts the form into the middle of the screen.
@@ -177,18 +187,21 @@ void FormWindow::showProperty(const PropertyBase& property) {
   }
   const auto& control = dynamic_cast<const Control&>(property.owner());
   const HWND window = windowOf(control);
-  if (window == nullptr) return;
-  if (property.name() == "Visible") {
+  if (window == nullptr) {
+    if (const HWND picture = pictureOf(control)) InvalidateRect(picture, nullptr, FALSE);
+  } else if (property.name() == "Visible") {
     ShowWindow(window, control.Visible ? SW_SHOWNA : SW_HIDE);
   } else if (property.name() == "Enabled") {
     EnableWindow(window, control.Enabled ? TRUE : FALSE);
   } else if (property.name() == "SelStart") {
     const auto caret = dynamic_cast<const TextBox&>(control).SelStart.get();
     SendMessageW(window, EM_SETSEL, static_cast<WPARAM>(caret), caret);
-  } else {
-    takeFont(control);
-    showContent(control, window);
+  } else if (isPlace(property)) {
     place(control);
+  } else {
+    const bool fits = !takeFont(control);
+    showContent(control, window);
+    if (!fits) place(control);
   }
 }
 
@@ -198,14 +211,25 @@ void FormWindow::enable() {
   if (form_.Enabled) setFocus(focused_);
 }
 
-/// A progress bar and its text are one picture.
+/// A control is drawn, or marked as to be drawn, when it changes: only what is still to be drawn is
+/// drawn now. A form is drawn whole.
 void FormWindow::refresh(const Component& component) {
-  HWND window = window_;
-  if (const auto* control = dynamic_cast<const Control*>(&component)) {
-    window = control->container() == nullptr ? windowOf(*control) : parentOf(*control);
-  }
-  RedrawWindow(window, nullptr, nullptr,
-               RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+  const auto* control = dynamic_cast<const Control*>(&component);
+  const HWND window = control == nullptr ? window_ : pictureOf(*control);
+  const UINT anew = control == nullptr ? RDW_INVALIDATE | RDW_ERASE : 0;
+  if (window != nullptr)
+    RedrawWindow(window, nullptr, nullptr, anew | RDW_ALLCHILDREN | RDW_UPDATENOW);
+}
+
+/// The window in which a control is drawn: a progress bar is one picture with the text that lies on
+/// it. Null without one.
+HWND FormWindow::pictureOf(const Control& control) const {
+  if (!control.design().bar) return windowOf(control);
+  const auto text =
+      std::find_if(form_.Controls().begin(), form_.Controls().end(), [&](const Control* each) {
+        return each->design().onBar && each->container() == control.container();
+      });
+  return text == form_.Controls().end() ? nullptr : windowOf(**text);
 }
 
 HWND FormWindow::windowOf(const Control& control) const {

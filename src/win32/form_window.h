@@ -63,7 +63,7 @@ class FormWindow {
   void makeControls();
   void layOut();
   void place(const Control& control);
-  void takeFont(const Control& control);
+  bool takeFont(const Control& control);
   void centre();
   void enable();
   void command(int id, int code, HWND from);
@@ -71,6 +71,7 @@ class FormWindow {
   void drawContainer(HDC canvas, HWND window);
   void changeDpi(int dpi, const RECT& suggested);
   HWND parentOf(const Control& control) const;
+  HWND pictureOf(const Control& control) const;
   Control* controlOf(int id) const;
 
   Form& form_;

@@ -89,6 +89,7 @@ struct Win32Sockets::Calls {
   decltype(::setsockopt)* setsockopt = find<decltype(::setsockopt)>("setsockopt");
   decltype(::ioctlsocket)* ioctlsocket = find<decltype(::ioctlsocket)>("ioctlsocket");
   decltype(::send)* send = find<decltype(::send)>("send");
+  decltype(::shutdown)* shutdown = find<decltype(::shutdown)>("shutdown");
   decltype(::sendto)* sendto = find<decltype(::sendto)>("sendto");
   decltype(::recv)* recv = find<decltype(::recv)>("recv");
   decltype(::recvfrom)* recvfrom = find<decltype(::recvfrom)>("recvfrom");
@@ -293,6 +294,14 @@ std::int32_t Win32Sockets::ioctlsocket(std::int32_t socket, std::int32_t command
 std::int32_t Win32Sockets::send(std::int32_t socket, std::span<const std::uint8_t> bytes,
                                 std::int32_t flags) {
   return ask(SOCKET_ERROR, &Calls::send, socketOf(socket), bytesOf(bytes), sizeOf(bytes), flags);
+}
+
+std::int32_t Win32Sockets::shutdown(std::int32_t socket, std::int32_t how) {
+  if (starts_ != 0 && how != winsock::sendingEnd) {
+    lastError_ = winsock::error::invalidArgument;
+    return winsock::failed;
+  }
+  return ask(SOCKET_ERROR, &Calls::shutdown, socketOf(socket), how);
 }
 
 std::int32_t Win32Sockets::sendto(std::int32_t socket, std::span<const std::uint8_t> bytes,

@@ -295,6 +295,7 @@ TEST_F(FileSystemContract, KeepsADirectoryWhoseEntriesComeAndGo) {
     EXPECT_EQ(kept.attributes & file_attribute::directory, file_attribute::directory);
     made(u"folder\\entry");
     EXPECT_THAT(found(in(u"folder\\*.*")), testing::Contains(Text(u"entry")));
+    EXPECT_EQ(system().RemoveDirectoryA(folder), sharingViolation);
     EXPECT_EQ(system().DeleteFileA(in(u"folder\\entry")), success);
     EXPECT_EQ(system().RemoveDirectoryA(folder), sharingViolation);
     system().CloseHandle(kept.entry);

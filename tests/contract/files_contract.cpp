@@ -175,6 +175,18 @@ TEST_F(FilesContract, AFileIsPeekedIntoWhileItIsOpenUnlessItIsLocked) {
   files().Close(1);
 }
 
+TEST_F(FilesContract, AnOpenFileIsPeekedIntoByItsNumberEvenIfItIsLocked) {
+  const Text path = made(u"file", u"12345");
+  std::vector<std::uint8_t> piece(4, std::uint8_t{'-'});
+  files().OpenBinary(1, path, true);
+  EXPECT_EQ(files().peek(1, 1, piece), 4u);
+  EXPECT_EQ(std::string(piece.begin(), piece.end()), "2345");
+  EXPECT_EQ(files().peek(1, 100, piece), 0u);
+  EXPECT_EQ(files().LOF(1), 7);
+  files().Close(1);
+  EXPECT_EQ(errorOf([&] { files().peek(1, 0, piece); }), 52);
+}
+
 // ---- numbers
 
 TEST_F(FilesContract, NumbersAreGivenFromTheLowestOn) {

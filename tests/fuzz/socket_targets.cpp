@@ -1,6 +1,8 @@
 // What the sockets keep: the record of a host, and bytes that wait.
 
+#include <algorithm>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "fuzz/target.h"
@@ -59,7 +61,6 @@ void tryByteStream(Data data) {
   Input input(data);
   ByteQueue queue;
   Bytes all;
-  Bytes lent;
   while (!input.empty()) {
     const std::uint8_t deed = input.byte() % 8;
     const std::size_t count = input.below(64);
@@ -71,11 +72,15 @@ void tryByteStream(Data data) {
       queue.adopt(moved, bytes.size());
     }
     if (deed == 3) {
-      queue.keep();
-      lent.assign(bytes.begin(), bytes.end());
-      queue.borrow(lent);
+      const auto shared = std::make_shared<const Bytes>(bytes.begin(), bytes.end());
+      queue.share(shared, *shared);
     }
-    if (deed >= 1 && deed <= 3) all.insert(all.end(), bytes.begin(), bytes.end());
+    const bool fills = deed == 7 && count != 0;
+    if (fills) {
+      std::copy(bytes.begin(), bytes.end(), queue.room(count).begin());
+      queue.filled(bytes.size());
+    }
+    if (fills || (deed >= 1 && deed <= 3)) all.insert(all.end(), bytes.begin(), bytes.end());
     if (deed == 4) {
       require(queue.take(count) == firstOf(all, count), "other bytes are taken");
     } else if (deed == 5) {

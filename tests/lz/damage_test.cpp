@@ -15,7 +15,9 @@ namespace {
 Bytes smallFile() { return compress(mixture(600, 21), 'x'); }
 
 void expectSame(const Bytes& file, const std::string& damage) {
-  ASSERT_EQ(expandBySteps(file), expandByRing(file)) << damage;
+  const Expanded expected = expandByRing(file);
+  ASSERT_EQ(expandBySteps(file), expected) << damage;
+  ASSERT_EQ(expandInMemory(file), expected) << damage << ", in memory";
 }
 
 // Shorter than the whole, a file is copied, or its data ends too early.

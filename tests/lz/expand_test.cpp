@@ -118,6 +118,10 @@ TEST_P(LzExpandFile, HasItsResultFromReadsOfAnySize) {
   }
 }
 
+TEST_P(LzExpandFile, HasItsResultInMemory) {
+  EXPECT_EQ(expandInMemory(GetParam().file), (Expanded{GetParam().result, GetParam().written}));
+}
+
 TEST_P(LzExpandFile, HasItsResultByTheSlowWayToo) {
   EXPECT_EQ(expandByRing(GetParam().file), (Expanded{GetParam().result, GetParam().written}));
 }
@@ -152,6 +156,26 @@ TEST(LzExpand, ReadsPiecesOfAnySize) {
     EXPECT_EQ(expandBySteps(packed, step), (Expanded{150000, plain})) << "reads of " << step;
     EXPECT_EQ(expandBySteps(plain, step), (Expanded{150000, plain})) << "reads of " << step;
   }
+}
+
+TEST(LzExpand, MakesPiecesOfAnyFileInMemory) {
+  for (const std::size_t size : {4095U, 4096U, 4240U, 4241U, 41000U, 150000U, 1000000U}) {
+    const Bytes plain = mixture(size, 13);
+    EXPECT_EQ(expandInMemory(compress(plain, 'x')),
+              (Expanded{static_cast<std::int32_t>(size), plain}));
+    EXPECT_EQ(expandInMemory(plain), (Expanded{static_cast<std::int32_t>(size), plain}));
+  }
+}
+
+TEST(LzExpand, AppendsToWhatIsInMemory) {
+  const Bytes front = text("there before");
+  const Bytes plain = mixture(150000, 14);
+  const Bytes packed = compress(plain, 'x');
+  Bytes written = front;
+  MemorySource source(packed);
+  MemorySink sink(written);
+  EXPECT_EQ(expand(source, sink), 150000);
+  EXPECT_EQ(written, front + plain);
 }
 
 TEST(LzExpand, ReadsNoFurtherThanTheDeclaredLengthAsks) {

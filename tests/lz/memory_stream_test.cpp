@@ -21,6 +21,18 @@ TEST(LzMemorySource, GivesItsBytesInOrderAndThenItsEnd) {
   EXPECT_EQ(source.read(into), 0);
 }
 
+TEST(LzMemorySource, GivesTheRestWhereItLies) {
+  const Bytes bytes{1, 2, 3};
+  MemorySource source(bytes);
+  std::array<std::uint8_t, 1> into{};
+  EXPECT_EQ(source.read(into), 1);
+  const auto rest = source.takeRest();
+  ASSERT_TRUE(rest);
+  EXPECT_EQ(rest->data(), bytes.data() + 1);
+  EXPECT_EQ(rest->size(), 2u);
+  EXPECT_EQ(source.read(into), 0) << "it counts as read";
+}
+
 TEST(LzMemorySink, AppendsToWhatIsThere) {
   Bytes bytes{1};
   MemorySink sink(bytes);

@@ -80,6 +80,15 @@ Expanded expandByRing(std::span<const std::uint8_t> bytes) {
 Expanded expandBySteps(std::span<const std::uint8_t> bytes, std::size_t step) {
   Expanded expanded;
   SteppingSource source(bytes, step);
+  WrittenSink sink(expanded.bytes);
+  expanded.result = expand(source, sink);
+  return expanded;
+}
+
+Expanded expandInMemory(std::span<const std::uint8_t> bytes) {
+  const Bytes alone(bytes.begin(), bytes.end());
+  Expanded expanded;
+  MemorySource source(alone);
   MemorySink sink(expanded.bytes);
   expanded.result = expand(source, sink);
   return expanded;

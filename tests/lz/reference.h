@@ -22,7 +22,10 @@ std::ostream& operator<<(std::ostream& out, const Expanded& expanded);
 /// a ring. It shares no code with what is tested.
 Expanded expandByRing(std::span<const std::uint8_t> bytes);
 
-/// The same by `expand`, from reads of at most `step` bytes.
+/// The same by `expand`, from reads of at most `step` bytes and by writes.
 Expanded expandBySteps(std::span<const std::uint8_t> bytes, std::size_t step = 1 << 20);
+
+/// The same by `expand` from memory, where nothing lies behind the bytes, into memory.
+Expanded expandInMemory(std::span<const std::uint8_t> bytes);
 
 }  // namespace zev::lz

@@ -89,4 +89,19 @@ class CountingSink final : public ByteSink {
   std::uint64_t count_ = 0;
 };
 
+/// Keeps what it is given.
+class WrittenSink final : public ByteSink {
+ public:
+  /// Borrows the bytes, to which it appends.
+  explicit WrittenSink(Bytes& bytes) : bytes_(bytes) {}
+
+  bool write(std::span<const std::uint8_t> from) override {
+    bytes_.insert(bytes_.end(), from.begin(), from.end());
+    return true;
+  }
+
+ private:
+  Bytes& bytes_;
+};
+
 }  // namespace zev::lz

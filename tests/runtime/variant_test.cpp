@@ -180,5 +180,41 @@ TEST(Variant, WritesNumbersAsTheLanguageDoes) {
   for (const Written& row : table) EXPECT_EQ(toText(row.value), row.text) << toUtf8(row.text);
 }
 
+TEST(Variant, CopiesOfBytesShareThemUntilOneTakesItsOwn) {
+  const Variant first = Bytes{1, 2, 3};
+  Variant second = first;
+  EXPECT_EQ(second.get<Bytes>(), first.get<Bytes>());
+  Bytes taken = second.take<Bytes>();
+  taken[0] = 9;
+  EXPECT_EQ(*first.get<Bytes>(), (Bytes{1, 2, 3}));
+  EXPECT_EQ(*second.get<Bytes>(), Bytes());
+  EXPECT_NE(second, first);
+  second = Bytes{1, 2, 3};
+  EXPECT_EQ(second, first);
+}
+
+TEST(Variant, GivesUpBytesOfItsOwnWithoutACopy) {
+  Variant variant = Bytes(100, 7);
+  const void* const memory = variant.get<Bytes>()->data();
+  EXPECT_EQ(static_cast<const void*>(variant.take<Bytes>().data()), memory);
+}
+
+TEST(Variant, SharesBytesWithWhoeverKeepsThem) {
+  Variant variant = Bytes{4, 5};
+  const auto shared = variant.shareBytes();
+  variant = u"other";
+  EXPECT_EQ(*shared, (Bytes{4, 5}));
+  EXPECT_EQ(variant.shareBytes(), nullptr);
+  EXPECT_EQ(*Variant(Bytes()).shareBytes(), Bytes());
+}
+
+TEST(Variant, KeepsItsTypeWhenItsBytesWereMovedAway) {
+  Variant variant = Bytes{4, 5};
+  const Variant other = std::move(variant);
+  ASSERT_NE(variant.get<Bytes>(), nullptr);
+  EXPECT_EQ(*variant.get<Bytes>(), Bytes());
+  EXPECT_EQ(*other.get<Bytes>(), (Bytes{4, 5}));
+}
+
 }  // namespace
 }  // namespace zev

@@ -51,6 +51,31 @@ TEST_F(HostVolumeTest, ReadsWhatWasJustWritten) {
   EXPECT_EQ(host.read("f"), "abXYef");
 }
 
+TEST_F(HostVolumeTest, SeesWhatOthersDoToTheFolder) {
+  EXPECT_EQ(files().Dir(u"E:\\sub\\other.txt", 0), u"");
+  host.write("Sub/Other.txt", "of others");
+  EXPECT_EQ(files().Dir(u"E:\\sub\\other.txt", 0), u"Other.txt");
+  EXPECT_EQ(content(u"E:\\SUB\\OTHER.TXT"), "of others");
+  std::filesystem::rename(host.path() / "Sub", host.path() / "SUB2");
+  EXPECT_EQ(files().Dir(u"E:\\sub\\other.txt", 0), u"");
+  EXPECT_EQ(files().Dir(u"E:\\sub2\\other.txt", 0), u"Other.txt");
+  std::filesystem::remove(host.path() / "SUB2" / "Other.txt");
+  EXPECT_EQ(files().Dir(u"E:\\sub2\\other.txt", 0), u"");
+}
+
+TEST_F(HostVolumeTest, FindsWhatItMadeInAnyCase) {
+  for (int each = 0; each < 50; ++each) {
+    const Text name = join(u"E:\\SUB\\File", decimal(each));
+    EXPECT_EQ(files().Dir(lowerCase(name), 0), u"");
+    files().OpenOutput(1, name);
+    files().Print(1, u"text");
+    files().Close(1);
+    EXPECT_EQ(files().Dir(lowerCase(name), 0), join(u"File", decimal(each)));
+    files().Kill(lowerCase(name));
+    EXPECT_EQ(files().Dir(lowerCase(name), 0), u"");
+  }
+}
+
 TEST_F(HostVolumeTest, KeepsAttributesBesideTheFolder) {
   EXPECT_TRUE(files().SetFileAttributesA(u"E:\\Sub", 2));
   EXPECT_EQ(files().GetAttr(u"E:\\sub"), 18);

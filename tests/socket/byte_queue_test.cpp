@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -63,6 +65,13 @@ TEST(ByteQueue, TakingNothingChangesNothing) {
   EXPECT_EQ(textOf(queue.front(9)), "abc");
 }
 
+TEST(ByteQueue, ClearGivesTheMemoryBack) {
+  ByteQueue queue;
+  queue.append(bytesOf("abc"));
+  queue.clear();
+  EXPECT_EQ(queue.take(1).capacity(), 0u);
+}
+
 TEST(ByteQueue, ClearForgetsEverything) {
   ByteQueue queue;
   queue.append(bytesOf("abc"));
@@ -71,6 +80,99 @@ TEST(ByteQueue, ClearForgetsEverything) {
   EXPECT_TRUE(queue.empty());
   queue.append(bytesOf("z"));
   EXPECT_EQ(textOf(queue.take(9)), "z");
+}
+
+/// Bytes with an owner, whose end can be seen.
+struct Given {
+  explicit Given(std::string text) : owner(std::make_shared<std::string>(std::move(text))) {}
+  void shareWith(ByteQueue& queue) const { queue.share(owner, bytesOf(*owner)); }
+  bool isShared() const { return owner.use_count() > 1; }
+
+  std::shared_ptr<std::string> owner;
+};
+
+TEST(ByteQueue, SharesWithoutACopyUntilTheLastByteIsGone) {
+  const Given given("abcdef");
+  ByteQueue queue;
+  given.shareWith(queue);
+  EXPECT_EQ(queue.size(), 6u);
+  EXPECT_EQ(static_cast<const void*>(queue.front(4).data()), given.owner->data());
+  queue.drop(2);
+  EXPECT_EQ(textOf(queue.front(3)), "cde");
+  EXPECT_EQ(static_cast<const void*>(queue.front(1).data()), given.owner->data() + 2);
+  EXPECT_TRUE(given.isShared());
+  queue.drop(4);
+  EXPECT_TRUE(queue.empty());
+  EXPECT_FALSE(given.isShared());
+}
+
+TEST(ByteQueue, CopiesWhatItSharesOnlyWhenOthersFollow) {
+  const Given given("abcdef");
+  ByteQueue queue;
+  given.shareWith(queue);
+  queue.drop(2);
+  queue.append(bytesOf("gh"));
+  EXPECT_FALSE(given.isShared());
+  *given.owner = "------";
+  queue.append(bytesOf("i"));
+  EXPECT_EQ(queue.size(), 7u);
+  EXPECT_EQ(textOf(queue.take(9)), "cdefghi");
+}
+
+TEST(ByteQueue, OnlyAnEmptyQueueShares) {
+  const Given given("def");
+  ByteQueue queue;
+  queue.append(bytesOf("abc"));
+  given.shareWith(queue);
+  EXPECT_FALSE(given.isShared());
+  EXPECT_EQ(textOf(queue.take(9)), "abcdef");
+}
+
+TEST(ByteQueue, SharedBytesCanBeTakenDroppedAndForgotten) {
+  const Given given("abc");
+  ByteQueue queue;
+  given.shareWith(queue);
+  EXPECT_EQ(textOf(queue.take(2)), "ab");
+  EXPECT_EQ(textOf(queue.take(2)), "c");
+  given.shareWith(queue);
+  queue.drop(9);
+  EXPECT_TRUE(queue.empty());
+  given.shareWith(queue);
+  queue.clear();
+  EXPECT_TRUE(queue.empty());
+  EXPECT_FALSE(given.isShared());
+  queue.append(bytesOf("z"));
+  EXPECT_EQ(textOf(queue.take(9)), "z");
+}
+
+/// Fills room as a call of the system does.
+void fill(ByteQueue& queue, std::size_t room, std::string_view text) {
+  const std::span<std::uint8_t> place = queue.room(room);
+  ASSERT_EQ(place.size(), room);
+  std::copy(text.begin(), text.end(), place.begin());
+  queue.filled(text.size());
+}
+
+TEST(ByteQueue, HasRoomThatIsFilledInPart) {
+  ByteQueue queue;
+  fill(queue, 10, "abc");
+  EXPECT_EQ(queue.size(), 3u);
+  fill(queue, 10, "");
+  fill(queue, 4, "defg");
+  queue.append(bytesOf("h"));
+  queue.drop(1);
+  fill(queue, 1000, "ij");
+  EXPECT_EQ(textOf(queue.front(100)), "bcdefghij");
+  EXPECT_EQ(textOf(queue.take(100)), "bcdefghij") << "and none of the room";
+  EXPECT_TRUE(queue.empty());
+}
+
+TEST(ByteQueue, HasRoomBehindWhatItShares) {
+  const Given given("abc");
+  ByteQueue queue;
+  given.shareWith(queue);
+  fill(queue, 10, "de");
+  EXPECT_EQ(textOf(queue.take(100)), "abcde");
 }
 
 /// Against a plain queue, with a fixed sequence of operations.
@@ -88,7 +190,11 @@ TEST(ByteQueue, BehavesLikeAPlainQueue) {
     if (next(2) == 0) {
       std::vector<std::uint8_t> bytes(amount);
       for (std::uint8_t& each : bytes) each = value++;
-      queue.append(bytes);
+      if (next(2) == 0) {
+        queue.append(bytes);
+      } else {
+        fill(queue, amount + next(3), {reinterpret_cast<const char*>(bytes.data()), amount});
+      }
       plain.insert(plain.end(), bytes.begin(), bytes.end());
     } else {
       const std::size_t taken = std::min(amount, plain.size());
@@ -105,55 +211,6 @@ TEST(ByteQueue, BehavesLikeAPlainQueue) {
     }
     ASSERT_EQ(queue.size(), plain.size());
   }
-}
-
-TEST(ByteQueue, BorrowsWithoutACopyAndKeepsTheRest) {
-  ByteQueue queue;
-  std::string text = "abcdef";
-  queue.borrow(bytesOf(text));
-  EXPECT_EQ(queue.size(), 6u);
-  EXPECT_EQ(static_cast<const void*>(queue.front(6).data()), text.data());
-  queue.drop(2);
-  EXPECT_EQ(textOf(queue.front(3)), "cde");
-  queue.keep();
-  text = "XXXXXX";
-  EXPECT_EQ(textOf(queue.front(9)), "cdef");
-  queue.keep();
-  EXPECT_EQ(textOf(queue.take(9)), "cdef");
-}
-
-TEST(ByteQueue, BorrowedBytesAreFollowedByOthers) {
-  ByteQueue queue;
-  std::string text = "abc";
-  queue.borrow(bytesOf(text));
-  queue.append(bytesOf("def"));
-  text = "XXX";
-  EXPECT_EQ(textOf(queue.take(9)), "abcdef");
-}
-
-TEST(ByteQueue, OnlyAnEmptyQueueBorrows) {
-  ByteQueue queue;
-  queue.append(bytesOf("abc"));
-  std::string text = "def";
-  queue.borrow(bytesOf(text));
-  text = "XXX";
-  EXPECT_EQ(textOf(queue.take(9)), "abcdef");
-}
-
-TEST(ByteQueue, BorrowedBytesCanBeTakenDroppedAndForgotten) {
-  ByteQueue queue;
-  const std::string text = "abc";
-  queue.borrow(bytesOf(text));
-  EXPECT_EQ(textOf(queue.take(2)), "ab");
-  EXPECT_EQ(textOf(queue.take(2)), "c");
-  queue.borrow(bytesOf(text));
-  queue.drop(9);
-  EXPECT_TRUE(queue.empty());
-  queue.borrow(bytesOf(text));
-  queue.clear();
-  EXPECT_TRUE(queue.empty());
-  queue.append(bytesOf("z"));
-  EXPECT_EQ(textOf(queue.take(9)), "z");
 }
 
 TEST(ByteQueue, AdoptsTheFrontOfAVector) {
@@ -180,50 +237,6 @@ TEST(ByteQueue, ServesManySmallPiecesOfMuch) {
     if (taken % 4096 == 0 && taken < much.size() / 2) queue.append({much.data(), 16});
   }
   EXPECT_GT(taken, much.size());
-}
-
-TEST(ByteQueue, BorrowsWithoutACopy) {
-  const std::string text = "abcdef";
-  ByteQueue queue;
-  queue.borrow(bytesOf(text));
-  EXPECT_EQ(queue.size(), 6u);
-  EXPECT_EQ(queue.front(4).data(), bytesOf(text).data());
-  queue.drop(2);
-  EXPECT_EQ(textOf(queue.front(100)), "cdef");
-  queue.drop(100);
-  EXPECT_TRUE(queue.empty());
-}
-
-TEST(ByteQueue, KeepsWhatIsLeftOfTheBorrowed) {
-  std::string text = "abcdef";
-  ByteQueue queue;
-  queue.borrow(bytesOf(text));
-  queue.drop(2);
-  queue.keep();
-  text = "------";
-  queue.keep();
-  EXPECT_EQ(queue.size(), 4u);
-  EXPECT_EQ(textOf(queue.take(3)), "cde");
-  EXPECT_EQ(textOf(queue.take(3)), "f");
-}
-
-TEST(ByteQueue, KeepsTheBorrowedBeforeItTakesMore) {
-  std::string text = "abc";
-  ByteQueue queue;
-  queue.borrow(bytesOf(text));
-  queue.append(bytesOf("de"));
-  text = "---";
-  queue.borrow(bytesOf("fg"));
-  EXPECT_EQ(textOf(queue.take(100)), "abcdefg");
-}
-
-TEST(ByteQueue, ForgetsTheBorrowed) {
-  ByteQueue queue;
-  queue.borrow(bytesOf("abc"));
-  queue.clear();
-  EXPECT_TRUE(queue.empty());
-  queue.borrow(bytesOf("de"));
-  EXPECT_EQ(textOf(queue.take(100)), "de");
 }
 
 TEST(ByteQueue, AdoptsTheMemoryOfAFullVector) {
@@ -265,19 +278,31 @@ TEST(SpareMemory, GoesFromAQueueThatIsThroughToTheNextOne) {
   EXPECT_EQ(second.take(large), std::vector<std::uint8_t>(large / 2, 2));
 }
 
-TEST(SpareMemory, ServesWhatWasBorrowedToo) {
+TEST(SpareMemory, ServesARoomWithoutClearingItAgain) {
   SpareMemory spare;
+  ByteQueue first(spare);
+  first.append(std::vector<std::uint8_t>(large, 1));
+  first.drop(large);
+  ByteQueue second(spare);
+  second.append(bytesOf("abc"));
+  const auto room = second.room(large / 2);
+  EXPECT_EQ(room.back(), 1) << "what was written last";
+  second.filled(1);
+  EXPECT_EQ(textOf(second.take(9)), std::string("abc") + '\x01');
+}
+
+TEST(SpareMemory, MovesWhatWaitsIntoWhatIsLarger) {
+  SpareMemory spare;
+  std::vector<std::uint8_t> much(4 * large, 9);
+  spare.give(much);
   ByteQueue queue(spare);
-  const std::vector<std::uint8_t> bytes(large, 1);
-  queue.borrow(bytes);
-  queue.keep();
-  const void* const memory = queue.front(1).data();
-  queue.drop(large);
-  queue.borrow(bytes);
-  queue.drop(large / 2);
-  queue.keep();
-  EXPECT_EQ(static_cast<const void*>(queue.front(1).data()), memory);
-  EXPECT_EQ(queue.size(), large / 2);
+  std::vector<std::uint8_t> expected;
+  for (std::uint8_t i = 0; i < 80; ++i) {
+    const std::vector<std::uint8_t> piece(large / 16, i);
+    queue.append(piece);
+    expected.insert(expected.end(), piece.begin(), piece.end());
+  }
+  EXPECT_EQ(queue.take(expected.size()), expected);
 }
 
 TEST(SpareMemory, IsTooSmallOrTooLargeForSome) {
@@ -290,10 +315,19 @@ TEST(SpareMemory, IsTooSmallOrTooLargeForSome) {
   EXPECT_EQ(wanting.capacity(), 0u);
   spare.take(wanting, 100);
   EXPECT_EQ(wanting.capacity(), 100u);
-  std::vector<std::uint8_t> huge;
-  huge.reserve(SpareMemory::most + 1);
+}
+
+TEST(SpareMemory, KeepsAsMuchAsItIsToldTo) {
+  SpareMemory spare;
+  std::vector<std::uint8_t> huge(SpareMemory::usual + 1);
   spare.give(huge);
-  EXPECT_GT(huge.capacity(), SpareMemory::most) << "it stays its owner's";
+  EXPECT_GT(huge.size(), SpareMemory::usual) << "it stays its owner's";
+  spare.keepAtMost(huge.size());
+  spare.give(huge);
+  EXPECT_EQ(huge.capacity(), 0u);
+  spare.keepAtMost(SpareMemory::usual);
+  spare.take(huge, 1);
+  EXPECT_EQ(huge.capacity(), 0u) << "it was let go of";
 }
 
 }  // namespace

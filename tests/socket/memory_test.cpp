@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -55,15 +56,31 @@ TEST_F(MemoryTest, BytesThatFindNoneBehindOthersAreRaisedAndTheOthersStay) {
   EXPECT_EQ(peer->received(), std::string(30'000, 'a'));
 }
 
-TEST_F(MemoryTest, ARestThatFindsNoneLeavesTheSocketInError) {
+TEST_F(MemoryTest, ARestThatWaitsNeedsNone) {
   peer->stopReading();
   const Variant all = Bytes(much, 'a');
   {
     const Refusing refusing(much / 2);
-    EXPECT_EQ(raised([&] { socket->SendData(all); }), "7 CEventSocket.SendData: Out of memory");
+    socket->SendData(all);
   }
-  EXPECT_EQ(socket->State(), sckError);
-  EXPECT_EQ(watched->log, Lines()) << "raised, not reported";
+  EXPECT_EQ(socket->State(), sckConnected);
+  peer->goOnReading();
+  ASSERT_TRUE(pumpUntil([&] { return watched->has("SendComplete"); }));
+  settle();
+  EXPECT_EQ(peer->received(), std::string(much, 'a'));
+}
+
+TEST_F(MemoryTest, WhatWaitsToBeSentIsAsItWasGiven) {
+  peer->stopReading();
+  Variant all = Bytes(much, 'a');
+  socket->SendData(all);
+  Bytes taken = all.take<Bytes>();
+  std::fill(taken.begin(), taken.end(), std::uint8_t{'b'});
+  all = std::move(taken);
+  peer->goOnReading();
+  ASSERT_TRUE(pumpUntil([&] { return watched->has("SendComplete"); }));
+  settle();
+  EXPECT_EQ(peer->received(), std::string(much, 'a'));
 }
 
 TEST_F(MemoryTest, WithoutRoomForAReadTheSocketIsInErrorAndTheBytesStayInTheSystem) {

@@ -230,6 +230,7 @@ class SocketsContract : public ContractTest {
         {"ioctlsocket",
          [=, this, &all] { return all.ioctlsocket(socket, winsock::bytesWaiting, number_); }},
         {"send", [=, this] { return send(socket, "x"); }},
+        {"shutdown", [=, &all] { return all.shutdown(socket, winsock::sendingEnd); }},
         {"sendto", [=, this] { return sendTo(socket, "x", loopback()); }},
         {"recv", [=, this, &all] { return all.recv(socket, bytes_, 0); }},
         {"recvfrom", [=, this, &all] { return all.recvfrom(socket, bytes_, 0, scratch_); }},
@@ -278,6 +279,7 @@ TEST_F(ServiceContract, NothingWorksBeforeTheStart) {
        [&] { return all.setsockopt(1, winsock::socketLevel, winsock::sendBufferSize, 1) == -1; }},
       {"ioctlsocket", [&] { return all.ioctlsocket(1, winsock::bytesWaiting, number) == -1; }},
       {"send", [&] { return all.send(1, bytes, 0) == -1; }},
+      {"shutdown", [&] { return all.shutdown(1, winsock::sendingEnd) == -1; }},
       {"sendto", [&] { return all.sendto(1, bytes, 0, address) == -1; }},
       {"recv", [&] { return all.recv(1, bytes, 0) == -1; }},
       {"recvfrom", [&] { return all.recvfrom(1, bytes, 0, address) == -1; }},
@@ -917,6 +919,37 @@ TEST_F(SocketsContract, AResetIsAnErrorOfFdClose) {
   EXPECT_EQ(errorOf(pair.client, fdClose), onWine() ? 0 : error::connectionReset);
   quiet();
   EXPECT_EQ(count(pair.client, fdClose), 1u);
+}
+
+TEST_F(SocketsContract, OneDirectionEndsByItself) {
+  const Pair pair = connected();
+  EXPECT_EQ(send(pair.server, "answer"), 6);
+  EXPECT_EQ(sockets().shutdown(pair.server, winsock::sendingEnd), 0);
+  EXPECT_EQ(send(pair.server, "x"), winsock::failed);
+  EXPECT_EQ(lastError(), error::shutDown);
+  ASSERT_TRUE(comes(pair.client, fdRead));
+  EXPECT_EQ(receive(pair.client), "answer");
+  ASSERT_TRUE(comes(pair.client, fdClose));
+  EXPECT_EQ(errorOf(pair.client, fdClose), 0);
+  EXPECT_EQ(receive(pair.client), "");
+
+  EXPECT_EQ(send(pair.client, "late"), 4);
+  ASSERT_TRUE(comes(pair.server, fdRead));
+  EXPECT_EQ(count(pair.server, fdClose), 0u);
+  EXPECT_EQ(receive(pair.server), "late");
+  EXPECT_EQ(sockets().closesocket(pair.client), 0);
+  ASSERT_TRUE(comes(pair.server, fdClose));
+  EXPECT_EQ(errorOf(pair.server, fdClose), 0);
+}
+
+TEST_F(SocketsContract, OnlySendingOfAConnectionEndsByItself) {
+  const std::int32_t socket = tcp();
+  EXPECT_EQ(sockets().shutdown(socket, winsock::sendingEnd), winsock::failed);
+  EXPECT_EQ(lastError(), error::notConnected);
+  const Pair pair = connected();
+  EXPECT_EQ(sockets().shutdown(pair.client, 7), winsock::failed);
+  EXPECT_EQ(lastError(), error::invalidArgument);
+  EXPECT_EQ(send(pair.client, "abc"), 3);
 }
 
 // ---- datagrams

@@ -172,6 +172,15 @@ TEST_F(TraceTest, AServiceThatDoesNotStart) {
   module.FinalizeProcesses();
 }
 
+TEST_F(TraceTest, ALookUpThatFails) {
+  Watched socket(module);
+  socket->Connect(u"nobody.invalid", 80);
+  take();
+  ASSERT_TRUE(pumpTo(socket, sckError));
+  settle();
+  EXPECT_EQ(take(), Lines({"STATE: sckError"})) << "no name was resolved";
+}
+
 TEST_F(TraceTest, NoMemoryForALookUp) {
   Watched socket(module);
   calls.fail("GlobalAlloc");

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <string>
-#include <type_traits>
-#include <variant>
+#include <vector>
 
-#include "runtime/variant.h"
+#include "socket/wire_format.h"
 
 // Values for the tests of sending and fetching.
 namespace zev::socket_bench {
@@ -19,10 +18,10 @@ inline std::string typeName(const Variant& value) {
   return "type " + std::to_string(static_cast<int>(value.type()));
 }
 
-/// An empty target of the same type.
+/// A target of the same type with nothing in it.
 inline Variant blankOf(const Variant& value) {
-  return std::visit([](const auto& each) { return Variant(std::decay_t<decltype(each)>{}); },
-                    value.value());
+  constexpr std::size_t longest = 8;
+  return fromWire(value.type(), std::vector<std::uint8_t>(longest));
 }
 
 inline Variant typeOf(const Variant& value) { return static_cast<std::int32_t>(value.type()); }

@@ -159,6 +159,36 @@ TEST_F(OtherUsers, AProfileIsToldOfBehindItsFoldersAndBeforeItsSettings) {
   EXPECT_EQ(trace({"OpenOutput", "Kill", "MkDir", "Status"}), expected);
 }
 
+/// Somebody tries to take folders away when a profile is told of.
+class TriesToRemove final : public RunReport {
+ public:
+  explicit TriesToRemove(FileSystem& files) : files_(files) {}
+  void setRunStep(std::int32_t) override {}
+  void showStatus(TextView) override {
+    for (const std::string& each : folders)
+      answers.push_back(files_.RemoveDirectoryA(fromUtf8(each)));
+  }
+
+  std::vector<std::string> folders;
+  std::vector<SystemError> answers;
+
+ private:
+  FileSystem& files_;
+};
+
+TEST_F(OtherUsers, NobodyTakesAFolderAwayWhileItsProfileIsServed) {
+  profile("alice");
+  const std::string product = productOf("alice");
+  TriesToRemove somebody(machine.otherFileSystem());
+  somebody.folders = {profileOf("alice"), profileOf("alice") + "\\AppData", localOf("alice"),
+                      localOf("alice") + "\\Tavorns", product};
+  std::int16_t result = 0;
+  UserRegistration(*program, *phrases, *registry, somebody).RegisterUsers(result);
+  EXPECT_EQ(somebody.answers, std::vector<SystemError>(5, system_error::sharingViolation));
+  EXPECT_EQ(valueFile("alice", "Version"), line(21));
+  EXPECT_EQ(machine.openHandles().files, 0u);
+}
+
 TEST_F(OtherUsers, WithoutASelectedLanguageNoneIsWritten) {
   program->form1.Combo1.setListIndex(-1);
   profile("alice");

@@ -110,6 +110,19 @@ TEST_F(FormWindowTest, ARefreshPaintsAtOnce) {
   EXPECT_FALSE(GetUpdateRect(onBar, nullptr, FALSE));
 }
 
+/// A run refreshes one control after the other, often: each waits for its own turn.
+TEST_F(FormWindowTest, ARefreshPaintsThatControlAlone) {
+  const HWND picture = windowAt(1);
+  auto& bar = form_.control<Label>(u"Label7");
+  InvalidateRect(picture, nullptr, FALSE);
+  bar.Width = 1500;
+  bar.Refresh();
+  EXPECT_EQ(colourAt(windowAt(3), 20, 10), green);
+  EXPECT_TRUE(GetUpdateRect(picture, nullptr, FALSE));
+  form_.Refresh();
+  EXPECT_FALSE(GetUpdateRect(picture, nullptr, FALSE));
+}
+
 struct NameRow {
   TextView field;
   TextView label;

@@ -3,6 +3,7 @@
 import os
 import queue
 import re
+import select
 import shutil
 import signal
 import socket
@@ -62,12 +63,22 @@ class Running:
 
     def read(self, count):
         """Exactly that many bytes of standard output, or fewer at its end."""
-        with Alarm(self.process):
-            return self.process.stdout.read(count)
+        output = bytearray()
+        while len(output) < count and (piece := self._piece(count - len(output))):
+            output += piece
+        return bytes(output)
+
+    def _piece(self, most=1 << 20):
+        """What comes next on standard output, nothing at its end. However much comes in all, it is
+        each piece that is waited for: what takes long goes on."""
+        descriptor = self.process.stdout.fileno()
+        if not select.select([descriptor], [], [], PATIENCE)[0]:
+            raise AssertionError(f"no output in time, only {self.lines} on standard error")
+        return os.read(descriptor, min(most, 1 << 20))
 
     def ends(self):
         """Waits for its end. Exit status, the rest of standard output; `lines` has all errors."""
-        output, _ = self._drain()
+        output = self._drain()
         status = self.process.wait(timeout=PATIENCE)
         self._reader.join(timeout=PATIENCE)
         while (line := self._queue.get(timeout=PATIENCE)) is not None:
@@ -81,8 +92,10 @@ class Running:
                 self.process.stdin.close()
             except BrokenPipeError:
                 pass
-        with Alarm(self.process):
-            return (self.process.stdout.read() if self.process.stdout else b""), None
+        output = bytearray()
+        while self.process.stdout and (piece := self._piece()):
+            output += piece
+        return bytes(output)
 
     def stop(self):
         if self.process.poll() is None:
@@ -95,19 +108,6 @@ class Running:
                     stream.close()
             except BrokenPipeError:
                 pass
-
-
-class Alarm:
-    """Ends a process that takes too long over one step, so that a read of its output ends."""
-
-    def __init__(self, process):
-        self._timer = threading.Timer(PATIENCE, process.kill)
-
-    def __enter__(self):
-        self._timer.start()
-
-    def __exit__(self, *_):
-        self._timer.cancel()
 
 
 def free_port(kind=socket.SOCK_STREAM):

@@ -5,8 +5,11 @@
 
 namespace zev::netcat {
 
-Connection::Connection(modEventSocket& module, Terminal& terminal)
-    : module_(module), terminal_(terminal), socket_(CEventSocket::create(module)) {
+Connection::Connection(modEventSocket& module, Terminal& terminal, double timeout)
+    : module_(module),
+      terminal_(terminal),
+      socket_(CEventSocket::create(module)),
+      timeout_(timeout) {
   followEvents();
 }
 
@@ -28,6 +31,7 @@ void Connection::followEvents() {
 
 void Connection::connect(const std::string& host, std::int32_t port) {
   terminal_.tell("connecting to " + host + " " + std::to_string(port));
+  limit_.emplace(timeout_);
   socket_->Connect(fromUtf8(host), port);
 }
 
@@ -41,6 +45,7 @@ void Connection::accept(std::int32_t requestID) {
 }
 
 void Connection::begun(const char* how) {
+  limit_.reset();
   peer_ = toUtf8(socket_->RemoteHostIP()) + " " + std::to_string(socket_->RemotePort());
   terminal_.tell(how + peer_);
 }
@@ -98,8 +103,20 @@ void Connection::giveUp() {
 
 bool Connection::isOver() {
   if (ended_) return false;
+  if (closeWhenSent_ && stands() && !waits() && !sendingEnded_) endSending();
+  if (limit_ && limit_->over()) giveUp();
   if (!failure_) failure_ = unreportedFailure();
-  return failure_ || peerClosed_ || (closeWhenSent_ && stands() && !waits());
+  return failure_ || peerClosed_;
+}
+
+/// The component's sockets end both directions only.
+void Connection::endSending() {
+  sendingEnded_ = true;
+  limit_.emplace(timeout_);
+  Sockets& sockets = module_.services().sockets;
+  if (sockets.shutdown(socket_->SocketHandle(), winsock::sendingEnd) != winsock::failed) return;
+  const std::int32_t number = sockets.WSAGetLastError();
+  fail({number, toUtf8(WinsockErrorText(number)), "zevnet"});
 }
 
 void Connection::end(const InputRest& unread, bool wholeInput) {

@@ -10,7 +10,7 @@ constexpr std::size_t longestStreamPiece = 65536;
 }  // namespace
 
 Connection& Connections::add() {
-  connections_.push_back(std::make_unique<Connection>(module_, terminal_));
+  connections_.push_back(std::make_unique<Connection>(module_, terminal_, wishes_.timeout));
   if (inputEnded_ && wishes_.close) connections_.back()->closeWhenSent();
   return *connections_.back();
 }
@@ -38,6 +38,12 @@ void Connections::settle() {
     if (each->isOver()) end(*each);
   }
   dropEnded();
+}
+
+int Connections::patience() const {
+  int shortest = -1;
+  for (const auto& each : connections_) shortest = earlier(shortest, each->patience());
+  return shortest;
 }
 
 void Connections::end() {

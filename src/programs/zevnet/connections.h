@@ -21,6 +21,7 @@ class Connections : public Conversation {
   void takeInput(BytesView piece) override;
   void endInput() override;
   void settle() override;
+  int patience() const override;
   void end() override;
   bool failed() const override { return failed_; }
   std::uint64_t traffic() const override;
@@ -28,7 +29,6 @@ class Connections : public Conversation {
  protected:
   Connection& add();
   bool none() const { return connections_.empty(); }
-  Connection& first() const { return *connections_.front(); }
 
   modEventSocket& module_;
   Terminal& terminal_;
@@ -50,8 +50,6 @@ class Caller final : public Connections {
   using Connections::Connections;
   void begin() override { add().connect(wishes_.host, wishes_.port); }
   bool over() const override { return none(); }
-  bool connecting() const override { return !none() && !first().hasBegun(); }
-  void giveUp() override { first().giveUp(); }
 };
 
 /// Takes the first connection, or all of them.

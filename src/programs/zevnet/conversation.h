@@ -18,10 +18,8 @@ class Conversation : public InputTaker {
   virtual std::size_t longestPiece() const = 0;
   virtual void settle() = 0;
   virtual bool over() const = 0;
-  /// Whether a connection that was asked for has not come about yet.
-  virtual bool connecting() const { return false; }
-  /// Ends it since that takes too long.
-  virtual void giveUp() {}
+  /// Milliseconds after which it has to be settled though nothing has happened; -1 for never.
+  virtual int patience() const { return -1; }
   virtual void end() = 0;
   /// Whether anything that was told was an error.
   virtual bool failed() const = 0;

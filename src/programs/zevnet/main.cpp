@@ -27,11 +27,17 @@ class NoBoxes final : public zev::Dialogs {
 void addCommonOptions(CLI::App& command, Wishes& wishes) {
   command.add_flag("--udp", wishes.udp, "Datagrams instead of a connection");
   command.add_flag("--close", wishes.close,
-                   "Close once the whole input is sent, without waiting for the peer to close");
+                   "Close once the whole input is sent and the peer, who is told so, has closed");
   command
       .add_option("--idle", wishes.idle,
                   "End when nothing was sent or received for so many seconds")
       ->check(CLI::Range(0.001, 86400.0));
+  command
+      .add_option("--timeout", wishes.timeout,
+                  "Give up a peer that does not answer, or with --close does not close, for so "
+                  "many seconds")
+      ->check(CLI::Range(0.001, 86400.0))
+      ->capture_default_str();
   command.add_flag("--trace", wishes.trace, "Tell each step of the sockets on standard error");
 }
 
@@ -42,11 +48,6 @@ void addCommands(CLI::App& app, Wishes& wishes) {
   connect.add_option("port", wishes.port, "Port of the host")
       ->required()
       ->check(CLI::Range(1, highestPort));
-  connect
-      .add_option("--timeout", wishes.timeout,
-                  "Give up a connection that has not come about after so many seconds")
-      ->check(CLI::Range(0.001, 86400.0))
-      ->capture_default_str();
   addCommonOptions(connect, wishes);
 
   CLI::App& listen =

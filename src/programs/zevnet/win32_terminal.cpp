@@ -12,7 +12,14 @@ namespace {
 
 constexpr int interruptSignal = 2;   // SIGINT, as scripts know it
 constexpr int terminateSignal = 15;  // SIGTERM
-constexpr DWORD giveReaderTime = 100;
+constexpr DWORD forEver = 0xFFFFFFFF;
+
+/// Milliseconds after which a read that has brought nothing is taken for one that waits. The time
+/// is that of a busy machine, which may wake the reading thread late.
+constexpr DWORD readerWakes = 1000;
+
+/// Milliseconds that the system gives a process, at most, when it closes its console or session.
+constexpr DWORD systemWaits = 5000;
 
 /// The text that the system has for one of its errors.
 std::string textOf(DWORD error) {
@@ -32,15 +39,16 @@ std::string textOf(DWORD error) {
 HANDLE signalled = nullptr;
 volatile LONG cameSignal = 0;
 
+[[noreturn]] void interrupt() { throw Interruption{static_cast<int>(cameSignal)}; }
+
+/// Behind the end of console or session the system ends the process when this returns: the loop has
+/// until then to tell the totals, and ends the process itself.
 BOOL WINAPI takeSignal(DWORD kind) {
-  if (::InterlockedExchange(&cameSignal, kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT
-                                             ? interruptSignal
-                                             : terminateSignal) != 0) {
-    return FALSE;
-  }
+  const bool byPerson = kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
+  const LONG signal = byPerson ? interruptSignal : terminateSignal;
+  if (::InterlockedExchange(&cameSignal, signal) != 0) return FALSE;
   ::SetEvent(signalled);
-  // Behind this the system ends the process: the loop has a moment to tell the totals.
-  if (kind != CTRL_C_EVENT && kind != CTRL_BREAK_EVENT) ::Sleep(1000);
+  if (!byPerson) ::Sleep(systemWaits);
   return TRUE;
 }
 
@@ -62,99 +70,15 @@ DWORD writeAll(DWORD stream, const void* bytes, std::size_t size) {
   return 0;
 }
 
-}  // namespace
-
-/// The thread reads a piece whenever one is wanted, and says when it is there. What it has read is
-/// its own until then, and the terminal's behind that.
-struct Win32Terminal::Reader {
-  HANDLE wanted = newEvent(false);
-  HANDLE ready = newEvent(true);
-  bool reading = false;  ///< one is wanted and not there yet
-  bool there = false;    ///< one was taken note of and not handed on yet
-  bool ended = false;
-
-  // Of the piece.
-  std::vector<std::uint8_t> bytes;
-  std::size_t size = 0;
-  DWORD error = 0;
-
-  void want(std::size_t longest) {
-    bytes.resize(longest);
-    reading = true;
-    ::ResetEvent(ready);
-    ::SetEvent(wanted);
-  }
-  /// Whether a piece is there, waiting for it that many milliseconds at most.
-  bool isThere(DWORD milliseconds) {
-    if (reading && ::WaitForSingleObject(ready, milliseconds) == WAIT_OBJECT_0) {
-      reading = false;
-      there = true;
-    }
-    return there;
-  }
-
-  static DWORD WINAPI run(void* reader) {
-    Reader& self = *static_cast<Reader*>(reader);
-    for (;;) {
-      ::WaitForSingleObject(self.wanted, 0xFFFFFFFF);
-      self.readPiece();
-      ::SetEvent(self.ready);
-    }
-  }
-  /// The end of a pipe comes as an error.
-  void readPiece() {
-    DWORD count = 0;
-    const BOOL done = ::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), bytes.data(),
-                                 static_cast<DWORD>(bytes.size()), &count, nullptr);
-    error = done != FALSE ? 0 : ::GetLastError();
-    if (error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF) error = 0;
-    size = count;
-  }
-};
-
-Win32Terminal::Win32Terminal(win32::SocketMachine& machine)
-    : machine_(machine), reader_(*new Reader) {
-  signalled = newEvent(true);
-  ::SetConsoleCtrlHandler(takeSignal, TRUE);
-  machine_.watch(signalled, [] { throw Interruption{static_cast<int>(cameSignal)}; });
-  machine_.watch(reader_.ready, [this] { takePiece(); });
-  DWORD number = 0;
-  ::CloseHandle(::CreateThread(nullptr, 0, Reader::run, &reader_, 0, &number));
+bool isConsole(DWORD stream) {
+  DWORD mode = 0;
+  return ::GetConsoleMode(::GetStdHandle(stream), &mode) != FALSE;
 }
 
-Win32Terminal::~Win32Terminal() {
-  machine_.unwatch(signalled);
-  machine_.unwatch(reader_.ready);
-  ::SetConsoleCtrlHandler(takeSignal, FALSE);
-}
-
-// ---- input
-
-void Win32Terminal::readInput(InputTaker& taker, std::size_t longestPiece) {
-  taker_ = &taker;
-  longestPiece_ = longestPiece;
-}
-
-/// A piece that came when nobody wanted it any more stays until somebody does.
-void Win32Terminal::takePiece() {
-  reader_.isThere(0);
-  ::ResetEvent(reader_.ready);
-  if (taker_ == nullptr || !reader_.there) return;
-  reader_.there = false;
-  if (reader_.error != 0) fail(reader_.error, "standard input");
-  if (reader_.size != 0) {
-    return taker_->takeInput(BytesView(reader_.bytes).first(reader_.size));
-  }
-  reader_.ended = true;
-  std::exchange(taker_, nullptr)->endInput();
-}
-
-InputRest Win32Terminal::restOfInput() {
-  if (reader_.ended) return {0, true};
-  if (!reader_.reading && !reader_.there) reader_.want(1);
-  if (!reader_.isThere(giveReaderTime)) return {};
-  if (reader_.size == 0) return {0, reader_.error == 0};
-  InputRest rest{reader_.size, false};
+/// Bytes of standard input that wait behind a piece. Not while somebody reads: the system would
+/// make this wait for the end of that read.
+InputRest restBehind(std::size_t piece) {
+  InputRest rest{piece, false};
   const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
   DWORD waiting = 0;
   LARGE_INTEGER size{}, place{};
@@ -168,11 +92,145 @@ InputRest Win32Terminal::restOfInput() {
   return rest;
 }
 
+}  // namespace
+
+/// A thread that moves a piece whenever it is told to. The piece is its own from then until `done`
+/// is signalled. A move may last for ever, so thread and piece end with the process.
+struct Win32Terminal::Mover {
+  using Move = void (*)(Mover&);
+
+  Mover(Move moves, const char* stream) : move(moves) {
+    DWORD number = 0;
+    const HANDLE thread = ::CreateThread(nullptr, 0, run, this, 0, &number);
+    if (thread == nullptr) fail(::GetLastError(), stream);
+    ::CloseHandle(thread);
+  }
+
+  void begin() {
+    ::ResetEvent(done);
+    ::SetEvent(wanted);
+  }
+
+  static DWORD WINAPI run(void* mover) {
+    Mover& self = *static_cast<Mover*>(mover);
+    for (;;) {
+      ::WaitForSingleObject(self.wanted, forEver);
+      self.move(self);
+      ::SetEvent(self.done);
+    }
+  }
+
+  const Move move;
+  HANDLE wanted = newEvent(false);
+  HANDLE done = newEvent(true);
+
+  // Of the piece.
+  std::vector<std::uint8_t> bytes;
+  std::size_t size = 0;  ///< that were read
+  DWORD error = 0;
+};
+
+struct Win32Terminal::Reader : Mover {
+  Reader() : Mover(readPiece, "standard input") {}
+
+  void want(std::size_t longest) {
+    bytes.resize(longest);
+    reading = true;
+    begin();
+  }
+  /// Whether a piece is there, waiting for it that many milliseconds at most.
+  bool isThere(DWORD milliseconds) {
+    if (reading && ::WaitForSingleObject(done, milliseconds) == WAIT_OBJECT_0) {
+      reading = false;
+      there = true;
+    }
+    return there;
+  }
+
+  /// The end of a pipe comes as an error. Ctrl-C ends the read of a console with nothing, which is
+  /// no end of the input.
+  static void readPiece(Mover& self) {
+    DWORD count = 0, error = 0;
+    BOOL done = FALSE;
+    do {
+      ::SetLastError(0);
+      done = ::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), self.bytes.data(),
+                        static_cast<DWORD>(self.bytes.size()), &count, nullptr);
+      error = ::GetLastError();
+    } while (count == 0 && error == ERROR_OPERATION_ABORTED);
+    const bool isEnd = error == ERROR_BROKEN_PIPE || error == ERROR_HANDLE_EOF;
+    self.error = done != FALSE || isEnd ? 0 : error;
+    self.size = count;
+  }
+
+  const bool ofConsole = isConsole(STD_INPUT_HANDLE);
+  bool reading = false;  ///< one is wanted and not there yet
+  bool there = false;    ///< one was taken note of and not handed on yet
+  bool ended = false;
+};
+
+struct Win32Terminal::Writer : Mover {
+  Writer() : Mover(writePiece, "standard output") {}
+
+  static void writePiece(Mover& self) {
+    self.error = writeAll(STD_OUTPUT_HANDLE, self.bytes.data(), self.bytes.size());
+  }
+};
+
+Win32Terminal::Win32Terminal(win32::SocketMachine& machine)
+    : machine_(machine), reader_(*new Reader), writer_(*new Writer) {
+  signalled = newEvent(true);
+  ::SetConsoleCtrlHandler(takeSignal, TRUE);
+  machine_.watch(signalled, interrupt);
+  machine_.watch(reader_.done, [this] { takePiece(); });
+}
+
+Win32Terminal::~Win32Terminal() {
+  machine_.unwatch(signalled);
+  machine_.unwatch(reader_.done);
+  ::SetConsoleCtrlHandler(takeSignal, FALSE);
+}
+
+// ---- input
+
+void Win32Terminal::readInput(InputTaker& taker, std::size_t longestPiece) {
+  taker_ = &taker;
+  longestPiece_ = longestPiece;
+}
+
+/// A piece that came when nobody wanted it any more stays until somebody does.
+void Win32Terminal::takePiece() {
+  reader_.isThere(0);
+  ::ResetEvent(reader_.done);
+  if (taker_ == nullptr || !reader_.there) return;
+  reader_.there = false;
+  if (reader_.error != 0) fail(reader_.error, "standard input");
+  if (reader_.size != 0) {
+    return taker_->takeInput(BytesView(reader_.bytes).first(reader_.size));
+  }
+  reader_.ended = true;
+  std::exchange(taker_, nullptr)->endInput();
+}
+
+/// Nobody knows what a person will type, and to wait for it would hold up the end.
+InputRest Win32Terminal::restOfInput() {
+  if (reader_.ended) return {0, true};
+  if (reader_.ofConsole) return {};
+  if (!reader_.reading && !reader_.there) reader_.want(1);
+  if (!reader_.isThere(readerWakes)) return {};
+  if (reader_.size == 0) return {0, reader_.error == 0};
+  return restBehind(reader_.size);
+}
+
 // ---- output
 
+/// By a thread, so that a signal ends it while whoever reads standard output reads nothing.
 void Win32Terminal::write(BytesView bytes) {
-  const DWORD error = writeAll(STD_OUTPUT_HANDLE, bytes.data(), bytes.size());
-  if (error != 0) fail(error, "standard output");
+  writer_.bytes.assign(bytes.begin(), bytes.end());
+  writer_.begin();
+  const HANDLE either[] = {writer_.done, signalled};
+  if (::WaitForMultipleObjects(2, either, FALSE, forEver) != WAIT_OBJECT_0) interrupt();
+  if (writer_.error != 0) fail(writer_.error, "standard output");
 }
 
 void Win32Terminal::tell(const std::string& line) {

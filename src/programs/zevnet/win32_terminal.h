@@ -7,8 +7,9 @@
 
 namespace zev::netcat {
 
-/// The streams of a process on Windows. One a process. Standard input is read by a thread of its
-/// own: a console or a pipe cannot be waited for together with messages.
+/// The streams of a process on Windows. One a process. Standard input is read, and standard output
+/// written, by a thread of its own: a console or a pipe cannot be waited for together with messages
+/// and signals.
 class Win32Terminal final : public Terminal {
  public:
   /// Borrows the machine, whose loop it uses. Ctrl-C, and the end of console or session, become an
@@ -29,12 +30,16 @@ class Win32Terminal final : public Terminal {
   void dispatch(int milliseconds) override;
 
  private:
+  struct Mover;
   struct Reader;
+  struct Writer;
 
   void takePiece();
 
   win32::SocketMachine& machine_;
-  Reader& reader_;  ///< which its thread may outlive this with, and so it ends with the process
+  // What a thread works on ends with the process.
+  Reader& reader_;
+  Writer& writer_;
   InputTaker* taker_ = nullptr;
   std::size_t longestPiece_ = 0;
 };

@@ -16,7 +16,7 @@ struct Wishes {
   bool keep = false;           ///< go on listening behind a connection
   bool close = false;          ///< close once the whole input is sent
   std::optional<double> idle;  ///< seconds without traffic after which all ends
-  double timeout = 30;         ///< seconds that a connection may take to come about
+  double timeout = 30;         ///< seconds for a connection to come about, or its peer to close
   bool trace = false;
 };
 

@@ -1,62 +1,32 @@
 #include "programs/zevnet/zevnet.h"
 
-#include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <memory>
 #include <utility>
 
 #include "programs/zevnet/connections.h"
 #include "programs/zevnet/datagrams.h"
+#include "programs/zevnet/limit.h"
 
 namespace zev::netcat {
 namespace {
 
-/// A time that passes while nothing happens.
-class Limit {
+/// How long a conversation may be silent.
+class Silence {
  public:
-  explicit Limit(std::optional<double> seconds) : seconds_(seconds) {}
+  explicit Silence(const Wishes& wishes) : limit_(wishes.idle) {}
 
-  void beginAnew() { since_ = Clock::now(); }
-  bool over() const { return left() == 0; }
-  /// Milliseconds; -1 for ever.
-  int left() const {
-    if (!seconds_) return -1;
-    const std::chrono::duration<double, std::milli> passed = Clock::now() - since_;
-    return static_cast<int>(std::ceil(std::max(*seconds_ * 1000.0 - passed.count(), 0.0)));
-  }
-
- private:
-  using Clock = std::chrono::steady_clock;
-
-  std::optional<double> seconds_;
-  Clock::time_point since_ = Clock::now();
-};
-
-/// The limits of a conversation.
-class Patience {
- public:
-  explicit Patience(const Wishes& wishes) : idling_(wishes.idle), connecting_(wishes.timeout) {}
-
-  /// Gives up a connection that does not come about. False if nothing has happened for so long that
-  /// all is to end.
-  bool look(Conversation& conversation) {
+  /// False if nothing has happened for so long that all is to end.
+  bool look(const Conversation& conversation) {
     if (conversation.traffic() != std::exchange(traffic_, conversation.traffic())) {
-      idling_.beginAnew();
+      limit_.beginAnew();
     }
-    if (conversation.connecting() && connecting_.over()) conversation.giveUp();
-    return !idling_.over();
+    return !limit_.over();
   }
   /// Milliseconds until the next look; -1 for ever.
-  int left(const Conversation& conversation) const {
-    if (!conversation.connecting()) return idling_.left();
-    if (idling_.left() < 0) return connecting_.left();
-    return std::min(idling_.left(), connecting_.left());
-  }
+  int left() const { return limit_.left(); }
 
  private:
-  Limit idling_;
-  Limit connecting_;
+  Limit limit_;
   std::uint64_t traffic_ = 0;
 };
 
@@ -68,10 +38,10 @@ std::unique_ptr<Conversation> conversationFor(const Wishes& wishes, modEventSock
 }
 
 void converse(Conversation& conversation, modEventSocket& module, Terminal& terminal,
-              Patience patience) {
+              Silence silence) {
   conversation.begin();
   for (;;) {
-    const bool goesOn = patience.look(conversation);
+    const bool goesOn = silence.look(conversation);
     conversation.settle();
     if (conversation.over()) return;
     if (!goesOn) return conversation.end();
@@ -80,7 +50,7 @@ void converse(Conversation& conversation, modEventSocket& module, Terminal& term
     } else {
       terminal.holdInput();
     }
-    terminal.dispatch(patience.left(conversation));
+    terminal.dispatch(earlier(silence.left(), conversation.patience()));
     module.rethrowEscaped();
   }
 }
@@ -101,7 +71,7 @@ int run(const Wishes& wishes, modEventSocket& module, Terminal& terminal) {
   try {
     const auto conversation = conversationFor(wishes, module, terminal);
     try {
-      converse(*conversation, module, terminal, Patience(wishes));
+      converse(*conversation, module, terminal, Silence(wishes));
     } catch (const Interruption& interruption) {
       return interrupted(*conversation, interruption);
     }

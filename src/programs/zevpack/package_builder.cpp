@@ -4,9 +4,8 @@
 #include <cstdio>
 
 #include "programs/zevpack/host_file.h"
+#include "programs/zevpack/long_work.h"
 #include "programs/zevpack/package_check.h"
-#include "programs/zevpack/parallel.h"
-#include "programs/zevpack/progress.h"
 
 namespace zev::packing {
 namespace {

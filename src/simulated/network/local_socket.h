@@ -69,6 +69,7 @@ class LocalSocket : public PortOwner {
   // ---- data
 
   virtual std::int32_t send(std::string_view bytes, std::size_t& taken) = 0;
+  virtual std::int32_t endSending() { return winsock::error::notConnected; }
   virtual std::int32_t sendTo(std::string_view bytes, const Endpoint& to, std::size_t& taken) = 0;
   /// Fills the front of `into`.
   virtual std::int32_t receive(std::span<std::uint8_t> into, bool peek, Endpoint& sender,

@@ -236,6 +236,12 @@ std::int32_t SimulatedSockets::send(std::int32_t socket, std::span<const std::ui
   return failure != 0 ? failure : static_cast<std::int32_t>(taken);
 }
 
+std::int32_t SimulatedSockets::shutdown(std::int32_t socket, std::int32_t how) {
+  return with(socket, [&](LocalSocket& each) {
+    return how == winsock::sendingEnd ? each.endSending() : error::invalidArgument;
+  });
+}
+
 std::int32_t SimulatedSockets::sendto(std::int32_t socket, std::span<const std::uint8_t> bytes,
                                       std::int32_t flags, const SocketAddress& receiver) {
   std::size_t taken = 0;

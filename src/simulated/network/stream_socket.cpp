@@ -120,12 +120,20 @@ std::int32_t StreamSocket::accept(std::shared_ptr<StreamEnd>& end) {
 
 std::int32_t StreamSocket::send(std::string_view bytes, std::size_t& taken) {
   if (state_ != State::Connected) return error::notConnected;
+  if (silent_) return error::shutDown;
   if (end_->error() != 0) return end_->error();
   taken = end_->send(bytes);
   if (taken > 0 || bytes.empty()) return 0;
   if (end_->error() != 0) return end_->error();
   arm(winsock::fdWrite);
   return error::wouldBlock;
+}
+
+std::int32_t StreamSocket::endSending() {
+  if (state_ != State::Connected) return error::notConnected;
+  silent_ = true;
+  end_->finish();
+  return 0;
 }
 
 std::int32_t StreamSocket::receive(std::span<std::uint8_t> into, bool peek, Endpoint& sender,

@@ -25,6 +25,7 @@ class StreamSocket final : public LocalSocket, public std::enable_shared_from_th
   std::int32_t listen(std::int32_t backlog) override;
   std::int32_t accept(std::shared_ptr<StreamEnd>& end) override;
   std::int32_t send(std::string_view bytes, std::size_t& taken) override;
+  std::int32_t endSending() override;
   std::int32_t sendTo(std::string_view bytes, const Endpoint&, std::size_t& taken) override {
     return send(bytes, taken);
   }
@@ -46,6 +47,7 @@ class StreamSocket final : public LocalSocket, public std::enable_shared_from_th
 
   State state_ = State::Idle;
   std::shared_ptr<StreamEnd> end_;
+  bool silent_ = false;  ///< sends nothing more
   std::int32_t connectError_ = 0;
   bool connectEnded_ = false;  ///< and nobody has been told
   std::size_t backlog_ = 0;

@@ -1,13 +1,32 @@
-#include "programs/zevpack/parallel.h"
+#include "programs/zevpack/long_work.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <exception>
 #include <system_error>
 #include <thread>
 #include <vector>
 
 namespace zev::packing {
+
+Progress::Progress(std::string_view work, std::size_t total)
+    : work_(work), total_(total), shown_(isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress() {
+  if (shown_) std::fprintf(stderr, "\r\x1B[K");
+}
+
+void Progress::step(std::string_view piece) {
+  const std::lock_guard alone(telling_);
+  ++done_;
+  if (!shown_) return;
+  std::fprintf(stderr, "\r\x1B[K%s %zu of %zu: %.*s", work_.c_str(), done_, total_,
+               static_cast<int>(piece.size()), piece.data());
+}
+
 namespace {
 
 /// The calls that are still to be made, and what those that were made threw.
