@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "posix/descriptor.h"
+#include "posix/descriptors.h"
 
 namespace zev::benchmarks {
 

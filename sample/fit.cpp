@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "sample/noise.h"
 
 namespace zev::sample {

@@ -2,8 +2,7 @@
 
 #include <stdexcept>
 
-#include "code_page/double_byte.h"
-#include "code_page/single_byte.h"
+#include "code_page/page_tables.h"
 
 namespace zev {
 namespace {

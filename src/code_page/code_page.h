@@ -25,7 +25,7 @@ std::string toCodePage(TextView text, std::uint32_t codePage);
 
 /// The text of bytes in a code page. Bytes that the system leaves unassigned in its single-byte
 /// pages become what the system makes of them: a control or a private character of their own, so
-/// that they survive the way there and back. In a double-byte page a lead byte with a byte behind
+/// that they survive the way there and back. In a double-byte page a lead byte with a byte after
 /// it that makes no character of it, or with none, becomes the page's sign for the unknown;
 /// characters that users define for themselves are unknown.
 Text fromCodePage(std::string_view bytes, std::uint32_t codePage);

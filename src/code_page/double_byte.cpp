@@ -1,4 +1,4 @@
-#include "code_page/double_byte.h"
+#include "code_page/page_tables.h"
 
 #include <iconv.h>
 
@@ -7,8 +7,6 @@
 #include <mutex>
 #include <stdexcept>
 #include <vector>
-
-#include "code_page/single_byte.h"
 
 namespace zev {
 namespace {
@@ -118,7 +116,7 @@ const PageTables& tablesOf(const DoubleBytePage& page) {
   return *tables[place];
 }
 
-/// Takes one character from bytes and moves behind it.
+/// Takes one character from bytes and moves past it.
 char16_t takeUnit(const PageTables& tables, const DoubleBytePage& page, std::string_view bytes,
                   std::size_t& place) {
   std::size_t pair = static_cast<unsigned char>(bytes[place++]);

@@ -1,6 +1,7 @@
-#include "code_page/single_byte.h"
-
 #include <algorithm>
+
+#include "code_page/code_page.h"
+#include "code_page/page_tables.h"
 
 namespace zev {
 namespace {
@@ -197,6 +198,11 @@ Text fromSingleByte(std::string_view bytes, const UpperHalf& table) {
     return byte < 0x80 ? char16_t{byte} : table[byte - 0x80u];
   });
   return text;
+}
+
+bool isKnownCodePage(std::uint32_t codePage) {
+  return codePage == utf8CodePage || singleByteTable(codePage) != nullptr ||
+         doubleBytePage(codePage) != nullptr;
 }
 
 }  // namespace zev

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/drives.h"
+#include "platform/system_information.h"
 
 namespace zev {
 namespace {

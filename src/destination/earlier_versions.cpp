@@ -45,10 +45,8 @@ void EarlierVersions::readDirectories() {
     Text& directory = directories_[place];
     directory = registry_.GetRegString(HKEY_LOCAL_MACHINE, generations[place].key, setting::Dizin,
                                        u"", ForceRegistry);
-    const TextView trimmed = trim(directory);
-    if (!trimmed.empty() && !exists(program_.platform.files, trimmed, dir_mask::directories)) {
-      directory.clear();
-    }
+    const bool gone = !trim(directory).empty() && !folderExists(program_.platform.files, directory);
+    if (gone) directory.clear();
   }
 }
 

@@ -75,7 +75,7 @@ void FolderBrowser::repairProposal() {
 }
 
 void FolderBrowser::climbToExistingFolder() {
-  while (!folderExists(proposal())) {
+  while (!exists(platform_.files, proposal(), dir_mask::directories)) {
     const std::size_t backslash = proposal().rfind(u'\\');
     if (backslash == Text::npos) {
       globals_.gInstallDir = join(left(trim(globals_.gWinDir), 1), u":\\");
@@ -149,7 +149,7 @@ void FolderBrowser::Command1_Click() {
   const TextView name = trim(answer);
   if (name.empty() || !nameAllowed(name)) return;
   const Text folder = join(parent, name);
-  if (!folderExists(folder)) platform_.files.MkDir(folder);
+  if (!exists(platform_.files, folder, dir_mask::directories)) platform_.files.MkDir(folder);
   form3_.Dir1.setPath(folder);
   form3_.Dir1.Refresh();
 }
@@ -206,10 +206,6 @@ bool FolderBrowser::isFolder(TextView folder) {
   std::int32_t attributes = 0;
   ignoringErrors([&] { attributes = platform_.files.GetAttr(folder); });
   return (attributes & static_cast<std::int32_t>(file_attribute::directory)) != 0;
-}
-
-bool FolderBrowser::folderExists(TextView folder) {
-  return exists(platform_.files, folder, dir_mask::directories);
 }
 
 Text FolderBrowser::proposedDrive() const { return Text(left(proposal(), 2)); }

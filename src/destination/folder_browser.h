@@ -38,7 +38,6 @@ class FolderBrowser {
   bool spaceSuffices();
 
   bool isFolder(TextView folder);
-  bool folderExists(TextView folder);
   Text proposal() const { return globals_.gInstallDir.trimmed(); }
   Text proposedDrive() const;
 

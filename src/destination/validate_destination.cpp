@@ -2,7 +2,7 @@
 
 #include "destination/drive_refusal.h"
 #include "runtime/error.h"
-#include "state/product_folder.h"
+#include "state/product.h"
 #include "system/attributes.h"
 #include "system/product_settings.h"
 
@@ -91,7 +91,8 @@ bool DestinationCheck::driveSuits() {
 /// them.
 void DestinationCheck::readInstalledDirectory() {
   if (globals_.gOSClass == profileClass) {
-    globals_.gInstalledDir = folderExists(globals_.gUserData) ? directoryOnRecord() : Text();
+    globals_.gInstalledDir =
+        folderExists(platform_.files, globals_.gUserData) ? directoryOnRecord() : Text();
     return;
   }
   const KeyList keys = registry_.EnumRegKeys(HKEY_LOCAL_MACHINE, makerKey);
@@ -107,7 +108,7 @@ Text DestinationCheck::directoryOnRecord() {
 /// are compared as they are written: "c:\zev" is another directory than "C:\ZEV".
 bool DestinationCheck::otherDirectoryWanted() {
   const Text installed(trim(globals_.gInstalledDir));
-  if (!folderExists(installed) || installed == destination()) return true;
+  if (!folderExists(platform_.files, installed) || installed == destination()) return true;
   const Text question = join(
       phrases_.Translate(
           u"A version of ZEV Screen Recorder 6 is already installed on your computer and now you "
@@ -158,7 +159,7 @@ void DestinationCheck::climb() {
       return;
     }
     path.resize(place - 1);
-    if (folderExists(path)) {
+    if (folderExists(platform_.files, path)) {
       makeDestination();
       globals_.gInstallDir = fullPath_;
       path = fullPath_;
@@ -187,7 +188,7 @@ bool DestinationCheck::directoryStands() {
 void DestinationCheck::repairDefaultFolder() {
   for (const Text& level : {Text(programFiles), defaultFolder()}) {
     const Text folder = join(systemDrive(), level);
-    if (!folderExists(folder)) platform_.files.MkDir(folder);
+    if (!folderExists(platform_.files, folder)) platform_.files.MkDir(folder);
   }
 }
 
@@ -210,11 +211,6 @@ bool DestinationCheck::acceptVersion() {
 }
 
 // ---- helpers
-
-bool DestinationCheck::folderExists(TextView folder) {
-  const TextView trimmed = trim(folder);
-  return !trimmed.empty() && exists(platform_.files, trimmed, dir_mask::directories);
-}
 
 Text DestinationCheck::systemDrive() const { return Text(left(trim(globals_.gWinDir), 2)); }
 

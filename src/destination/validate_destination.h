@@ -5,6 +5,7 @@
 #include "destination/earlier_versions.h"
 #include "localisation/phrases.h"
 #include "state/program.h"
+#include "system/attributes.h"
 #include "system/registry.h"
 
 namespace zev {
@@ -45,8 +46,7 @@ class DestinationCheck {
   bool acceptVersion();
 
   Text destination() const { return globals_.gInstallDir.trimmed(); }
-  bool destinationExists() { return folderExists(destination()); }
-  bool folderExists(TextView folder);
+  bool destinationExists() { return folderExists(platform_.files, destination()); }
   Text systemDrive() const;
   void tell(TextView text, std::int32_t style, TextView title);
 

@@ -1,4 +1,4 @@
-#include "localisation/agreement.h"
+#include "localisation/catalogue.h"
 
 #include <cstddef>
 

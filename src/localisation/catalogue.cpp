@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "localisation/addresses.h"
-#include "localisation/agreement.h"
-
 namespace zev {
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "localisation/phrases.h"
 #include "runtime/form.h"
-#include "state/form1.h"
+#include "state/forms.h"
 
 namespace zev {
 

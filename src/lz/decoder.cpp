@@ -5,7 +5,7 @@
 
 #include "lz/group_expander.h"
 #include "lz/input_buffer.h"
-#include "lz/match_token.h"
+#include "lz/lzss_format.h"
 #include "lz/output_window.h"
 
 // Expands LZSS data in two ways that give the same bytes:

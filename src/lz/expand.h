@@ -18,7 +18,7 @@ namespace zev::lz {
 /// - badValue: more than 2,147,483,647 bytes came, which no result can tell;
 /// - unknownMode: packed, but not in the one known mode.
 ///
-/// Data behind the declared length is ignored. A failure leaves in the sink what was expanded
+/// Data past the declared length is ignored. A failure leaves in the sink what was expanded
 /// before.
 std::int32_t expand(ByteSource& source, ByteSink& sink);
 

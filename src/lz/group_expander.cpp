@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "lz/match_token.h"
+#include "lz/lzss_format.h"
 
 namespace zev::lz {
 namespace {

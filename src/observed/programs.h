@@ -5,11 +5,10 @@
 #include <utility>
 
 #include "observed/observed.h"
-#include "platform/dde.h"
 #include "platform/dialogs.h"
 #include "platform/file_system.h"
 #include "platform/processes.h"
-#include "platform/shortcuts.h"
+#include "platform/shell.h"
 #include "runtime/error.h"
 
 namespace zev::observed {

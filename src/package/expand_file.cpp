@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "localisation/addresses.h"
+#include "localisation/catalogue.h"
 #include "runtime/number.h"
 
 namespace zev {

@@ -1,15 +1,90 @@
 #include "package/extract_file.h"
 
+#include <algorithm>
 #include <vector>
 
-#include "package/held_files.h"
+#include "lz/byte_stream.h"
+#include "lz/expand.h"
 #include "package/package_end.h"
-#include "runtime/buffer.h"
+#include "runtime/containers.h"
 #include "runtime/error.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
 
 namespace zev {
+namespace {
+
+constexpr std::size_t pieceSize = 65536;
+
+class HeldSource final : public lz::ByteSource {
+ public:
+  explicit HeldSource(const Hold& file) : file_(file) {}
+
+  std::ptrdiff_t read(std::span<std::uint8_t> into) override {
+    const std::size_t count = file_.read(place_, into);
+    place_ += count;
+    return static_cast<std::ptrdiff_t>(count);
+  }
+
+ private:
+  const Hold& file_;
+  std::uint64_t place_ = 0;
+};
+
+/// Takes what a held file has at the same place, and nothing else.
+class HeldTwin final : public lz::ByteSink {
+ public:
+  explicit HeldTwin(const Hold& file) : file_(file), piece_(pieceSize) {}
+
+  bool write(std::span<const std::uint8_t> from) override {
+    for (std::size_t done = 0; done < from.size(); done += pieceSize) {
+      if (!takes(from.subspan(done, std::min(pieceSize, from.size() - done)))) return false;
+    }
+    return true;
+  }
+
+  bool atEnd() { return file_.read(place_, std::span(piece_).first(1)) == 0; }
+
+ private:
+  bool takes(std::span<const std::uint8_t> bytes) {
+    const auto found = std::span(piece_).first(bytes.size());
+    place_ += bytes.size();
+    return file_.read(place_ - bytes.size(), found) == bytes.size() &&
+           std::equal(bytes.begin(), bytes.end(), found.begin());
+  }
+
+  const Hold& file_;
+  std::uint64_t place_ = 0;
+  std::vector<std::uint8_t> piece_;
+};
+
+}  // namespace
+
+bool holdsNothingBut(const Hold& file, std::span<const std::uint8_t> bytes) {
+  if (!file.held()) return false;
+  std::vector<std::uint8_t> piece(pieceSize);
+  std::uint64_t place = 0;
+  while (const std::size_t count = file.read(place, piece)) {
+    if (count > bytes.size() ||
+        !std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count),
+                    piece.begin())) {
+      return false;
+    }
+    bytes = bytes.subspan(count);
+    place += count;
+  }
+  return true;
+}
+
+bool holdsExpanded(const Hold& file, const Hold& packed) {
+  if (!file.held() || !packed.held()) return file.held();
+  HeldSource source(packed);
+  HeldTwin twin(file);
+  return lz::expand(source, twin) >= 0 && twin.atEnd();
+}
+
+// ---- copying a member out
+
 namespace {
 
 bool oldFileThere(Files& files, TextView path) {

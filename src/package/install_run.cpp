@@ -1,20 +1,17 @@
 #include "package/install_run.h"
 
-#include "localisation/addresses.h"
+#include "localisation/catalogue.h"
 #include "package/expand_file.h"
 #include "package/extract_file.h"
-#include "package/held_files.h"
 #include "package/package_end.h"
 #include "package/projects.h"
 #include "package/shorten_path.h"
 #include "runtime/number.h"
 #include "system/attributes.h"
-#include "system/avi_keys.h"
-#include "system/file_type.h"
 #include "system/register_users.h"
+#include "system/registry_entries.h"
 #include "system/special_folders.h"
 #include "system/start_menu.h"
-#include "system/uninstall_entry.h"
 #include "system/user_folders.h"
 
 // The install itself. What to know before reading:
@@ -25,7 +22,7 @@
 // - `RunStep_` is the number of the statement being carried out. It is only for the trap's box, and
 //   is set in front of what may fail.
 // - Ticks move the progress bar: one before each member, from its row of the manifest, and four
-//   behind them.
+//   after them.
 // - A member is found from the end of the package. The first one lies last in the file, so
 //   `TailOffset_` grows by the size of each row, also of those that are not laid.
 // - A member goes two ways: it is copied out, still compressed, into the temporary folder, and
@@ -146,7 +143,7 @@ bool InstallRun::openPackage() {
   return true;
 }
 
-/// The length without what signing has put behind the package. If that cannot be worked out the
+/// The length without what signing has put after the package. If that cannot be worked out the
 /// whole length is taken: should the file not open, each member will say so.
 std::int32_t InstallRun::packageLength() {
   std::int32_t length = platform_.files.FileLen(PackagePath_);

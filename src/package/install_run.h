@@ -7,7 +7,6 @@
 #include "state/program.h"
 #include "system/product_settings.h"
 #include "system/registry.h"
-#include "system/run_report.h"
 
 namespace zev {
 

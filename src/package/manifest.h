@@ -30,7 +30,7 @@ enum class Condition {
 enum class Plain { Nowhere, InTitle, InText };
 
 /// One slot of the package, in the order of the run. A package has no directory: this table is the
-/// only description of it, and a size that is wrong by one byte shifts every member behind it.
+/// only description of it, and a size that is wrong by one byte shifts every member after it.
 struct ManifestRow {
   std::int32_t row = 0;      ///< 1 to 56; 0 for the empty slot
   TextView packedName = {};  ///< file name of the compressed member

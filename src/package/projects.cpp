@@ -1,6 +1,6 @@
 #include "package/projects.h"
 
-#include "runtime/fixed_text.h"
+#include "runtime/text.h"
 #include "system/attributes.h"
 #include "system/special_folders.h"
 

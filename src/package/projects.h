@@ -11,7 +11,7 @@ Text projectsFolder(Program& program);
 /// Where a project holds the path of its video, padded with blanks, in bytes.
 inline constexpr std::size_t videoPathOffset = 25;
 inline constexpr std::size_t videoPathSize = 512;
-/// What stands behind the install directory in the path of the sample video.
+/// What follows the install directory in the path of the sample video.
 inline constexpr TextView sampleVideo = u"\\SampleAVI.avi";
 
 /// Writes the path of the sample video into the sample project, which refers to it by its absolute

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 #include "runtime/text.h"
 
@@ -31,6 +33,12 @@ enum class BoxAnswer : std::int32_t {
   Yes = 6,
   No = 7,
 };
+
+/// The word for a button: "ok", "cancel", "abort", "retry", "ignore", "yes" or "no"; "none" for
+/// None.
+std::string_view answerName(BoxAnswer answer);
+/// The button of a word; none if it is no button's.
+std::optional<BoxAnswer> answerNamed(std::string_view word);
 
 /// Boxes that wait for the person.
 class Dialogs {

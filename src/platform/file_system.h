@@ -50,7 +50,7 @@ inline constexpr std::uint32_t archive = 32;
 inline constexpr std::uint32_t link = 1024;  ///< a junction, a symbolic link: it leads elsewhere
 }  // namespace file_attribute
 
-/// What stands behind the name of a file while the one that is to replace it is being written.
+/// What follows the name of a file while the one that is to replace it is being written.
 inline constexpr TextView replacementSuffix = u".~zev";
 
 /// One entry of a directory.
@@ -115,7 +115,7 @@ class FileSystem {
   /// Reads up to the length of `into` at a byte offset; `read` is less at the end of the file.
   virtual SystemError ReadFile(FileHandle file, std::uint64_t offset, std::span<std::uint8_t> into,
                                std::size_t& read) = 0;
-  /// Writes all of `from` at a byte offset, filling a gap behind the end with zeros, or fails; with
+  /// Writes all of `from` at a byte offset, filling a gap past the end with zeros, or fails; with
   /// diskFull what fitted is written and counted in `written`.
   virtual SystemError WriteFile(FileHandle file, std::uint64_t offset,
                                 std::span<const std::uint8_t> from, std::size_t& written) = 0;
@@ -155,5 +155,9 @@ class FileSystem {
   virtual std::string toAnsi(TextView text) = 0;
   virtual Text fromAnsi(std::string_view bytes) = 0;
 };
+
+/// Whether a file or folder can have the name: none of the characters that the system forbids, no
+/// name of a device, 255 characters at most.
+bool validName(TextView name);
 
 }  // namespace zev

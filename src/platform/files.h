@@ -71,7 +71,7 @@ class Files {
 
   /// Length of an open file in bytes.
   virtual std::int32_t LOF(std::int32_t number) = 0;
-  /// Reads at a 1-based position; what lies behind the end of the file becomes 0. A position below
+  /// Reads at a 1-based position; what lies past the end of the file becomes 0. A position below
   /// 1 is error 63.
   virtual void Get(std::int32_t number, std::int32_t position, std::span<std::uint8_t> into) = 0;
   /// Writes at a 1-based position. A position below 1 is error 63, a full disk 61.

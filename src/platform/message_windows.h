@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/windows.h"
+#include "platform/processes.h"
 
 namespace zev {
 

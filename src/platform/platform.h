@@ -1,8 +1,6 @@
 #pragma once
 
-#include "platform/dde.h"
 #include "platform/dialogs.h"
-#include "platform/drives.h"
 #include "platform/files.h"
 #include "platform/holds.h"
 #include "platform/kernel.h"
@@ -10,11 +8,9 @@
 #include "platform/message_windows.h"
 #include "platform/processes.h"
 #include "platform/registry_api.h"
-#include "platform/shell_folders.h"
-#include "platform/shortcuts.h"
+#include "platform/shell.h"
 #include "platform/sockets.h"
 #include "platform/system_information.h"
-#include "platform/windows.h"
 #include "runtime/application.h"
 
 namespace zev {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/file_system.h"
 #include "runtime/text.h"
@@ -13,6 +14,11 @@ using RegistryKey = std::uint64_t;
 inline constexpr RegistryKey HKEY_CLASSES_ROOT = 0x80000000;
 inline constexpr RegistryKey HKEY_CURRENT_USER = 0x80000001;
 inline constexpr RegistryKey HKEY_LOCAL_MACHINE = 0x80000002;
+
+/// The name of a hive: "HKEY_LOCAL_MACHINE" and so on; empty for what is none.
+TextView hiveName(RegistryKey hive);
+/// The hive of that name or of its short form, "HKLM", letter case aside; none if there is none.
+std::optional<RegistryKey> hiveNamed(TextView name);
 
 /// Types of values.
 namespace registry_type {
@@ -43,7 +49,7 @@ class RegistryApi {
   virtual SystemError RegDeleteKeyA(RegistryKey hive, TextView key) = 0;
   virtual SystemError RegDeleteValueA(RegistryKey handle, TextView name) = 0;
   /// Name of the n-th subkey, from 0, into a buffer of `size` bytes, ended by a NUL; noMoreItems
-  /// behind the last, moreData for a buffer too small.
+  /// after the last, moreData for a buffer too small.
   virtual SystemError RegEnumKeyA(RegistryKey handle, std::uint32_t index, Text& buffer,
                                   std::uint32_t size) = 0;
   /// Type of a value and size of its data in bytes, without the data.

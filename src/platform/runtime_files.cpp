@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "runtime/buffer.h"
+#include "runtime/containers.h"
 #include "runtime/error.h"
 
 namespace zev {

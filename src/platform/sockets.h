@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/windows.h"
+#include "platform/processes.h"
 
 namespace zev {
 
@@ -116,8 +116,8 @@ class Sockets {
   /// lParam the event in its low word and an error code in its high word. Each event is posted once
   /// and again only after the call that answers it: FD_READ after `recv` or `recvfrom` with more to
   /// read, FD_ACCEPT after `accept` with more to accept, FD_WRITE when there is room again after a
-  /// send failed with 10035, and once behind FD_CONNECT, for an accepted socket and for one that
-  /// needs no connection. FD_CLOSE comes once, behind all data; an error code in it tells of a
+  /// send failed with 10035, and once after FD_CONNECT, for an accepted socket and for one that
+  /// needs no connection. FD_CLOSE comes once, after all data; an error code in it stands for a
   /// reset. Makes the socket non-blocking. A mask of 0 ends the posting. Accepted sockets inherit
   /// window, message and mask.
   virtual std::int32_t WSAAsyncSelect(std::int32_t socket, WindowHandle window,
@@ -160,7 +160,7 @@ class Sockets {
   virtual std::int32_t shutdown(std::int32_t socket, std::int32_t how) = 0;
   virtual std::int32_t sendto(std::int32_t socket, std::span<const std::uint8_t> bytes,
                               std::int32_t flags, const SocketAddress& receiver) = 0;
-  /// Bytes read, 0 behind the last one of a peer that has closed. Of a datagram that is longer than
+  /// Bytes read, 0 after the last one of a peer that has closed. Of a datagram that is longer than
   /// `bytes` the rest is lost and the call fails with 10040, the bytes filled.
   virtual std::int32_t recv(std::int32_t socket, std::span<std::uint8_t> bytes,
                             std::int32_t flags) = 0;

@@ -1,19 +1,146 @@
 #include "posix/look_ups.h"
 
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netdb.h>
 #include <sys/eventfd.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <condition_variable>
+#include <cstdint>
+#include <cstring>
 #include <deque>
+#include <memory>
 #include <mutex>
 #include <system_error>
 #include <utility>
 
-#include "posix/descriptor.h"
+#include "posix/descriptors.h"
+#include "posix/translation.h"
 
 namespace zev::posix {
+
+// ---- the record of a host
+
+namespace {
+
+/// The aliases, of which there are none, and the addresses; each list is ended by null.
+std::size_t pointerCount(const Host& host) { return 1 + host.addresses.size() + 1; }
+
+/// The next place from `place` on where a pointer may stand.
+char* aligned(char* place) {
+  constexpr std::uintptr_t step = alignof(char*);
+  const std::uintptr_t over = reinterpret_cast<std::uintptr_t>(place) % step;
+  return over == 0 ? place : place + (step - over);
+}
+
+}  // namespace
+
+std::size_t recordSize(const Host& host) {
+  return sizeof(HostRecord) + alignof(char*) + pointerCount(host) * sizeof(char*) +
+         host.addresses.size() * sizeof(in_addr) + host.name.size() + 1;
+}
+
+void writeRecord(const Host& host, void* buffer) {
+  char* const pointers = aligned(static_cast<char*>(buffer) + sizeof(HostRecord));
+  char* next = pointers + pointerCount(host) * sizeof(char*);
+  std::vector<char*> lists = {nullptr};
+  for (const in_addr& each : host.addresses) {
+    std::memcpy(next, &each, sizeof each);
+    lists.push_back(next);
+    next += sizeof each;
+  }
+  lists.push_back(nullptr);
+  std::memcpy(next, host.name.c_str(), host.name.size() + 1);
+  std::memcpy(pointers, lists.data(), lists.size() * sizeof(char*));
+
+  HostRecord record;
+  record.name = next;
+  record.aliases = reinterpret_cast<char**>(pointers);
+  record.addressType = winsock::internet;
+  record.addressLength = sizeof(in_addr);
+  record.addresses = record.aliases + 1;
+  std::memcpy(buffer, &record, sizeof record);
+}
+
+// ---- one look-up
+
+namespace {
+
+constexpr const char* loopbackName = "localhost";
+
+in_addr addressOf(const sockaddr* address) {
+  sockaddr_in whole{};
+  std::memcpy(&whole, address, sizeof whole);
+  return whole.sin_addr;
+}
+
+bool isLoopback(in_addr address) {
+  return ntohl(address.s_addr) >> IN_CLASSA_NSHIFT == IN_LOOPBACKNET;
+}
+
+Host ask(const std::string& name) {
+  addrinfo hints{};
+  hints.ai_family = AF_INET;
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = AI_CANONNAME;
+  addrinfo* found = nullptr;
+  const int result = ::getaddrinfo(name.c_str(), nullptr, &hints, &found);
+  if (result != 0) return {lookUpError(result, errno), name, {}};
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(found, ::freeaddrinfo);
+  Host host;
+  host.name = found->ai_canonname == nullptr ? name : found->ai_canonname;
+  for (const addrinfo* each = found; each != nullptr; each = each->ai_next) {
+    host.addresses.push_back(addressOf(each->ai_addr));
+  }
+  return host;
+}
+
+/// Addresses under which other machines reach this one.
+std::vector<in_addr> interfaceAddresses() {
+  ifaddrs* list = nullptr;
+  std::vector<in_addr> addresses;
+  if (::getifaddrs(&list) != 0) return addresses;
+  const std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)> owner(list, ::freeifaddrs);
+  for (const ifaddrs* each = list; each != nullptr; each = each->ifa_next) {
+    const bool internet = each->ifa_addr != nullptr && each->ifa_addr->sa_family == AF_INET;
+    if (!internet || (each->ifa_flags & IFF_UP) == 0) continue;
+    const in_addr address = addressOf(each->ifa_addr);
+    if (!isLoopback(address)) addresses.push_back(address);
+  }
+  return addresses;
+}
+
+/// Many systems keep their own name at an address of the loopback net, or nowhere.
+Host askForOwn(const std::string& name) {
+  Host host = ask(name);
+  const bool reachable = !std::all_of(host.addresses.begin(), host.addresses.end(), isLoopback);
+  if (reachable || name == loopbackName) return host;
+  const std::vector<in_addr> addresses = interfaceAddresses();
+  if (!addresses.empty()) return {0, name, addresses};
+  return host.error == 0 ? host : Host{0, name, {in_addr{htonl(INADDR_LOOPBACK)}}};
+}
+
+}  // namespace
+
+Host lookUp(const std::string& name) {
+  const std::string own = ownName();
+  return name.empty() || name == own ? askForOwn(own) : ask(name);
+}
+
+std::string ownName() {
+  char name[HOST_NAME_MAX + 1] = {};
+  if (::gethostname(name, sizeof name) != 0) return loopbackName;
+  return name;
+}
+
+// ---- look-ups beside the thread that dispatches
+
 namespace {
 
 constexpr std::chrono::seconds patience(2);

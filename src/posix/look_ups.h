@@ -1,5 +1,8 @@
 #pragma once
 
+#include <netinet/in.h>
+
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -7,9 +10,30 @@
 #include <thread>
 #include <vector>
 
-#include "posix/host_record.h"
+#include "platform/sockets.h"
 
 namespace zev::posix {
+
+/// What a look-up has found.
+struct Host {
+  std::int32_t error = 0;  ///< a Winsock number; 0: the rest is there
+  std::string name;
+  std::vector<in_addr> addresses;
+};
+
+/// Bytes of a host's record with all that it points to, wherever it begins.
+std::size_t recordSize(const Host& host);
+
+/// Lays a host's record down in at least that many bytes. The record stands at their beginning.
+void writeRecord(const Host& host, void* buffer);
+
+/// Asks the system for a host's addresses, as long as that takes. A dotted address is its own
+/// answer. The machine's own name, which an empty one means too, answers with the addresses of its
+/// interfaces if the system knows none for it that reaches further than the machine itself.
+Host lookUp(const std::string& name);
+
+/// The machine's name.
+std::string ownName();
 
 /// Look-ups that run beside the thread that dispatches, a few at once; the others wait their turn.
 /// All calls are on that thread.

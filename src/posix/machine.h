@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "posix/code_queue.h"
+#include "posix/descriptors.h"
 #include "posix/kernel.h"
-#include "posix/look_up.h"
-#include "posix/poller.h"
+#include "posix/look_ups.h"
 #include "posix/sockets.h"
 
 namespace zev::posix {

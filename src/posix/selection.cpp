@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "posix/error_numbers.h"
+#include "posix/translation.h"
 
 namespace zev::posix {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/message_queue.h"
-#include "posix/poller.h"
+#include "posix/descriptors.h"
 #include "posix/socket_table.h"
 
 namespace zev::posix {

@@ -4,7 +4,7 @@
 #include <deque>
 
 #include "platform/sockets.h"
-#include "posix/descriptor.h"
+#include "posix/descriptors.h"
 
 namespace zev::posix {
 

@@ -15,9 +15,8 @@
 #include <utility>
 
 #include "code_page/code_page.h"
-#include "posix/address.h"
-#include "posix/error_numbers.h"
-#include "posix/look_up.h"
+#include "posix/look_ups.h"
+#include "posix/translation.h"
 
 namespace zev::posix {
 namespace {

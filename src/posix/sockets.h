@@ -6,8 +6,8 @@
 
 #include "platform/message_queue.h"
 #include "platform/sockets.h"
+#include "posix/descriptors.h"
 #include "posix/look_ups.h"
-#include "posix/poller.h"
 #include "posix/selection.h"
 #include "posix/socket_table.h"
 

@@ -12,7 +12,7 @@
 // to it first takes the next event.
 //
 // The program is over when no form is loaded. That is looked at after each event, and it ends all
-// nested frames at once, by ProgramEnd: code behind the Unload of the last form still runs up to
+// nested frames at once, by ProgramEnd: code after the Unload of the last form still runs up to
 // the end of its procedure, or to its next DoEvents.
 
 namespace zev {

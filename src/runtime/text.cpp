@@ -69,7 +69,7 @@ char16_t upperUnit(char16_t unit) {
 bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
-/// Takes the code point at `place` and moves behind it.
+/// Takes the code point at `place` and moves past it.
 char32_t takeCodePoint(TextView text, std::size_t& place) {
   const char32_t unit = text[place++];
   if (isHighSurrogate(unit) && place < text.size() && isLowSurrogate(text[place])) {
@@ -103,7 +103,7 @@ void appendUtf16(Text& out, char32_t code) {
   out += static_cast<char16_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
 }
 
-/// The number of continuation bytes behind a lead byte, or -1 for none that may lead.
+/// The number of continuation bytes after a lead byte, or -1 for none that may lead.
 int continuationBytes(unsigned char lead) {
   if (lead < 0x80) return 0;
   if (lead >= 0xC2 && lead < 0xE0) return 1;
@@ -118,7 +118,7 @@ bool isScalar(char32_t code, int continuation) {
          !isLowSurrogate(code);
 }
 
-/// Takes one scalar value from UTF-8 and moves behind it; one bad byte gives one replacement.
+/// Takes one scalar value from UTF-8 and moves past it; one bad byte gives one replacement.
 char32_t takeScalar(std::string_view text, std::size_t& place) {
   const auto lead = static_cast<unsigned char>(text[place++]);
   const int count = continuationBytes(lead);

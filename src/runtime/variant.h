@@ -38,7 +38,7 @@ struct Currency {
   bool operator==(const Currency&) const = default;
 };
 
-/// Days since 30 December 1899 and, behind the point, the time of the day.
+/// Days since 30 December 1899 and, after the point, the time of the day.
 struct Date {
   double days = 0;
   bool operator==(const Date&) const = default;

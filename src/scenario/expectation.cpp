@@ -156,7 +156,7 @@ const Fact* findFact(std::string_view key) {
   return nullptr;
 }
 
-/// True if the value tells of an entry by facts, and does not stand for its content.
+/// True if the value describes an entry by facts, and does not stand for its content.
 bool isFacts(const Json& expected) { return expected.is_object() && !isCondition(expected); }
 
 /// True for `{"not": facts}`, the denial of facts or of another such denial.
@@ -209,31 +209,13 @@ struct ValuePlace {
   std::optional<Text> name;  ///< none: the key itself
 };
 
-struct Hive {
-  TextView name;
-  RegistryKey key;
-};
-
-constexpr Hive hives[] = {
-    {u"HKEY_CLASSES_ROOT", HKEY_CLASSES_ROOT},
-    {u"HKEY_CURRENT_USER", HKEY_CURRENT_USER},
-    {u"HKEY_LOCAL_MACHINE", HKEY_LOCAL_MACHINE},
-};
-
-std::optional<RegistryKey> hiveOf(const Text& name) {
-  for (const Hive& each : hives) {
-    if (each.name == name) return each.key;
-  }
-  return std::nullopt;
-}
-
 /// Takes "HIVE\key|name" apart; none if it does not begin with a hive.
 std::optional<ValuePlace> valuePlace(std::string_view written) {
   const Text whole = fromUtf8(written);
   const std::size_t bar = std::min(whole.find(u'|'), whole.size());
   const TextView path = TextView(whole).substr(0, bar);
   const std::size_t slash = std::min(path.find(u'\\'), path.size());
-  const auto hive = hiveOf(hiveName(path.substr(0, slash)));
+  const auto hive = hiveNamed(path.substr(0, slash));
   if (!hive) return std::nullopt;
   ValuePlace place{*hive, Text(path.substr(std::min(slash + 1, path.size()))), std::nullopt};
   if (bar < whole.size()) place.name = whole.substr(bar + 1);
@@ -364,7 +346,7 @@ void checkValue(std::string_view, const JsonReader& expected) { checkMatcher(exp
 
 // What was started.
 
-/// How an expectation tells of what was started: by its words alone, or as objects of its parts.
+/// How an expectation describes what was started: by its words alone, or as objects of its parts.
 struct StartWish {
   bool words = false;
   bool parts = false;
@@ -433,7 +415,7 @@ bool wantsNumber(const Json& expected) {
 // The kinds of key.
 
 /// One kind of key: how it begins (or its whole name), and how it is checked. `rest` is what stands
-/// behind the beginning.
+/// after the beginning.
 struct KeyKind {
   std::string_view start;
   bool whole;

@@ -34,7 +34,7 @@ bool isPropertyKey(std::string_view key);
 /// for the name of a property.
 std::string_view kindOfKey(std::string_view key);
 
-// Kinds that are held against files and registry. `rest` is what stands behind the beginning of the
+// Kinds that are held against files and registry. `rest` is what follows the beginning of the
 // key.
 Verdict judgeFile(std::string_view rest, const Json& expected, const Witness& witness);
 Verdict judgeDirectory(std::string_view rest, const Json& expected, const Witness& witness);

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <set>
 
-#include "scenario/expand.h"
+#include "scenario/written_out.h"
 
 namespace zev::scenario {
 namespace {

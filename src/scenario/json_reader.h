@@ -66,7 +66,7 @@ class JsonReader {
   std::vector<std::pair<std::string, JsonReader>> members() const;
   JsonReader element(std::size_t index) const;
   JsonReader member(const std::string& key) const;
-  /// The elements of a list that has exactly so many.
+  /// The elements of a list that has exactly `count`.
   std::vector<JsonReader> elements(std::size_t count) const;
 
   std::string utf8() const;

@@ -13,7 +13,7 @@ Judged ifSeen(const Json& expected, std::optional<Json> found) {
   return found ? Judged(verdict(expected, std::move(*found))) : std::nullopt;
 }
 
-/// An expectation of one kind; `rest` is what stands behind the kind in its key.
+/// An expectation of one kind; `rest` is what follows the kind in its key.
 struct Question {
   std::string_view kind;
   std::string_view rest;

@@ -11,7 +11,7 @@ constexpr std::size_t lineWidth = 100;
 constexpr std::string_view linesOfTheirOwn[] = {"cases", "values", "machines",
                                                 "steps", "expect", "boxes"};
 
-/// On one line, blanks behind colons and commas.
+/// On one line, blanks after colons and commas.
 std::string onOneLine(const Json& value) {
   if (!value.is_structured()) return value.dump();
   std::string out;
@@ -22,7 +22,7 @@ std::string onOneLine(const Json& value) {
   return value.is_object() ? "{" + out + "}" : "[" + out + "]";
 }
 
-/// Writes a document piece by piece; what has no room behind a piece goes to the next line.
+/// Writes a document piece by piece; what has no room after a piece goes to the next line.
 class Layout {
  public:
   /// `behind`: how many characters still follow on the last line.

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "code_page/code_page.h"
-#include "platform/file_name.h"
 #include "platform/file_system.h"
 #include "platform/operations.h"
 #include "platform/registry_api.h"
@@ -135,6 +134,7 @@ constexpr KeyRow<DriveChange> driveKeys[] = {
     {"sectorsPerCluster", readGeometry<&DriveChange::sectorsPerCluster>},
     {"bytesPerSector", readGeometry<&DriveChange::bytesPerSector>},
     {"label", into<&DriveChange::label>},
+    {"ready", into<&DriveChange::ready>},
     {"shortNames", into<&DriveChange::shortNames>},
     {"host", [](const JsonReader& value, DriveChange& drive) { drive.host = value.hostFolder(); }},
 };
@@ -239,17 +239,6 @@ void readFiles(const JsonReader& value, MachineChange& machine) {
 
 // The registry.
 
-struct HiveName {
-  TextView full;
-  TextView brief;
-};
-
-constexpr HiveName hiveNames[] = {
-    {u"HKEY_CLASSES_ROOT", u"HKCR"},
-    {u"HKEY_CURRENT_USER", u"HKCU"},
-    {u"HKEY_LOCAL_MACHINE", u"HKLM"},
-};
-
 void readDataText(const JsonReader& value, RegistryData& data) { data.data = value.text(); }
 void readDataHex(const JsonReader& value, RegistryData& data) { data.data = value.hex(); }
 
@@ -304,17 +293,18 @@ void denyKeys(const JsonReader& keys, TextView hive, MachineChange& machine) {
   if (!machine.deniedKeys) machine.deniedKeys.emplace();
   for (const JsonReader& each : keys.elements()) {
     const Text key = hive.empty() ? each.text() : join(hive, u"\\", each.text());
-    const Text full = hiveName(TextView(key).substr(0, key.find(u'\\')));
-    if (full.empty()) each.fail("a key begins with its hive, such as HKEY_LOCAL_MACHINE\\Software");
+    const auto named = hiveNamed(TextView(key).substr(0, key.find(u'\\')));
+    if (!named) each.fail("a key begins with its hive, such as HKEY_LOCAL_MACHINE\\Software");
     const std::size_t bar = key.find(u'\\');
-    machine.deniedKeys->push_back(bar == Text::npos ? full : full + key.substr(bar));
+    machine.deniedKeys->push_back(
+        join(hiveName(*named), bar == Text::npos ? u"" : TextView(key).substr(bar)));
   }
 }
 
-void readHive(const JsonReader& keys, const Text& hive, MachineChange& machine) {
+void readHive(const JsonReader& keys, RegistryKey hive, MachineChange& machine) {
   for (const auto& [key, values] : keys.members()) {
     if (key == "deny" && values.json().is_array()) {
-      denyKeys(values, hive, machine);
+      denyKeys(values, hiveName(hive), machine);
       continue;
     }
     RegistryChange change;
@@ -331,12 +321,12 @@ void readRegistry(const JsonReader& value, MachineChange& machine) {
       denyKeys(content, {}, machine);
       continue;
     }
-    const Text hive = hiveName(fromUtf8(key));
-    if (hive.empty()) {
+    const auto hive = hiveNamed(fromUtf8(key));
+    if (!hive) {
       content.fail("no hive \"" + key +
                    "\"; there are HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE");
     }
-    readHive(content, hive, machine);
+    readHive(content, *hive, machine);
   }
 }
 
@@ -352,10 +342,9 @@ void readServices(const JsonReader& value, MachineChange& machine) {
 }
 
 constexpr KeyRow<ProgramChange> programKeys[] = {
-    {"starts", into<&ProgramChange::starts>},
-    {"opens", into<&ProgramChange::opens>},
-    {"running", into<&ProgramChange::running>},
-    {"exit", into<&ProgramChange::exit>},
+    {"starts", into<&ProgramChange::starts>},     {"opens", into<&ProgramChange::opens>},
+    {"running", into<&ProgramChange::running>},   {"exit", into<&ProgramChange::exit>},
+    {"duration", into<&ProgramChange::duration>},
 };
 
 void readPrograms(const JsonReader& value, MachineChange& machine) {
@@ -446,13 +435,6 @@ constexpr KeyRow<MachineChange> machineKeys[] = {
 };
 
 }  // namespace
-
-Text hiveName(TextView written) {
-  for (const HiveName& hive : hiveNames) {
-    if (equalText(hive.full, written) || equalText(hive.brief, written)) return Text(hive.full);
-  }
-  return {};
-}
 
 MachineChange readMachine(const JsonReader& machine) {
   MachineChange change;

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/registry_api.h"
 #include "scenario/json_reader.h"
 
 namespace zev::scenario {
@@ -43,6 +44,7 @@ struct DriveChange {
   std::optional<std::uint32_t> sectorsPerCluster;
   std::optional<std::uint32_t> bytesPerSector;
   std::optional<Text> label;
+  std::optional<bool> ready;
   std::optional<bool> shortNames;
   std::optional<std::filesystem::path> host;
 };
@@ -88,7 +90,7 @@ struct RegistryData {
 
 struct RegistryChange {
   std::string path;  ///< in the document, for messages
-  Text hive;         ///< its full name
+  RegistryKey hive = 0;
   Text key;
   Nullable<Text> name;               ///< absent: the key itself is meant
   std::optional<RegistryData> data;  ///< none: the value, or the key, is taken away
@@ -104,6 +106,7 @@ struct ProgramChange {
   std::optional<bool> opens;
   std::optional<bool> running;
   std::optional<std::int32_t> exit;
+  std::optional<std::uint32_t> duration;  ///< milliseconds
 };
 
 struct FaultChange {
@@ -152,8 +155,5 @@ struct MachineChange {
 
 /// Reads a machine object. The files and folders of the host that it names must exist.
 MachineChange readMachine(const JsonReader& machine);
-
-/// The full name of a hive that is written in full or short, such as HKLM; empty for no hive.
-Text hiveName(TextView written);
 
 }  // namespace zev::scenario

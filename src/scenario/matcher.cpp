@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "scenario/pattern.h"
-
 namespace zev::scenario {
 namespace {
 

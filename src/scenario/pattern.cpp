@@ -1,4 +1,4 @@
-#include "scenario/pattern.h"
+#include "scenario/matcher.h"
 
 #include <re2/re2.h>
 

@@ -1,6 +1,6 @@
 #include <regex>
 
-#include "scenario/pattern.h"
+#include "scenario/matcher.h"
 
 namespace zev::scenario {
 /// There is no package of the other library for Windows. The standard library's own way of

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "scenario/answers.h"
 #include "scenario/finding.h"
+#include "scenario/script.h"
 
 namespace zev::scenario {
 namespace {
@@ -69,7 +69,7 @@ void OutsideAudience::boxOpens() {
 
 void OutsideAudience::boxAnswered(const Box& box, BoxAnswer answer) {
   boxOpen_ = false;
-  view_.box(box.text, box.title, box.style, answerWord(answer));
+  view_.box(box.text, box.title, box.style, answerName(answer));
 }
 
 void OutsideAudience::inputAnswered(TextView prompt, TextView title, TextView answer) {
@@ -205,7 +205,7 @@ BoxAnswer Play::answer(const Box& box) {
     const auto asked = ask(&Audience::answer, box);
     button = asked ? press(*asked) : box.byDefault;
   }
-  if (place < boxes_.size()) boxes_[place]["answer"] = answerWord(*button);
+  if (place < boxes_.size()) boxes_[place]["answer"] = answerName(*button);
   tell(&Audience::boxAnswered, box, *button);
   return *button;
 }
@@ -213,7 +213,7 @@ BoxAnswer Play::answer(const Box& box) {
 Play::Entered Play::input(TextView prompt, TextView title, TextView initial) {
   openBox();
   const auto enter = [&](const Answer& answer) {
-    return Entered{entered(answer, initial), answer.button == answerWord(BoxAnswer::Cancel)};
+    return Entered{entered(answer, initial), answer.button == answerName(BoxAnswer::Cancel)};
   };
   auto text = takeAnswer(enter);
   if (!text) {
@@ -298,7 +298,7 @@ void Play::carryOut(const EndSession&, const Step&) { stage_.endSession(); }
 
 void Play::carryOut(const Other& other, const Step&) { stage_.letOther(other); }
 
-/// Boxes and answers are those of both programs, one behind the other.
+/// Boxes and answers are those of both programs, one after the other.
 void Play::carryOut(const Beside& beside, const Step&) {
   Part first = std::exchange(part_, Part{&beside.steps});
   try {

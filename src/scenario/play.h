@@ -117,7 +117,7 @@ class Play {
   /// A property was written. `form` is null for a component of no known form.
   void propertyWritten(const Form* form, const PropertyBase& property);
 
-  /// The answer to a box, behind what is to be done before it is answered.
+  /// The answer to a box, after what is to be done before it is answered.
   BoxAnswer answer(const Box& box);
   struct Entered {
     Text text;

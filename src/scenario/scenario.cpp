@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <fstream>
 
-#include "scenario/expand.h"
+#include "scenario/written_out.h"
 
 namespace zev::scenario {
 namespace {

@@ -16,8 +16,8 @@ struct Package {
   std::optional<std::filesystem::path> file;  ///< none: a bare image; need not be there yet
   std::uint64_t cutEnd = 0;                   ///< bytes taken off the end
   std::uint64_t cutStart = 0;                 ///< bytes taken off the beginning
-  std::optional<std::uint64_t> keepEnd;       ///< keeps so many bytes at the end
-  std::optional<std::uint64_t> length;        ///< keeps so many; a shorter file gets zeros in front
+  std::optional<std::uint64_t> keepEnd;       ///< keeps that number of bytes at the end
+  std::optional<std::uint64_t> length;        ///< of the result; a shorter file gets zeros in front
   std::vector<std::uint64_t> flip;            ///< offsets of bytes to invert
   std::string path;                           ///< in the document, for messages
 };

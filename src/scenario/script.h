@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/dialogs.h"
 #include "scenario/json_reader.h"
 #include "scenario/machine_change.h"
 
@@ -139,5 +141,13 @@ Name readName(const JsonReader& name, std::size_t mostParts);
 /// The parts of a text between its points, each an identifier that an index in parentheses may
 /// follow, as in "Form1.Label3(2).Caption". None if one is something else.
 std::optional<std::vector<std::string>> partsOfName(std::string_view written);
+
+/// The button among those of a message box that an answer presses. Cancel closes a box that has an
+/// OK alone, as the escape key does. An answer that the box does not have is a ScenarioError.
+BoxAnswer pressedOf(const Answer& answer, const std::vector<BoxAnswer>& buttons, TextView boxText);
+
+/// The text that an answer leaves in an input box: its own, the initial one for OK, empty for
+/// Cancel. Any other is a ScenarioError.
+Text entered(const Answer& answer, TextView initial);
 
 }  // namespace zev::scenario

@@ -52,7 +52,7 @@ class Stage {
   /// A property of a form, or of a control on it; none if it cannot be seen from here, or now.
   virtual std::optional<Json> value(Component& component, std::string_view property) = 0;
   /// What an expectation of another kind finds: `kind` is one of kindOfKey, `rest` what stands
-  /// behind it. None if it cannot be seen from here. A global that the program does not have is
+  /// after it. None if it cannot be seen from here. A global that the program does not have is
   /// std::invalid_argument.
   virtual std::optional<Json> find(std::string_view kind, std::string_view rest) = 0;
 

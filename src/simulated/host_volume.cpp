@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/file_name.h"
+#include "platform/file_system.h"
 #include "simulated/host_names.h"
 #include "simulated/volume.h"
 

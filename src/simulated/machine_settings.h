@@ -119,7 +119,6 @@ struct MachineSettings {
   FolderSettings folders = usualFolders(u"bob");
   std::vector<Text> windows{};  ///< titles of other programs' top-level windows, in order
   Text installer = u"C:\\Users\\bob\\Downloads\\ZEVSetup.exe";  ///< the program's own file
-  Text title = u"ZEVSetup";  ///< of a box to which the program gives none
   ServiceSettings services{};
   std::map<Text, ProgramSettings> programs{};  ///< by path, letter case aside
 };

@@ -10,7 +10,7 @@
 #include "simulated/network/simulated_network.h"
 #include "simulated/registry_tree.h"
 #include "simulated/sharing.h"
-#include "simulated/shortcut_properties.h"
+#include "simulated/shell_link.h"
 #include "simulated/transcript.h"
 
 namespace zev::simulated {

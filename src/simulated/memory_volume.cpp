@@ -8,7 +8,7 @@
 namespace zev::simulated {
 namespace {
 
-/// Bytes in memory. Zeros behind the last byte that was written take none, nor does a piece of the
+/// Bytes in memory. Zeros past the last byte that was written take none, nor does a piece of the
 /// host until it is written to.
 class MemoryBody final : public FileBody {
  public:

@@ -32,7 +32,7 @@ inline constexpr std::size_t longestDirectoryPath = 247;
 
 /// Takes a path apart as the system does: a slash is a backslash, "." and ".." are resolved, blanks
 /// and dots at the end of the last name and one dot at the end of a name before it are dropped,
-/// what stands behind a NUL does not count. Any character before a colon names a drive, though only
+/// what follows a NUL does not count. Any character before a colon names a drive, though only
 /// letters ever are some. A path without a drive starts at the current folder's drive, a relative
 /// one in `current` if that lies on its drive, and else in the root. Characters are not checked
 /// here, so that a search can hand its pattern in.
@@ -42,5 +42,15 @@ SystemError parsePath(TextView text, const Path& current, Path& path);
 
 /// success, or invalidName: a character that no name can have, a name of a device, a name too long.
 SystemError checkNames(const Path& path);
+
+/// Whether a pattern names entries by wildcards.
+bool hasWildcards(TextView pattern);
+
+/// Whether a name matches the last component of a search as the system matches it: letter case
+/// aside;
+/// "*" is any run of characters, "?" one character or, before a dot and at the end, none; "*.*" is
+/// every name; a dot before a wildcard also matches the end of a name without one; a pattern that
+/// ends in "*." matches names without an extension.
+bool matchesPattern(TextView name, TextView pattern);
 
 }  // namespace zev::simulated

@@ -11,24 +11,6 @@ namespace {
 constexpr char16_t keySeparator = u'\\';
 constexpr TextView classes = u"Software\\Classes";
 
-struct HiveRow {
-  RegistryKey hive;
-  TextView name;
-  TextView shortName;
-};
-
-constexpr HiveRow hives[] = {
-    {HKEY_CLASSES_ROOT, u"HKEY_CLASSES_ROOT", u"HKCR"},
-    {HKEY_CURRENT_USER, u"HKEY_CURRENT_USER", u"HKCU"},
-    {HKEY_LOCAL_MACHINE, u"HKEY_LOCAL_MACHINE", u"HKLM"},
-};
-
-const HiveRow* rowOf(RegistryKey hive) {
-  const auto row = std::find_if(std::begin(hives), std::end(hives),
-                                [&](const HiveRow& each) { return each.hive == hive; });
-  return row == std::end(hives) ? nullptr : row;
-}
-
 /// Where a key really is.
 struct Address {
   RegistryKey hive;
@@ -105,19 +87,7 @@ RegistryTree::RegistryTree() {
   createKey(HKEY_CLASSES_ROOT, {});
 }
 
-bool RegistryTree::isHive(RegistryKey hive) { return rowOf(hive) != nullptr; }
-
-Text RegistryTree::hiveName(RegistryKey hive) {
-  const HiveRow* row = rowOf(hive);
-  return row == nullptr ? Text() : Text(row->name);
-}
-
-std::optional<RegistryKey> RegistryTree::hiveOf(TextView name) {
-  for (const HiveRow& row : hives) {
-    if (equalText(row.name, name) || equalText(row.shortName, name)) return row.hive;
-  }
-  return std::nullopt;
-}
+bool RegistryTree::isHive(RegistryKey hive) { return !hiveName(hive).empty(); }
 
 std::shared_ptr<RegistryNode> RegistryTree::find(RegistryKey hive, TextView key) const {
   if (!isHive(hive)) return nullptr;

@@ -77,10 +77,6 @@ class RegistryTree {
   std::shared_ptr<RegistryNode> find(RegistryKey hive, TextView key) const;
 
   static bool isHive(RegistryKey hive);
-  /// "HKEY_LOCAL_MACHINE" and so on.
-  static Text hiveName(RegistryKey hive);
-  /// The hive of that full name, or of its short form "HKLM"; none if unknown.
-  static std::optional<RegistryKey> hiveOf(TextView name);
 
  private:
   std::map<RegistryKey, std::shared_ptr<RegistryNode>> roots_;  ///< the two real hives

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "runtime/tab_order.h"
+#include "runtime/form.h"
 
 namespace zev::simulated {
 namespace {

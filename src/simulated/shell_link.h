@@ -3,9 +3,25 @@
 #include <cstdint>
 #include <vector>
 
-#include "simulated/shortcut_properties.h"
+#include "runtime/text.h"
+#include "simulated/transcript.h"
 
 namespace zev::simulated {
+
+/// What a shortcut says, under the names that the automation object gives its properties.
+struct ShortcutProperties {
+  Text TargetPath{};
+  Text Arguments{};
+  std::int32_t WindowStyle = 1;
+  Text IconLocation = u",0";
+  Text Description{};
+  Text WorkingDirectory{};
+
+  bool operator==(const ShortcutProperties&) const = default;
+};
+
+/// The properties as a JSON object, in the order of the structure.
+Event toJson(const ShortcutProperties& properties);
 
 /// The bytes of a shortcut's file: a shell link with its target in a LinkInfo structure and Unicode
 /// strings. The window style is kept as the link's show command.

@@ -13,7 +13,7 @@ namespace zev::simulated {
 ///
 /// A name that is one already, letter case aside, has no other. Any other gets one from the first
 /// six letters of what stands before its last dot, "~", a number, and the first three letters
-/// behind that dot, in upper case. Blanks and other dots are left out; what no short name can have,
+/// after that dot, in upper case. Blanks and other dots are left out; what no short name can have,
 /// and every letter beyond ASCII, becomes "_". The number is the first from 1 that makes a name of
 /// the folder's own. An entry is named when names of its folder are first asked for, in the order
 /// of the folder's list, and keeps its short name.

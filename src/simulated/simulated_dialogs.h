@@ -16,7 +16,7 @@ class SimulatedDialogs final : public Dialogs {
 
   BoxAnswer MsgBox(TextView text, std::int32_t style, TextView title) override;
   Text InputBox(TextView prompt, TextView title, TextView initial) override;
-  Text defaultTitle() override { return machine_.settings.title; }
+  Text defaultTitle() override { return u"ZEVSetup"; }
 
  private:
   MachineState& machine_;

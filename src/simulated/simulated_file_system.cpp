@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "platform/drives.h"
-#include "platform/file_name.h"
-#include "simulated/wildcard.h"
+#include "platform/file_system.h"
+#include "platform/system_information.h"
+#include "simulated/path.h"
 
 namespace zev::simulated {
 namespace {

@@ -13,17 +13,13 @@
 #include "platform/runtime_files.h"
 #include "simulated/network/simulated_kernel.h"
 #include "simulated/network/simulated_sockets.h"
-#include "simulated/registry_export.h"
-#include "simulated/simulated_dde.h"
 #include "simulated/simulated_dialogs.h"
-#include "simulated/simulated_drives.h"
 #include "simulated/simulated_file_system.h"
 #include "simulated/simulated_processes.h"
 #include "simulated/simulated_registry.h"
 #include "simulated/simulated_shell_folders.h"
 #include "simulated/simulated_shortcuts.h"
 #include "simulated/simulated_system.h"
-#include "simulated/simulated_windows.h"
 #include "simulated/state_report.h"
 
 namespace zev::simulated {

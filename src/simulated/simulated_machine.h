@@ -7,16 +7,15 @@
 #include <string_view>
 #include <vector>
 
-#include "observed/fault.h"
+#include "observed/instrumentation.h"
 #include "platform/platform.h"
 #include "simulated/disks.h"
-#include "simulated/hand.h"
 #include "simulated/machine_settings.h"
 #include "simulated/machine_state.h"
 #include "simulated/person.h"
 #include "simulated/registry_tree.h"
 #include "simulated/screen.h"
-#include "simulated/shortcut_properties.h"
+#include "simulated/shell_link.h"
 #include "simulated/transcript.h"
 
 namespace zev::simulated {

@@ -236,7 +236,7 @@ void SimulatedRegistry::tell(std::string_view op, const Key& key, SystemError er
   if (!machine_.transcript.wants("registry")) return;
   Event event = {{"event", "registry"},
                  {"op", op},
-                 {"hive", toUtf8(RegistryTree::hiveName(key.hive))},
+                 {"hive", toUtf8(hiveName(key.hive))},
                  {"key", toUtf8(key.path)}};
   if (name != nullptr) event["name"] = toUtf8(*name);
   if (value != nullptr) {

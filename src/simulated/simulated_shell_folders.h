@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/shell_folders.h"
+#include "platform/shell.h"
 #include "simulated/machine_state.h"
 
 namespace zev::simulated {

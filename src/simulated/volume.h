@@ -20,7 +20,7 @@ class FileBody {
   virtual std::uint64_t size() const = 0;
   /// Reads from an offset; the count is less at the end.
   virtual std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) = 0;
-  /// Writes at an offset; a gap behind the end fills with zeros. It fails where the host does, and
+  /// Writes at an offset; a gap past the end fills with zeros. It fails where the host does, and
   /// has then written what fitted.
   virtual SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) = 0;
   /// Makes the file that long.

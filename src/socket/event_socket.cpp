@@ -46,7 +46,7 @@ CEventSocket::CEventSocket(Key, modEventSocket& module)
   module_.InitiateProcesses();
 }
 
-/// Forgotten by the routing behind its socket's entry, so that its place serves another one while
+/// Forgotten by the routing after its socket's entry, so that its place serves another one while
 /// the window stays; nothing can enter it any more in any case.
 CEventSocket::~CEventSocket() {
   ignoringErrors([&] { terminate(); });

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "runtime/collection.h"
+#include "runtime/containers.h"
 #include "runtime/variant.h"
 #include "socket/byte_queue.h"
 #include "socket/event_socket_module.h"

@@ -103,7 +103,7 @@ std::int32_t CEventSocket::ResolveIfHostname(const Text& host, std::int32_t dest
   return noAddress;
 }
 
-/// The system may give the handle of an earlier look-up again whose key was left behind.
+/// The system may give the handle of an earlier look-up again whose key is still there.
 void CEventSocket::rememberLookUp(std::int32_t lookUp, std::int32_t destination) {
   const Text key = lookUpKey(lookUp);
   if (pendingResolves_.contains(key)) pendingResolves_.Remove(key);

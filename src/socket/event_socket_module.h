@@ -7,15 +7,26 @@
 #include <optional>
 #include <vector>
 
-#include "runtime/collection.h"
+#include "platform/dialogs.h"
+#include "platform/kernel.h"
+#include "platform/message_windows.h"
+#include "platform/sockets.h"
+#include "runtime/containers.h"
 #include "socket/byte_queue.h"
-#include "socket/socket_services.h"
 #include "socket/thunk.h"
 #include "socket/trace.h"
 #include "socket/winsock_errors.h"
-#include "socket/words.h"
+#include "socket/wire_format.h"
 
 namespace zev {
+
+/// What the component needs of a machine; borrowed, outliving every use.
+struct SocketServices {
+  Sockets& sockets;
+  MessageWindows& windows;
+  Kernel& kernel;
+  Dialogs& dialogs;
+};
 
 class CEventSocket;
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <cstring>
 
+#include "socket/routing_code.h"
 #include "socket/winsock_errors.h"
 
 namespace zev {
@@ -75,7 +77,7 @@ void Thunk::PatchValue(std::size_t offset, std::uint32_t value) {
   std::memcpy(block_ + offset, &value, fieldSize);
 }
 
-/// A near call counts from the byte behind its field. The field is the last part of each call here.
+/// A near call counts from the byte after its field. The field is the last part of each call here.
 void Thunk::PatchRelative(std::size_t offset, std::uintptr_t target) {
   const auto field = reinterpret_cast<std::uintptr_t>(block_) + offset;
   PatchValue(offset, low(target - field - fieldSize));
@@ -191,6 +193,15 @@ std::intptr_t Thunk::routeTo(const HandleTable& table, const WindowMessage& mess
 
 std::intptr_t Thunk::forward(const WindowMessage& message) {
   return windows_.CallWindowProcA(forwardTo_, message);
+}
+
+std::array<std::uint8_t, thunkSize> thunkBytes() {
+  std::array<std::uint8_t, thunkSize> bytes{};
+  for (std::size_t place = 0; place < thunkSize; ++place) {
+    const std::string_view pair = thunkCode.substr(2 * place, 2);
+    std::from_chars(pair.data(), pair.data() + pair.size(), bytes[place], 16);
+  }
+  return bytes;
 }
 
 }  // namespace zev

@@ -5,7 +5,7 @@
 #include "platform/kernel.h"
 #include "platform/message_windows.h"
 #include "socket/handle_table.h"
-#include "socket/thunk_code.h"
+#include "socket/routing_code.h"
 #include "socket/trace.h"
 
 namespace zev {
@@ -17,7 +17,7 @@ inline constexpr std::uint32_t WM_SOCKET_EVENT = 2049;  ///< wParam: the socket
 /// The block of machine code that serves as the window's procedure, and the two tables that it
 /// searches. Each notification enters the instance that its handle belongs to; one with an unknown
 /// handle is dropped; every other message goes on to the procedure that the window had before.
-/// `thunk_code.h` shows the block.
+/// `routing_code.h` shows the block.
 ///
 /// Where windows cannot enter 32-bit x86 code (MessageWindows::entersMachineCode) the block is
 /// built all the same, and this object does what the code would do. The block's fields then hold
@@ -68,7 +68,7 @@ class Thunk final : private MessageRoutine {
   /// window.
   bool UnsubclassMessageWindow();
 
-  /// Only behind BuildThunk, which does not look at the tables. A handle that has a slot already
+  /// Only after BuildThunk, which does not look at the tables. A handle that has a slot already
   /// keeps it, with a warning in the trace; but if a free slot lies before that one, the handle
   /// gets that too, and is found there from then on.
   void AddResolveEntry(std::int32_t lookUp, InstancePointer instance);

@@ -8,7 +8,7 @@
 
 namespace zev {
 
-/// Lines that tell of each step of the component, for whoever debugs with it. Without a reader
+/// A line for each step of the component, for whoever debugs with it. Without a reader
 /// nothing is put together and nothing printed.
 class Trace {
  public:

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "runtime/fixed_text.h"
 #include "runtime/text.h"
 #include "state/languages.h"
 

@@ -48,10 +48,12 @@ std::optional<std::int32_t> listPlaceOf(std::int32_t number) {
   return row ? std::optional(row->place) : std::nullopt;
 }
 
-std::int32_t languageOfSystem(TextView primaryLanguage) {
-  return numberOf(find([&](const Language& each) {
-    return !primaryLanguage.empty() && std::ranges::count(each.systems, primaryLanguage) != 0;
-  }));
+Text PrimaryLanguage(std::uint16_t identifier) { return hexadecimal(identifier & 0x3FFu); }
+
+std::int32_t firstLanguage(SystemInformation& system) {
+  const Text primary = PrimaryLanguage(system.GetSystemDefaultUILanguage());
+  return numberOf(
+      find([&](const Language& each) { return std::ranges::count(each.systems, primary) != 0; }));
 }
 
 }  // namespace zev

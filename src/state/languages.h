@@ -4,6 +4,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/system_information.h"
 #include "runtime/text.h"
 
 namespace zev {
@@ -32,8 +33,11 @@ std::int32_t languageOfEntry(TextView entry);
 /// all the same, French as German.
 std::optional<std::int32_t> listPlaceOf(std::int32_t number);
 
-/// The number that a first run starts with on a system of a primary language, upper-case
-/// hexadecimal digits; English if no row has it.
-std::int32_t languageOfSystem(TextView primaryLanguage);
+/// The primary language of a language identifier: its low ten bits as upper-case hexadecimal text.
+Text PrimaryLanguage(std::uint16_t identifier);
+
+/// The number that a first run starts with, by the primary language of the system; English if no
+/// row has it.
+std::int32_t firstLanguage(SystemInformation& system);
 
 }  // namespace zev

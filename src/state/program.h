@@ -1,15 +1,25 @@
 #pragma once
 
+#include <cstdint>
 #include <exception>
 
 #include "platform/platform.h"
+#include "runtime/text.h"
 #include "socket/event_socket_module.h"
-#include "state/form1.h"
-#include "state/form2.h"
-#include "state/form3.h"
+#include "state/forms.h"
 #include "state/globals.h"
 
 namespace zev {
+
+/// What the pieces of a run tell it on their way.
+class RunReport {
+ public:
+  virtual ~RunReport() = default;
+  /// The diagnostic step that begins, printed by the trap of the run.
+  virtual void setRunStep(std::int32_t step) = 0;
+  /// The status line, shown at once.
+  virtual void showStatus(TextView text) = 0;
+};
 
 /// Procedures of the wizard's form that modules below it call back.
 class Form1Procedures {

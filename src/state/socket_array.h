@@ -9,6 +9,8 @@
 
 namespace zev {
 
+struct Program;
+
 /// A control array of sockets on a form. Element 0 stands on the form at design time and lives as
 /// long as the form is loaded; the others come and go at run time. Events carry the index of their
 /// element first; it is all that tells elements apart.
@@ -49,5 +51,18 @@ class SocketArray {
   modEventSocket* module_ = nullptr;
   std::map<std::int32_t, std::unique_ptr<Socket>> elements_;
 };
+
+/// What the form does as the host of its sockets. Nothing of the component happens unless messages
+/// are dispatched, so that whoever waits has to let events run.
+
+/// Brings an element of the array in, lets events run and pauses for 300 milliseconds.
+void loadSocket(Program& program, std::int32_t index);
+
+/// Uses an element again: closes what it has, then connects to a port (1 to 65535) of a host.
+void connectSocket(Socket& socket, const Text& host, std::int32_t port);
+
+/// Lets events run until an element of the array is connected, for `milliseconds` at most. True
+/// if it is.
+bool waitUntilConnected(Program& program, std::int32_t index, std::uint32_t milliseconds);
 
 }  // namespace zev

@@ -26,6 +26,10 @@ bool exists(Files& files, TextView path, std::int32_t mask) {
   return !files.Dir(trim(path), mask).empty();
 }
 
+bool folderExists(Files& files, TextView path) {
+  return !trim(path).empty() && exists(files, path, dir_mask::directories);
+}
+
 std::int32_t ClearHiddenAttribute(Files& files, TextView path) {
   return clearAttribute(files, path, static_cast<std::int32_t>(file_attribute::hidden));
 }

@@ -17,4 +17,7 @@ std::int32_t ClearReadOnlyAttribute(Files& files, TextView path);
 /// True if `Dir` with the mask answers for the path, trimmed.
 bool exists(Files& files, TextView path, std::int32_t mask);
 
+/// The same for a folder. A path of nothing but blanks is none, and `Dir` is not asked.
+bool folderExists(Files& files, TextView path);
+
 }  // namespace zev

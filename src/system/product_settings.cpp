@@ -20,7 +20,7 @@ constexpr Upgrade upgrades[] = {
     {u"InterfaceStyle", 17, false, 1},
 };
 
-/// A setting that every install writes, in this order, behind the version.
+/// A setting that every install writes, in this order, after the version.
 struct Standard {
   TextView name;
   std::int32_t value;

@@ -4,17 +4,10 @@
 #include <vector>
 
 #include "runtime/text.h"
+#include "state/product.h"
 #include "system/registry.h"
 
 namespace zev {
-
-/// Key of the product's settings under HKEY_LOCAL_MACHINE; the value files have no use for it.
-inline constexpr TextView settingsKey = u"Software\\Tavorns\\ZEV5";
-
-/// The maker's key under HKEY_LOCAL_MACHINE, and the subkey there that a machine with the product
-/// has.
-inline constexpr TextView makerKey = u"Software\\Tavorns";
-inline constexpr TextView productKey = u"ZEV5";
 
 /// Names of the settings that others read, too.
 namespace setting {

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "runtime/error.h"
+#include "state/product.h"
 #include "system/attributes.h"
-#include "system/profile_folders.h"
 #include "system/special_folders.h"
-#include "system/user_folder_chain.h"
+#include "system/user_folders.h"
 
 namespace zev {
 

@@ -6,7 +6,6 @@
 #include "localisation/phrases.h"
 #include "state/program.h"
 #include "system/product_settings.h"
-#include "system/run_report.h"
 
 namespace zev {
 

@@ -30,11 +30,6 @@ bool Registry::inRegistry(std::int32_t selector) const {
   return selector == ForceRegistry || program_.globals.gOSClass != profileClass;
 }
 
-bool Registry::folderPresent(const Text& folder) {
-  const TextView trimmed = trim(folder);
-  return !trimmed.empty() && exists(program_.platform.files, trimmed, dir_mask::directories);
-}
-
 // ---- keys
 
 void Registry::CreateRegKey(RegistryKey hive, TextView key, std::int32_t selector) {
@@ -122,10 +117,10 @@ Text Registry::readFileText(TextView name, TextView defaultText) {
   Text result;
   try {
     const Globals& globals = program_.globals;
-    if (folderPresent(globals.gUserData)) {
+    if (folderExists(program_.platform.files, globals.gUserData)) {
       result = valueFiles_.ReadConf(globals.gUserData, name, defaultText);
     }
-    if (folderPresent(globals.gUserDataAlt) && trim(result).empty()) {
+    if (folderExists(program_.platform.files, globals.gUserDataAlt) && trim(result).empty()) {
       result = valueFiles_.ReadConf(globals.gUserDataAlt, name, defaultText);
     }
   } catch (const RuntimeError& error) {

@@ -7,6 +7,7 @@
 #include "localisation/phrases.h"
 #include "runtime/text.h"
 #include "state/program.h"
+#include "system/attributes.h"
 #include "system/value_files.h"
 
 namespace zev {
@@ -53,18 +54,17 @@ class Registry {
                    std::int32_t selector);
 
   /// Names of the subkeys, always of the registry: a list of 1 to 1024 names, -2 for none or more,
-  /// nothing behind the box of a run-time error. The key stays open.
+  /// nothing after the box of a run-time error. The key stays open.
   KeyList EnumRegKeys(RegistryKey hive, TextView key);
 
  private:
   bool inRegistry(std::int32_t selector) const;
-  bool folderPresent(const Text& folder);
 
   /// Does something with the folder of each user root that is there, the first root first.
   template <typename Use>
   void withEachFolder(Use use) {
     for (const Text* folder : {&program_.globals.gUserData, &program_.globals.gUserDataAlt}) {
-      if (folderPresent(*folder)) use(*folder);
+      if (folderExists(program_.platform.files, *folder)) use(*folder);
     }
   }
 

@@ -24,7 +24,7 @@ Text GetKnownFolder(Program& program, std::uint8_t kind);
 /// A copy of a NUL-terminated text of the system; empty for a null pointer.
 Text WideToString(ShellFolders& shell, const char16_t* pointer);
 
-/// The system directory as the system writes it into a buffer of so many blanks, uncut.
+/// The system directory as the system writes it into a buffer of `size` blanks, uncut.
 Text systemDirectoryBuffer(Program& program, std::size_t size);
 
 /// Drive of the system directory, as a letter and a colon.

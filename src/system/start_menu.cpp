@@ -1,8 +1,8 @@
 #include "system/start_menu.h"
 
 #include "runtime/error.h"
+#include "state/product.h"
 #include "system/attributes.h"
-#include "system/installed_files.h"
 #include "system/special_folders.h"
 
 namespace zev {
@@ -13,7 +13,7 @@ struct GroupEntry {
   TextView fileName;    ///< of the shortcut, without its extension
   TextView ownProgram;  ///< in the install directory; empty: the main program
   TextView arguments;
-  TextView icon;         ///< behind the program's path
+  TextView icon;         ///< follows the program's path
   TextView description;  ///< of the shortcut
   TextView title;        ///< of the item
 };
@@ -22,7 +22,7 @@ namespace {
 
 constexpr TextView groupName = u"ZEV Screen Recorder 6";
 
-/// Diagnostic steps of the run; the entries behind the first have theirs in the table.
+/// Diagnostic steps of the run; the entries after the first have theirs in the table.
 namespace step {
 constexpr std::int32_t status = 162;
 constexpr std::int32_t folder = 163;
@@ -124,10 +124,10 @@ void StartMenu::findFolder() {
 bool StartMenu::readyFolder() {
   report_.setRunStep(step::checkFolder);
   Text& folder = globals_.gStartMenuDir;
-  if (folder.empty() || !folderExists(folder)) return false;
+  if (folder.empty() || !exists(platform_.files, folder, dir_mask::directories)) return false;
   report_.setRunStep(step::makeFolder);
   folder = join(withoutTrailing(folder, u'\\'), u"\\", groupName);
-  if (!folderExists(folder)) platform_.files.MkDir(trim(folder));
+  if (!exists(platform_.files, folder, dir_mask::directories)) platform_.files.MkDir(trim(folder));
   return true;
 }
 
@@ -230,10 +230,6 @@ void StartMenu::letReplyCome(std::uint32_t milliseconds) {
 Text StartMenu::target(const GroupEntry& entry) const {
   return entry.ownProgram.empty() ? mainProgram(globals_)
                                   : installedFile(globals_, entry.ownProgram);
-}
-
-bool StartMenu::folderExists(TextView folder) {
-  return exists(platform_.files, folder, dir_mask::directories);
 }
 
 }  // namespace zev

@@ -4,7 +4,6 @@
 
 #include "localisation/phrases.h"
 #include "state/program.h"
-#include "system/run_report.h"
 
 namespace zev {
 
@@ -46,7 +45,6 @@ class StartMenu {
 
   Text install() const { return program_.globals.gInstallDir.trimmed(); }
   Text target(const GroupEntry& entry) const;
-  bool folderExists(TextView folder);
 
   Program& program_;
   Globals& globals_;

@@ -1,6 +1,6 @@
 #include "system/value_files.h"
 
-#include "localisation/addresses.h"
+#include "localisation/catalogue.h"
 #include "runtime/error.h"
 #include "system/attributes.h"
 

@@ -16,9 +16,9 @@ class ValueFiles {
       : files_(files), dialogs_(dialogs), phrases_(phrases) {}
 
   /// The text of a value: its items joined, each trimmed, so that commas are lost. The default text
-  /// if there is no such value; empty behind the box of a failure.
+  /// if there is no such value; empty after the box of a failure.
   Text ReadConf(TextView folder, TextView name, TextView defaultText);
-  /// Writes a value as one line; false for a blank folder or name, and behind the box of a failure.
+  /// Writes a value as one line; false for a blank folder or name, and after the box of a failure.
   bool WriteConf(TextView folder, TextView name, TextView text);
   /// Deletes a value. True only if there was nothing to do.
   bool DeleteConf(TextView folder, TextView name);

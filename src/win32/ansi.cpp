@@ -54,4 +54,27 @@ std::uint32_t writeAnswer(Text& buffer, std::string_view answer) {
   return static_cast<std::uint32_t>(fromAnsi(answer).size());
 }
 
+// ---- paths that the page cannot write
+
+namespace {
+
+bool isWritable(const Text& path) { return fromAnsi(toAnsi(path)) == path; }
+
+/// Empty if there is no such entry.
+Text shortPath(const Text& path) {
+  Text answer(longestPath, u'\0');
+  const DWORD length =
+      ::GetShortPathNameW(wide(path), reinterpret_cast<wchar_t*>(answer.data()), longestPath);
+  answer.resize(length < longestPath ? length : 0);
+  return answer;
+}
+
+}  // namespace
+
+Text writablePath(const Text& path) {
+  if (isWritable(path)) return path;
+  const Text brief = shortPath(path);
+  return !brief.empty() && isWritable(brief) ? brief : path;
+}
+
 }  // namespace zev::win32

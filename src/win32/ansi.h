@@ -26,4 +26,12 @@ inline const wchar_t* wide(const Text& text) {
   return reinterpret_cast<const wchar_t*>(text.c_str());
 }
 
+/// A path that the system gave, in a form that the calls of its code page find again: itself, or,
+/// if the page cannot write it, its short form. Where there is none, or the page cannot write that
+/// either, the path itself.
+Text writablePath(const Text& path);
+
+/// A path of the system of at most that many units, its NUL included: longer ones there are not.
+inline constexpr std::size_t longestPath = 32768;
+
 }  // namespace zev::win32

@@ -6,7 +6,7 @@
 #include "win32/ansi.h"
 #include "win32/system_library.h"
 #include "win32/windows_api.h"
-// Automation's functions come behind the system's.
+// Automation's header needs the system's before it.
 #include <objbase.h>
 #include <oleauto.h>
 
@@ -115,7 +115,7 @@ Text descriptionOf(std::int32_t number, const Text& given) {
   throw RuntimeError(number, descriptionOf(number, description), source);
 }
 
-/// What an object tells of its own failure; its texts are freed with this.
+/// What an object says about its own failure; its texts are freed with this.
 class Exception {
  public:
   Exception() = default;

@@ -1,11 +1,29 @@
 #pragma once
 
+#include <cstdint>
+
 #include "runtime/controls.h"
 #include "runtime/form.h"
-#include "win32/form_metrics.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {
+
+inline constexpr int twipsPerInch = 1440;
+inline constexpr int usualDpi = 96;
+
+/// Twips in pixels of a screen of `dpi` dots an inch.
+inline int pixels(std::int32_t twips, int dpi) { return MulDiv(twips, dpi, twipsPerInch); }
+
+/// The place of a control within its container, in pixels.
+RECT pixelPlace(const Control& control, int dpi);
+
+/// Dots an inch of the whole system, and of the screen on which a window lies where the system
+/// tells them apart.
+int systemDpi();
+int windowDpi(HWND window);
+
+/// The text of a window.
+Text windowText(HWND window);
 
 /// The number of a control's window: its place among the controls of its form, counted from here.
 /// Who drives the program from outside finds the controls by it.
@@ -39,5 +57,20 @@ char16_t accessKey(TextView caption);
 /// form.
 void registerContainerClass();
 inline constexpr const wchar_t* containerClass = L"ZEV.Container";
+
+/// Shows the entries of a list and the chosen one.
+void showList(const ComboBox& combo, HWND window);
+
+/// Shows the drives of the machine with their labels, and the chosen one: "c: [LABEL]".
+void showDrives(const DriveListBox& drives, HWND window);
+
+/// The drive, as letter and colon, that a place of that list stands for.
+Text driveAt(HWND window, int place);
+
+/// Shows the opened folder, what it lies in, and its own folders.
+void showFolders(const DirListBox& folders, HWND window);
+
+/// Full path of the folder that a place of that list stands for.
+Text folderAt(const DirListBox& folders, HWND window, int place);
 
 }  // namespace zev::win32

@@ -6,7 +6,7 @@
 #include "runtime/error.h"
 #include "win32/ansi.h"
 #include "win32/windows_api.h"
-// The DDE management library comes behind the system's header.
+// The header of DDE management needs the system's before it.
 #include <ddeml.h>
 
 namespace zev::win32 {

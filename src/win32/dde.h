@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dde.h"
+#include "platform/shell.h"
 
 namespace zev::win32 {
 

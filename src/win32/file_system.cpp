@@ -166,7 +166,7 @@ SystemError Win32FileSystem::ReadFile(FileHandle file, std::uint64_t offset,
   return system_error::success;
 }
 
-/// The system fills a gap behind the end with zeros. A full disk shows as an error or as fewer
+/// The system fills a gap past the end with zeros. A full disk shows as an error or as fewer
 /// bytes than were given.
 SystemError Win32FileSystem::WriteFile(FileHandle file, std::uint64_t offset,
                                        std::span<const std::uint8_t> from, std::size_t& written) {

@@ -2,16 +2,15 @@
 
 #include <algorithm>
 
-#include "runtime/file_lists.h"
-#include "runtime/tab_order.h"
+#include "runtime/controls.h"
+#include "runtime/form.h"
 #include "win32/control_windows.h"
-#include "win32/file_list_windows.h"
 
 namespace zev::win32 {
 
 // ---- forms come and go
 
-void WindowsEngine::loaded(Form& form) {
+void Win32FormEngine::loaded(Form& form) {
   forms_[&form] = &form;
   for (Control* each : form.Controls()) forms_[each] = &form;
   windows_[&form] = std::make_unique<FormWindow>(form, listener());
@@ -20,7 +19,7 @@ void WindowsEngine::loaded(Form& form) {
 
 /// When the window is first shown, the form then on top becomes its owner: Windows keeps it above
 /// its owner.
-void WindowsEngine::shown(Form& form) {
+void Win32FormEngine::shown(Form& form) {
   HWND owner = visible_.empty() ? nullptr : windows_.at(visible_.back())->handle();
   std::erase(visible_, &form);
   visible_.push_back(&form);
@@ -28,13 +27,13 @@ void WindowsEngine::shown(Form& form) {
   trackFocus();
 }
 
-void WindowsEngine::hidden(Form& form) {
+void Win32FormEngine::hidden(Form& form) {
   std::erase(visible_, &form);
   windows_.at(&form)->hide();
 }
 
 /// No LostFocus for a control that goes with its form: nobody is left to hear it.
-void WindowsEngine::unloaded(Form& form) {
+void Win32FormEngine::unloaded(Form& form) {
   std::erase(visible_, &form);
   forms_.erase(&form);
   for (const Control* each : form.Controls()) {
@@ -46,20 +45,20 @@ void WindowsEngine::unloaded(Form& form) {
   trackFocus();
 }
 
-FormWindow* WindowsEngine::windowOf(const Component& component) const {
+FormWindow* Win32FormEngine::windowOf(const Component& component) const {
   const auto form = forms_.find(&component);
   return form == forms_.end() ? nullptr : windows_.at(form->second).get();
 }
 
 /// The form's window that a window is or lies in: of a message's window, or of the focus.
-FormWindow* WindowsEngine::windowAround(HWND window) const {
+FormWindow* Win32FormEngine::windowAround(HWND window) const {
   for (const auto& [form, each] : windows_) {
     if (each->handle() == window || IsChild(each->handle(), window)) return each.get();
   }
   return nullptr;
 }
 
-HWND WindowsEngine::activeWindow() const {
+HWND Win32FormEngine::activeWindow() const {
   const auto enabled = std::find_if(visible_.rbegin(), visible_.rend(),
                                     [](const Form* each) { return each->Enabled.get(); });
   return enabled == visible_.rend() ? nullptr : windows_.at(*enabled)->handle();
@@ -67,21 +66,21 @@ HWND WindowsEngine::activeWindow() const {
 
 // ---- the message loop
 
-bool WindowsEngine::pump() {
+bool Win32FormEngine::pump() {
   MSG message{};
   if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return false;
   dispatch(message);
   return true;
 }
 
-bool WindowsEngine::wait() {
+bool Win32FormEngine::wait() {
   MSG message{};
   if (GetMessageW(&message, nullptr, 0, 0) <= 0) return false;
   dispatch(message);
   return true;
 }
 
-void WindowsEngine::dispatch(MSG& message) {
+void Win32FormEngine::dispatch(MSG& message) {
   if (!translateKey(message)) {
     TranslateMessage(&message);
     DispatchMessageW(&message);
@@ -91,19 +90,19 @@ void WindowsEngine::dispatch(MSG& message) {
 
 // ---- measures
 
-std::uintptr_t WindowsEngine::windowHandle(const Form& form) {
+std::uintptr_t Win32FormEngine::windowHandle(const Form& form) {
   const auto found = windows_.find(&form);
   return found == windows_.end() ? 0 : reinterpret_cast<std::uintptr_t>(found->second->handle());
 }
 
 // Twips are 1440 to the inch whatever the screen, so both depend on the form's dots per inch.
 
-double WindowsEngine::TextWidth(const Form& form, TextView text) {
+double Win32FormEngine::TextWidth(const Form& form, TextView text) {
   const FormWindow& window = *windows_.at(&form);
   return static_cast<double>(textWidth(window.font(), text)) * twipsPerInch / window.dpi();
 }
 
-double WindowsEngine::TwipsPerPixelX() {
+double Win32FormEngine::TwipsPerPixelX() {
   const int dpi = windows_.empty() ? systemDpi() : windows_.begin()->second->dpi();
   return static_cast<double>(twipsPerInch) / dpi;
 }
@@ -111,7 +110,7 @@ double WindowsEngine::TwipsPerPixelX() {
 // ---- what the program shows
 
 /// Writing `Visible` of a form shows or hides it, as Show and Hide do.
-void WindowsEngine::propertyWritten(PropertyBase& property) {
+void Win32FormEngine::propertyWritten(PropertyBase& property) {
   FormWindow* window = windowOf(property.owner());
   if (window == nullptr) return;
   const bool ofForm = &property.owner() == &window->form();
@@ -123,13 +122,13 @@ void WindowsEngine::propertyWritten(PropertyBase& property) {
   if (property.name() == "Visible" || property.name() == "Enabled") refocus(*window);
 }
 
-void WindowsEngine::refreshed(Component& component) {
+void Win32FormEngine::refreshed(Component& component) {
   if (FormWindow* window = windowOf(component)) window->refresh(component);
 }
 
 // ---- the focus
 
-void WindowsEngine::focusGiven(Control& control) {
+void Win32FormEngine::focusGiven(Control& control) {
   FormWindow* window = windowOf(control);
   if (window == nullptr) return;
   window->setFocus(&control);
@@ -139,7 +138,7 @@ void WindowsEngine::focusGiven(Control& control) {
 /// Focus events are posted only when the focus has come to another control of the program. While a
 /// box or another program has it, nothing is posted: it will come back. The same holds for the
 /// moment after a control was hidden, when Windows gives the focus to the window around it.
-void WindowsEngine::trackFocus() {
+void Win32FormEngine::trackFocus() {
   const HWND focus = GetFocus();
   FormWindow* window = windowAround(focus);
   Control* now = window == nullptr ? nullptr : window->controlOf(focus);
@@ -150,14 +149,14 @@ void WindowsEngine::trackFocus() {
   post(*focused_, focused_->GotFocus);
 }
 
-void WindowsEngine::loseFocus() {
+void Win32FormEngine::loseFocus() {
   if (focused_ != nullptr) post(*focused_, focused_->LostFocus);
   focused_ = nullptr;
 }
 
 /// A control was shown, hidden, enabled or disabled. If the focus is on one that cannot keep it, or
 /// on none, it goes to the next that can take it.
-void WindowsEngine::refocus(FormWindow& window) {
+void Win32FormEngine::refocus(FormWindow& window) {
   const Control* current = window.focused();
   if (current != nullptr && current->canTakeFocus()) return;
   Control* next = nextFocusable(window.form(), current);
@@ -170,7 +169,7 @@ void WindowsEngine::refocus(FormWindow& window) {
 
 /// Windows may still deliver a click to a control that was disabled, hidden or covered by a box
 /// when the message was already on its way.
-bool WindowsEngine::takesInput(const Control& control) const {
+bool Win32FormEngine::takesInput(const Control& control) const {
   const FormWindow* window = windowOf(control);
   if (window == nullptr || openBoxes_ > 0 || !window->form().Enabled) return false;
   bool enabled = control.showing();
@@ -181,7 +180,7 @@ bool WindowsEngine::takesInput(const Control& control) const {
 }
 
 /// Queues an event procedure. It does not run if its form is unloaded before its turn comes.
-void WindowsEngine::post(Control& control, EventProcedure event) {
+void Win32FormEngine::post(Control& control, EventProcedure event) {
   if (!event) return;
   application_->post([this, &control, event = std::move(event)] {
     if (windowOf(control) != nullptr) event();
@@ -189,14 +188,14 @@ void WindowsEngine::post(Control& control, EventProcedure event) {
 }
 
 /// The focus first: the program is to see LostFocus and GotFocus before the click.
-void WindowsEngine::clicked(Control& control) {
+void Win32FormEngine::clicked(Control& control) {
   if (!takesInput(control)) return;
   trackFocus();
   post(control, [this, &control] { click(control); });
 }
 
 /// From the top of the loop: the control changes its state by itself, then its handler runs.
-void WindowsEngine::click(Control& control) {
+void Win32FormEngine::click(Control& control) {
   if (auto* option = dynamic_cast<OptionButton*>(&control)) {
     choose(*option, windowOf(control)->form().Controls());
   } else if (auto* check = dynamic_cast<CheckBox*>(&control)) {
@@ -207,7 +206,7 @@ void WindowsEngine::click(Control& control) {
 
 /// What stands at the place is read now, while the list still shows it; the choice itself waits for
 /// its turn.
-void WindowsEngine::chosen(Control& list, int place) {
+void Win32FormEngine::chosen(Control& list, int place) {
   if (!takesInput(list) || place < 0) return;
   trackFocus();
   const HWND window = windowOf(list)->windowOf(list);
@@ -222,7 +221,7 @@ void WindowsEngine::chosen(Control& list, int place) {
   }
 }
 
-void WindowsEngine::closed(Form& form) {
+void Win32FormEngine::closed(Form& form) {
   if (openBoxes_ > 0 || !form.Enabled) return;
   application_->post([this, &form] {
     if (form.loaded()) application_->Unload(form, UnloadMode::ControlMenu);
@@ -230,7 +229,7 @@ void WindowsEngine::closed(Form& form) {
 }
 
 /// The list is filled anew each time, since drives come and go while the form is open.
-void WindowsEngine::dropsDown(Control& list) {
+void Win32FormEngine::dropsDown(Control& list) {
   if (const auto* drives = dynamic_cast<const DriveListBox*>(&list)) {
     showDrives(*drives, windowOf(list)->windowOf(list));
   }
@@ -239,7 +238,7 @@ void WindowsEngine::dropsDown(Control& list) {
 // ---- the keyboard
 
 /// True if the key was used up here and must not reach the window that it was sent to.
-bool WindowsEngine::translateKey(const MSG& message) {
+bool Win32FormEngine::translateKey(const MSG& message) {
   if (message.message != WM_KEYDOWN && message.message != WM_SYSCHAR) return false;
   FormWindow* window = windowAround(message.hwnd);
   if (window == nullptr || openBoxes_ > 0 || !window->form().Enabled) return false;
@@ -251,7 +250,7 @@ bool WindowsEngine::translateKey(const MSG& message) {
 
 /// Enter and Escape belong to a list while it is dropped down. Arrows move among option buttons
 /// only; elsewhere they are the control's own.
-bool WindowsEngine::pressedKey(FormWindow& window, WPARAM key) {
+bool Win32FormEngine::pressedKey(FormWindow& window, WPARAM key) {
   Control* focus = window.focused();
   const auto direction = GetKeyState(VK_SHIFT) < 0 ? TabDirection::Backward : TabDirection::Forward;
   const bool option = focus != nullptr && focus->kind() == ControlKind::OptionButton;
@@ -281,7 +280,7 @@ bool WindowsEngine::pressedKey(FormWindow& window, WPARAM key) {
 /// Tab leaves a group of option buttons at once: from one of them it passes over the others of the
 /// same container. The loop is bounded since nothing else on the form may be able to take the
 /// focus.
-bool WindowsEngine::moveFocus(FormWindow& window, Control* from, TabDirection direction) {
+bool Win32FormEngine::moveFocus(FormWindow& window, Control* from, TabDirection direction) {
   Control* next = from;
   for (std::size_t step = 0; step < window.form().Controls().size(); ++step) {
     next = nextFocusable(window.form(), next, direction);
@@ -296,7 +295,7 @@ bool WindowsEngine::moveFocus(FormWindow& window, Control* from, TabDirection di
 }
 
 /// An arrow chooses the option button that it goes to, round the ends of the group.
-bool WindowsEngine::moveWithinOptions(FormWindow& window, Control& from, TabDirection direction) {
+bool Win32FormEngine::moveWithinOptions(FormWindow& window, Control& from, TabDirection direction) {
   Control* next = &from;
   do {
     next = nextFocusable(window.form(), next, direction);
@@ -309,7 +308,7 @@ bool WindowsEngine::moveWithinOptions(FormWindow& window, Control& from, TabDire
 
 /// The first control whose caption marks the letter with "&". Text boxes are left out: an "&" in
 /// their text is only text.
-bool WindowsEngine::pressedAccessKey(FormWindow& window, char16_t key) {
+bool Win32FormEngine::pressedAccessKey(FormWindow& window, char16_t key) {
   const char16_t wanted = lowerCase(TextView(&key, 1)).front();
   for (Control* each : window.form().Controls()) {
     if (!each->canTakeFocus() || accessKey(contentText(*each)) != wanted) continue;
@@ -321,13 +320,13 @@ bool WindowsEngine::pressedAccessKey(FormWindow& window, char16_t key) {
 }
 
 /// Escape clicks the form's cancel button without moving the focus there.
-bool WindowsEngine::pressCancel(FormWindow& window) {
+bool Win32FormEngine::pressCancel(FormWindow& window) {
   Control* button = window.form().findControl(window.form().design().cancelButton);
   if (button != nullptr) clicked(*button);
   return true;
 }
 
-void WindowsEngine::press(FormWindow& window, Control* control) {
+void Win32FormEngine::press(FormWindow& window, Control* control) {
   if (control == nullptr || !control->canTakeFocus()) return;
   window.setFocus(control);
   clicked(*control);

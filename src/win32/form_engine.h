@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "runtime/application.h"
-#include "runtime/tab_order.h"
+#include "runtime/form.h"
 #include "win32/form_window.h"
 #include "win32/windows_api.h"
 
@@ -30,7 +30,7 @@ namespace zev::win32 {
 ///
 /// Who owns what: the engine owns the FormWindow of each loaded form, from loaded() to unloaded();
 /// a FormWindow owns its windows and fonts. Forms and controls are the program's and are borrowed.
-class WindowsEngine final : public FormEngine, private FormListener {
+class Win32FormEngine final : public FormEngine, private FormListener {
  public:
   /// The program whose forms these are, borrowed; to be called before anything else.
   void serve(Application& application) { application_ = &application; }

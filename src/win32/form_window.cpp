@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "runtime/tab_order.h"
+#include "runtime/form.h"
 #include "win32/control_windows.h"
 #include "win32/system_library.h"
 
@@ -42,7 +42,7 @@ int depthOf(const Control& control) {
 }
 
 /// A label stands right before the field that it names, where those look for it who read the screen
-/// aloud: so buttons, which can come between them in the tab order, stand behind all fields. What
+/// aloud: so buttons, which can come between them in the tab order, come after all fields. What
 /// lies under others comes last.
 int rankOf(const Form& form, const Control& control) {
   if (liesUnderOthers(form, control)) return 2;

@@ -5,7 +5,8 @@
 #include <optional>
 
 #include "runtime/form.h"
-#include "win32/form_metrics.h"
+#include "win32/control_windows.h"
+#include "win32/form_fonts.h"
 #include "win32/windows_api.h"
 
 namespace zev::win32 {

@@ -4,15 +4,12 @@
 #include "platform/platform.h"
 #include "platform/runtime_files.h"
 #include "win32/dde.h"
-#include "win32/desktop_windows.h"
-#include "win32/drives.h"
 #include "win32/file_system.h"
 #include "win32/kernel.h"
 #include "win32/message_windows.h"
 #include "win32/processes.h"
 #include "win32/registry_api.h"
-#include "win32/shell_folders.h"
-#include "win32/shortcuts.h"
+#include "win32/shell.h"
 #include "win32/sockets.h"
 #include "win32/system_information.h"
 
@@ -53,5 +50,9 @@ class Machine {
   Win32Sockets sockets_;
   Win32Kernel kernel_;
 };
+
+/// Takes the folder of the program and the current folder out of the search for libraries, and
+/// loads the themed controls from the system's own folder. To be called before anything else.
+void harden();
 
 }  // namespace zev::win32

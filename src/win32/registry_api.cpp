@@ -122,7 +122,7 @@ SystemError Win32Registry::RegQueryValueExA(RegistryKey handle, TextView name, s
   return error;
 }
 
-/// Newer systems end a text with a NUL of their own only if one happens to stand behind the data:
+/// Newer systems end a text with a NUL of their own only if one happens to follow the data:
 /// here one always does.
 SystemError Win32Registry::RegSetValueExA(RegistryKey handle, TextView name, std::uint32_t type,
                                           TextView data, std::uint32_t size) {

@@ -4,7 +4,7 @@
 
 namespace zev::win32 {
 
-/// What Windows tells of itself and of the user.
+/// What Windows says about itself and the user.
 class Win32System final : public SystemInformation {
  public:
   std::uint32_t GetTempPathA(std::uint32_t size, Text& buffer) override;
@@ -22,6 +22,15 @@ class Win32System final : public SystemInformation {
   std::uint16_t GetSystemInfo() override;
   bool GetProductInfo(std::uint32_t major, std::uint32_t minor, std::uint32_t packMajor,
                       std::uint32_t packMinor, std::uint32_t& code) override;
+};
+
+/// The drives of Windows.
+class Win32Drives final : public Drives {
+ public:
+  std::uint32_t GetDriveTypeA(TextView root) override;
+  bool GetDiskFreeSpaceA(TextView root, DiskSpace& space) override;
+  std::uint32_t GetLogicalDrives() override;
+  Text volumeLabel(TextView root) override;
 };
 
 }  // namespace zev::win32

@@ -1,6 +1,6 @@
 #include "wizard/setup.h"
 
-#include "localisation/agreement.h"
+#include "localisation/catalogue.h"
 
 namespace zev {
 namespace {

@@ -6,7 +6,6 @@
 #include "localisation/phrases.h"
 #include "state/program.h"
 #include "system/registry.h"
-#include "wizard/install_options.h"
 #include "wizard/wizard.h"
 
 namespace zev {

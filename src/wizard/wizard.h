@@ -9,7 +9,7 @@
 
 namespace zev {
 
-/// The event procedures of the wizard's form, and the procedures that they share.
+/// The event procedures of the wizard's form (Form1), and the procedures that they share.
 class Wizard final : public Form1Procedures {
  public:
   /// Hangs the procedures on the form of the program. Borrows all three; they outlive the wizard.
@@ -21,7 +21,7 @@ class Wizard final : public Form1Procedures {
   void RemoveTempFiles() override;
 
  private:
-  // Start-up. form_load.cpp
+  // Start-up. wizard_load.cpp
   void Form_Load();
   void loadForm(std::int32_t& stage);
   void findTemporaryFolder();
@@ -32,7 +32,7 @@ class Wizard final : public Form1Procedures {
   void showInstallDirectory();
   void tellLoadFailure(std::int32_t stage, const RuntimeError& error);
 
-  // Pages. pages.cpp
+  // Pages. wizard_pages.cpp
   void sayfagoster();
   void showWelcomePage();
   void showAgreementPage();
@@ -47,7 +47,7 @@ class Wizard final : public Form1Procedures {
   void Image1_Click();
   void Text2_LostFocus();
 
-  // The end. form_unload.cpp
+  // The end. wizard_unload.cpp
   void Form_Unload(std::int16_t& Cancel);
   void closeOrderly();
   void launchProduct();
@@ -67,6 +67,24 @@ class Wizard final : public Form1Procedures {
   Phrases& phrases_;
   Registry& registry_;
   std::uint8_t iconClicks_ = 0;
+};
+
+/// The event procedures of the options dialog (Form2). It has no cancel: however it is closed, the
+/// boxes count as they stand.
+class InstallOptions {
+ public:
+  /// Hangs the procedures on the form of the program. Borrows both; they outlive this.
+  InstallOptions(Program& program, Phrases& phrases);
+
+ private:
+  void Form_Load();
+  void Form_Unload();
+  void Command1_Click();
+
+  Program& program_;
+  Globals& globals_;
+  Form2& form2_;
+  Phrases& phrases_;
 };
 
 }  // namespace zev

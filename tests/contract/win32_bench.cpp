@@ -97,9 +97,9 @@ void removeKey(RegistryApi& registry, const Text& key) {
 struct Process {
   Process() { engine.serve(application); }
 
-  win32::WindowsEngine engine;
+  win32::Win32FormEngine engine;
   Application application{engine};
-  win32::WindowsDialogs dialogs{engine};
+  win32::Win32Dialogs dialogs{engine};
   win32::Machine machine;
   Platform platform = machine.platform(application, dialogs);
 };

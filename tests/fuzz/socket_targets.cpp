@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "fuzz/target.h"
-#include "posix/host_record.h"
+#include "posix/look_ups.h"
 #include "socket/byte_queue.h"
 #include "socket/wire_format.h"
 

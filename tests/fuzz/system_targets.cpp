@@ -9,8 +9,8 @@
 #include "destination/on_the_page.h"
 #include "fuzz/target.h"
 #include "scenario/scenario.h"
-#include "simulated/registry_export.h"
 #include "simulated/shell_link.h"
+#include "simulated/state_report.h"
 #include "system/on_a_machine.h"
 #include "system/value_files.h"
 
@@ -259,7 +259,7 @@ void tryRegistryText(Data data) {
   }
   Keys expected;
   for (const RegistryKey hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-    collect(*registry.find(hive, {}), RegistryTree::hiveName(hive), expected);
+    collect(*registry.find(hive, {}), Text(hiveName(hive)), expected);
   }
   require(RegistryTextReader(registryEditorText(registry)).read() == expected, "another registry");
 }

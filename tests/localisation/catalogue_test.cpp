@@ -8,8 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "localisation/addresses.h"
-#include "localisation/agreement.h"
 #include "localisation/languages.h"
 #include "support/table.h"
 

@@ -6,7 +6,6 @@
 #include <optional>
 #include <sstream>
 
-#include "localisation/agreement.h"
 #include "localisation/catalogue.h"
 #include "localisation/languages.h"
 #include "support/raised.h"

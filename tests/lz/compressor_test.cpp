@@ -1,4 +1,4 @@
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "lz/match_token.h"
+#include "lz/lzss_format.h"
 #include "lz/reference.h"
 #include "lz/samples.h"
 #include "lz/szdd_header.h"

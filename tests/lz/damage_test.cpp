@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "lz/reference.h"
 #include "lz/samples.h"
 

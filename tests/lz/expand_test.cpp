@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "lz/memory_stream.h"
 #include "lz/reference.h"
 #include "lz/samples.h"

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "lz/reference.h"
 #include "lz/temporary_folder.h"
 

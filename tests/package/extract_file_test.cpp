@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <map>
 
-#include "lz/compressor.h"
-#include "package/held_files.h"
+#include "lz/encoder.h"
 #include "package/manifest.h"
 #include "package/projects.h"
 #include "support/made_image.h"

@@ -1,4 +1,4 @@
-#include "posix/error_numbers.h"
+#include "posix/translation.h"
 
 #include <gtest/gtest.h>
 #include <netdb.h>

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "posix/descriptor.h"
+#include "posix/descriptors.h"
 
 namespace zev::posix {
 

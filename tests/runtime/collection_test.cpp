@@ -1,4 +1,4 @@
-#include "runtime/collection.h"
+#include "runtime/containers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "runtime/fixed_text.h"
+#include "runtime/text.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "sample/known_fits.h"
 #include "sample/made_product.h"
 

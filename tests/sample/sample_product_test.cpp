@@ -2,16 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <jpeglib.h>
 #include <mspack.h>
 #include <sndfile.h>
 #include <unistd.h>
 #include <zip.h>
 
-#include <cstdio>
-
-#include <jpeglib.h>
-
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -20,7 +18,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 
 namespace zev {
 namespace {

@@ -1,4 +1,4 @@
-#include "scenario/expand.h"
+#include "scenario/written_out.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "runtime/file_lists.h"
-
+#include "runtime/controls.h"
 #include "scenario/toy_play.h"
 
 namespace zev::scenario {

@@ -1,4 +1,4 @@
-#include "programs/zevsim/form_layout.h"
+#include "programs/zevsim/form_pieces.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -145,11 +145,14 @@ TEST(MachineSetup, TakesASystemApart) {
 }
 
 TEST(MachineSetup, PutsDrivesInAndTakesThemAway) {
-  const Built built(R"("drives": {"C": null, "e:": {"type": 5, "free": 0, "label": "DISC"}})");
-  EXPECT_EQ(built.disks().letters(), std::vector<char16_t>{u'E'});
+  const Built built(R"("drives": {"C": null, "e:": {"type": 5, "free": 0, "label": "DISC"},
+                                    "F": {"type": 2, "ready": false}})");
+  EXPECT_EQ(built.disks().letters(), (std::vector<char16_t>{u'E', u'F'}));
   EXPECT_EQ(built.disks().drive(u'E')->type, 5u);
   EXPECT_EQ(built.disks().drive(u'E')->free, 0u);
   EXPECT_EQ(built.disks().drive(u'E')->label, u"DISC");
+  EXPECT_TRUE(built.disks().drive(u'E')->ready);
+  EXPECT_FALSE(built.disks().drive(u'F')->ready);
 }
 
 TEST(MachineSetup, ChangesOneSideOfADriveAndLeavesTheOthers) {
@@ -262,12 +265,14 @@ TEST(MachineSetup, DeniesKeysAndAllowsThemAgain) {
 }
 
 TEST(MachineSetup, KeepsWhatAChangeDoesNotName) {
-  Built built(R"("user": "eve", "windows": ["A"], "programs": {"C:\\a.exe": {"exit": 3}})");
+  Built built(
+      R"("user": "eve", "windows": ["A"], "programs": {"C:\\a.exe": {"exit": 3, "duration": 40}})");
   built.change(R"("programs": {"c:\\A.EXE": {"running": true}}, "codePage": 1250)");
   EXPECT_EQ(built.system().user, u"eve");
   EXPECT_EQ(built.machine.settings().windows, std::vector<Text>{u"A"});
   ASSERT_EQ(built.machine.settings().programs.size(), 1u);
   EXPECT_EQ(built.machine.settings().programs.begin()->second.exitCode, 3);
+  EXPECT_EQ(built.machine.settings().programs.begin()->second.duration, 40u);
   EXPECT_TRUE(built.machine.settings().programs.begin()->second.running);
 }
 

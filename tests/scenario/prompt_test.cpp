@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "programs/zevsim/typed_line.h"
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 #include "scenario/toy_play.h"
 #include "scenario/toy_program.h"
 

@@ -10,8 +10,8 @@
 
 #include "programs/zevsim/setup_program.h"
 #include "programs/zevsim/zevsim_main.h"
-#include "scenario/expand.h"
 #include "scenario/layout.h"
+#include "scenario/written_out.h"
 #include "scenarios/scenario_files.h"
 
 namespace zev {

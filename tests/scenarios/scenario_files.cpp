@@ -6,7 +6,7 @@
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
 #include "scenario/common_names.h"
-#include "scenario/expand.h"
+#include "scenario/written_out.h"
 
 namespace zev {
 namespace {

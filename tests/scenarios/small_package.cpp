@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "package/manifest.h"
 
 namespace zev {

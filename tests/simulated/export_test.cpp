@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "simulated/bench.h"
-#include "simulated/registry_export.h"
+#include "simulated/state_report.h"
 
 namespace zev::simulated {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/file_name.h"
+#include "platform/file_system.h"
 
 namespace zev::simulated {
 namespace {

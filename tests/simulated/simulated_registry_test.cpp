@@ -133,9 +133,9 @@ TEST_F(SimulatedRegistryTest, OpenKeysAreCounted) {
 }
 
 TEST_F(SimulatedRegistryTest, HivesAreKnownByTheirNames) {
-  EXPECT_EQ(RegistryTree::hiveOf(u"hkey_local_machine"), HKEY_LOCAL_MACHINE);
-  EXPECT_EQ(RegistryTree::hiveOf(u"HKCR"), HKEY_CLASSES_ROOT);
-  EXPECT_EQ(RegistryTree::hiveOf(u"HKEY_USERS"), std::nullopt);
+  EXPECT_EQ(hiveNamed(u"hkey_local_machine"), HKEY_LOCAL_MACHINE);
+  EXPECT_EQ(hiveNamed(u"HKCR"), HKEY_CLASSES_ROOT);
+  EXPECT_EQ(hiveNamed(u"HKEY_USERS"), std::nullopt);
   EXPECT_THROW(machine.registry().createKey(7, u"K"), std::invalid_argument);
   EXPECT_FALSE(machine.registry().hasKey(7, u"K"));
 }

@@ -1,4 +1,4 @@
-#include "simulated/wildcard.h"
+#include "simulated/path.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "socket/words.h"
+#include "socket/wire_format.h"
 
 #include <gtest/gtest.h>
 

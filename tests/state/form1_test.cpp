@@ -1,4 +1,4 @@
-#include "state/form1.h"
+#include "state/forms.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "state/form2.h"
+#include "state/forms.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "posix/descriptor.h"
+#include "posix/descriptors.h"
 
 namespace zev::storms {
 

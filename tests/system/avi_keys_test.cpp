@@ -1,4 +1,4 @@
-#include "system/avi_keys.h"
+#include "system/registry_entries.h"
 
 #include <gtest/gtest.h>
 

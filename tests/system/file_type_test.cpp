@@ -1,4 +1,4 @@
-#include "system/file_type.h"
+#include "system/registry_entries.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include "runtime/error.h"
 #include "system/on_a_machine.h"
 #include "system/special_folders.h"
-#include "system/user_folder_chain.h"
+#include "system/user_folders.h"
 
 namespace zev {
 namespace {

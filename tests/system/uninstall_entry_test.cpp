@@ -1,4 +1,4 @@
-#include "system/uninstall_entry.h"
+#include "system/registry_entries.h"
 
 #include <gtest/gtest.h>
 

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
+#include "state/program.h"
 #include "support/table.h"
 #include "system/on_a_machine.h"
-#include "system/run_report.h"
 
 namespace zev {
 

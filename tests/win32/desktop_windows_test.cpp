@@ -1,4 +1,4 @@
-#include "win32/desktop_windows.h"
+#include "win32/processes.h"
 
 #include <gtest/gtest.h>
 

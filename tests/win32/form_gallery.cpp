@@ -5,7 +5,7 @@
 
 #include "localisation/localise_form.h"
 #include "runtime/application.h"
-#include "state/form1.h"
+#include "state/forms.h"
 #include "state/globals.h"
 #include "win32/form_engine.h"
 #include "win32/windows_api.h"
@@ -16,7 +16,7 @@ int main(int argumentCount, char** arguments) {
   Phrases phrases(gLanguage);
   phrases.dimension(0);
   phrases.LoadPhrases();
-  win32::WindowsEngine engine;
+  win32::Win32FormEngine engine;
   Application application(engine);
   engine.serve(application);
   Form1 form;

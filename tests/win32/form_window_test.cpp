@@ -8,8 +8,7 @@
 #include <span>
 
 #include "runtime/application.h"
-#include "state/form1.h"
-#include "state/form3.h"
+#include "state/forms.h"
 #include "win32/control_windows.h"
 #include "win32/form_engine.h"
 
@@ -48,7 +47,7 @@ BOOL CALLBACK takeIfIts(HWND window, LPARAM search) {
 }
 
 /// The window of a control, by its place among those of its form.
-HWND windowOf(WindowsEngine& engine, const Form& form, int place) {
+HWND windowOf(Win32FormEngine& engine, const Form& form, int place) {
   ById search{firstControlId + place};
   EnumChildWindows(reinterpret_cast<HWND>(engine.windowHandle(form)), takeIfIts,
                    reinterpret_cast<LPARAM>(&search));
@@ -84,7 +83,7 @@ class FormWindowTest : public testing::Test {
     return colour;
   }
 
-  WindowsEngine engine_;
+  Win32FormEngine engine_;
   Application application_{engine_};
   Form form_{design};
   int clicks_ = 0;
@@ -170,7 +169,7 @@ class NamedFields : public testing::Test {
   }
 
  private:
-  WindowsEngine engine_;
+  Win32FormEngine engine_;
   Application application_{engine_};
 };
 

@@ -4,9 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "win32/ansi.h"
-#include "win32/desktop_windows.h"
+#include "win32/processes.h"
 #include "win32/windows_api.h"
-#include "win32/writable_path.h"
 
 namespace zev::win32 {
 namespace {

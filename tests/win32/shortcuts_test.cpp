@@ -1,4 +1,4 @@
-#include "win32/shortcuts.h"
+#include "win32/shell.h"
 
 #include <gtest/gtest.h>
 

@@ -8,12 +8,11 @@
 #include <string>
 
 #include "localisation/localise_form.h"
-#include "state/form1.h"
-#include "state/form2.h"
-#include "state/form3.h"
+#include "state/forms.h"
 #include "state/globals.h"
+#include "win32/ansi.h"
 #include "win32/control_windows.h"
-#include "win32/form_metrics.h"
+#include "win32/form_fonts.h"
 
 namespace zev::win32 {
 namespace {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "simulated/bench.h"
-#include "state/socket_host.h"
+#include "state/socket_array.h"
 #include "wizard/setup.h"
 
 namespace zev {

@@ -1,4 +1,4 @@
-#include "wizard/install_options.h"
+#include "wizard/wizard.h"
 
 #include <gtest/gtest.h>
 

@@ -6,9 +6,9 @@
 #include <map>
 #include <string>
 
+#include "state/languages.h"
 #include "support/table.h"
 #include "system/on_a_machine.h"
-#include "wizard/first_language.h"
 #include "wizard/setup.h"
 
 namespace zev {

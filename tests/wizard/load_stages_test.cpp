@@ -10,7 +10,7 @@
 #include "runtime/error.h"
 #include "support/table.h"
 #include "system/on_a_machine.h"
-#include "system/user_folder_chain.h"
+#include "system/user_folders.h"
 #include "wizard/running_product.h"
 #include "wizard/setup.h"
 

@@ -7,7 +7,6 @@
 #include <set>
 
 #include "simulated/simulated_machine.h"
-#include "wizard/first_language.h"
 #include "wizard/setup.h"
 
 namespace zev {

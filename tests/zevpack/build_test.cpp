@@ -3,8 +3,8 @@
 #include <cctype>
 #include <map>
 
-#include "lz/compressor.h"
-#include "programs/zevpack/member_check.h"
+#include "lz/encoder.h"
+#include "programs/zevpack/package_check.h"
 #include "support/made_image.h"
 #include "support/table.h"
 #include "zevpack/made_package.h"

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "lz/szdd_header.h"
 #include "zevpack/made_package.h"
 #include "zevpack/tool.h"

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "lz/compressor.h"
+#include "lz/encoder.h"
 #include "lz/temporary_folder.h"
-#include "programs/zevpack/member_check.h"
+#include "programs/zevpack/package_check.h"
 #include "support/table.h"
 #include "zevpack/made_package.h"
 

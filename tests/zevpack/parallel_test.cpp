@@ -1,4 +1,4 @@
-#include "programs/zevpack/parallel.h"
+#include "programs/zevpack/long_work.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,6 @@
 
 #include "win32/dialogs.h"
 #include "win32/form_engine.h"
-#include "win32/hardening.h"
 #include "win32/machine.h"
 #include "win32/windows_api.h"
 #include "wizard/setup.h"
@@ -13,7 +12,7 @@
 namespace zev {
 namespace {
 
-/// A run-time error that met no trap ends the program, behind the words that the run-time has for
+/// A run-time error that met no trap ends the program, after the words that the run-time has for
 /// it.
 void tellError(Dialogs& dialogs, const RuntimeError& error) {
   dialogs.MsgBox(join(u"Run-time error '", decimal(error.number()), u"':", lineEnd, lineEnd,
@@ -22,10 +21,10 @@ void tellError(Dialogs& dialogs, const RuntimeError& error) {
 }
 
 void runSetup() {
-  win32::WindowsEngine engine;
+  win32::Win32FormEngine engine;
   Application application(engine);
   engine.serve(application);
-  win32::WindowsDialogs dialogs(engine);
+  win32::Win32Dialogs dialogs(engine);
   win32::Machine machine;
   Platform platform = machine.platform(application, dialogs);
   Setup setup(platform);

@@ -8,7 +8,7 @@
 namespace zev::drive {
 
 /// A directory tree as its lines show it: the levels of the opened folder from the root down, of
-/// which the last is chosen, and behind them its own folders, each line indented by its level.
+/// which the last is chosen, and after them its own folders, each line indented by its level.
 class FolderTree {
  public:
   /// `chosen` is the place of the opened folder.

@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "programs/zevdrive/windows_witness.h"
-#include "win32/form_metrics.h"
+#include "win32/control_windows.h"
 
 namespace zev::drive {
 namespace {
@@ -111,14 +111,8 @@ LSTATUS store(HKEY key, const Text& name, const scenario::RegistryData& data) {
   return RegSetValueExA(key, ansi.c_str(), 0, data.type, bytes.data(), size);
 }
 
-HKEY hiveOf(const Text& name) {
-  if (name == u"HKEY_CLASSES_ROOT") return hiveHandle(HKEY_CLASSES_ROOT);
-  if (name == u"HKEY_CURRENT_USER") return hiveHandle(HKEY_CURRENT_USER);
-  return hiveHandle(HKEY_LOCAL_MACHINE);
-}
-
 void removeKey(const RegistryChange& change) {
-  const LSTATUS error = RegDeleteTreeW(hiveOf(change.hive), wide(change.key));
+  const LSTATUS error = RegDeleteTreeW(hiveHandle(change.hive), wide(change.key));
   if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) failRegistry(change, error);
 }
 
@@ -135,7 +129,7 @@ void apply(const RegistryChange& change) {
   const bool wholeKey = !change.name;
   if (wholeKey && !change.data) return removeKey(change);
   HKEY key = nullptr;
-  const LSTATUS error = RegCreateKeyExW(hiveOf(change.hive), wide(change.key), 0, nullptr, 0,
+  const LSTATUS error = RegCreateKeyExW(hiveHandle(change.hive), wide(change.key), 0, nullptr, 0,
                                         MAXIMUM_ALLOWED, nullptr, &key, nullptr);
   if (error != ERROR_SUCCESS) failRegistry(change, error);
   changeValue(key, change);
@@ -274,6 +268,53 @@ void MachineHand::occupy(const Text& path, bool inUse) {
   if (!inUse) return;
   const HANDLE file = CreateFileW(wide(path), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   if (file != INVALID_HANDLE_VALUE) occupied_[upperCase(path)].reset(file);
+}
+
+// ---- windows of another program
+
+namespace {
+
+constexpr const wchar_t* className = L"ZevdriveOther";
+constexpr DWORD kForever = 0xFFFFFFFF;
+
+void makeWindow(const Text& title) {
+  CreateWindowExW(WS_EX_NOACTIVATE, className, win32::wide(title), WS_OVERLAPPEDWINDOW | WS_VISIBLE,
+                  0, 0, 200, 40, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+}
+
+}  // namespace
+
+OtherWindows::OtherWindows(std::vector<Text> titles) : titles_(std::move(titles)) {
+  if (titles_.empty()) return;
+  WNDCLASSW description{};
+  description.lpfnWndProc = DefWindowProcW;
+  description.hInstance = GetModuleHandleW(nullptr);
+  description.lpszClassName = className;
+  RegisterClassW(&description);
+  ready_ = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  thread_ = CreateThread(nullptr, 0, thread, this, 0, &threadId_);
+  WaitForSingleObject(ready_, kForever);
+  CloseHandle(ready_);
+}
+
+OtherWindows::~OtherWindows() {
+  if (thread_ == nullptr) return;
+  PostThreadMessageW(threadId_, WM_QUIT, 0, 0);
+  WaitForSingleObject(thread_, kForever);
+  CloseHandle(thread_);
+}
+
+DWORD WINAPI OtherWindows::thread(void* self) {
+  static_cast<const OtherWindows*>(self)->run();
+  return 0;
+}
+
+/// The one made last lies on top, so that they are made from the last to the first.
+void OtherWindows::run() const {
+  for (auto title = titles_.rbegin(); title != titles_.rend(); ++title) makeWindow(*title);
+  SetEvent(ready_);
+  MSG message{};
+  while (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessageW(&message);
 }
 
 }  // namespace zev::drive

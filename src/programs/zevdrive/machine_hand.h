@@ -7,8 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "programs/zevdrive/other_windows.h"
+#include "runtime/text.h"
 #include "scenario/machine_change.h"
+#include "win32/windows_api.h"
 
 namespace zev::drive {
 
@@ -19,6 +20,25 @@ std::optional<std::string> refusal(const scenario::MachineChange& change);
 /// Saves the keys Software of the machine and of the user in a folder, as the system saves keys:
 /// machine.reg and user.reg. Fails with std::runtime_error.
 void saveRegistry(const std::filesystem::path& folder);
+
+/// Top-level windows of another program, with titles as the scenario gives them and nothing else.
+/// They answer messages for as long as this lives.
+class OtherWindows {
+ public:
+  explicit OtherWindows(std::vector<Text> titles);
+  ~OtherWindows();
+  OtherWindows(const OtherWindows&) = delete;
+  OtherWindows& operator=(const OtherWindows&) = delete;
+
+ private:
+  static DWORD WINAPI thread(void* self);
+  void run() const;
+
+  std::vector<Text> titles_;
+  HANDLE ready_ = nullptr;
+  HANDLE thread_ = nullptr;
+  DWORD threadId_ = 0;
+};
 
 /// Makes the changes of a scenario on the Windows that this runs on.
 class MachineHand {

@@ -3,12 +3,9 @@
 #include <fstream>
 #include <iostream>
 
-#include "programs/zevdrive/refusals.h"
 #include "programs/zevdrive/windows_stage.h"
 #include "programs/zevdrive/zevdrive_options.h"
-#include "state/form1.h"
-#include "state/form2.h"
-#include "state/form3.h"
+#include "state/forms.h"
 
 namespace zev::drive {
 namespace {

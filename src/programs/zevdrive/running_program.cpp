@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "win32/form_metrics.h"
+#include "win32/control_windows.h"
 
 namespace zev::drive {
 namespace {

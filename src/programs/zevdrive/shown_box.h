@@ -8,6 +8,10 @@
 
 namespace zev::drive {
 
+/// Which of the system's icons a window shows on the screen, as the style of a message box has it:
+/// 16, 32, 48 or 64. 0 if it shows none of them, even after some time.
+std::int32_t iconShownBy(HWND window);
+
 /// A message box on the screen, as far as it shows.
 struct ShownBox {
   HWND window = nullptr;

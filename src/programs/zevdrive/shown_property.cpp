@@ -1,8 +1,8 @@
 #include "programs/zevdrive/shown_property.h"
 
 #include "programs/zevdrive/folder_tree.h"
+#include "programs/zevdrive/program_windows.h"
 #include "programs/zevdrive/window_hand.h"
-#include "programs/zevdrive/window_places.h"
 
 namespace zev::drive {
 
@@ -10,7 +10,7 @@ using scenario::Json;
 
 namespace {
 
-/// A control as its window tells of it.
+/// A control as its window shows it.
 struct ShownControl {
   const WindowHand& hand;
   const Form& form;

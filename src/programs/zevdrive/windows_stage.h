@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "programs/zevdrive/machine_hand.h"
@@ -10,6 +11,7 @@
 #include "programs/zevdrive/window_hand.h"
 #include "programs/zevdrive/windows_witness.h"
 #include "scenario/play.h"
+#include "scenario/scenario.h"
 
 namespace zev::drive {
 
@@ -69,5 +71,8 @@ class WindowsStage final : public scenario::Stage {
   std::unique_ptr<scenario::Play> play_;
   std::unique_ptr<RunningProgram> program_;
 };
+
+/// Why a scenario cannot be played from outside, in one line; none if it can.
+std::optional<std::string> refusal(const scenario::Scenario& scenario);
 
 }  // namespace zev::drive

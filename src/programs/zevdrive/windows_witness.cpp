@@ -8,7 +8,7 @@
 // Behind the header that has the system's.
 #include <wincrypt.h>
 
-#include "win32/form_metrics.h"
+#include "win32/control_windows.h"
 
 namespace zev::drive {
 namespace {

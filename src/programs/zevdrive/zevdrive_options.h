@@ -26,7 +26,7 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads the arguments behind the program's name, in UTF-8. None if nothing is to be done: the help
+/// Reads the arguments after the program's name, in UTF-8. None if nothing is to be done: the help
 /// was printed, or why the arguments make no sense; `status` is then the exit status.
 std::optional<DriveOptions> readOptions(const std::vector<std::string>& arguments,
                                         std::ostream& out, std::ostream& err, int& status);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "posix/descriptor.h"
+#include "posix/descriptors.h"
 #include "posix/machine.h"
 #include "programs/zevnet/terminal.h"
 

@@ -4,9 +4,8 @@
 #include <cinttypes>
 #include <cstdio>
 
-#include "programs/zevpack/member_check.h"
-#include "programs/zevpack/parallel.h"
-#include "programs/zevpack/progress.h"
+#include "programs/zevpack/long_work.h"
+#include "programs/zevpack/package_check.h"
 #include "sample/sample_product.h"
 
 namespace zev::packing {

@@ -6,7 +6,7 @@
 
 #include "digest/sha256.h"
 #include "package/projects.h"
-#include "programs/zevpack/member_check.h"
+#include "programs/zevpack/package_check.h"
 
 namespace zev::packing {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -52,5 +53,20 @@ void requireWritable(const std::filesystem::path& path);
 
 /// Makes a folder with its missing parents. ToolError if it cannot be made.
 void makeFolder(const std::filesystem::path& path);
+
+/// The files of a folder by their names, as Windows finds them: without regard to letter case where
+/// no exact match is there.
+class Folder {
+ public:
+  /// ToolError if it cannot be listed.
+  explicit Folder(const std::filesystem::path& path);
+
+  /// None if no file has the name. ToolError if several have it in other cases and none exactly.
+  std::optional<std::filesystem::path> find(const std::string& name) const;
+
+ private:
+  std::filesystem::path path_;
+  std::map<std::string, std::vector<std::filesystem::path>> byFoldedName_;
+};
 
 }  // namespace zev::packing

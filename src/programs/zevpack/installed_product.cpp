@@ -1,7 +1,7 @@
 #include "programs/zevpack/installed_product.h"
 
 #include "package/projects.h"
-#include "programs/zevpack/folder.h"
+#include "programs/zevpack/host_file.h"
 
 namespace zev::packing {
 namespace {

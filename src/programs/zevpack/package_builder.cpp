@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "programs/zevpack/folder.h"
-#include "programs/zevpack/member_check.h"
-#include "programs/zevpack/parallel.h"
-#include "programs/zevpack/progress.h"
+#include "programs/zevpack/host_file.h"
+#include "programs/zevpack/long_work.h"
+#include "programs/zevpack/package_check.h"
 
 namespace zev::packing {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "package/image_header.h"
 #include "package/manifest.h"
+#include "package/package_end.h"
 #include "programs/zevpack/host_file.h"
 
 namespace zev::packing {
@@ -40,7 +40,7 @@ class PackageFile {
   /// ToolError if it cannot be read.
   explicit PackageFile(const std::filesystem::path& path);
 
-  /// Bytes without what signing put behind the package.
+  /// Bytes without what signing put after the package.
   std::size_t length() const { return length_; }
   bool isSigned() const { return length_ != bytes_.size(); }
   /// Offset of a member from the start; none if it would begin in front of the file.

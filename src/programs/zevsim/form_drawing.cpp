@@ -34,7 +34,7 @@ Text described(const Control& control, const Control* focused, int columns) {
   return shown.empty() ? name : join(name, u" \"", shown, u"\"");
 }
 
-/// A heading and words behind it, in as many lines as they take.
+/// A heading and words after it, in as many lines as they take.
 std::string headed(TextView heading, const std::vector<Text>& words, int columns) {
   Text lines;
   for (const Text& line : wrappedWords(words, columns)) {

@@ -70,6 +70,7 @@ void changeDrive(simulated::Disks& disks, const DriveEntry& entry) {
   take(drive.sectorsPerCluster, entry.change->sectorsPerCluster);
   take(drive.bytesPerSector, entry.change->bytesPerSector);
   take(drive.label, entry.change->label);
+  take(drive.ready, entry.change->ready);
   take(drive.shortNames, entry.change->shortNames);
   take(drive.host, entry.change->host);
   disks.setDrive(entry.letter, std::move(drive));
@@ -153,16 +154,15 @@ simulated::RegistryValue registryValue(const RegistryData& data, std::uint32_t c
 
 void changeRegistry(SimulatedMachine& machine, const RegistryChange& change) {
   simulated::RegistryTree& registry = machine.registry();
-  const RegistryKey hive = simulated::RegistryTree::hiveOf(change.hive).value();
   if (change.name && change.data) {
-    registry.setValue(hive, change.key, **change.name,
+    registry.setValue(change.hive, change.key, **change.name,
                       registryValue(*change.data, machine.settings().system.codePage));
   } else if (change.name) {
-    registry.removeValue(hive, change.key, **change.name);
+    registry.removeValue(change.hive, change.key, **change.name);
   } else if (change.data) {
-    registry.createKey(hive, change.key);
+    registry.createKey(change.hive, change.key);
   } else {
-    registry.removeKey(hive, change.key);
+    registry.removeKey(change.hive, change.key);
   }
 }
 
@@ -173,7 +173,7 @@ void denyKeys(simulated::RegistryTree& registry, const std::vector<Text>& keys) 
   for (const Text& key : keys) {
     const std::size_t bar = std::min(key.find(u'\\'), key.size());
     const TextView below = TextView(key).substr(std::min(bar + 1, key.size()));
-    registry.deny(simulated::RegistryTree::hiveOf(TextView(key).substr(0, bar)).value(), below);
+    registry.deny(hiveNamed(TextView(key).substr(0, bar)).value(), below);
   }
 }
 
@@ -193,6 +193,7 @@ void changeProgram(simulated::MachineSettings& settings, const Text& path,
   take(program.opens, change.opens);
   take(program.running, change.running);
   take(program.exitCode, change.exit);
+  take(program.duration, change.duration);
 }
 
 simulated::Fault fault(const FaultChange& change) {

@@ -33,7 +33,7 @@ char16_t plain(char16_t letter) {
   return letter;
 }
 
-/// Accents that are characters of their own stand behind their letter.
+/// Accents that are characters of their own follow their letter.
 bool combines(char16_t unit) { return unit >= 0x300 && unit <= 0x36F; }
 
 bool isWordUnit(char16_t unit) {

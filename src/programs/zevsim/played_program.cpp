@@ -1,6 +1,6 @@
 #include "programs/zevsim/played_program.h"
 
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 
 namespace zev::scenario {
 

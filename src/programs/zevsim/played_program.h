@@ -16,7 +16,7 @@ class PlayedProgram {
  public:
   virtual ~PlayedProgram() = default;
 
-  /// The entry procedure; the message loop comes behind it.
+  /// The entry procedure; the message loop follows.
   virtual void start() = 0;
   /// All forms of the program, those that are not loaded included.
   virtual std::vector<Form*> forms() = 0;

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "programs/zevsim/text_block.h"
-#include "scenario/answers.h"
+#include "scenario/script.h"
 
 namespace zev::scenario {
 namespace {
@@ -73,7 +73,7 @@ void Progress::drawBar(double share) {
 void Progress::boxAnswered(const Box& box, BoxAnswer answer) {
   finish();
   out_ << "[" << toUtf8(box.title) << "] " << oneLine(toUtf8(box.text)) << "  -> "
-       << answerWord(answer) << std::endl;
+       << answerName(answer) << std::endl;
 }
 
 void Progress::finish() {

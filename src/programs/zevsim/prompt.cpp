@@ -4,17 +4,66 @@
 #include <stdexcept>
 #include <utility>
 
-#include "platform/drives.h"
+#include "platform/system_information.h"
 #include "programs/zevsim/hindrance.h"
 #include "programs/zevsim/meant.h"
-#include "programs/zevsim/prompt_help.h"
 #include "programs/zevsim/text_block.h"
 #include "programs/zevsim/typed_line.h"
 #include "programs/zevsim/zevsim_options.h"
-#include "runtime/file_lists.h"
-#include "scenario/answers.h"
+#include "runtime/controls.h"
+#include "scenario/script.h"
 
 namespace zev::scenario {
+
+// ---- the help
+
+namespace {
+
+struct HelpRow {
+  TextView typed;
+  TextView meaning;
+};
+
+// clang-format off
+constexpr HelpRow helpRows[] = {
+    {u"click NAME", u"a control by its name, or by what stands on it: click Back"},
+    {u"select NAME ENTRY", u"an entry of a list, or its beginning: select Combo1 esp"},
+    {u"list [NAME]", u"what there is to select"},
+    {u"type NAME TEXT", u"replaces the text of a text box: type Text2 D:\\Apps"},
+    {u"read [NAME]", u"a long text, page by page"},
+    {u"drive D:", u"chooses in the drive list"},
+    {u"folder NAME", u"opens a folder in the tree; .. is the one above"},
+    {u"focus NAME", u"moves the focus"},
+    {u"close [FORM]", u"the close box of the title bar"},
+    {u"answer WORD ...", u"answers boxes to come: ok cancel abort retry ignore yes no"},
+    {u"answer text TEXT", u"a text for an input box to come"},
+    {u"show KEY", u"what an expectation would find: show Form1.Text2.Text"},
+    {u"set KEY VALUE", u"writes a global or a property: set global.gLanguage 2"},
+    {u"expect {..}", u"holds expectations"},
+    {u"change {..}", u"changes the machine, with the keys of a machine object"},
+    {u"{..}", u"any step of a script as it stands in a scenario"},
+    {u"state", u"the machine as a whole, in JSON"},
+    {u"restart", u"starts the program anew"},
+    {u"screen, width N", u"draws the form again; N columns wide"},
+    {u"help, quit", u"this text; leaves. Both work in boxes, too"},
+};
+// clang-format on
+
+constexpr int helpIndent = 19;
+
+}  // namespace
+
+std::string promptHelp(int columns) {
+  Text text;
+  for (const HelpRow& row : helpRows) {
+    Text head = fitted(row.typed, helpIndent);
+    for (const Text& line : wrapped(row.meaning, columns - helpIndent)) {
+      text += join(std::exchange(head, repeated(helpIndent, u' ')), line, u"\n");
+    }
+  }
+  return toUtf8(text);
+}
+
 namespace {
 
 constexpr std::string_view inputHelp =
@@ -51,7 +100,7 @@ FolderNames foldersOf(const simulated::SimulatedMachine& machine) {
 std::string buttonWords(const Box& box) {
   std::string all;
   for (const BoxAnswer each : box.buttons) {
-    all += (all.empty() ? "" : ", ") + std::string(answerWord(each));
+    all += (all.empty() ? "" : ", ") + std::string(answerName(each));
   }
   return all;
 }
@@ -59,7 +108,7 @@ std::string buttonWords(const Box& box) {
 /// The button that a person means who types its word, or the beginning of it.
 std::optional<std::string> meantButton(std::string_view typed, const Box& box) {
   for (const BoxAnswer each : box.buttons) {
-    if (answerWord(each).starts_with(typed)) return std::string(answerWord(each));
+    if (answerName(each).starts_with(typed)) return std::string(answerName(each));
   }
   return std::nullopt;
 }
@@ -68,7 +117,7 @@ Text buttonRow(const Box& box) {
   Text row;
   for (const BoxAnswer each : box.buttons) {
     const TextView mark = each == box.byDefault ? u" *" : u"";
-    row += join(row.empty() ? u"" : u"  ", u"[ ", fromUtf8(answerWord(each)), mark, u" ]");
+    row += join(row.empty() ? u"" : u"  ", u"[ ", fromUtf8(answerName(each)), mark, u" ]");
   }
   return row;
 }

@@ -13,6 +13,9 @@
 
 namespace zev::scenario {
 
+/// What can be typed at the prompt, in lines of a width.
+std::string promptHelp(int columns);
+
 /// The verbs of a script typed at a prompt, with the active form drawn as text whenever it has
 /// changed. Message boxes are drawn and answered there too. All of it fits on a terminal of 24
 /// lines. At `quit` and at the end of the input each function throws PlayLeft.

@@ -15,7 +15,7 @@ class Terminal {
  public:
   static constexpr int lines = 24;
 
-  /// Borrows both streams. What is told is so many columns wide.
+  /// Borrows both streams. What is told is `columns` wide.
   Terminal(std::istream& in, std::ostream& out, int columns)
       : in_(in), out_(out), columns_(columns) {}
 
@@ -27,7 +27,7 @@ class Terminal {
   /// A text in as many lines as it takes.
   void tell(std::string_view text);
 
-  /// The line that is typed behind a prompt, without blanks at its ends. "help" shows a block and
+  /// The line that is typed after a prompt, without blanks at its ends. "help" shows a block and
   /// asks again; at "quit" or "exit", and at the end of the input, the play is left (PlayLeft).
   std::string ask(std::string_view prompt, std::string_view help);
 

@@ -43,7 +43,7 @@ int columnsOf(char16_t unit) {
 
 bool isControl(char16_t unit) { return unit < u' ' || (unit >= 0x7F && unit < 0xA0); }
 
-/// Takes the next line of at most so many columns off a text without line ends.
+/// Takes the next line of at most `columns` columns off a text without line ends.
 TextView takeLine(TextView& text, int columns) {
   const TextView most = cutTo(text, columns);
   if (most.size() == text.size()) return std::exchange(text, TextView());

@@ -13,11 +13,11 @@ namespace zev::scenario {
 /// Columns that a text takes.
 int columnsOf(TextView text);
 
-/// The beginning of a text that takes at most so many columns.
+/// The beginning of a text that takes at most `columns` columns.
 TextView cutTo(TextView text, int columns);
 /// The same, filled with blanks.
 Text fitted(TextView text, int columns);
-/// The beginning of a text before "...", or its end behind that, if it takes more columns.
+/// The beginning of a text before "...", or its end after that, if it takes more columns.
 Text beginningOf(TextView text, int columns);
 Text endOf(TextView text, int columns);
 /// Blanks in front, so that it stands in the middle.

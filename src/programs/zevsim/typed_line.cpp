@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "programs/zevsim/meant.h"
-#include "runtime/file_lists.h"
+#include "runtime/controls.h"
 
 namespace zev::scenario {
 namespace {

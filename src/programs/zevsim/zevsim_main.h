@@ -25,7 +25,7 @@ inline constexpr int unusable = 2;  ///< the scenario or the command line cannot
 inline constexpr int broken = 3;    ///< zevsim itself failed
 }  // namespace exit_status
 
-/// All of zevsim but the program that it plays: reads the arguments behind the program's name,
+/// All of zevsim but the program that it plays: reads the arguments after the program's name,
 /// plays a scenario or the prompt, and gives the exit status.
 int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& factory,
                const Console& console);

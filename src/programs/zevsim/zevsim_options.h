@@ -32,7 +32,7 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads the arguments behind the program's name. Without a scenario it is the prompt that is
+/// Reads the arguments after the program's name. Without a scenario it is the prompt that is
 /// meant. None if nothing is to be done: the help was printed, or why the arguments make no sense;
 /// `status` is then the exit status.
 std::optional<ZevsimOptions> readOptions(const std::vector<std::string>& arguments,

@@ -25,8 +25,8 @@ struct Endpoint {
   auto operator<=>(const Endpoint&) const = default;
 };
 
-/// The address that a text of one to four numbers spells: decimal, octal behind "0", hexadecimal
-/// behind "0x"; the last number fills all bytes that are left.
+/// The address that a text of one to four numbers spells: decimal, octal after "0", hexadecimal
+/// after "0x"; the last number fills all bytes that are left.
 std::optional<HostAddress> parseAddress(std::string_view text);
 /// The same of a text that is known to be an address; throws std::invalid_argument for any other.
 HostAddress addressOf(std::string_view text);

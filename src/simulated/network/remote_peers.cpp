@@ -33,7 +33,7 @@ void RemoteStream::read() {
   if (!bytes.empty() && onReceived_) onReceived_(*this);
 }
 
-/// Sends what waits as far as there is room, and the end that may stand behind it.
+/// Sends what waits as far as there is room, and the end that may follow it.
 void RemoteStream::write() {
   if (gone_ || end_ == nullptr) return;
   for (std::size_t sent = 1; sent > 0 && !outgoing_.empty() && !gone_;) {

@@ -27,7 +27,7 @@ class RemoteStream {
   /// Called whenever more has been read.
   void onReceived(std::function<void(RemoteStream&)> action) { onReceived_ = std::move(action); }
 
-  /// Sends nothing more behind what was sent, and goes on reading (a half-close).
+  /// Sends nothing more after what was sent, and goes on reading (a half-close).
   void finish();
   /// Lets go of the connection. What it has not read makes this a reset.
   void close();

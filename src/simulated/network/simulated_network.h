@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "simulated/network/name_table.h"
+#include "simulated/network/look_ups.h"
 #include "simulated/network/port_table.h"
 #include "simulated/network/remote_peers.h"
 #include "simulated/network/timeline.h"

@@ -5,7 +5,7 @@
 
 #include "code_page/code_page.h"
 #include "simulated/network/datagram_socket.h"
-#include "simulated/network/host_record.h"
+#include "simulated/network/look_ups.h"
 #include "simulated/network/stream_socket.h"
 
 namespace zev::simulated {

@@ -76,7 +76,7 @@ void StreamEnd::pushOn() {
   }
 }
 
-/// Takes something to the other end, behind all that is on its way there. Without latency it is
+/// Takes something to the other end, after all that is on its way there. Without latency it is
 /// there at once.
 void StreamEnd::carry(std::function<void(StreamEnd&)> arrival) {
   if (vanished_) return;

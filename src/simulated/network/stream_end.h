@@ -33,15 +33,15 @@ class StreamEnd {
   /// Room in the send buffer.
   std::size_t room() const;
   void setSendBuffer(std::size_t bytes) { sendBuffer_ = bytes; }
-  /// Nothing more will be sent behind what was.
+  /// Nothing more will be sent after what was.
   void finish();
 
   /// Bytes that can be read.
   std::size_t waiting() const { return received_.size(); }
-  /// The first bytes that wait, at most so many. `peek` leaves them there.
+  /// The first bytes that wait, at most `most`. `peek` leaves them there.
   std::string read(std::size_t most, bool peek = false);
   void setReceiveBuffer(std::size_t bytes);
-  /// Nothing more will come behind what waits.
+  /// Nothing more will come after what waits.
   bool finished() const { return finished_; }
   /// Why the connection broke: 10054 if the other end has reset it, 10053 if it gave up, else 0.
   /// What had come before still waits.
