@@ -77,6 +77,9 @@ class MortalBody final : public FileBody {
   SystemError resize(std::uint64_t size) override {
     return killer_.allows() ? body_->resize(size) : SystemError{system_error::accessDenied};
   }
+  SystemError fill(const std::shared_ptr<const HostPiece>& piece) override {
+    return killer_.allows() ? body_->fill(piece) : SystemError{system_error::accessDenied};
+  }
   SystemError close() override { return body_->close(); }
 
  private:

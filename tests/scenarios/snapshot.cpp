@@ -21,7 +21,7 @@ class Collector {
   Snapshot collect() {
     for (const char16_t letter : machine_.disks().letters()) addFolder(Text{letter, u':', u'\\'});
     for (const RegistryKey hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-      addKeys(*machine_.registry().find(hive, {}), hiveName(hive));
+      addKeys(*machine_.registry().find(hive, {}), Text(hiveName(hive)));
     }
     return std::move(all_);
   }
