@@ -440,7 +440,7 @@ class Failures(Case, unittest.TestCase):
                           ["listen", "0", "--nothing"], ["speak"]):
             with self.subTest(arguments):
                 zevnet = self.zevnet(*arguments)
-                self.assertEqual(zevnet.ends(), (2, b""))
+                self.assertEqual(zevnet.ends(), (2, b""), zevnet.lines)
                 self.assertTrue(zevnet.lines)
 
     def test_a_word_that_is_no_command_is_named(self):
