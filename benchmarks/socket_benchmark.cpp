@@ -253,8 +253,13 @@ void run(int rounds) {
 }  // namespace zev::benchmarks
 
 int main(int argc, char** argv) {
+  const int rounds = argc > 1 ? std::atoi(argv[1]) : zev::benchmarks::usualRounds;
+  if (rounds < 1 || argc > 2) {
+    std::fprintf(stderr, "usage: socket_benchmark [rounds, at least 1]\n");
+    return 2;
+  }
   try {
-    zev::benchmarks::run(argc > 1 ? std::atoi(argv[1]) : zev::benchmarks::usualRounds);
+    zev::benchmarks::run(rounds);
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());
