@@ -150,7 +150,9 @@ TEST_F(HostNamesTest, IsWhatAWalkGivesWhateverHappens) {
     if (!found) continue;
     ASSERT_TRUE(equalText(fromUtf8(*found), wanted));
     ASSERT_NE(std::find(all.begin(), all.end(), *found), all.end());
-    if (asItStands) ASSERT_EQ(*found, other);
+    if (asItStands) {
+      ASSERT_EQ(*found, other);
+    }
   }
 }
 
