@@ -582,6 +582,7 @@ class WholeInput(Case, unittest.TestCase):
                 os.kill(zevnet.process.pid, 19)
                 connection.shutdown(socket.SHUT_WR)
                 zevnet.write(b"x" * 5000)
+                zevnet.process.stdin.close()  # before it can look whether the input has ended
                 os.kill(zevnet.process.pid, 18)
                 status, _ = zevnet.ends()
                 received = b""
@@ -589,7 +590,8 @@ class WholeInput(Case, unittest.TestCase):
                     received += piece
                 told = [line for line in zevnet.lines if line.endswith("were not sent. (zevnet)")]
                 lost = int(told[0].split()[1]) if told else 0
-                self.assertEqual((status, len(received) + lost), (1 if lost else 0, 5000))
+                self.assertEqual((status, len(received) + lost), (1 if lost else 0, 5000),
+                                 zevnet.lines)
 
     def test_a_receiver_that_half_closes_at_once(self):
         """Whatever has reached it and what is told to be lost are the whole."""
