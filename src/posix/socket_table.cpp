@@ -13,7 +13,7 @@ constexpr std::int32_t handleMask = 0x7FFFFFFF;
 
 std::size_t placeOf(std::int32_t handle) { return static_cast<std::size_t>(handle & placeMask); }
 
-/// The handle one generation on; behind the last one comes the first.
+/// The handle one generation on; after the last one comes the first.
 std::int32_t following(std::int32_t handle) {
   return static_cast<std::int32_t>(
       (static_cast<std::uint32_t>(handle) + static_cast<std::uint32_t>(oneGeneration)) &

@@ -71,7 +71,7 @@ Judged ended(const Question& asked) {
   return wrong ? Judged(Verdict{false, found}) : std::nullopt;
 }
 
-/// Behind the end only the inside has forms.
+/// After the end only the inside has forms.
 bool hasForms(const Scene& scene) { return scene.stage.seesInside() || scene.ended.is_null(); }
 
 Judged active(const Question& asked) {

@@ -53,7 +53,7 @@ InstallerBytes wholeFile(const Package& package) {
   return {package.file, 0, 0, size, {}};
 }
 
-/// Leaves out so many bytes, which are there, at the front.
+/// Leaves out the first `count` bytes, which must be there.
 void cutFront(InstallerBytes& bytes, std::uint64_t count) {
   const std::uint64_t zeros = std::min(count, bytes.zeros);
   bytes.zeros -= zeros;

@@ -13,7 +13,7 @@ class HostPiece {
  public:
   /// So many zeros.
   explicit HostPiece(std::uint64_t zeros) : zeros_(zeros) {}
-  /// `size` bytes of the file from `offset` on, all of which are there, behind so many zeros.
+  /// `size` bytes of the file from `offset` on, all of which are there, after that many zeros.
   /// Throws std::runtime_error if the file cannot be opened.
   HostPiece(const std::filesystem::path& file, std::uint64_t offset, std::uint64_t size,
             std::uint64_t zeros);

@@ -17,7 +17,7 @@ constexpr std::size_t generous = sizeof(void*) > 4 ? 16 : 2;
 constexpr std::size_t modest = 2;
 constexpr std::size_t longest = INT32_MAX;
 
-/// False without memory for so many bytes.
+/// False without memory for that many bytes.
 bool reserves(std::vector<std::uint8_t>& memory, std::size_t bytes) {
   try {
     memory.reserve(bytes);

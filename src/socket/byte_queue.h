@@ -15,12 +15,12 @@ class SpareMemory {
   /// The most that lies idle without other wishes, in bytes.
   static constexpr std::size_t usual = std::size_t{64} << 20;
 
-  /// From now on at most so many bytes lie idle.
+  /// From now on at most that many bytes lie idle.
   void keepAtMost(std::size_t bytes);
   /// Keeps memory if it is more than there is already, but not too much. The vector is empty then.
   void give(std::vector<std::uint8_t>& memory);
-  /// Memory for so many bytes, if there is any, in place of what the vector has. What it holds is
-  /// of no account.
+  /// Memory for `bytes`, if there is any, in place of what the vector has. Whatever that memory
+  /// holds is left over from before.
   void take(std::vector<std::uint8_t>& memory, std::size_t bytes);
 
  private:
@@ -46,9 +46,9 @@ class ByteQueue {
   /// The same for an empty queue without a copy: the bytes are as they are while the queue has the
   /// owner.
   void share(std::shared_ptr<const void> owner, std::span<const std::uint8_t> bytes);
-  /// Makes room for so many more bytes.
+  /// Makes room for that many more bytes.
   void reserve(std::size_t more);
-  /// Room for so many bytes behind what waits, to be filled before the queue is touched again.
+  /// Room for that many bytes after what waits, to be filled before the queue is touched again.
   std::span<std::uint8_t> room(std::size_t more);
   /// So many bytes of that room are there now.
   void filled(std::size_t count) { end_ += count; }

@@ -80,9 +80,7 @@ void Connection::fail(Failure failure) {
 /// What was raised inside a notification, where nobody hears of it, shows by the state alone.
 std::optional<Failure> Connection::unreportedFailure() const {
   const std::int32_t reason = module_.services().sockets.WSAGetLastError();
-  const auto because = [&](const char* source) {
-    return Failure(reason, toUtf8(WinsockErrorText(reason)), source);
-  };
+  const auto because = [&](const char* source) { return Failure(reason, source); };
   switch (socket_->State()) {
     case sckError:
       return because("CEventSocket.RecvDataToBuffer");
@@ -96,10 +94,7 @@ std::optional<Failure> Connection::unreportedFailure() const {
   }
 }
 
-void Connection::giveUp() {
-  const std::int32_t number = winsock::error::timedOut;
-  fail({number, toUtf8(WinsockErrorText(number)), "zevnet"});
-}
+void Connection::giveUp() { fail({winsock::error::timedOut, "zevnet"}); }
 
 bool Connection::isOver() {
   if (ended_) return false;
@@ -115,8 +110,7 @@ void Connection::endSending() {
   limit_.emplace(timeout_);
   Sockets& sockets = module_.services().sockets;
   if (sockets.shutdown(socket_->SocketHandle(), winsock::sendingEnd) != winsock::failed) return;
-  const std::int32_t number = sockets.WSAGetLastError();
-  fail({number, toUtf8(WinsockErrorText(number)), "zevnet"});
+  fail({sockets.WSAGetLastError(), "zevnet"});
 }
 
 void Connection::end(const InputRest& unread, bool wholeInput) {

@@ -14,7 +14,7 @@ namespace zev::netcat {
 class Connection {
  public:
   /// Both are borrowed. `timeout`: seconds that the connection may take to come about, and its peer
-  /// to close behind the last byte.
+  /// to close after the last byte.
   Connection(modEventSocket& module, Terminal& terminal, double timeout);
   ~Connection();
   Connection(const Connection&) = delete;

@@ -1,5 +1,7 @@
 #include "programs/zevnet/failure.h"
 
+#include "socket/winsock_errors.h"
+
 namespace zev::netcat {
 
 Failure::Failure(std::int32_t number, std::string text, std::string source)
@@ -7,5 +9,8 @@ Failure::Failure(std::int32_t number, std::string text, std::string source)
 
 Failure::Failure(const RuntimeError& error)
     : Failure(error.number(), toUtf8(error.description()), toUtf8(error.source())) {}
+
+Failure::Failure(std::int32_t number, std::string source)
+    : Failure(number, toUtf8(WinsockErrorText(number)), std::move(source)) {}
 
 }  // namespace zev::netcat

@@ -14,6 +14,8 @@ class Failure : public std::exception {
  public:
   Failure(std::int32_t number, std::string text, std::string source);
   explicit Failure(const RuntimeError& error);
+  /// An error of the sockets, with the text that they have for it.
+  Failure(std::int32_t number, std::string source);
 
   /// "number: text (Source)"
   const char* what() const noexcept override { return line_.c_str(); }

@@ -41,7 +41,7 @@ volatile LONG cameSignal = 0;
 
 [[noreturn]] void interrupt() { throw Interruption{static_cast<int>(cameSignal)}; }
 
-/// Behind the end of console or session the system ends the process when this returns: the loop has
+/// After the end of console or session the system ends the process when this returns: the loop has
 /// until then to tell the totals, and ends the process itself.
 BOOL WINAPI takeSignal(DWORD kind) {
   const bool byPerson = kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
@@ -75,7 +75,7 @@ bool isConsole(DWORD stream) {
   return ::GetConsoleMode(::GetStdHandle(stream), &mode) != FALSE;
 }
 
-/// Bytes of standard input that wait behind a piece. Not while somebody reads: the system would
+/// Bytes of standard input that wait after a piece. Not while somebody reads: the system would
 /// make this wait for the end of that read.
 InputRest restBehind(std::size_t piece) {
   InputRest rest{piece, false};
