@@ -26,29 +26,37 @@ PACKAGE = pathlib.Path("build") / "run" / "package"
 OWN_SUITES = {"zevsim": {"scenario", "scenarios"}, "platform": {"contract", "runtime", "socket"},
               "simulated": {"simulated", "contract"}, "observed": {"observed", "socket"},
               "setup": {"scenarios"}}
-NO_SUITES = {"house"}  # they look at the text of the code, which every break changes
+# They look at the text of the code, which every break changes, or build it all anew.
+NO_SUITES = {"house", "library"}
+# Cases of ./test all: the others in more languages, on longer inputs, ended at each change.
+REPEATS = "_in_all"
 
 
 class Suite:
     """A suite as its build tells of it, and what of the build it is made of."""
 
     def __init__(self, row):
-        self.name, self.room, self.kind = row["name"], row["room"], row["kind"]
-        self.command, self.targets = row["command"], row["targets"]
+        self.name, self.room = row["name"], row["room"]
+        self.of_room = row["kind"] == "gtest-room"
+        self.tells_cases = row["kind"].startswith("gtest")
+        self.command, self.targets, self.filter = row["command"], row["targets"], row["filter"]
         self.environment = dict(each.split("=", 1) for each in row["environment"])
         self.timeout = row["timeout"]
         self.inputs, self.programs = set(), []
 
-    @property
-    def filter(self):
-        """The cases that a suite is limited to."""
-        words = [each for each in self.command if each.startswith("--gtest_filter=")]
-        return words[0].split("=", 1)[1] if words else None
-
-    def row(self):
-        return {"name": self.name, "kind": "script" if self.kind == "script" else "gtest",
-                "command": self.command, "environment": self.environment,
+    def row(self, filter_=None):
+        """What a trial has to know; of a suite with a filter of its own, or of cases that another
+        FILTER chooses."""
+        filter_ = filter_ or self.filter
+        words = [f"--gtest_filter={filter_}"] if filter_ else []
+        return {"name": self.name, "kind": "gtest" if self.tells_cases else "script",
+                "command": self.command + words, "environment": self.environment,
                 "targets": self.targets, "programs": self.programs, "timeout": self.timeout}
+
+    def without(self, cases):
+        """The filter of this suite that leaves out some more."""
+        joint = ":" if "-" in self.filter else "-"
+        return self.filter + joint + ":".join(cases)
 
 
 def project_files():
@@ -170,7 +178,7 @@ class Workshop:
     def patience(self, suite):
         """How long a suite may say nothing, in seconds; a script says nothing till its end."""
         measured = self.measured[suite.name]
-        usual = measured["seconds" if suite.kind == "script" else "silence"]
+        usual = measured["silence" if suite.tells_cases else "seconds"]
         return min(max(self.PATIENCE, 5 * usual), suite.timeout)
 
     # -- the copy
@@ -220,7 +228,8 @@ class Workshop:
 
     def read_suites(self):
         rows = [json.loads(line) for line in (BUILD / "suites.json").read_text().splitlines()]
-        return [Suite(row) for row in rows if row["room"] not in NO_SUITES]
+        return [Suite(row) for row in rows
+                if row["room"] not in NO_SUITES and not row["name"].endswith(REPEATS)]
 
     def read_graph(self):
         """What each suite is made of, and which objects each file goes into."""
@@ -255,7 +264,7 @@ class Workshop:
         changed = set(self.objects_of(place.file))
         rooms = OWN_SUITES.get(place.room, {place.room})
         chosen = [suite for suite in self.suites if suite.inputs & changed and
-                  (suite.room in rooms or suite.kind != "gtest-room")]
+                  (suite.room in rooms or not suite.of_room)]
         chosen.sort(key=lambda suite: (suite.room not in rooms,
                                        self.measured[suite.name]["seconds"]))
         parts = [part for place, suite in enumerate(chosen)
@@ -267,16 +276,15 @@ class Workshop:
         """A suite without the cases that ran before; one with slow cases in two parts, and the slow
         one is run behind all others."""
         ran = [each.filter for each in before
-               if each.filter and each.command[0] == suite.command[0]]
+               if each.of_room and each.command[0] == suite.command[0]]
         slow = self.measured[suite.name]["slow"]
-        row = {**suite.row(), "silence": self.patience(suite)}
-        if suite.filter or not ran + slow:
-            return [(0, row)]
 
-        def part(words, **other):
-            return {**row, "command": suite.command + [f"--gtest_filter={words}"], **other}
+        def part(filter_, patience):
+            return {**suite.row(filter_), "silence": patience}
 
+        if suite.of_room or not ran + slow:
+            return [(0, part(None, self.patience(suite)))]
         if not slow:
-            return [(0, part("-" + ":".join(ran)))]
-        return [(0, part("-" + ":".join(ran + slow), silence=self.PATIENCE)),
-                (1, part(":".join(slow)))]
+            return [(0, part(suite.without(ran), self.patience(suite)))]
+        return [(0, part(suite.without(ran + slow), self.PATIENCE)),
+                (1, part(":".join(slow), self.patience(suite)))]
