@@ -16,6 +16,12 @@ std::string checkError(std::string_view expected) {
   return errorOf([&] { checkMatcher(JsonReader(value)); });
 }
 
+/// Of a number that is not within -2 to 7.
+std::string numberError(std::string_view expected) {
+  const Json value = parseJson(expected);
+  return errorOf([&] { checkNumbers(JsonReader(value), -2, 7); });
+}
+
 TEST(Matcher, TakesAPlainValueExactly) {
   EXPECT_TRUE(matched("1", "1"));
   EXPECT_FALSE(matched("1", "2"));
@@ -91,6 +97,16 @@ TEST(Matcher, IsCheckedBeforeItIsUsed) {
   EXPECT_EQ(checkError(R"({"matches": 1})"), "$.matches: a whole number where a text is wanted");
   EXPECT_TRUE(checkError(R"({"not": {"matches": "["}})").starts_with("$.not.matches: "));
   EXPECT_EQ(checkError(R"({"text": "a", "title": {"contains": "b"}})"), "");
+}
+
+TEST(Matcher, HoldsNumbersToTheirRangeWhereverTheyStand) {
+  for (const char* within : {"-2", "7", "[-2, 7]", R"({"not": 7})", R"([{"a": [3]}])"}) {
+    EXPECT_EQ(numberError(within), "") << within;
+  }
+  EXPECT_EQ(numberError("8"), "$: 8 is not within -2 to 7");
+  EXPECT_EQ(numberError("[1, -3]"), "$[1]: -3 is not within -2 to 7");
+  EXPECT_EQ(numberError(R"({"not": 8})"), "$.not: 8 is not within -2 to 7");
+  EXPECT_EQ(numberError(R"([{"a": [8]}])"), "$[0].a[0]: 8 is not within -2 to 7");
 }
 
 }  // namespace
