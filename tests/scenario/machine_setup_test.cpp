@@ -184,6 +184,16 @@ TEST(MachineSetup, LaysFilesOfEveryKind) {
   EXPECT_FALSE(guard.deny.list);
 }
 
+TEST(MachineSetup, LaysLinksToFoldersAndToFiles) {
+  const Built built(R"("files": {"C:\\F": {"junction": "C:\\Windows"},
+                                 "C:\\f.txt": {"symlink": "C:\\Windows\\win.ini"}})");
+  EXPECT_EQ(built.disks().link(u"C:\\F"), u"C:\\Windows");
+  EXPECT_TRUE(built.directory(u"C:\\F"));
+  EXPECT_EQ(built.disks().link(u"C:\\f.txt"), u"C:\\Windows\\win.ini");
+  EXPECT_TRUE(built.disks().exists(u"C:\\f.txt"));
+  EXPECT_FALSE(built.directory(u"C:\\f.txt"));
+}
+
 TEST(MachineSetup, TakesADefaultFolderAwayWithItsContents) {
   const Built built(R"("files": {"C:\\Program Files\\x\\y.txt": "y", "C:\\Program Files": null})");
   EXPECT_FALSE(built.disks().exists(u"C:\\Program Files"));
