@@ -113,6 +113,11 @@ TEST_F(Expand, FillsTextsAndKeysWithNamedValues) {
             R"j([{"expect":{"dir:C:\\Menu":["a","b"],"size":7}}])j");
 }
 
+TEST_F(Expand, TellsAMistakeBelowAFilledKeyByTheKeyAsItIsWritten) {
+  EXPECT_EQ(errorOfSteps(R"j([{"expect": {"dir:$(menu)": {"matches": 1}}}])j"),
+            "$.script[0].expect[\"dir:$(menu)\"].matches: a whole number where a text is wanted");
+}
+
 TEST_F(Expand, UsesANameOnceForEachOfSeveralValues) {
   EXPECT_EQ(steps(R"j([{"use": "type", "each": {"directory": ["a", "$(menu)"]}}])j"),
             R"j([{"type":["Text2","a"]},{"type":["Text2","C:\\Menu"]}])j");
