@@ -116,6 +116,8 @@ TEST_F(Expand, FillsTextsAndKeysWithNamedValues) {
 TEST_F(Expand, TellsAMistakeBelowAFilledKeyByTheKeyAsItIsWritten) {
   EXPECT_EQ(errorOfSteps(R"j([{"expect": {"dir:$(menu)": {"matches": 1}}}])j"),
             "$.script[0].expect[\"dir:$(menu)\"].matches: a whole number where a text is wanted");
+  EXPECT_EQ(error(R"j({"machine": {"files": {"$(menu)": {"text": 1}}}})j"),
+            "$.machine.files[\"$(menu)\"].text: a whole number where a text is wanted");
 }
 
 TEST_F(Expand, UsesANameOnceForEachOfSeveralValues) {
