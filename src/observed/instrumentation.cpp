@@ -1,5 +1,6 @@
 #include "observed/instrumentation.h"
 
+#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -22,6 +23,19 @@ bool holds(TextView text, const Text& match) {
 }
 
 }  // namespace
+
+Text shownAddress(const SocketAddress& address) {
+  std::uint8_t host[4], port[2];
+  std::memcpy(host, &address.address, sizeof host);
+  std::memcpy(port, &address.port, sizeof port);
+  std::string text;
+  if (address.family != winsock::internet) {
+    text = "family " + std::to_string(address.family) + " ";
+  }
+  for (const int each : host) text += std::to_string(each) + '.';
+  text.back() = ':';
+  return fromUtf8(text + std::to_string(port[0] * 256 + port[1]));
+}
 
 bool isRuntimeError(std::int32_t code) {
   constexpr auto firstFileError = static_cast<std::int32_t>(ErrorNumber::BadFileNameOrNumber);

@@ -148,6 +148,10 @@ void readObject(const JsonReader& object, const KeyRow<Target> (&rows)[N], Targe
 /// column.
 Json parseJson(std::string_view text);
 
+/// A document as people read it: what has room on a line of 100 columns stands on one, of a list of
+/// plain values as many as have room, of all else one element or member.
+std::string layOut(const Json& document);
+
 template <std::integral T>
 void JsonReader::read(T& into) const {
   static_assert(sizeof(T) < 8 || std::signed_integral<T>, "64 bits are read with a sign");

@@ -10,7 +10,6 @@
 
 #include "programs/zevsim/setup_program.h"
 #include "programs/zevsim/zevsim_main.h"
-#include "scenario/layout.h"
 #include "scenario/written_out.h"
 #include "scenarios/scenario_files.h"
 

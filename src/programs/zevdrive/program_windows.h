@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "scenario/outside_view.h"
@@ -65,6 +66,11 @@ class ProgramWindows {
   std::map<const Form*, FormWindow> windows_;
   HWND box_ = nullptr;
 };
+
+/// A property of a control as its window shows it, in the property's own type; none if the control
+/// has no window, or nothing of the property shows.
+std::optional<scenario::Json> shownProperty(const ProgramWindows& windows, const Form& form,
+                                            const Control& control, std::string_view property);
 
 /// Where a control's window is in what it lies in. `dropsDown`: the system gives it its height.
 scenario::SeenPlace placeOf(HWND control, bool dropsDown);

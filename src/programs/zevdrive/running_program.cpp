@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "win32/ansi.h"
 #include "win32/control_windows.h"
 
 namespace zev::drive {

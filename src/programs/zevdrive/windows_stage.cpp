@@ -6,7 +6,6 @@
 
 #include "programs/zevdrive/folder_tree.h"
 #include "programs/zevdrive/machine_hand.h"
-#include "programs/zevdrive/shown_property.h"
 #include "scenario/finding.h"
 
 namespace zev::drive {

@@ -1,7 +1,6 @@
-#include "programs/zevsim/hindrance.h"
-
 #include "programs/zevsim/form_pieces.h"
 #include "programs/zevsim/meant.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenario/finding.h"
 
 namespace zev::scenario {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "runtime/controls.h"
 
 namespace zev::scenario {
 
@@ -28,7 +29,13 @@ class PlayedProgram {
 
   /// A person chooses an entry of a drive list ("d:") or a folder of a directory tree ("C:\Temp").
   /// Called from the message loop.
-  virtual void choose(Control& list, const Text& entry);
+  virtual void choose(Control& list, const Text& entry) {
+    if (auto* drives = dynamic_cast<DriveListBox*>(&list)) {
+      drives->setDrive(entry);
+    } else if (auto* folders = dynamic_cast<DirListBox*>(&list)) {
+      folders->setPath(entry);
+    }
+  }
 };
 
 /// Makes the program on a machine whose process has just begun. It borrows the platform, which

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/system_information.h"
-#include "programs/zevsim/hindrance.h"
 #include "programs/zevsim/meant.h"
 #include "programs/zevsim/text_block.h"
 #include "programs/zevsim/typed_line.h"

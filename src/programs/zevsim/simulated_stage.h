@@ -86,4 +86,8 @@ class SimulatedStage final : public Stage, private simulated::Person {
 /// The drives that a drive list shows on a machine, as "c:".
 std::vector<Text> shownDrives(const simulated::Disks& disks);
 
+/// Why nothing happens if a person does a step now: what it is done to is disabled or hidden. None
+/// if there is no such reason, or if the step is done to no control and no form.
+std::optional<std::string> hindranceOf(const Step& step, SimulatedStage& stage);
+
 }  // namespace zev::scenario

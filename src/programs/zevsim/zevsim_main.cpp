@@ -12,7 +12,6 @@
 #include "programs/zevsim/prompt.h"
 #include "programs/zevsim/simulated_stage.h"
 #include "programs/zevsim/zevsim_options.h"
-#include "scenario/layout.h"
 #include "scenario/outside_view.h"
 #include "scenario/script.h"
 
