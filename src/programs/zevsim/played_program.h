@@ -9,7 +9,7 @@
 #include "platform/platform.h"
 #include "runtime/controls.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// The program that a scenario plays, as the player sees it. One object is one start of the
 /// program.
@@ -42,4 +42,4 @@ class PlayedProgram {
 /// outlives it.
 using ProgramFactory = std::function<std::unique_ptr<PlayedProgram>(Platform&)>;
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -15,7 +15,10 @@
 #include "scenario/outside_view.h"
 #include "scenario/script.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::Scenario;
+
 namespace {
 
 using RealClock = std::chrono::steady_clock;
@@ -38,7 +41,7 @@ void requireFileWritten(std::ofstream& out, const std::optional<std::filesystem:
 
 /// Prints failed expectations, and hands on to the progress and the prompt as far as they are
 /// wanted.
-class Companion final : public Audience {
+class Companion final : public scenario::Audience {
  public:
   /// Borrows the console and the stage.
   Companion(const ZevsimOptions& options, const Console& console, SimulatedStage& stage)
@@ -57,33 +60,34 @@ class Companion final : public Audience {
     if (progress_ && form != nullptr) progress_->propertyWritten(*form, property);
   }
 
-  void boxAnswered(const Box& box, BoxAnswer answer) override {
+  void boxAnswered(const scenario::Box& box, BoxAnswer answer) override {
     if (progress_ && !prompt_) progress_->boxAnswered(box, answer);
   }
 
-  void judged(const KeyedValue& expectation, const Verdict* verdict) override {
+  void judged(const scenario::KeyedValue& expectation, const scenario::Verdict* verdict) override {
     if (prompt_) prompt_->judged(expectation, *verdict);
     if (verdict->held) return;
     finish();
     console_.err << failureText(expectation, *verdict) << std::endl;
   }
 
-  std::optional<Step> goOn() override {
+  std::optional<scenario::Step> goOn() override {
     finish();
     return prompt_ ? std::optional(prompt_->nextStep(stage_)) : std::nullopt;
   }
 
-  std::optional<Answer> answer(const Box& box) override {
+  std::optional<scenario::Answer> answer(const scenario::Box& box) override {
     finish();
     return prompt_ ? prompt_->answer(box) : std::nullopt;
   }
 
-  std::optional<Answer> input(TextView prompt, TextView title, TextView initial) override {
+  std::optional<scenario::Answer> input(TextView prompt, TextView title,
+                                        TextView initial) override {
     finish();
     return prompt_ ? prompt_->input(prompt, title, initial) : std::nullopt;
   }
 
-  bool refused(const ScenarioError& error) override {
+  bool refused(const scenario::ScenarioError& error) override {
     if (prompt_) prompt_->refused(error);
     return prompt_.has_value();
   }
@@ -139,7 +143,8 @@ void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration
 void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
   if (options.state) {
     std::ofstream out = openForWriting(*options.state);
-    out << stage.machine().state().dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    out << stage.machine().state().dump(2, ' ', false, scenario::Json::error_handler_t::replace)
+        << '\n';
     requireFileWritten(out, options.state);
   }
   if (!options.exportFolder) return;
@@ -149,7 +154,7 @@ void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
 }
 
 Scenario scenarioOf(const ZevsimOptions& options) {
-  Scenario scenario = options.scenario ? readScenario(*options.scenario) : Scenario{};
+  Scenario scenario = options.scenario ? scenario::readScenario(*options.scenario) : Scenario{};
   if (!options.package) return scenario;
   if (!std::filesystem::is_regular_file(*options.package)) {
     throw UsageError("no file " + options.package->string());
@@ -160,9 +165,9 @@ Scenario scenarioOf(const ZevsimOptions& options) {
 }
 
 int expand(const ZevsimOptions& options, const Console& console) {
-  const Json document = writtenOut(*options.scenario);
-  readScenario(*options.scenario);  // tells what is wrong with it
-  console.out << layOut(document);
+  const scenario::Json document = scenario::writtenOut(*options.scenario);
+  scenario::readScenario(*options.scenario);  // tells what is wrong with it
+  console.out << scenario::layOut(document);
   requireWritten(console.out, "standard output");
   return exit_status::held;
 }
@@ -179,9 +184,9 @@ int play(const ZevsimOptions& options, const ProgramFactory& factory, const Cons
   if (options.outside) outside = openForWriting(*options.outside);
   const auto begin = RealClock::now();
   SimulatedStage stage(scenario, factory, transcript);
-  OutsideAudience outsider(stage, outside);
+  scenario::OutsideAudience outsider(stage, outside);
   Companion companion(options, console, stage);
-  std::vector<Audience*> audience{&companion};
+  std::vector<scenario::Audience*> audience{&companion};
   if (options.outside) audience.insert(audience.begin(), &outsider);
   stage.perform(audience);
   companion.finish();
@@ -200,7 +205,7 @@ int playReporting(const ZevsimOptions& options, const ProgramFactory& factory,
   const std::string file = options.scenario ? options.scenario->string() : "scenario";
   try {
     return play(options, factory, console);
-  } catch (const ScenarioError& error) {
+  } catch (const scenario::ScenarioError& error) {
     console.err << file << ": " << error.path() << ": " << error.reason() << std::endl;
     return exit_status::unusable;
   }
@@ -228,4 +233,4 @@ int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& 
   }
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator
