@@ -60,17 +60,6 @@ void Instrumentation::setFaults(std::vector<Fault> faults) {
   faults_ = std::move(all);
 }
 
-void Instrumentation::setFault(Fault fault) {
-  Armed one = armed(std::move(fault));
-  clearFaults(one.fault.call);
-  faults_.push_back(std::move(one));
-}
-
-void Instrumentation::clearFaults(std::string_view call) {
-  const auto name = findOperation(call);
-  std::erase_if(faults_, [&](const Armed& each) { return name && each.fault.call == *name; });
-}
-
 bool Instrumentation::strikes(Armed& armed, const Operation& operation, TextView argument) {
   const Fault& fault = armed.fault;
   if (fault.call != operation.name && fault.call != operation.alias) return false;

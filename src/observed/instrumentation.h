@@ -83,9 +83,6 @@ class Instrumentation {
   /// Replaces all faults; they count the calls from here on. Throws std::invalid_argument for one
   /// that names no operation.
   void setFaults(std::vector<Fault> faults);
-  /// The same for the faults of one operation; the others count on.
-  void setFault(Fault fault);
-  void clearFaults(std::string_view call);
 
   /// How often an operation was called, its name in any letter case; 0 for a name that none has.
   std::uint64_t calls(std::string_view name) const;

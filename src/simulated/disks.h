@@ -63,7 +63,6 @@ class Disks {
   /// other kind makes room. Throws std::invalid_argument if the drive is not there,
   /// std::runtime_error for a host file that cannot be read.
   void put(TextView path, const FileSettings& settings);
-  void putText(TextView path, std::string_view bytes);
   void putDirectory(TextView path);
   /// Takes an entry away, a directory with all that it holds. Nothing happens if there is none.
   void remove(TextView path);
@@ -85,7 +84,6 @@ class Disks {
   std::optional<std::vector<Text>> names(TextView path) const;
   /// SHA-256 of a file in lower-case hexadecimal digits; none if it is no file.
   std::optional<std::string> sha256(TextView path) const;
-  Guard guard(TextView path) const;
   /// The path by short names, as far as its entries have them, with a backslash at its end if it
   /// has one. None for an entry that is not there and on a drive without short names.
   std::optional<Text> shortPath(TextView path);

@@ -59,7 +59,6 @@ class RegistryTree {
   RegistryTree();
 
   std::optional<RegistryValue> value(RegistryKey hive, TextView key, TextView name) const;
-  bool hasKey(RegistryKey hive, TextView key) const;
   /// Makes the key and its parents if need be; the key.
   std::shared_ptr<RegistryNode> createKey(RegistryKey hive, TextView key);
   void setValue(RegistryKey hive, TextView key, TextView name, RegistryValue value);
