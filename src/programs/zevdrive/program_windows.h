@@ -28,6 +28,7 @@ class ProgramWindows {
   /// The forms serve for names, kinds and places alone. Borrows them.
   ProgramWindows(DWORD thread, std::vector<Form*> forms);
 
+  /// Finds the windows anew: what was known of those that are gone is forgotten.
   void look();
 
   /// The window of a form or control; null if the form is not loaded, or the control has none.

@@ -53,6 +53,7 @@ bool saysAnything(const scenario::FoldersChange& change) {
          change.localAppData || change.desktop || !change.special.empty();
 }
 
+/// The folders with what a change says of them.
 FolderSettings changed(FolderSettings folders, const scenario::FoldersChange& change) {
   take(folders.temp, change.temp);
   take(folders.windows, change.windows);
@@ -66,6 +67,8 @@ FolderSettings changed(FolderSettings folders, const scenario::FoldersChange& ch
 
 // Drives and files.
 
+/// A drive that is there keeps what the change does not speak of; a new one begins as a usual
+/// drive.
 void changeDrive(simulated::Disks& disks, const DriveEntry& entry) {
   if (!entry.change) {
     disks.removeDrive(entry.letter);
@@ -118,6 +121,7 @@ bool isDirectory(const simulated::Disks& disks, const FileEntry& entry) {
   return found && (found->attributes & file_attribute::directory) != 0;
 }
 
+/// What the change says nothing of stays as it is on an entry that is there.
 void changeFile(SimulatedMachine& machine, const FileEntry& entry) {
   if (!entry.change) {
     machine.disks().remove(entry.file);
@@ -149,6 +153,8 @@ void changeEntry(SimulatedMachine& machine, const FileEntry& entry) {
 
 // The registry.
 
+/// A text under a type that holds none is stored as the bytes that it has in the machine's code
+/// page, NUL included.
 simulated::RegistryValue registryValue(const scenario::RegistryData& data, std::uint32_t codePage) {
   using simulated::RegistryValue;
   if (const auto* bytes = std::get_if<std::vector<std::uint8_t>>(&data.data)) {
@@ -159,6 +165,8 @@ simulated::RegistryValue registryValue(const scenario::RegistryData& data, std::
   return RegistryValue::ofBytes(data.type, bytesOf(toCodePage(text + u'\0', codePage)), codePage);
 }
 
+/// Name and data together tell what is meant: a value written or taken away, a key made or taken
+/// away.
 void changeRegistry(SimulatedMachine& machine, const scenario::RegistryChange& change) {
   simulated::RegistryTree& registry = machine.registry();
   if (change.name && change.data) {
@@ -173,6 +181,7 @@ void changeRegistry(SimulatedMachine& machine, const scenario::RegistryChange& c
   }
 }
 
+/// The list is all that is refused from now on. A hive alone is refused as a whole.
 void denyKeys(simulated::RegistryTree& registry, const std::vector<Text>& keys) {
   for (const RegistryKey hive : {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
     registry.allowAll(hive);
@@ -186,6 +195,7 @@ void denyKeys(simulated::RegistryTree& registry, const std::vector<Text>& keys) 
 
 // Programs and faults.
 
+/// The settings of a program, which is known by its path in any letter case.
 simulated::ProgramSettings& programAt(simulated::MachineSettings& settings, const Text& path) {
   for (auto& [known, program] : settings.programs) {
     if (equalText(known, path)) return program;
@@ -256,6 +266,7 @@ void layFolders(SimulatedMachine& machine, const MachineChange& description) {
 
 }  // namespace
 
+/// Drives come first, then the user's name and the code page, which folders and files depend on.
 void setUp(SimulatedMachine& machine, const MachineChange& description) {
   for (const DriveEntry& each : description.drives) changeDrive(machine.disks(), each);
   changeSettings(machine, description);
@@ -265,6 +276,8 @@ void setUp(SimulatedMachine& machine, const MachineChange& description) {
 
 namespace {
 
+/// A piece of the host's file stays there until it is read; only with inverted bytes is all of it
+/// taken into memory.
 simulated::FileContent contentOf(const scenario::InstallerBytes& bytes) {
   using simulated::HostPiece;
   auto piece = bytes.file ? std::make_shared<const HostPiece>(*bytes.file, bytes.offset, bytes.size,
@@ -282,6 +295,7 @@ simulated::FileContent contentOf(const scenario::InstallerBytes& bytes) {
 
 }  // namespace
 
+/// On a machine without that drive nothing is laid: the program then finds no package.
 void layInstaller(SimulatedMachine& machine, const scenario::InstallerBytes& bytes) {
   const Text& path = machine.settings().installer;
   if (!machine.disks().drive(upperCase(path).front())) return;

@@ -74,6 +74,8 @@ Json shortcut(SimulatedStage& stage, std::string_view path) {
 
 Json calls(SimulatedStage& stage, std::string_view name) { return stage.machine().calls(name); }
 
+/// A text counts up to its first NUL, without blanks at its ends, as the program takes it where its
+/// length is fixed.
 Json global(SimulatedStage& stage, std::string_view name) {
   auto value = stage.program().global(name);
   if (!value) throw std::invalid_argument("the program has no global " + std::string(name));
@@ -81,6 +83,7 @@ Json global(SimulatedStage& stage, std::string_view name) {
   return scenario::toJson(*value);
 }
 
+/// What was started or opened, in its order, each as an expectation writes it whole.
 Json startsOf(const std::vector<simulated::Start>& starts, const char* what) {
   Json found = Json::array();
   for (const simulated::Start& each : starts) {
@@ -147,6 +150,7 @@ class SimulatedStage::Teller final : public scenario::Audience {
 
 // ---- the course of a play
 
+/// The installer's file is laid unless the scenario has laid one itself and names no package.
 SimulatedStage::SimulatedStage(const scenario::Scenario& scenario, ProgramFactory factory,
                                simulated::Transcript& transcript)
     : scenario_(scenario),
@@ -161,6 +165,8 @@ SimulatedStage::SimulatedStage(const scenario::Scenario& scenario, ProgramFactor
 
 SimulatedStage::~SimulatedStage() = default;
 
+/// The transcript hears of everything before the other audiences do. An audience that leaves ends
+/// the play there and then.
 void SimulatedStage::perform(std::vector<scenario::Audience*> audiences) {
   audiences.insert(audiences.begin(), teller_.get());
   play_ = std::make_unique<scenario::Play>(scenario_, *this, std::move(audiences));
@@ -195,6 +201,8 @@ void SimulatedStage::live() {
   }
 }
 
+/// Runs the program to its end, of whatever kind, and tells the play which it was. It returns too
+/// when nobody has anything left to do.
 void SimulatedStage::runProgram() {
   try {
     machine_.platform().application.run([this] { program_->start(); });
@@ -227,6 +235,7 @@ Control* SimulatedStage::focused() {
   return active == nullptr ? nullptr : machine_.screen().focused(*active);
 }
 
+/// Of a program that has ended nothing shows, though its forms are still there to be asked.
 scenario::Sight SimulatedStage::sight() {
   return ended().is_null() ? scenario::sightOf(forms()) : scenario::Sight();
 }

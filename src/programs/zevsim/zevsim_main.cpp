@@ -110,6 +110,7 @@ struct Laid {
   std::size_t settings = 0;
 };
 
+/// A file that was deleted again, as the work files are, is none that was laid.
 Laid laid(const Tally& tally, const simulated::Disks& disks) {
   Laid all;
   for (const Text& path : tally.written) {
@@ -125,6 +126,7 @@ Laid laid(const Tally& tally, const simulated::Disks& disks) {
   return all;
 }
 
+/// Both times: the machine's own clock, and what the play took here.
 void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration real,
                   std::ostream& out) {
   const Laid files = laid(tally, stage.machine().disks());
@@ -140,6 +142,7 @@ void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration
       << std::endl;
 }
 
+/// What is asked for as files is written after the end, the state first.
 void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
   if (options.state) {
     std::ofstream out = openForWriting(*options.state);
@@ -153,6 +156,8 @@ void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
   stage.machine().exportRegistry(*options.exportFolder / "registry.reg");
 }
 
+/// The scenario that is named, or an empty one to be played by hand. A package given beside it
+/// takes the place of its own.
 Scenario scenarioOf(const ZevsimOptions& options) {
   Scenario scenario = options.scenario ? scenario::readScenario(*options.scenario) : Scenario{};
   if (!options.package) return scenario;
@@ -164,6 +169,8 @@ Scenario scenarioOf(const ZevsimOptions& options) {
   return scenario;
 }
 
+/// The scenario is read as well, though only its text is shown: a mistake in it is told as when it
+/// is played.
 int expand(const ZevsimOptions& options, const Console& console) {
   const scenario::Json document = scenario::writtenOut(*options.scenario);
   scenario::readScenario(*options.scenario);  // tells what is wrong with it
@@ -172,6 +179,7 @@ int expand(const ZevsimOptions& options, const Console& console) {
   return exit_status::held;
 }
 
+/// The transcript goes to standard output only if nothing else is written there.
 int play(const ZevsimOptions& options, const ProgramFactory& factory, const Console& console) {
   if (options.expand) return expand(options, console);
   const Scenario scenario = scenarioOf(options);
@@ -213,6 +221,8 @@ int playReporting(const ZevsimOptions& options, const ProgramFactory& factory,
 
 }  // namespace
 
+/// Whatever goes wrong is told in one line on standard error and by the exit status: nothing leaves
+/// as an exception.
 int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& factory,
                const Console& console) {
   try {
