@@ -145,9 +145,10 @@ InstallTimes install(const fs::path& package, const fs::path& drive,
                      simulated::Transcript& transcript) {
   InstallTimes times;
   const scenario::Scenario scenario = installOver(package, drive);
-  std::unique_ptr<scenario::SimulatedStage> stage;
+  std::unique_ptr<simulator::SimulatedStage> stage;
   times.setUp = timed([&] {
-    stage = std::make_unique<scenario::SimulatedStage>(scenario, makeSetupProgram, transcript);
+    stage = std::make_unique<simulator::SimulatedStage>(scenario, simulator::makeSetupProgram,
+                                                        transcript);
   });
   times.run = timed([&] { stage->perform(); });
   if (stage->judgements().failed != 0)

@@ -8,6 +8,7 @@ void Sha256::add(std::span<const std::uint8_t> bytes) {
   sha256_update(&context_, bytes.size(), bytes.data());
 }
 
+/// The library starts its state anew with the digest, so that what was added before is gone.
 std::string Sha256::hex() {
   constexpr char digits[] = "0123456789abcdef";
   std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};

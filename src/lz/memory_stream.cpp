@@ -14,6 +14,7 @@ std::ptrdiff_t MemorySource::read(std::span<std::uint8_t> into) {
   return static_cast<std::ptrdiff_t>(count);
 }
 
+/// No memory for more is a failure of the sink like any other: what was written before stays.
 bool MemorySink::write(std::span<const std::uint8_t> from) {
   try {
     bytes_.insert(bytes_.end(), from.begin(), from.end());

@@ -1,5 +1,6 @@
 #include "observed/instrumentation.h"
 
+#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -23,6 +24,19 @@ bool holds(TextView text, const Text& match) {
 
 }  // namespace
 
+Text shownAddress(const SocketAddress& address) {
+  std::uint8_t host[4], port[2];
+  std::memcpy(host, &address.address, sizeof host);
+  std::memcpy(port, &address.port, sizeof port);
+  std::string text;
+  if (address.family != winsock::internet) {
+    text = "family " + std::to_string(address.family) + " ";
+  }
+  for (const int each : host) text += std::to_string(each) + '.';
+  text.back() = ':';
+  return fromUtf8(text + std::to_string(port[0] * 256 + port[1]));
+}
+
 bool isRuntimeError(std::int32_t code) {
   constexpr auto firstFileError = static_cast<std::int32_t>(ErrorNumber::BadFileNameOrNumber);
   constexpr std::int32_t nobodysNumber = 0;
@@ -44,17 +58,6 @@ void Instrumentation::setFaults(std::vector<Fault> faults) {
   std::vector<Armed> all;
   for (Fault& each : faults) all.push_back(armed(std::move(each)));
   faults_ = std::move(all);
-}
-
-void Instrumentation::setFault(Fault fault) {
-  Armed one = armed(std::move(fault));
-  clearFaults(one.fault.call);
-  faults_.push_back(std::move(one));
-}
-
-void Instrumentation::clearFaults(std::string_view call) {
-  const auto name = findOperation(call);
-  std::erase_if(faults_, [&](const Armed& each) { return name && each.fault.call == *name; });
 }
 
 bool Instrumentation::strikes(Armed& armed, const Operation& operation, TextView argument) {

@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/sockets.h"
 #include "runtime/error.h"
 #include "runtime/text.h"
 
@@ -37,6 +38,9 @@ struct Fault {
 /// made for the report.
 using Argument = std::variant<std::int64_t, bool, TextView, Text>;
 using Arguments = std::span<const Argument>;
+
+/// An address as a call tells it: "10.0.0.5:80".
+Text shownAddress(const SocketAddress& address);
 
 /// A platform operation that is being called: its name, and a name that it shares with others.
 struct Operation {
@@ -79,9 +83,6 @@ class Instrumentation {
   /// Replaces all faults; they count the calls from here on. Throws std::invalid_argument for one
   /// that names no operation.
   void setFaults(std::vector<Fault> faults);
-  /// The same for the faults of one operation; the others count on.
-  void setFault(Fault fault);
-  void clearFaults(std::string_view call);
 
   /// How often an operation was called, its name in any letter case; 0 for a name that none has.
   std::uint64_t calls(std::string_view name) const;

@@ -12,9 +12,6 @@
 
 namespace zev::observed {
 
-/// An address as a call tells it: "10.0.0.5:80".
-Text shownAddress(const SocketAddress& address);
-
 /// A service under observation: each call is counted, reported with its arguments, and made to fail
 /// if a fault strikes it. Borrows the service and the instrumentation; both outlive it.
 ///

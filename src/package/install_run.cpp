@@ -87,6 +87,8 @@ InstallRun::InstallRun(Program& program, Phrases& phrases, Registry& registry,
       form_(form),
       settings_(registry, ProductSettings::Errors::Raised) {}
 
+/// The steps in their order, each of which sets `RunStep_` before what can fail, so that the trap
+/// can print how far the run came.
 void InstallRun::RunInstall() {
   const Application::Busy busy(platform_.application, phrases_.Translate(runPhrase));
   try {
@@ -120,6 +122,8 @@ void InstallRun::trap(const RuntimeError& error) {
 
 // ---- 1 and 2: the package and the counters
 
+/// False for a package that is cut short: the person is asked to fetch it anew, and the wizard goes
+/// back a page.
 bool InstallRun::openPackage() {
   RunStep_ = step::packageFile;
   form1_.Command1.Enabled = false;
@@ -165,6 +169,8 @@ void InstallRun::startCounters() {
 
 // ---- 3: the members
 
+/// The offset grows by every member, also by those that are not laid: they stand in the package all
+/// the same.
 void InstallRun::layMembers() {
   for (const ManifestRow& row : manifest()) {
     showTick(row.tick);
@@ -182,6 +188,7 @@ void InstallRun::prepare(const ManifestRow& row) {
   }
 }
 
+/// Asked for once, before the first member that goes there.
 void InstallRun::findSystemDirectory() {
   Text buffer = blanks(systemDirectorySize);
   const std::uint32_t length =
@@ -190,6 +197,7 @@ void InstallRun::findSystemDirectory() {
   systemDirectory_ = withoutTrailing(withoutTrailing(cut, u'\0'), u'\\');
 }
 
+/// What is asked here may act: the folder of the projects is made before its first member is laid.
 bool InstallRun::wanted(const ManifestRow& row) {
   switch (row.condition) {
     case Condition::OtherClasses:
@@ -284,6 +292,7 @@ void InstallRun::giveUp() {
   Application::End();
 }
 
+/// Whether or not it ran, its file goes again.
 void InstallRun::runRedistributable() {
   const Text path = join(installDirectory(), u"\\vcredist_x86.exe");
   std::int32_t process = 0;
@@ -387,6 +396,8 @@ void InstallRun::registerUsers() {
   UserRegistration(program_, phrases_, registry_, *this).RegisterUsers(nothingToWalk);
 }
 
+/// The last button that works is Finish. The window comes to the front of whatever covered it
+/// meanwhile.
 void InstallRun::finish() {
   showTick(tick::finish);
   form1_.Refresh();
@@ -413,6 +424,7 @@ void InstallRun::showTick(std::int32_t tick) {
   ShowProgress(toLong(static_cast<double>(tick) / tick::finish * 100));
 }
 
+/// Bar and figure are painted at once: the run passes the message loop too seldom for that.
 void InstallRun::ShowProgress(std::int32_t percent) {
   form1_.Label7.Width =
       static_cast<std::int32_t>(form1_.Picture2.Width.get() * static_cast<double>(percent) / 100);

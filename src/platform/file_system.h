@@ -105,6 +105,7 @@ class FileSystem {
                                      FileHandle& search) = 0;
   /// The next entry, or noMoreFiles.
   virtual SystemError FindNextFileA(FileHandle search, DirectoryEntry& entry) = 0;
+  /// Ends a search, whether or not it has come to its end.
   virtual void FindClose(FileHandle search) = 0;
 
   /// Opens a file. A directory fails with accessDenied; a read-only file that is to be written,
@@ -119,6 +120,7 @@ class FileSystem {
   /// diskFull what fitted is written and counted in `written`.
   virtual SystemError WriteFile(FileHandle file, std::uint64_t offset,
                                 std::span<const std::uint8_t> from, std::size_t& written) = 0;
+  /// The length of an open file, in bytes.
   virtual SystemError GetFileSize(FileHandle file, std::uint64_t& size) = 0;
   /// Closes a file. It fails if the system cannot keep what it was given before; the file is closed
   /// all the same. One that was opened by Replace is dropped, and what is there stays.
@@ -145,6 +147,8 @@ class FileSystem {
   virtual SystemError CreateDirectoryA(TextView path) = 0;
   /// A directory that holds something fails with directoryNotEmpty, a file with directoryInvalid.
   virtual SystemError RemoveDirectoryA(TextView path) = 0;
+  /// The attributes of an entry, those of `file_attribute`; fileNotFound or pathNotFound if there
+  /// is none.
   virtual SystemError GetFileAttributesA(TextView path, std::uint32_t& attributes) = 0;
   /// Sets read-only, hidden, system and archive; a directory stays one.
   virtual SystemError SetFileAttributesA(TextView path, std::uint32_t attributes) = 0;

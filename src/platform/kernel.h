@@ -37,6 +37,7 @@ class Kernel {
   /// The block's address; null on failure. For a block of flags 0 it stays valid until
   /// the block is freed, also after GlobalUnlock.
   virtual void* GlobalLock(GlobalHandle block) = 0;
+  /// Ends a lock. False when no lock is left, and for what is no block.
   virtual bool GlobalUnlock(GlobalHandle block) = 0;
   /// 0 on success, and for the block 0, which does nothing; else the block.
   virtual GlobalHandle GlobalFree(GlobalHandle block) = 0;

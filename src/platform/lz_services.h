@@ -37,6 +37,7 @@ class LzServices {
   /// Expands the whole source into the destination; a source that is not compressed is copied. The
   /// number of bytes written, or one of `lz_error`.
   virtual std::int32_t LZCopy(std::int32_t source, std::int32_t destination) = 0;
+  /// Closes what LZOpenFileA opened; any other number does nothing.
   virtual void LZClose(std::int32_t handle) = 0;
 };
 

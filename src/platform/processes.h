@@ -25,6 +25,8 @@ class Windows {
   /// The title into a buffer of `size` bytes, the terminating NUL included, cut to fit. Returns the
   /// units of what fitted, without the NUL.
   virtual std::int32_t GetWindowTextA(WindowHandle window, Text& buffer, std::int32_t size) = 0;
+  /// Both bring a window in front of the others, this one gives it the keyboard as well. False if
+  /// the system refuses.
   virtual bool SetForegroundWindow(WindowHandle window) = 0;
   virtual bool BringWindowToTop(WindowHandle window) = 0;
 };
@@ -49,8 +51,12 @@ class Processes {
   virtual std::int32_t Shell(TextView commandLine, std::int32_t style) = 0;
   /// 0 on failure.
   virtual ProcessHandle OpenProcess(std::uint32_t access, bool inherit, std::int32_t process) = 0;
+  /// Waits until the process has ended, at most that many milliseconds. 0 if it has, 258 if the
+  /// time is over, 0xFFFFFFFF on failure.
   virtual std::uint32_t WaitForSingleObject(ProcessHandle process, std::uint32_t milliseconds) = 0;
+  /// Gives a handle back; the process goes on.
   virtual void CloseHandle(ProcessHandle process) = 0;
+  /// Stands still for that many milliseconds: no message is dispatched meanwhile.
   virtual void Sleep(std::uint32_t milliseconds) = 0;
   /// Milliseconds since the system was started, modulo 2^32.
   virtual std::uint32_t GetTickCount() = 0;

@@ -43,10 +43,12 @@ class RegistryApi {
   virtual SystemError RegOpenKeyA(RegistryKey hive, TextView key, RegistryKey& handle) = 0;
   /// Opens a key and makes it, with its missing parents, if it is not there.
   virtual SystemError RegCreateKeyA(RegistryKey hive, TextView key, RegistryKey& handle) = 0;
+  /// Closes an open key. The number of a hive is taken and does nothing.
   virtual SystemError RegCloseKey(RegistryKey handle) = 0;
   /// Deletes a key and its values. Systems of the NT line refuse a key that has subkeys
   /// (accessDenied); others delete them too.
   virtual SystemError RegDeleteKeyA(RegistryKey hive, TextView key) = 0;
+  /// Takes one value away; fileNotFound if the key has none of that name.
   virtual SystemError RegDeleteValueA(RegistryKey handle, TextView name) = 0;
   /// Name of the n-th subkey, from 0, into a buffer of `size` bytes, ended by a NUL; noMoreItems
   /// after the last, moreData for a buffer too small.

@@ -37,6 +37,7 @@ class ShellFolders {
                                             std::uintptr_t token, char16_t*& path) = 0;
   /// Length of a NUL-terminated text in 16-bit units.
   virtual std::int32_t lstrlenW(const char16_t* text) = 0;
+  /// Gives back a list or a path of the calls above; null does nothing.
   virtual void CoTaskMemFree(void* memory) = 0;
 };
 
@@ -44,12 +45,19 @@ class ShellFolders {
 class Shortcut {
  public:
   virtual ~Shortcut() = default;
+  /// What it opens: a full path.
   virtual void TargetPath(TextView path) = 0;
+  /// The command line for it, without the program.
   virtual void Arguments(TextView arguments) = 0;
+  /// 1 for a normal window, 3 for one that fills the screen, 7 for a small one.
   virtual void WindowStyle(std::int32_t style) = 0;
+  /// A file and the place of an icon in it, from 0, joined by a comma.
   virtual void IconLocation(TextView location) = 0;
+  /// The text that the shell shows for it.
   virtual void Description(TextView text) = 0;
+  /// The folder that what it opens begins in.
   virtual void WorkingDirectory(TextView path) = 0;
+  /// Writes the file, in the place of one that is there. Until then nothing of it is on the disk.
   virtual void Save() = 0;
 };
 
@@ -64,6 +72,7 @@ class WScriptShell {
   virtual Text SpecialFolders(TextView name) = 0;
 };
 
+/// The automation by which shortcuts are made.
 class Shortcuts {
  public:
   virtual ~Shortcuts() = default;
@@ -83,6 +92,7 @@ class Dde {
   virtual void LinkMode(std::int32_t mode) = 0;
   /// In tenths of a second.
   virtual void LinkTimeout(std::int32_t tenths) = 0;
+  /// Sends a command and waits for the server to take it, at most the time-out.
   virtual void LinkExecute(TextView command) = 0;
 };
 

@@ -131,17 +131,26 @@ class Sockets {
   /// Ends a look-up without a message; 10022 for a handle that no look-up has.
   virtual std::int32_t WSACancelAsyncRequest(std::int32_t lookUp) = 0;
 
+  /// Makes a socket; `noSocket` on failure.
   virtual std::int32_t socket(std::int32_t family, std::int32_t type, std::int32_t protocol) = 0;
+  /// Closes a socket at once: what was not read is lost, what was sent still goes out.
+  /// Notifications that were posted before may still come.
   virtual std::int32_t closesocket(std::int32_t socket) = 0;
   /// A selected stream socket fails with 10035 while its connecting runs; FD_CONNECT tells the end.
   virtual std::int32_t connect(std::int32_t socket, const SocketAddress& address) = 0;
+  /// Gives a socket its own address. Port 0: a free one of the system's choice. 10048 for a port
+  /// that is taken.
   virtual std::int32_t bind(std::int32_t socket, const SocketAddress& address) = 0;
+  /// Lets others connect to a bound stream socket; about `backlog` of them may wait for accept.
   virtual std::int32_t listen(std::int32_t socket, std::int32_t backlog) = 0;
   /// The socket of the next connection that waits. Where there is no room for one (10024, 10055)
   /// FD_ACCEPT comes again when a socket was closed, or some time later, and not at once.
   virtual std::int32_t accept(std::int32_t socket, SocketAddress& peer) = 0;
+  /// The address at the other end; 10057 without a connection.
   virtual std::int32_t getpeername(std::int32_t socket, SocketAddress& address) = 0;
+  /// The socket's own address; 10022 for one that has none yet.
   virtual std::int32_t getsockname(std::int32_t socket, SocketAddress& address) = 0;
+  /// Options of four bytes. 10042 for one that this kind of socket does not have.
   virtual std::int32_t getsockopt(std::int32_t socket, std::int32_t level, std::int32_t option,
                                   std::int32_t& value) = 0;
   virtual std::int32_t setsockopt(std::int32_t socket, std::int32_t level, std::int32_t option,
@@ -158,6 +167,7 @@ class Sockets {
   /// and then the end; what it sends still comes. Sending fails with 10058 from then on. 10057
   /// without a connection.
   virtual std::int32_t shutdown(std::int32_t socket, std::int32_t how) = 0;
+  /// Sends one datagram whole, or fails. It may be lost on its way, which nobody is told.
   virtual std::int32_t sendto(std::int32_t socket, std::span<const std::uint8_t> bytes,
                               std::int32_t flags, const SocketAddress& receiver) = 0;
   /// Bytes read, 0 after the last one of a peer that has closed. Of a datagram that is longer than

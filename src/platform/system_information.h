@@ -38,6 +38,8 @@ class SystemInformation {
   virtual std::uint32_t GetWindowsDirectoryA(Text& buffer, std::uint32_t size) = 0;
   virtual std::uint32_t GetSystemDirectoryA(Text& buffer, std::uint32_t size) = 0;
 
+  /// The language that the system speaks, as a language identifier. A system without the call gives
+  /// the language of its settings.
   virtual std::uint16_t GetSystemDefaultUILanguage() = 0;
 
   /// The logon name; `size` becomes its length with the NUL. False on failure; for a buffer too
@@ -52,7 +54,9 @@ class SystemInformation {
   /// Fills the record in the form that its size field names. False on failure; the record is then
   /// unchanged.
   virtual bool GetVersionExA(OSVERSIONINFO& record) = 0;
+  /// A measure of the system by its number; 0 for one that it does not know.
   virtual std::int32_t GetSystemMetrics(std::int32_t index) = 0;
+  /// A handle of this process, which need not be closed.
   virtual std::uintptr_t GetCurrentProcess() = 0;
   /// Whether a process runs under emulation of 32 bits. False on failure. Looked up at the call:
   /// older systems do not have it.

@@ -13,6 +13,7 @@ namespace zev::posix {
 class Descriptor {
  public:
   Descriptor() = default;
+  /// Takes the descriptor over; -1 is none.
   explicit Descriptor(int number) : number_(number) {}
   Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
   Descriptor& operator=(Descriptor&& other) noexcept {
@@ -53,7 +54,9 @@ class Poller {
   /// False, with errno, if the system refuses. Adding and renewing report what is there already,
   /// too.
   bool add(int descriptor, std::uint32_t events, Token token);
+  /// Watches a descriptor anew that is watched already.
   bool renew(int descriptor, std::uint32_t events, Token token);
+  /// Stops watching; nothing happens for one that is not watched.
   void remove(int descriptor);
 
   /// What has become ready, waiting for it that many milliseconds at most (for ever if negative).

@@ -32,6 +32,7 @@ class Machine {
   Machine(const Machine&) = delete;
   Machine& operator=(const Machine&) = delete;
 
+  /// The services that modEventSocket is made with.
   WindowQueue& windows() { return windows_; }
   PosixKernel& kernel() { return kernel_; }
   PosixSockets& sockets() { return sockets_; }

@@ -58,6 +58,7 @@ bool isReset(int error) { return error == ECONNRESET || error == EPIPE; }
 
 // ---- selecting
 
+/// Offers nothing by itself: renewing makes the poller report what is ready already.
 bool Selection::select(OpenSocket& socket, WindowHandle window, std::uint32_t message,
                        std::int32_t mask) {
   const int descriptor = socket.descriptor.get();
@@ -86,6 +87,8 @@ void Selection::notice(std::int32_t handle, std::uint32_t events) {
   if (socket != nullptr) examine(*socket, events);
 }
 
+/// Asks about all listed sockets in one call. None is listed any more when the first is examined,
+/// since that may list it again.
 void Selection::examineAgain() {
   readOn_ = 0;
   tryResting();
@@ -108,6 +111,7 @@ void Selection::examineAgain() {
   }
 }
 
+/// One report can hold for two phases: a connecting that has ended, and what came over it since.
 void Selection::examine(OpenSocket& socket, std::uint32_t events) {
   if (!socket.stream) return examineDatagrams(socket, events);
   if (socket.phase == Phase::connecting && (events & (EPOLLOUT | EPOLLERR | EPOLLHUP)) != 0) {
@@ -119,6 +123,7 @@ void Selection::examine(OpenSocket& socket, std::uint32_t events) {
   }
 }
 
+/// The error is taken before anything is offered, since FD_CLOSE carries it.
 void Selection::examineConnection(OpenSocket& socket, std::uint32_t events) {
   if ((events & EPOLLERR) != 0 && socket.failure == 0) {
     const int error = takeError(socket);

@@ -76,6 +76,8 @@ class Selection {
   int restLeft() const;
   /// Something was read, and that is how much was left: nothing is known of it, or there is more.
   enum class Left { Nothing, Perhaps, More };
+  /// Told after every read. It decides whether FD_READ comes again, at once or after a look, or
+  /// FD_CLOSE.
   void read(OpenSocket& socket, Left left);
   /// Reading has shown that nothing more will come: `error` is 0 if the peer has closed, else the
   /// Winsock number that broke the connection.

@@ -47,10 +47,13 @@ class SocketTable {
   OpenSocket* find(std::int32_t handle);
   /// Closes a socket and frees its place. The error number of the system, 0 on success.
   int remove(OpenSocket& socket);
+  /// Closes all sockets, whatever the system says to that.
   void removeAll();
 
   /// Whether all places are taken.
   bool full() const;
+  /// Sockets that are open. begin() and end() pass over free places as well, whose handle is
+  /// `noSocket`.
   std::size_t size() const { return places_.size() - free_.size(); }
   auto begin() { return places_.begin(); }
   auto end() { return places_.end(); }

@@ -239,6 +239,8 @@ std::int32_t PosixSockets::connect(std::int32_t socket, const SocketAddress& add
   return open->stream ? connectStream(*open, address) : connectDatagram(*open, address);
 }
 
+/// On a selected socket even an end that is known at once is told by FD_CONNECT, as Winsock does
+/// it; the call fails with 10035 all the same.
 std::int32_t PosixSockets::connectStream(OpenSocket& socket, const SocketAddress& address) {
   switch (socket.phase) {
     case Phase::listening:
@@ -297,6 +299,7 @@ bool PosixSockets::isReserved(const SocketAddress& address) {
   });
 }
 
+/// At least shortestBacklog connections may wait, however few are asked for.
 std::int32_t PosixSockets::listen(std::int32_t socket, std::int32_t backlog) {
   OpenSocket* const open = find(socket);
   if (open == nullptr) return winsock::failed;
@@ -310,6 +313,8 @@ std::int32_t PosixSockets::listen(std::int32_t socket, std::int32_t backlog) {
   return 0;
 }
 
+/// A table without a place counts as a lack of descriptors, before a connection is taken that could
+/// not be named.
 std::int32_t PosixSockets::accept(std::int32_t socket, SocketAddress& peer) {
   OpenSocket* const open = find(socket);
   if (open == nullptr) return winsock::noSocket;
@@ -327,6 +332,7 @@ std::int32_t PosixSockets::accept(std::int32_t socket, SocketAddress& peer) {
   return take(*open, std::move(connection));
 }
 
+/// Without room the listener rests; after any other failure the next connection may be told of.
 std::int32_t PosixSockets::failAccepting(OpenSocket& listener, int error) {
   if (isShortage(error)) {
     selection_.rest(listener);
@@ -336,6 +342,8 @@ std::int32_t PosixSockets::failAccepting(OpenSocket& listener, int error) {
   return fail(winsockError(error));
 }
 
+/// The accepted socket gets the events of its listener, or is closed again if the system refuses
+/// that.
 std::int32_t PosixSockets::take(OpenSocket& listener, Descriptor connection) {
   OpenSocket* const accepted = table_.find(adopt(std::move(connection), true));
   if (accepted == nullptr) return winsock::noSocket;
@@ -465,6 +473,7 @@ std::int32_t PosixSockets::transmit(OpenSocket& socket, std::span<const std::uin
   return static_cast<std::int32_t>(count);
 }
 
+/// A connection that turns out to be broken keeps the reason that was known first.
 std::int32_t PosixSockets::failSending(OpenSocket& socket) {
   const int result = errno;
   const std::int32_t number = winsockError(result);
@@ -495,6 +504,7 @@ std::int32_t PosixSockets::receive(OpenSocket& socket, std::span<std::uint8_t> b
                        : receiveDatagram(socket, bytes, flags, sender);
 }
 
+/// An end counts only where bytes were asked for: of none the system always reads none.
 std::int32_t PosixSockets::receiveStream(OpenSocket& socket, std::span<std::uint8_t> bytes,
                                          std::int32_t flags) {
   int rest = unknownRest;
@@ -508,6 +518,8 @@ std::int32_t PosixSockets::receiveStream(OpenSocket& socket, std::span<std::uint
   return static_cast<std::int32_t>(count);
 }
 
+/// A datagram that is too long is cut and its rest is lost, which the call reports as a failure;
+/// the sender is told all the same.
 std::int32_t PosixSockets::receiveDatagram(OpenSocket& socket, std::span<std::uint8_t> bytes,
                                            std::int32_t flags, SocketAddress* sender) {
   sockaddr_in from{};
@@ -526,6 +538,7 @@ std::int32_t PosixSockets::receiveDatagram(OpenSocket& socket, std::span<std::ui
   return static_cast<std::int32_t>(count);
 }
 
+/// A read that fails answers FD_READ as well: else it would never be posted again.
 std::int32_t PosixSockets::failReading(OpenSocket& socket, int error) {
   const std::int32_t number = winsockError(error);
   if (!socket.stream) {
@@ -540,6 +553,7 @@ std::int32_t PosixSockets::failReading(OpenSocket& socket, int error) {
 
 // ---- selecting
 
+/// Events need a window that can get them; to end them none is needed.
 std::int32_t PosixSockets::WSAAsyncSelect(std::int32_t socket, WindowHandle window,
                                           std::uint32_t message, std::int32_t mask) {
   OpenSocket* const open = find(socket);
@@ -575,6 +589,7 @@ std::int32_t PosixSockets::WSACancelAsyncRequest(std::int32_t lookUp) {
   return 0;
 }
 
+/// A look-up that was cancelled meanwhile has no request any more, and its answer is dropped.
 void PosixSockets::finishLookUps() {
   for (const LookUps::Answer& each : lookUps_.take()) {
     const auto node = requests_.extract(each.handle);
@@ -582,6 +597,7 @@ void PosixSockets::finishLookUps() {
   }
 }
 
+/// A record that does not fit the caller's buffer is an error, and nothing of it is written.
 void PosixSockets::finish(const Request& request, const LookUps::Answer& answer) {
   constexpr int errorShift = 16;
   const std::size_t size = recordSize(answer.host);

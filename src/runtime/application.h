@@ -17,7 +17,9 @@ class FormEngine : public FormObserver {
  public:
   /// The form was loaded; its controls can be created. Called once a load.
   virtual void loaded(Form& form) = 0;
+  /// The form becomes visible, on top of all others.
   virtual void shown(Form& form) = 0;
+  /// The form goes from the screen and stays loaded.
   virtual void hidden(Form& form) = 0;
   /// The form is gone; its window can be destroyed.
   virtual void unloaded(Form& form) = 0;
@@ -48,6 +50,7 @@ class Application {
   /// lies within another.
   class Busy {
    public:
+    /// `reason` is what the person reads who wants to end the session.
     Busy(Application& application, Text reason) : application_(application) {
       application_.busyWith_ = std::move(reason);
     }
@@ -71,6 +74,7 @@ class Application {
   /// form that unloads itself in its Load is not shown. A run-time error of Load unloads the form
   /// again and reaches the caller.
   void Show(Form& form);
+  /// Takes the form from the screen; it stays loaded, with all that was written to it.
   void Hide(Form& form);
   /// Unloads a form: QueryUnload, Unload, then it is gone. False if one of the two refused; true
   /// for a form that was not loaded, too.
@@ -95,6 +99,7 @@ class Application {
   /// Tidies up before the session ends. It passes no message loop; run-time errors are ignored.
   EventProcedure SessionEnds;
 
+  /// The loaded forms, the one loaded first in front. The program is over when there are none.
   const std::vector<Form*>& forms() const { return forms_; }
   FormEngine& engine() const { return engine_; }
 

@@ -71,6 +71,7 @@ class Component {
   /// Goes back to the state at design time, unseen.
   virtual void restoreDesign();
 
+  /// From now on writes are shown to the observer, borrowed; null: to nobody.
   void observe(FormObserver* observer) { observer_ = observer; }
   /// Paints the component at once.
   void Refresh();
@@ -93,6 +94,7 @@ class Component {
 template <typename T>
 class Property final : public PropertyBase {
  public:
+  /// Registers itself with its owner, in whose list it stands from then on: it cannot be moved.
   Property(Component& owner, std::string_view name, T initial = {})
       : PropertyBase(owner, name), design_(initial), value_(std::move(initial)) {}
 

@@ -14,6 +14,7 @@ namespace zev::scenario {
 
 /// The form of that name, letter case aside; null if the program has none.
 Form* findForm(Stage& stage, std::string_view name);
+/// The same for a form that has to be there.
 Form& formOf(const Name& name, Stage& stage, const std::string& path);
 
 /// The control that a step means; none if it would be one of the active form and there is no such
@@ -30,6 +31,7 @@ struct FoundProperty {
   std::string_view name;   ///< borrowed from the name that was looked for
   PropertyBase* property;  ///< null for what is no property
 };
+/// `name` is `Form.Control.Property`, `Form.Property`, or `Control.Property` on the active form.
 FoundProperty propertyOf(const Name& name, Stage& stage, const std::string& path);
 
 }  // namespace zev::scenario

@@ -51,7 +51,9 @@ class JsonReader {
   explicit JsonReader(const Json& document, const std::filesystem::path& folder = {},
                       std::string path = "$", std::shared_ptr<const Origins> origins = nullptr);
 
+  /// The value itself, which the document owns.
   const Json& json() const { return *value_; }
+  /// The path to it, as it was written where the document has origins.
   std::string path() const;
   bool isNull() const { return value_->is_null(); }
   bool isText() const { return value_->is_string(); }
@@ -62,6 +64,8 @@ class JsonReader {
   /// Fails because the value is something else than what is wanted, such as "a list of texts".
   [[noreturn]] void failWanted(std::string_view wanted) const;
 
+  /// The parts of a list or an object, in the order in which they are written. Fails for any other
+  /// value. Asked for by its place or key, a part has to be there.
   std::vector<JsonReader> elements() const;
   std::vector<std::pair<std::string, JsonReader>> members() const;
   JsonReader element(std::size_t index) const;
@@ -74,6 +78,7 @@ class JsonReader {
   /// Bytes written as pairs of hexadecimal digits, or in base 64.
   std::vector<std::uint8_t> hex() const;
   std::vector<std::uint8_t> base64() const;
+  /// A whole number within these bounds, both counted in.
   std::int64_t whole(std::int64_t least, std::int64_t most) const;
   bool truth() const;
   /// Reads a value that says something by being there, and so can only be true.
@@ -147,6 +152,10 @@ void readObject(const JsonReader& object, const KeyRow<Target> (&rows)[N], Targe
 /// objects, and an object that names a key twice are ScenarioErrors, their place given as line and
 /// column.
 Json parseJson(std::string_view text);
+
+/// A document as people read it: what has room on a line of 100 columns stands on one, of a list of
+/// plain values as many as have room, of all else one element or member.
+std::string layOut(const Json& document);
 
 template <std::integral T>
 void JsonReader::read(T& into) const {

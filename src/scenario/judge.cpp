@@ -89,6 +89,7 @@ Judged focus(const Question& asked) {
   return verdict(asked.expected(), toUtf8(join(form->name(), u".", control->name())));
 }
 
+/// Two parts mean a control of the active form, unless a form is called as the first one says.
 Judged property(const Question& asked) {
   Stage& stage = asked.scene.stage;
   const Json key = asked.expectation.key;

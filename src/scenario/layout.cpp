@@ -1,6 +1,6 @@
-#include "scenario/layout.h"
-
 #include <algorithm>
+
+#include "scenario/json_reader.h"
 
 namespace zev::scenario {
 namespace {

@@ -16,6 +16,7 @@ namespace zev::scenario {
 /// What a `machine` object, or a later `change`, says of a machine. A member that is absent leaves
 /// that side of the machine as it is.
 
+/// What GetVersionExA tells, field by field; `fails`: it tells nothing.
 struct VersionChange {
   std::optional<std::uint32_t> platform;
   std::optional<std::uint32_t> major;
@@ -38,6 +39,8 @@ struct FoldersChange {
   std::map<std::int32_t, std::optional<Text>> special;  ///< by the shell's number
 };
 
+/// One drive: `type` as GetDriveTypeA tells it, `host` a folder of the host that it lies over from
+/// now on.
 struct DriveChange {
   std::optional<std::uint32_t> type;
   std::optional<std::uint64_t> free;  ///< bytes
@@ -96,11 +99,13 @@ struct RegistryChange {
   std::optional<RegistryData> data;  ///< none: the value, or the key, is taken away
 };
 
+/// Whether the machine has what makes shortcuts, and a Program Manager.
 struct ServicesChange {
   std::optional<bool> shortcuts;
   std::optional<bool> programManager;
 };
 
+/// What comes of starting a program: whether it starts and can be waited for, and how it ends.
 struct ProgramChange {
   std::optional<bool> starts;
   std::optional<bool> opens;
@@ -131,6 +136,7 @@ struct DriveEntry {
   std::optional<DriveChange> change;
 };
 
+/// The whole of it. Each list is gone through in the order in which it is written.
 struct MachineChange {
   VersionChange version;
   std::optional<std::uint16_t> architecture;

@@ -94,6 +94,8 @@ class OutsideView {
   /// has said, so that this side of the forms is left as it was.
   void look(const Sight& sight, bool boxOpen);
 
+  /// A step as it is written, a box with the word of its answer, an input box with what was
+  /// entered: each as it happens.
   void step(const Json& step);
   void box(TextView text, TextView title, std::int32_t style, std::string_view answer);
   void input(TextView prompt, TextView title, TextView answer);

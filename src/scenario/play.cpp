@@ -92,6 +92,7 @@ void Play::tell(void (Audience::*what)(Parameters...), const Given&... given) {
   for (Audience* each : audience_) (each->*what)(given...);
 }
 
+/// The first one that answers counts; the others are not asked.
 template <typename Answer, typename... Parameters, typename... Given>
 std::optional<Answer> Play::ask(std::optional<Answer> (Audience::*what)(Parameters...),
                                 const Given&... given) {
@@ -106,6 +107,7 @@ bool Play::refused(const ScenarioError& error) {
                      [&](Audience* each) { return each->refused(error); });
 }
 
+/// Such steps stand in front of all others: the first of another kind ends them.
 void Play::prepare() {
   const auto& script = *part_.script;
   while (part_.place < script.size() && preparesOnly(script[part_.place])) {
@@ -123,6 +125,7 @@ void Play::end(Json how) {
   tell(&Audience::ended, part_.ended);
 }
 
+/// The audience goes on only where the script of the first program ends, not that of one beside it.
 const Step* Play::takeStep() {
   if (part_.ended.is_null()) part_.triggers.rest();
   if (const Step* due = part_.triggers.takeDue()) return due;
@@ -157,6 +160,7 @@ void Play::performGuarded(const Step& step) {
   }
 }
 
+/// An expectation is no step to the audience, which is told of its verdict instead.
 void Play::perform(const Step& step) {
   if (!part_.ended.is_null() && !canFollowEnd(step)) {
     throw ScenarioError(step.path,
@@ -194,6 +198,8 @@ auto Play::takeAnswer(const Take& take) -> std::optional<decltype(take(std::decl
   return std::nullopt;
 }
 
+/// The box is on record before anything is done about it, so that a step can expect it while it is
+/// open; one that did has taken it off, and the answer has nowhere to go.
 BoxAnswer Play::answer(const Box& box) {
   const std::size_t place = boxes_.size();
   boxes_.push_back(

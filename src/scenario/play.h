@@ -38,11 +38,14 @@ class Audience {
   virtual void stepBegins(const Step& /*step*/) {}
   /// Null: not to be seen from there.
   virtual void judged(const KeyedValue& /*expectation*/, const Verdict* /*verdict*/) {}
+  /// The program has ended, as Play::ended tells it; it may be started again.
   virtual void ended(const Json& /*how*/) {}
 
+  /// Told of every write, thousands in a run. `form` is null for a component of no known form.
   virtual void propertyWritten(const Form* /*form*/, const PropertyBase& /*property*/) {}
   /// A message box or input box is open, and nothing has been done about it yet.
   virtual void boxOpens() {}
+  /// The box is gone, by that button.
   virtual void boxAnswered(const Box& /*box*/, BoxAnswer /*answer*/) {}
   /// An input box was answered, with this text.
   virtual void inputAnswered(TextView /*prompt*/, TextView /*title*/, TextView /*answer*/) {}
@@ -51,6 +54,7 @@ class Audience {
   virtual std::optional<Step> goOn() { return std::nullopt; }
   /// An answer for a box that the script has none for; none: the default button.
   virtual std::optional<Answer> answer(const Box& /*box*/) { return std::nullopt; }
+  /// The same for an input box; none: what stands in it.
   virtual std::optional<Answer> input(TextView /*prompt*/, TextView /*title*/,
                                       TextView /*initial*/) {
     return std::nullopt;
@@ -106,11 +110,14 @@ class Play {
   /// The program has its forms. A property that an `at` waits for and that none of them has is a
   /// ScenarioError.
   void hasForms() { part_.triggers.requireProperties(stage_.forms()); }
+  /// The program has ended: "unload", "exit", an object with the number of its `error`, or
+  /// endedSomehow.
   void end(Json how);
 
   /// The program is at rest, or over: does the next step. What is due comes first, then the script,
   /// then the audience; false if nothing is left.
   bool step();
+  /// A pass of the message loop begins, which `at` counts.
   void passBegins() { part_.triggers.passBegins(); }
   /// In a pass of the message loop: does the next step that is due; false if there is none.
   bool dueStep();
@@ -123,12 +130,14 @@ class Play {
     Text text;
     bool cancelled = false;
   };
+  /// The same for an input box, whose text is `initial` unless something is entered.
   Entered input(TextView prompt, TextView title, TextView initial);
 
   // ---- for whoever looks at it
 
   /// How the program ended; null while it runs.
   const Json& ended() const { return part_.ended; }
+  /// What came of the expectations so far, those of the second program included.
   const Judgements& judgements() const { return judgements_; }
   /// What came of an expectation if it were one of the script, now.
   std::optional<Verdict> verdictOn(const KeyedValue& expectation);

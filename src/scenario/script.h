@@ -33,6 +33,8 @@ struct Answer {
 
 // The verbs.
 
+/// What a person does: nothing at all on what cannot be reached, and a ScenarioError for a name
+/// that the program does not have.
 struct Click {
   Name control;
 };
@@ -56,9 +58,11 @@ struct ChooseFolder {
 struct Close {
   Name form;
 };
+/// Answers for the boxes to come, in their order, after those that were given before.
 struct GiveAnswers {
   std::vector<Answer> answers;
 };
+/// The program is started again, whether or not it has ended.
 struct Restart {};
 /// The person logs off; nothing happens if the program asks to wait.
 struct EndSession {};
@@ -70,6 +74,7 @@ struct Other {
   Text file;
   Text text;  ///< what is written
 };
+/// What changes on the machine in the midst of a run.
 struct Change {
   MachineChange change;
 };
@@ -107,6 +112,7 @@ struct KeyedValue {
   Json value;
   std::string path;
 };
+/// What must hold now. All of it is judged, also after one has failed.
 struct Expect {
   std::vector<KeyedValue> expectations;
 };

@@ -48,6 +48,7 @@ class Stage {
   virtual Control* focused() = 0;
   /// What the forms of the running program show; nothing while none runs.
   virtual Sight sight() = 0;
+  /// The machine's files and registry, as the program's own calls would find them.
   virtual const Witness& witness() const = 0;
   /// A property of a form, or of a control on it; none if it cannot be seen from here, or now.
   virtual std::optional<Json> value(Component& component, std::string_view property) = 0;
@@ -60,7 +61,9 @@ class Stage {
 
   /// Whether a person can use the control, now.
   virtual bool reaches(const FormControl& to) = 0;
+  /// The focus goes to the control too, if it takes one.
   virtual void click(const FormControl& to) = 0;
+  /// Nothing happens on a control that takes no focus.
   virtual void focus(const FormControl& to) = 0;
   /// Replaces the text of a text box.
   virtual void type(const FormControl& box, const Text& text) = 0;

@@ -236,12 +236,6 @@ void Disks::putLink(Drive& drive, const Path& path, const FileSettings& settings
   drive.links[path.key()] = target;
 }
 
-void Disks::putText(TextView path, std::string_view bytes) {
-  FileSettings settings;
-  settings.content = std::vector<std::uint8_t>(bytes.begin(), bytes.end());
-  put(path, settings);
-}
-
 void Disks::putDirectory(TextView text) {
   const Path path = absolute(text);
   Drive& drive = require(path);
@@ -353,12 +347,6 @@ std::optional<std::string> Disks::sha256(TextView text) const {
   Sha256 digest;
   forEachChunk(*body, [&](std::span<const std::uint8_t> bytes) { digest.add(bytes); });
   return digest.hex();
-}
-
-Guard Disks::guard(TextView text) const {
-  const Path path = absolute(text);
-  const Drive* drive = at(path.drive);
-  return drive == nullptr ? Guard{} : drive->guard(path);
 }
 
 std::optional<Text> Disks::shortPath(TextView text) {

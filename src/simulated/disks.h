@@ -36,9 +36,11 @@ struct Drive {
   std::map<Text, Path> links;    ///< where links lead, by Path::key; the host's own are not here
   ShortNames shortNames;
 
+  /// Bytes of one cluster: space is given out in whole ones.
   std::uint64_t clusterBytes() const;
   /// The space that a file of that size takes: whole clusters.
   std::uint64_t spaceFor(std::uint64_t size) const;
+  /// What stands on an entry; nothing by default.
   Guard guard(const Path& path) const;
   /// Drops what stands on an entry that has gone.
   void forget(const Path& path);
@@ -53,6 +55,8 @@ class Disks {
  public:
   /// Puts a drive in or changes it. The content stays unless `host` changes.
   void setDrive(char16_t letter, DriveSettings settings);
+  /// Takes a drive out, with all that lies on it in memory. What lies in a folder of the host stays
+  /// there.
   void removeDrive(char16_t letter);
   /// The settings as they now are; none without such a drive.
   std::optional<DriveSettings> drive(char16_t letter) const;
@@ -63,7 +67,7 @@ class Disks {
   /// other kind makes room. Throws std::invalid_argument if the drive is not there,
   /// std::runtime_error for a host file that cannot be read.
   void put(TextView path, const FileSettings& settings);
-  void putText(TextView path, std::string_view bytes);
+  /// The same for a directory. One that is there stays as it is, with what it holds.
   void putDirectory(TextView path);
   /// Takes an entry away, a directory with all that it holds. Nothing happens if there is none.
   void remove(TextView path);
@@ -85,7 +89,6 @@ class Disks {
   std::optional<std::vector<Text>> names(TextView path) const;
   /// SHA-256 of a file in lower-case hexadecimal digits; none if it is no file.
   std::optional<std::string> sha256(TextView path) const;
-  Guard guard(TextView path) const;
   /// The path by short names, as far as its entries have them, with a backslash at its end if it
   /// has one. None for an entry that is not there and on a drive without short names.
   std::optional<Text> shortPath(TextView path);

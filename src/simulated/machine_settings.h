@@ -26,6 +26,7 @@ struct OsVersion {
   std::uint8_t productType = 1;
 };
 
+/// What the machine and its user are, as calls tell it.
 struct SystemSettings {
   OsVersion version{};
   std::uint16_t architecture = 9;  ///< wProcessorArchitecture: 0 x86, 6 Itanium, 9 x64
@@ -69,6 +70,7 @@ struct ProgramSettings {
   std::uint32_t duration = 0;  ///< milliseconds until it ends
 };
 
+/// A drive. Its space counts in clusters, as GetDiskFreeSpaceA tells it.
 struct DriveSettings {
   std::uint32_t type = 3;  ///< as GetDriveTypeA gives it; a CD (5) cannot be written
   std::uint64_t free = std::uint64_t{64} << 30;  ///< bytes that are still free

@@ -14,8 +14,10 @@ struct Path {
   bool closed = false;  ///< it was written with a separator at its end
 
   bool isRoot() const { return names.empty(); }
+  /// The last name, and the path without it. Neither is there for a root.
   const Text& leaf() const { return names.back(); }
   Path parent() const;
+  /// The path of an entry in this one, by one name, which is not checked.
   Path child(Text name) const;
   /// "C:\Windows\system32"; a root is "C:\".
   Text text() const;

@@ -55,6 +55,7 @@ bool hasButton(std::int32_t style, BoxAnswer answer);
 /// disabled, hidden or not loaded, or while a box is open.
 class Hand {
  public:
+  /// Borrows the screen.
   explicit Hand(Screen& screen) : screen_(screen) {}
 
   /// Moves the focus to a control that takes it, then clicks: an option button is chosen, a check
@@ -67,6 +68,7 @@ class Hand {
   /// Moves the focus and replaces the text; the caret goes to its end. False as well for a
   /// locked text box.
   bool type(TextBox& box, TextView text);
+  /// Moves the focus there; false as well for a control that takes none.
   bool focus(Control& control);
   /// The close box of the title bar.
   bool close(Form& form);

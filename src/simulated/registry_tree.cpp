@@ -101,10 +101,6 @@ std::shared_ptr<RegistryNode> RegistryTree::find(RegistryKey hive, TextView key)
   return node;
 }
 
-bool RegistryTree::hasKey(RegistryKey hive, TextView key) const {
-  return find(hive, key) != nullptr;
-}
-
 std::optional<RegistryValue> RegistryTree::value(RegistryKey hive, TextView key,
                                                  TextView name) const {
   const auto node = find(hive, key);

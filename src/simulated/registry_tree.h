@@ -21,6 +21,7 @@ struct RegistryValue {
 
   /// A text value with its terminating NUL.
   static RegistryValue ofText(TextView text, std::uint32_t type = registry_type::text);
+  /// A REG_DWORD: four bytes, the low one first.
   static RegistryValue ofNumber(std::uint32_t number);
   /// Raw bytes of any type; those of a text type are in the code page.
   static RegistryValue ofBytes(std::uint32_t type, std::vector<std::uint8_t> bytes,
@@ -56,13 +57,16 @@ struct RegistryNode {
 /// that look give nothing, those that write throw std::invalid_argument.
 class RegistryTree {
  public:
+  /// A registry with its hives and nothing in them.
   RegistryTree();
 
+  /// A value as it was stored; none if the key or the value is not there.
   std::optional<RegistryValue> value(RegistryKey hive, TextView key, TextView name) const;
-  bool hasKey(RegistryKey hive, TextView key) const;
   /// Makes the key and its parents if need be; the key.
   std::shared_ptr<RegistryNode> createKey(RegistryKey hive, TextView key);
+  /// Writes a value, with its key if need be. Refusals do not count here: this sets the machine up.
   void setValue(RegistryKey hive, TextView key, TextView name, RegistryValue value);
+  /// Takes a value away; nothing happens if it is not there.
   void removeValue(RegistryKey hive, TextView key, TextView name);
   /// Removes the key and all below it.
   void removeKey(RegistryKey hive, TextView key);
@@ -71,11 +75,13 @@ class RegistryTree {
   void deny(RegistryKey hive, TextView key, bool denied = true);
   /// Takes back all refusals in a hive.
   void allowAll(RegistryKey hive);
+  /// Whether writes to the key are refused, by itself or by one above it.
   bool denied(RegistryKey hive, TextView key) const;
 
   /// The node of a key; null if it is not there.
   std::shared_ptr<RegistryNode> find(RegistryKey hive, TextView key) const;
 
+  /// Whether it is the number of one of the three hives.
   static bool isHive(RegistryKey hive);
 
  private:

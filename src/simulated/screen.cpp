@@ -21,6 +21,7 @@ Event toJson(const PropertyValue& value) {
 
 // ---- forms come and go
 
+/// Handles are never used again, so that one of a form that has gone names none.
 void Screen::loaded(Form& form) {
   forms_[&form] = &form;
   for (Control* each : form.Controls()) forms_[each] = &form;
@@ -57,6 +58,8 @@ void Screen::hidden(Form& form) {
   lower(form);
 }
 
+/// Told while the form is still known. Its controls lose the focus without an event: nobody is left
+/// to hear it.
 void Screen::unloaded(Form& form) {
   tell("unload", form);
   lower(form);
@@ -112,6 +115,7 @@ Control* Screen::focused(const Form& form) const {
   return found == focus_.end() ? nullptr : found->second;
 }
 
+/// The form comes to the top first, so that its control gets the events of a focus that counts.
 void Screen::moveFocus(Control& control) {
   Form* form = formOf(control);
   if (form == nullptr || !control.canTakeFocus()) return;
@@ -132,6 +136,7 @@ void Screen::raise(Form& form) {
   if (Control* control = focused(form)) post(*control, control->GotFocus);
 }
 
+/// Only the active form's focus fires events; any other form keeps its own for later.
 void Screen::setFocus(Form& form, Control* control) {
   Control*& current = focus_[&form];
   if (current == control) return;

@@ -14,6 +14,7 @@ class SimulatedDialogs final : public Dialogs {
   SimulatedDialogs(MachineState& machine, Person& person, Screen& screen)
       : machine_(machine), person_(person), screen_(screen) {}
 
+  /// Both wait for the person, during which the forms take no input, and then tell the transcript.
   BoxAnswer MsgBox(TextView text, std::int32_t style, TextView title) override;
   Text InputBox(TextView prompt, TextView title, TextView initial) override;
   Text defaultTitle() override { return u"ZEVSetup"; }

@@ -132,10 +132,12 @@ void SimulatedFileSystem::FindClose(FileHandle search) { searches_.erase(search)
 
 // ---- what is allowed
 
+/// What other programs have open counts as well as what this one has.
 bool SimulatedFileSystem::allows(const Place& place, Opening opening) const {
   return !place.guard().inUse && machine_.sharing.allows(driveAndKey(place.path), opening);
 }
 
+/// The file of a program that runs can be read by all and changed by nobody.
 bool SimulatedFileSystem::runs(const Path& path) const {
   const Text text = path.text();
   return equalText(text, machine_.settings.installer) || machine_.running.contains(upperCase(text));
@@ -147,6 +149,8 @@ SystemError SimulatedFileSystem::mayCreate(const Place& place) const {
   return place.parentGuard().deny.create ? accessDenied : success;
 }
 
+/// The order of these checks is the system's: where several refuse, the program sees the number of
+/// the first. One that empties a file must not lose its hidden or system attribute by that.
 SystemError SimulatedFileSystem::mayWrite(const Place& place, FileDisposition disposition) const {
   constexpr std::uint32_t concealing = file_attribute::hidden | file_attribute::system;
   if (place.onReadOnlyMedium()) return writeProtect;
@@ -157,6 +161,7 @@ SystemError SimulatedFileSystem::mayWrite(const Place& place, FileDisposition di
   return runs(place.path) ? sharingViolation : success;
 }
 
+/// A path that ends in a separator can only mean a directory.
 SystemError SimulatedFileSystem::mayOpen(const Place& place, FileAccess access, FileShare share,
                                          FileDisposition disposition) const {
   if (place.path.isRoot() || place.isDirectory()) return accessDenied;
@@ -179,6 +184,7 @@ SystemError SimulatedFileSystem::mayDelete(const Place& place) const {
   return allows(place, deletion) ? success : sharingViolation;
 }
 
+/// A link to a folder goes alone, whatever the folder holds.
 SystemError SimulatedFileSystem::mayRemoveDirectory(const Place& place) const {
   if (!place.exists()) return fileNotFound;
   if (!place.isDirectory()) return directoryInvalid;
@@ -198,6 +204,7 @@ SystemError SimulatedFileSystem::createFile(const Place& place) {
               place.drive->volume->createFile(place.path, file_attribute::archive));
 }
 
+/// Emptying gives the space back, and counts as creating the file in the transcript.
 SystemError SimulatedFileSystem::empty(const Place& place) {
   const auto body = place.drive->volume->open(place.path);
   const SystemError error = body ? body->resize(0) : accessDenied;
@@ -226,6 +233,7 @@ std::optional<Path> SimulatedFileSystem::beginReplacement(const Place& place) {
   return made ? std::optional(by) : std::nullopt;
 }
 
+/// Makes or empties what is to be written, or the second file that will take its place.
 SystemError SimulatedFileSystem::prepare(Place& place, FileDisposition disposition,
                                          std::optional<Path>& replacement) {
   if (disposition == FileDisposition::Replace) replacement = beginReplacement(place);
@@ -234,6 +242,8 @@ SystemError SimulatedFileSystem::prepare(Place& place, FileDisposition dispositi
   return empties(disposition) ? empty(place) : success;
 }
 
+/// A refusal is told only where the call would have made or emptied a file: opening one leaves no
+/// trace.
 SystemError SimulatedFileSystem::CreateFileA(TextView path, FileAccess access, FileShare share,
                                              FileDisposition disposition, FileHandle& file) {
   Place place;
@@ -260,6 +270,7 @@ FileHandle SimulatedFileSystem::add(const Place& place, FileAccess access, Openi
   return lastHandle_;
 }
 
+/// A link is held as it is, without bytes to read.
 SystemError SimulatedFileSystem::HoldEntryA(TextView path, Holding holding,
                                             std::uint32_t& attributes, FileHandle& held) {
   Place place;
@@ -290,6 +301,7 @@ std::uint64_t SimulatedFileSystem::largestSize(const Drive& drive, std::uint64_t
   return drive.spaceFor(size) + drive.settings.free / drive.clusterBytes() * drive.clusterBytes();
 }
 
+/// Space goes down and up by whole clusters.
 void SimulatedFileSystem::account(Drive& drive, std::uint64_t before, std::uint64_t after) {
   const std::uint64_t taken = drive.spaceFor(after);
   const std::uint64_t given = drive.spaceFor(before);
@@ -297,6 +309,8 @@ void SimulatedFileSystem::account(Drive& drive, std::uint64_t before, std::uint6
   drive.settings.free = drive.settings.free + given - taken;
 }
 
+/// What fits is written even if not all does. Where the host refuses, the file's length tells how
+/// much of it went through.
 SystemError SimulatedFileSystem::WriteFile(FileHandle file, std::uint64_t offset,
                                            std::span<const std::uint8_t> from,
                                            std::size_t& written) {

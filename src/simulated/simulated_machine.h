@@ -57,6 +57,7 @@ class SimulatedMachine {
   /// The services for the running program. This and the following throw std::logic_error before the
   /// first start.
   Platform& platform();
+  /// What the running program shows, and the hand that works at it.
   Screen& screen();
   Hand& hand();
   /// The file calls below the statements, unobserved.
@@ -66,10 +67,13 @@ class SimulatedMachine {
 
   // ---- the state
 
+  /// What is written here counts from the program's next call on. Folders are set by setFolders,
+  /// which makes them too.
   MachineSettings& settings();
   const MachineSettings& settings() const;
   /// Sets the folders that the system names and creates those that lie on a drive which is there.
   void setFolders(FolderSettings folders);
+  /// What lies on the drives, and the registry, to set up and to look at: neither counts as a call.
   Disks& disks();
   const Disks& disks() const;
   RegistryTree& registry();
@@ -83,6 +87,8 @@ class SimulatedMachine {
 
   // ---- what happened
 
+  /// The programs that were started, the commands that servers got, and what was opened, since the
+  /// program was started.
   const Records& records() const;
   /// How often an operation was called since the program was started.
   std::uint64_t calls(std::string_view operation) const;
@@ -90,6 +96,7 @@ class SimulatedMachine {
   std::optional<ShortcutProperties> shortcut(TextView path) const;
   /// Memory of the shell that the program was given and has not freed.
   std::size_t unfreedMemory() const;
+  /// What the running program has open now.
   OpenHandles openHandles() const;
 
   // ---- the state as a whole

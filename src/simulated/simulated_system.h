@@ -5,6 +5,7 @@
 
 namespace zev::simulated {
 
+/// What the machine says about itself, from its settings. Borrows the state.
 class SimulatedSystem final : public SystemInformation {
  public:
   /// Borrows the machine.
@@ -32,6 +33,7 @@ class SimulatedSystem final : public SystemInformation {
   MachineState& machine_;
 };
 
+/// The drives as the machine has them now. Borrows the state.
 class SimulatedDrives final : public Drives {
  public:
   /// Borrows the machine.

@@ -49,6 +49,7 @@ class Transcript {
   virtual ~Transcript() = default;
   /// Whether events of this kind are wanted. An event that is not is never made.
   virtual bool wants(std::string_view kind) const = 0;
+  /// Takes an event that is wanted.
   virtual void add(Event event) = 0;
 };
 

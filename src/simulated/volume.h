@@ -17,6 +17,7 @@ namespace zev::simulated {
 class FileBody {
  public:
   virtual ~FileBody() = default;
+  /// The length in bytes, as it is now.
   virtual std::uint64_t size() const = 0;
   /// Reads from an offset; the count is less at the end.
   virtual std::size_t read(std::uint64_t offset, std::span<std::uint8_t> into) = 0;
@@ -46,15 +47,20 @@ class Volume {
   virtual std::shared_ptr<FileBody> open(const Path& file) const = 0;
   /// The parent is there, the name is free.
   virtual SystemError createFile(const Path& path, std::uint32_t attributes) = 0;
+  /// The same for a directory.
   virtual SystemError createDirectory(const Path& path) = 0;
   /// Gives a file another name in its directory, at once: a file that has it is gone, and lends the
   /// new one its attributes and the case of its name.
   virtual SystemError replace(const Path& file, const Path& by) = 0;
   /// Takes an entry away, a directory with all that it holds.
   virtual bool remove(const Path& path) = 0;
+  /// Replaces the attributes of an entry but for `directory`, which stays. False if there is no
+  /// such entry.
   virtual bool setAttributes(const Path& path, std::uint32_t attributes) = 0;
 };
 
+/// A volume whose files are gone with it. Files of zeros and pieces of the host's files take no
+/// memory until somebody writes into them.
 std::unique_ptr<Volume> makeMemoryVolume();
 
 /// A volume over a real folder. Attributes other than `directory` are kept beside it in memory: the

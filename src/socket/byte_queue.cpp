@@ -36,11 +36,13 @@ void SpareMemory::keepAtMost(std::size_t bytes) {
   if (spare_.size() > most_) spare_ = std::vector<std::uint8_t>();
 }
 
+/// The larger of the two is kept; what is too large for keeping stays with the giver.
 void SpareMemory::give(std::vector<std::uint8_t>& memory) {
   if (memory.size() <= spare_.size() || memory.size() > most_) return;
   spare_ = std::exchange(memory, {});
 }
 
+/// Takes the spare memory only if it is enough and the caller's own is not.
 void SpareMemory::take(std::vector<std::uint8_t>& memory, std::size_t bytes) {
   if (memory.capacity() >= bytes || spare_.capacity() < bytes) return;
   memory = std::exchange(spare_, {});
@@ -61,6 +63,8 @@ void ByteQueue::grow(std::size_t needed) {
   if (spare_ != nullptr && memory.capacity() > worthKeeping) spare_->give(memory);
 }
 
+/// Spare memory first; else as much more as can be had, down to what is needed. Throws
+/// std::bad_alloc if not even that is there.
 std::vector<std::uint8_t> ByteQueue::memoryFor(std::size_t needed) {
   const bool large = needed > worthKeeping;
   std::vector<std::uint8_t> memory;
@@ -95,6 +99,8 @@ std::span<const std::uint8_t> ByteQueue::front(std::size_t count) const {
   return std::span(bytes_).subspan(begin_, std::min(count, size()));
 }
 
+/// What was shared becomes the queue's own bytes, in front of the new ones: the owner is needed no
+/// longer.
 void ByteQueue::append(std::span<const std::uint8_t> bytes) {
   const auto former = shared_;
   reserve(former.size() + bytes.size());
@@ -128,6 +134,7 @@ void ByteQueue::adopt(std::vector<std::uint8_t>& bytes, std::size_t count) {
   end_ = count;
 }
 
+/// An empty queue keeps small memory for the next bytes and gives large memory away.
 void ByteQueue::drop(std::size_t count) {
   if (!shared_.empty()) {
     shared_ = shared_.subspan(std::min(count, shared_.size()));
@@ -140,6 +147,7 @@ void ByteQueue::drop(std::size_t count) {
   begin_ = end_ = 0;
 }
 
+/// All that waits is handed over with its memory if it stands at the front; else it is copied.
 std::vector<std::uint8_t> ByteQueue::take(std::size_t count) {
   if (shared_.empty() && begin_ == 0 && count >= end_) {
     bytes_.resize(std::exchange(end_, 0));

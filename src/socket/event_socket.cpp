@@ -65,6 +65,8 @@ void CEventSocket::setState(SocketState state) {
   module_.trace().line(u"STATE: ", nameOf(state));
 }
 
+/// Keeps itself alive, since the event's procedure may let go of the last reference. A box follows
+/// only if that procedure asks for one.
 void CEventSocket::Report(std::int32_t number, TextView source) {
   const auto alive = shared_from_this();
   setState(sckError);
@@ -116,6 +118,7 @@ void CEventSocket::Protocol(SocketProtocol enmProtocol) {
 
 // ---- the system's socket
 
+/// Makes the system's socket if there is none yet. False after its failure was reported.
 bool CEventSocket::SocketExists() {
   if (socketHandle_ != winsock::noSocket) return true;
   const bool stream = protocol_ == ProtocolTCP;
@@ -155,6 +158,7 @@ std::int32_t CEventSocket::optionOf(std::int32_t option) {
   return value;
 }
 
+/// A socket that the system refuses to close stays registered, and the instance is in error.
 void CEventSocket::DestroySocket() {
   if (socketHandle_ == winsock::noSocket) return;
   if (sockets_.closesocket(socketHandle_) == winsock::failed) {
@@ -167,6 +171,7 @@ void CEventSocket::DestroySocket() {
   socketHandle_ = winsock::noSocket;
 }
 
+/// Nothing happens without a socket. What was waiting in either direction is lost.
 void CEventSocket::CloseSck() {
   if (socketHandle_ == winsock::noSocket) return;
   setState(sckClosing);

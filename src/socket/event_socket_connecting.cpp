@@ -42,6 +42,8 @@ SocketAddress addressRecord(std::int32_t port, std::int32_t address) {
 
 // ---- connecting
 
+/// Of datagrams there is nothing to connect: the remote end is kept for sending, and the socket is
+/// open at once.
 void CEventSocket::Connect(const Variant& host, const Variant& port) {
   if (state_ != sckClosed) raiseInvalidState(u"CEventSocket.Connect");
   storeRemoteEnd(host, port);
@@ -64,6 +66,8 @@ void CEventSocket::storeRemoteEnd(const Variant& host, const Variant& port) {
   remotePort_ = toLong(port);
 }
 
+/// `errorCode` is that of the look-up before, and is reported as this call's own. The end of the
+/// connecting comes as a notification.
 void CEventSocket::ConnectToIP(std::int32_t address, std::int32_t errorCode) {
   constexpr TextView source = u"CEventSocket.ConnectToIP";
   if (errorCode != 0) return Report(errorCode, source);
@@ -81,6 +85,7 @@ void CEventSocket::ConnectToIP(std::int32_t address, std::int32_t errorCode) {
 
 // ---- look-ups
 
+/// The address of a dotted text; of a name `noAddress`, and the look-up runs.
 std::int32_t CEventSocket::ResolveIfHostname(const Text& host, std::int32_t destination) {
   constexpr TextView source = u"CEventSocket.ResolveIfHostname";
   const std::int32_t address = sockets_.inet_addr(host);
@@ -111,6 +116,7 @@ void CEventSocket::rememberLookUp(std::int32_t lookUp, std::int32_t destination)
   runningLookUp_ = lookUp;
 }
 
+/// A look-up that is done late, after another state or another look-up has begun, changes nothing.
 void CEventSocket::PostHostResolved(std::int32_t lookUp, std::int32_t errorCode) {
   if (state_ != sckResolvingHost || lookUp != runningLookUp_) return;
   runningLookUp_ = 0;
@@ -165,6 +171,8 @@ void CEventSocket::Bind(const Variant& port, const Variant& address) {
   if (BindInternal(port, address)) setState(sckOpen);
 }
 
+/// An open socket is bound already. False if no socket can be made, which was reported then; all
+/// else is raised.
 bool CEventSocket::BindInternal(const Variant& port, const Variant& address) {
   if (state_ == sckOpen) return true;
   const std::int32_t wanted = portToBind(port);
@@ -194,6 +202,7 @@ void CEventSocket::bindTo(std::int32_t port, const Address& address) {
   takeBoundPort(port);
 }
 
+/// For port 0 the system has chosen one, which is asked for; the property keeps saying 0.
 void CEventSocket::takeBoundPort(std::int32_t port) {
   if (port != 0) {
     localPort_ = port;

@@ -57,6 +57,7 @@ bool holdsMany(VariantType type) {
 
 // ---- sending
 
+/// A datagram socket binds itself before it sends; a stream has to be connected.
 void CEventSocket::SendData(const Variant& data) {
   constexpr TextView source = u"CEventSocket.SendData";
   const auto alive = shared_from_this();
@@ -104,6 +105,7 @@ void CEventSocket::FlushSendBuffer() {
   }
 }
 
+/// Sent or not, the datagram does not wait any more: there is no second try.
 void CEventSocket::SendBufferedDataUDP() {
   constexpr TextView source = u"CEventSocket.SendBufferedDataUDP";
   const Address host = HostToAddress(remoteHost_);

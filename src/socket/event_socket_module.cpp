@@ -67,6 +67,7 @@ void modEventSocket::instanceEnded(InstancePointer instance) {
                    thunk_.resolveTable().holds(instance) || thunk_.socketTable().holds(instance));
 }
 
+/// Small memory stays here for the next call, large memory goes to whichever socket needs it next.
 void modEventSocket::giveBack(std::vector<std::uint8_t> memory) {
   constexpr std::size_t worthKeeping = std::size_t{1} << 20;
   if (memory.capacity() > worthKeeping) {
@@ -100,6 +101,8 @@ void modEventSocket::DestroyWinsockMessageWindow() {
 
 // ---- sockets
 
+/// The routing learns of the socket before its events are asked for: the first may be posted within
+/// that very call.
 bool modEventSocket::RegisterSocket(std::int32_t socket, InstancePointer instance,
                                     bool wantEvents) {
   if (!socketCollection_) {
@@ -126,12 +129,14 @@ void modEventSocket::requestEvents(std::int32_t socket) {
   raiseWinsockError(reason, u"modEventSocket.RegisterSocket");
 }
 
+/// The routing forgets the socket first: what is on its way reaches nobody from here on.
 void modEventSocket::UnregisterSocket(std::int32_t socket) {
   thunk_.DeleteSocketEntry(socket);
   if (IsSocketRegistered(socket)) socketCollection_->Remove(socketKey(socket));
   if (!socketCollection_ || socketCollection_->Count() == 0) dropSocketCollection();
 }
 
+/// Without its procedure the window has none at all, so it is destroyed right after.
 void modEventSocket::dropSocketCollection() {
   if (socketCollection_) trace_.line(u"OK Destroyed socket collection");
   socketCollection_.reset();

@@ -65,6 +65,7 @@ class modEventSocket {
   /// Forgets a socket; the last one takes the window away: error 7 (Source
   /// "modEventSocket.DestroyWinsockMessageWindow") if that fails.
   void UnregisterSocket(std::int32_t socket);
+  /// Whether the socket was registered and not unregistered since.
   bool IsSocketRegistered(std::int32_t socket) const;
   /// Lets the notifications of a socket go to another instance.
   void ReplaceSocketObject(std::int32_t socket, InstancePointer instance);
@@ -73,6 +74,8 @@ class modEventSocket {
 
   /// Starts a look-up into a buffer of 1024 bytes; its handle, 0 on failure.
   std::int32_t ResolveHostAsync(TextView host, void* buffer, InstancePointer instance);
+  /// Forgets a look-up: its notification then reaches nobody. A look-up that still runs is not
+  /// ended by it.
   void UnregisterResolution(std::int32_t lookUp);
 
   // ---- accepted connections
@@ -82,6 +85,7 @@ class modEventSocket {
   bool IsAcceptRegistered(std::int32_t socket) const;
   /// The instance that holds it; error 5 if none does, error 91 if none holds anything.
   std::shared_ptr<CEventSocket> GetAcceptObject(std::int32_t socket);
+  /// Lets go of the instance that holds it; errors as above.
   void UnregisterAccept(std::int32_t socket);
 
   /// The text that ends in NUL at an address, through the code page; empty for null.
@@ -89,6 +93,7 @@ class modEventSocket {
 
   // ---- for instances
 
+  /// The machine that all sockets of the program use.
   SocketServices& services() { return services_; }
   Instances& instances() { return instances_; }
   /// An instance has ended: nothing reaches it any more.

@@ -5,6 +5,7 @@
 
 namespace zev {
 
+/// The free slot that comes first is used, even for a handle that has a slot further on.
 HandleTable::Added HandleTable::add(std::int32_t handle, InstancePointer instance) {
   const std::size_t known = slotOf(handle);
   if (!free_.empty() && free_.front() <= known) {

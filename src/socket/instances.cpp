@@ -66,6 +66,8 @@ InstancePointer Instances::pointerTo(std::size_t place) {
   }
 }
 
+/// A pointer comes out of a table or a message, so it can be anything: only one that was given out
+/// is followed.
 Instances::Entry* Instances::find(InstancePointer pointer) {
   if constexpr (addressesFit) {
     const auto found = places_.find(pointer);
@@ -76,6 +78,7 @@ Instances::Entry* Instances::find(InstancePointer pointer) {
   }
 }
 
+/// Lets go of the object at once, even while the entry has to wait for the tables.
 void Instances::ended(InstancePointer pointer, bool held) {
   Entry* const entry = find(pointer);
   if (entry == nullptr) return;

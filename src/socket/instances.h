@@ -55,6 +55,8 @@ class Instances {
   Instances(const Instances&) = delete;
   Instances& operator=(const Instances&) = delete;
 
+  /// Makes an instance known and gives its pointer, by which it is entered until it has ended. The
+  /// object is not kept alive.
   InstancePointer add(std::weak_ptr<NotificationTarget> target);
   /// The instance has ended. `held`: some table still has the pointer, so its entry must not go
   /// to another instance yet.

@@ -12,6 +12,7 @@ namespace zev {
 namespace {
 
 constexpr std::size_t fieldSize = 4;
+/// What the jump over the guard becomes when the guard is wanted.
 constexpr std::uint8_t noOperation = 0x90;
 constexpr std::int32_t freeHandle = -1;
 
@@ -39,6 +40,8 @@ Thunk::~Thunk() {
 
 // ---- the block
 
+/// Writes the addresses that hold for the block's whole life. Those of the tables come with their
+/// entries, that of the window's procedure when the window is subclassed.
 void Thunk::BuildThunk(bool inDesignEnvironment) {
   const auto code = thunkBytes();
   block_ = kernel_.VirtualAlloc(code.size(), commitPages, readWriteExecute);
@@ -54,6 +57,8 @@ void Thunk::BuildThunk(bool inDesignEnvironment) {
   }
 }
 
+/// Takes out the jump over the guard. Either version of the design environment can answer it;
+/// without one its address is 0.
 void Thunk::guard() {
   block_[thunk_field::guardJump] = block_[thunk_field::guardJump + 1] = noOperation;
   ebMode_ = kernel_.ProcAddress("vba6", "EbMode");
@@ -61,6 +66,8 @@ void Thunk::guard() {
   PatchRelative(thunk_field::ebMode, ebMode_);
 }
 
+/// The window goes first, since no message may enter a block that is freed. The tables keep their
+/// memory until here: the block has its addresses.
 void Thunk::ReleaseThunk() {
   UnsubclassMessageWindow();
   const auto address = reinterpret_cast<std::uintptr_t>(block_);
@@ -165,6 +172,8 @@ void Thunk::PatchSocketTable() {
 
 // ---- what the code does, for windows that cannot enter it
 
+/// Follows the guard's answer: paused, a message goes to the window's own procedure; stopped, the
+/// window gets that one back for good; else the program runs.
 std::intptr_t Thunk::enter(const WindowMessage& message) {
   if (!guardInForce()) return route(message);
   const std::int32_t mode = std::bit_cast<ModeFunction*>(ebMode_)();

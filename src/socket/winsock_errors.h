@@ -24,10 +24,15 @@ Text WinsockErrorText(std::int32_t number);
 
 // The fixed failures; each is raised with its number and text.
 [[noreturn]] void raiseOutOfMemory(TextView source);
+/// 40006: the call does not go with the socket's protocol, or not with its state.
 [[noreturn]] void raiseWrongProtocolOrState(TextView source);
+/// 40014: a number that the call cannot take.
 [[noreturn]] void raiseArgumentOutOfRange(TextView source);
+/// 40014 as well: a value of the wrong type or form.
 [[noreturn]] void raiseInvalidArgument(TextView source);
+/// 40018: data of a type that cannot be sent or fetched.
 [[noreturn]] void raiseUnsupportedVariant(TextView source);
+/// 40020: the call needs a socket in another state, mostly a closed one.
 [[noreturn]] void raiseInvalidState(TextView source);
 
 }  // namespace zev

@@ -68,6 +68,8 @@ StartMenu::StartMenu(Program& program, Phrases& phrases, RunReport& report)
       phrases_(phrases),
       report_(report) {}
 
+/// Program Manager makes the group where the shell cannot: without a folder for it, or when its
+/// first entry fails. The Desktop's shortcut is then left out.
 void StartMenu::makeShortcuts() {
   if (!groupWanted()) {
     if (desktopWanted()) makeDesktopShortcut();
@@ -87,6 +89,7 @@ void StartMenu::makeShortcuts() {
 
 // ---- the gates
 
+/// Only NT 6.2 has the options that can switch the two off; elsewhere both are made.
 bool StartMenu::groupWanted() const {
   return globals_.gVersionNT62 != 1 || globals_.gOptStartMenu != 0;
 }
@@ -138,6 +141,7 @@ bool StartMenu::makeFirstEntry() {
   return ignoringErrors([&] { makeEntry(groupEntries[0]); });
 }
 
+/// All but the first, which was made before as the proof that the shell makes any.
 void StartMenu::makeOtherEntries() {
   for (const GroupEntry& entry : groupEntries) {
     if (entry.step == 0) continue;
@@ -146,6 +150,7 @@ void StartMenu::makeOtherEntries() {
   }
 }
 
+/// An error of any statement reaches the caller, and nothing is on the disk before Save.
 void StartMenu::makeEntry(const GroupEntry& entry) {
   const auto shortcut =
       shell().CreateShortcut(join(trim(globals_.gStartMenuDir), u"\\", entry.fileName, u".lnk"));
@@ -171,6 +176,7 @@ void StartMenu::makeDesktopShortcut() {
   shortcut->Save();
 }
 
+/// Shows the person where the entries are. That this fails is no error of the run.
 void StartMenu::showGroup() {
   report_.setRunStep(step::showGroup);
   ignoringErrors([&] {
@@ -202,6 +208,7 @@ void StartMenu::makeProgramManagerGroup() {
   ignoringErrors([&] { dde.LinkMode(noLink); });
 }
 
+/// A file that cannot be asked for gets no item.
 void StartMenu::addItems() {
   for (const GroupEntry& entry : groupEntries) {
     bool wanted = false;

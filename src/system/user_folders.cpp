@@ -26,6 +26,8 @@ UserFolderChain::UserFolderChain(Program& program, Phrases& phrases,
       phrases_(phrases),
       setStage_(std::move(setStage)) {}
 
+/// The first folder that can be had ends the chain: the known one, those of the profiles by name,
+/// and one that the program makes itself.
 void UserFolderChain::run() {
   setStage_(4);
   driveLetter_ = left(systemDirectoryBuffer(program_, 256), 1);
@@ -53,6 +55,7 @@ bool UserFolderChain::exists(TextView folder) {
 
 // ---- the known folder
 
+/// False if the system names none, or one that is not there.
 bool UserFolderChain::acceptKnownFolder() {
   if (!exists(globals_.gUserDir)) return false;
   globals_.gUserDir = withoutTrailing(trim(globals_.gUserDir), u'\\');
@@ -63,6 +66,8 @@ bool UserFolderChain::acceptKnownFolder() {
   return true;
 }
 
+/// Takes the two attributes off that would keep the program from writing there. What stays is told
+/// in a box each.
 void UserFolderChain::clearAttributes(TextView folder, std::int32_t hiddenStage) {
   setStage_(hiddenStage);
   if (ClearHiddenAttribute(program_.platform.files, folder) == -1) {
@@ -91,6 +96,8 @@ void UserFolderChain::takeProfile(TextView folder) {
   globals_.gUserData = join(globals_.gUserDir, profile_folder::product);
 }
 
+/// Of an account that belongs to a domain the profile may have the domain's name after a dot;
+/// without such a folder there is no second one.
 void UserFolderChain::takeSecondProfile(TextView name) {
   setStage_(14);
   Text domain(accountSize, u'\0');

@@ -24,7 +24,9 @@ class AutomationObject {
   /// Creates an object by the name of its class; error 429 if it cannot be created.
   static AutomationObject create(TextView className);
 
+  /// Writes a property, with the object's own conversion of the value.
   void put(TextView property, const Argument& value);
+  /// Calls a method without arguments; what it gives is dropped.
   void call(TextView method);
   /// An object that a method or property gives.
   AutomationObject object(TextView member, std::initializer_list<Argument> arguments = {});

@@ -59,6 +59,8 @@ WindowKind textKind(const ControlDesign& design) {
   return {L"EDIT", style, WS_EX_CLIENTEDGE};
 }
 
+/// The class and styles by which the system draws a kind of control; none for those that their
+/// container draws.
 WindowKind kindOf(const Control& control) {
   switch (control.kind()) {
     case ControlKind::Label:
@@ -154,6 +156,8 @@ Text contentText(const Control& control) {
   return {};
 }
 
+/// Writes into the window what the control holds. A text that is there already is not written
+/// again: the window would tell of it as if the person had typed it.
 void showContent(const Control& control, HWND window) {
   if (const auto* combo = dynamic_cast<const ComboBox*>(&control)) {
     showList(*combo, window);
@@ -171,6 +175,7 @@ void showContent(const Control& control, HWND window) {
   if (!listed && windowText(window) != text) SetWindowTextW(window, wide(text));
 }
 
+/// Images and what lies on a progress bar are drawn here; all else the system draws.
 void drawControl(const Form& form, const Control& control, const DRAWITEMSTRUCT& item, int dpi,
                  HFONT font) {
   if (control.kind() == ControlKind::Image) return drawIcon(item);
@@ -198,6 +203,7 @@ char16_t accessKey(TextView caption) {
 
 namespace {
 
+/// What a control tells the window that it lies in, though the form deals with it.
 bool concernsForm(UINT message) {
   switch (message) {
     case WM_COMMAND:
@@ -210,6 +216,8 @@ bool concernsForm(UINT message) {
   }
 }
 
+/// A container passes on what its controls tell it, and has the form draw what has no window of its
+/// own.
 LRESULT CALLBACK containerProcedure(HWND window, UINT message, WPARAM first, LPARAM second) {
   if (concernsForm(message)) return SendMessageW(GetParent(window), message, first, second);
   if (message == WM_PRINTCLIENT || message == WM_PAINT) {
@@ -305,6 +313,8 @@ bool shown(const WIN32_FIND_DATAA& entry) {
          name.find('?') == std::string::npos;  // a name that the code page cannot write
 }
 
+/// By the calls of the code page, so that only folders are shown that the program can open. Sorted
+/// without regard to case.
 std::vector<Text> foldersIn(const Text& path) {
   std::vector<Text> names;
   WIN32_FIND_DATAA entry{};
@@ -337,6 +347,7 @@ void showList(const ComboBox& combo, HWND window) {
   SendMessageW(window, CB_SETCURSEL, static_cast<WPARAM>(combo.ListIndex()), 0);
 }
 
+/// No drive is chosen in the list if the control's own is not there any more.
 void showDrives(const DriveListBox& drives, HWND window) {
   SendMessageW(window, CB_RESETCONTENT, 0, 0);
   const std::vector<Text> present = listedDrives();
@@ -358,6 +369,7 @@ Text driveAt(HWND window, int place) {
   return Text(entry.begin(), entry.begin() + driveLength);
 }
 
+/// The levels down to the opened folder, then what lies in it; drawn once, when all of it is there.
 void showFolders(const DirListBox& folders, HWND window) {
   SendMessageW(window, WM_SETREDRAW, FALSE, 0);
   SendMessageW(window, LB_RESETCONTENT, 0, 0);
@@ -375,6 +387,7 @@ void showFolders(const DirListBox& folders, HWND window) {
   InvalidateRect(window, nullptr, TRUE);
 }
 
+/// A line is a level of the opened folder, or a folder in it: which one shows by its place.
 Text folderAt(const DirListBox& folders, HWND window, int place) {
   const std::vector<Text> levels = levelsOf(folders.Path());
   Text path = levels.front();

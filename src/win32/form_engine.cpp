@@ -58,6 +58,7 @@ FormWindow* Win32FormEngine::windowAround(HWND window) const {
   return nullptr;
 }
 
+/// The enabled form on top; null while none is enabled.
 HWND Win32FormEngine::activeWindow() const {
   const auto enabled = std::find_if(visible_.rbegin(), visible_.rend(),
                                     [](const Form* each) { return each->Enabled.get(); });
@@ -80,6 +81,8 @@ bool Win32FormEngine::wait() {
   return true;
 }
 
+/// Keys that belong to the whole form never reach the control. The focus is looked at after each
+/// message, whichever of them has moved it.
 void Win32FormEngine::dispatch(MSG& message) {
   if (!translateKey(message)) {
     TranslateMessage(&message);
@@ -221,6 +224,7 @@ void Win32FormEngine::chosen(Control& list, int place) {
   }
 }
 
+/// The unloading waits for its turn, by which the form may be gone.
 void Win32FormEngine::closed(Form& form) {
   if (openBoxes_ > 0 || !form.Enabled) return;
   application_->post([this, &form] {
@@ -326,6 +330,7 @@ bool Win32FormEngine::pressCancel(FormWindow& window) {
   return true;
 }
 
+/// The focus goes along, as it does with the mouse.
 void Win32FormEngine::press(FormWindow& window, Control* control) {
   if (control == nullptr || !control->canTakeFocus()) return;
   window.setFocus(control);

@@ -9,11 +9,14 @@ namespace zev::win32 {
 /// for texts that need it.
 class FormFonts {
  public:
+  /// Makes both fonts for a screen of that many dots an inch. They are freed with this object, so
+  /// no window may have them any more then.
   explicit FormFonts(int dpi);
   ~FormFonts();
   FormFonts(const FormFonts&) = delete;
   FormFonts& operator=(const FormFonts&) = delete;
 
+  /// The font for a text: the Turkish one if the text has letters that the other lacks.
   HFONT fontFor(TextView text) const;
 
  private:

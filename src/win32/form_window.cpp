@@ -79,6 +79,7 @@ void tellReason(HWND window, const std::optional<Text>& reason) {
 
 }  // namespace
 
+/// The window is made first, since the dots per inch that all else depends on are its own.
 FormWindow::FormWindow(Form& form, FormListener& listener) : form_(form), listener_(listener) {
   registerContainerClass();
   const Text className = classOf(form);
@@ -100,6 +101,7 @@ FormWindow::FormWindow(Form& form, FormListener& listener) : form_(form), listen
   centre();
 }
 
+/// From here on the procedure knows no form: the messages of the destruction reach nobody.
 FormWindow::~FormWindow() {
   SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
   DestroyWindow(window_);
@@ -247,6 +249,7 @@ Control* FormWindow::controlOf(int id) const {
   return place < form_.Controls().size() ? form_.Controls()[place] : nullptr;
 }
 
+/// Of a form that is not in use the focus is only remembered; it takes it when the window gets it.
 void FormWindow::setFocus(Control* control) {
   focused_ = control;
   if (control != nullptr && GetActiveWindow() == window_) SetFocus(windowOf(*control));
@@ -254,6 +257,7 @@ void FormWindow::setFocus(Control* control) {
 
 // ---- hearing
 
+/// The window learns of its object with the very first message, and is known to it from then on.
 LRESULT CALLBACK FormWindow::procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
   if (message == WM_NCCREATE) {
     auto* self = static_cast<FormWindow*>(reinterpret_cast<CREATESTRUCTW*>(second)->lpCreateParams);
@@ -309,6 +313,8 @@ bool FormWindow::sessionMayEnd() {
   return !reason;
 }
 
+/// Only tells what happened: nothing of the program runs within the dispatch. What is typed is
+/// followed at once, since the text is on the screen already.
 void FormWindow::command(int id, int code, HWND from) {
   Control* control = controlOf(id);
   if (control == nullptr || windowOf(*control) != from) return;

@@ -16,11 +16,16 @@ namespace zev::win32 {
 class FormListener {
  public:
   virtual ~FormListener() = default;
+  /// By mouse or key. The control can have been disabled meanwhile.
   virtual void clicked(Control& control) = 0;
+  /// A place of the list was chosen, counted from 0; -1 for none.
   virtual void chosen(Control& list, int place) = 0;
+  /// The close box, Alt+F4 or the menu of the title bar. The window stays until the program unloads
+  /// the form.
   virtual void closed(Form& form) = 0;
   /// What the end of the session has to wait for; none: it may come. Then it comes, or not.
   virtual std::optional<Text> sessionWaitsFor() = 0;
+  /// The session does end; the process may be ended as soon as this returns.
   virtual void sessionEnds() = 0;
   /// The list of a drive list is about to drop down.
   virtual void dropsDown(Control& list) = 0;
@@ -35,17 +40,23 @@ class FormWindow {
   FormWindow(const FormWindow&) = delete;
   FormWindow& operator=(const FormWindow&) = delete;
 
+  /// The window itself, which lives as long as this object, its dots per inch, and the font of all
+  /// texts but Turkish ones.
   HWND handle() const { return window_; }
   Form& form() const { return form_; }
   int dpi() const { return dpi_; }
   HFONT font() const { return fonts_->fontFor({}); }
 
+  /// Shows the window above `owner`, which may be null and counts the first time alone. The focus
+  /// goes to the first control that can take it.
   void show(HWND owner);
   void hide();
   /// Takes a property over to the screen.
   void showProperty(const PropertyBase& property);
+  /// Paints the form or one of its controls at once, not when the loop comes to it.
   void refresh(const Component& component);
 
+  /// The window of a control of this form; null for one that has none.
   HWND windowOf(const Control& control) const;
   /// The control of a window of this form; null for any other.
   Control* controlOf(HWND window) const;

@@ -28,6 +28,8 @@ class Machine {
   /// outlive every use of the result.
   Platform platform(Application& application, Dialogs& dialogs);
 
+  /// The services that others stand on: sockets for whoever has no forms, files below the
+  /// statements.
   FileSystem& fileSystem() { return fileSystem_; }
   Sockets& sockets() { return sockets_; }
   MessageWindows& messageWindows() { return messageWindows_; }

@@ -17,6 +17,7 @@ class SocketMachine {
   SocketMachine(const SocketMachine&) = delete;
   SocketMachine& operator=(const SocketMachine&) = delete;
 
+  /// The services that modEventSocket is made with.
   Win32MessageWindows& windows() { return windows_; }
   Win32Kernel& kernel() { return kernel_; }
   Win32Sockets& sockets() { return sockets_; }

@@ -32,6 +32,7 @@ constexpr UINT restMilliseconds = 250;
 
 constexpr int addressSize = sizeof(SocketAddress);
 
+/// Widened with its sign, so that `noSocket` stays the system's invalid socket.
 SOCKET socketOf(std::int32_t socket) {
   return static_cast<SOCKET>(static_cast<std::intptr_t>(socket));
 }
@@ -48,6 +49,7 @@ const char* bytesOf(std::span<const std::uint8_t> bytes) {
 
 char* bytesOf(std::span<std::uint8_t> bytes) { return reinterpret_cast<char*>(bytes.data()); }
 
+/// The calls count in `int`: of more bytes than that they are offered the beginning.
 int sizeOf(std::span<const std::uint8_t> bytes) {
   constexpr std::size_t most = std::numeric_limits<int>::max();
   return static_cast<int>(std::min(bytes.size(), most));
@@ -99,6 +101,8 @@ struct Win32Sockets::Calls {
   decltype(::inet_ntoa)* inet_ntoa = find<decltype(::inet_ntoa)>("inet_ntoa");
 };
 
+/// All calls go through here. Before the service is started none reaches the library; the error of
+/// one that fails is kept, since any later call could change it.
 template <typename Answer, typename Function, typename... Arguments>
 Answer Win32Sockets::ask(Answer failure, Function* Calls::*call, Arguments... arguments) {
   if (starts_ == 0) {
@@ -112,11 +116,13 @@ Answer Win32Sockets::ask(Answer failure, Function* Calls::*call, Arguments... ar
 
 // ---- the service
 
+/// Ends the service as often as it was started, which is how the system counts.
 Win32Sockets::~Win32Sockets() {
   while (starts_ > 0 && Win32Sockets::WSACleanup() == 0) {
   }
 }
 
+/// A library that lacks one of the functions counts as a machine without a network.
 std::int32_t Win32Sockets::WSAStartup(std::uint16_t versionWanted) {
   if (calls_ == nullptr) calls_ = std::make_shared<const Calls>(library_);
   if (!calls_->complete) return WSASYSNOTREADY;
@@ -137,6 +143,7 @@ std::int32_t Win32Sockets::WSACleanup() {
 
 // ---- notifications
 
+/// What was asked for is kept, to be asked for again when a rest ends.
 std::int32_t Win32Sockets::WSAAsyncSelect(std::int32_t socket, WindowHandle window,
                                           std::uint32_t message, std::int32_t mask) {
   const Selected selected{window, message, mask};
@@ -173,6 +180,7 @@ void Win32Sockets::rest(std::int32_t listener) {
              restMilliseconds, RestTimer::passed);
 }
 
+/// Gives every listener back what it had asked for; one that was closed meanwhile is passed over.
 void Win32Sockets::endRest() {
   if (timerWindow_ == 0) return;
   ::KillTimer(reinterpret_cast<HWND>(std::exchange(timerWindow_, 0)),
@@ -214,6 +222,7 @@ std::int32_t Win32Sockets::socket(std::int32_t family, std::int32_t type, std::i
   return handOut(ask(INVALID_SOCKET, &Calls::socket, family, type, protocol));
 }
 
+/// A closed socket makes room, so listeners that rest try again.
 std::int32_t Win32Sockets::closesocket(std::int32_t socket) {
   const std::int32_t answer = ask(SOCKET_ERROR, &Calls::closesocket, socketOf(socket));
   if (answer != 0) return answer;
@@ -234,6 +243,7 @@ std::int32_t Win32Sockets::listen(std::int32_t socket, std::int32_t backlog) {
   return ask(SOCKET_ERROR, &Calls::listen, socketOf(socket), backlog);
 }
 
+/// The error is set once more after the rest has begun, whose own calls change it.
 std::int32_t Win32Sockets::accept(std::int32_t socket, SocketAddress& peer) {
   std::int32_t error = 0;
   const std::int32_t accepted = takeConnection(socket, peer, error);
@@ -296,6 +306,7 @@ std::int32_t Win32Sockets::send(std::int32_t socket, std::span<const std::uint8_
   return ask(SOCKET_ERROR, &Calls::send, socketOf(socket), bytesOf(bytes), sizeOf(bytes), flags);
 }
 
+/// The system knows three directions, the contract one.
 std::int32_t Win32Sockets::shutdown(std::int32_t socket, std::int32_t how) {
   if (starts_ != 0 && how != winsock::sendingEnd) {
     lastError_ = winsock::error::invalidArgument;

@@ -24,6 +24,7 @@ Text defaultDirectory(const Globals& globals) {
   return join(left(trim(globals.gWinDir), 2), defaultFolder());
 }
 
+/// The directory of the last install; the default where none is on record.
 Text recordedDirectory(const Globals& globals, Registry& registry) {
   return registry.GetRegString(HKEY_LOCAL_MACHINE, settingsKey, setting::Dizin,
                                defaultDirectory(globals), normalChoice);
@@ -70,6 +71,7 @@ void proposeInstallDirectory(Program& program, Registry& registry) {
 
 }  // namespace
 
+/// The outermost trap of the load: it knows by the stage how far that came.
 void Wizard::Form_Load() {
   std::int32_t stage = 0;
   try {
@@ -117,6 +119,7 @@ void Wizard::loadForm(std::int32_t& stage) {
   showInstallDirectory();
 }
 
+/// Kept without the backslash that the system gives it. Where the system has none it is empty.
 void Wizard::findTemporaryFolder() {
   Text buffer = blanks(pathSize);
   const std::uint32_t length =
@@ -132,6 +135,8 @@ void Wizard::findWindowsFolder() {
   globals_.gWinDir = withoutTrailing(trim(left(buffer, static_cast<std::int32_t>(length))), u'\\');
 }
 
+/// On NT 6.2 the options of the install begin with values of their own, and the button that opens
+/// them appears.
 void Wizard::classifyMachine() {
   globals_.gOSClass = GetOSClass(platform_.system, globals_.gVersionNT62);
   if (globals_.gVersionNT62 != 1) return;
@@ -156,11 +161,13 @@ void Wizard::selectLanguage() {
   if (const auto place = listPlaceOf(globals_.gLanguage)) form1_.Combo1.setListIndex(*place);
 }
 
+/// The caret goes to the end of the text, where a person would go on typing.
 void Wizard::showInstallDirectory() {
   form1_.Text2.Text_ = installDirectory();
   form1_.Text2.SelStart = len(trim(form1_.Text2.Text_.get()));
 }
 
+/// The form is shown all the same, with Next disabled: what is left is to cancel.
 void Wizard::tellLoadFailure(std::int32_t stage, const RuntimeError& error) {
   platform_.dialogs.MsgBox(
       join(u"Error occured during loading the installer. Error No.", decimal(stage), u"-",

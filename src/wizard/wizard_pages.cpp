@@ -22,6 +22,7 @@ constexpr std::uint8_t iconClicksForSwitch = 5;
 
 }  // namespace
 
+/// Each event is led to the procedure that has its name.
 Wizard::Wizard(Program& program, Phrases& phrases, Registry& registry)
     : program_(program),
       globals_(program.globals),
@@ -50,6 +51,8 @@ bool Wizard::readsFinish() { return form1_.Command2.Caption.get() == Translate(u
 
 // ---- pages
 
+/// Shows the page of `gCurrentPage`, which on the last one is the run itself. A number without a
+/// page shows none.
 void Wizard::sayfagoster() {
   for (int frame = welcomeFrame; frame <= runFrame; ++frame) form1_.Frame1(frame).Visible = false;
   switch (globals_.gCurrentPage) {
@@ -80,6 +83,8 @@ void Wizard::showAgreementPage() {
   form1_.Command2.Caption = Translate(u"Next >>");
 }
 
+/// The product's folder is added before the directory is shown, so that the person sees where
+/// everything goes.
 void Wizard::showDirectoryPage() {
   DizinGuncelle();
   form1_.Text2.Text_ = installDirectory();
@@ -88,6 +93,8 @@ void Wizard::showDirectoryPage() {
   form1_.Command2.Caption = Translate(u"Install");
 }
 
+/// The path's page stays in sight while the directory is checked, since that can ask; a refused one
+/// leads back there.
 void Wizard::startRun() {
   form1_.Frame1(directoryFrame).Visible = true;
   globals_.gInstallDir = withoutTrailing(installDirectory(), u'\\');
@@ -117,6 +124,7 @@ void Wizard::DizinGuncelle() {
 
 // ---- buttons
 
+/// One page back; the number that has no page is passed over.
 void Wizard::Command1_Click() {
   if (globals_.gCurrentPage != welcomePage) {
     --globals_.gCurrentPage;

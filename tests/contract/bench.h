@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/platform.h"
+#include "support/raised.h"
 
 namespace zev::contract {
 
@@ -91,16 +92,5 @@ class ContractTest : public testing::Test {
  private:
   std::unique_ptr<Bench> bench_ = makeBench();
 };
-
-/// The number of the run-time error that a statement raises; 0 if it raises none.
-template <typename Statement>
-std::int32_t errorOf(Statement statement) {
-  try {
-    statement();
-    return 0;
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-}
 
 }  // namespace zev::contract

@@ -79,7 +79,7 @@ class CodePageContract : public ContractTest {
   /// Whether a path of letters of the page leads to the folder: what is made there shows it.
   void expectLeadsTo(const Text& path, const Text& folder, TextView name) {
     EXPECT_EQ(system().fromAnsi(system().toAnsi(path)), path) << toUtf8(path);
-    EXPECT_EQ(errorOf([&] { files().MkDir(join(path, u"\\", name)); }), 0) << toUtf8(path);
+    EXPECT_EQ(test::raisedBy([&] { files().MkDir(join(path, u"\\", name)); }), 0) << toUtf8(path);
     EXPECT_TRUE(bench().isThere(join(folder, u"\\", name))) << toUtf8(path);
   }
 

@@ -69,9 +69,11 @@ TEST_F(FilesContract, ADriveThatIsNoLetterHoldsNothing) {
       EXPECT_EQ(files().Dir(join(drive, u"a"), mask), u"") << toUtf8(drive);
     }
     const std::int32_t missing = runtimeErrorOf(missingOn(drive));
-    EXPECT_EQ(errorOf([&] { files().MkDir(join(drive, u"\\a")); }), missing) << toUtf8(drive);
-    EXPECT_EQ(errorOf([&] { files().GetAttr(join(drive, u"\\a")); }), missing) << toUtf8(drive);
-    EXPECT_EQ(errorOf([&] { files().OpenOutput(1, join(drive, u"\\a")); }), missing)
+    EXPECT_EQ(test::raisedBy([&] { files().MkDir(join(drive, u"\\a")); }), missing)
+        << toUtf8(drive);
+    EXPECT_EQ(test::raisedBy([&] { files().GetAttr(join(drive, u"\\a")); }), missing)
+        << toUtf8(drive);
+    EXPECT_EQ(test::raisedBy([&] { files().OpenOutput(1, join(drive, u"\\a")); }), missing)
         << toUtf8(drive);
   }
 }
@@ -85,7 +87,7 @@ TEST_F(FilesContract, DirIsOverWhenItHasGivenAll) {
   made(u"one");
   EXPECT_EQ(files().Dir(in(u"one"), 0), u"one");
   EXPECT_EQ(files().Dir(), u"");
-  EXPECT_EQ(errorOf([&] { files().Dir(); }), 5);
+  EXPECT_EQ(test::raisedBy([&] { files().Dir(); }), 5);
 }
 
 TEST_F(FilesContract, DirForgetsTheQueryBefore) {
@@ -112,33 +114,33 @@ TEST_F(FilesContract, KillTakesWhatItCanBesideWhatItCannot) {
   made(u"a.tmp");
   made(u"c.tmp");
   files().SetFileAttributesA(kept, file_attribute::readOnly);
-  EXPECT_EQ(errorOf([&] { files().Kill(in(u"*.tmp")); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(in(u"*.tmp")); }), 75);
   EXPECT_EQ(files().Dir(in(u"*.tmp"), 38), u"b.tmp");
   EXPECT_EQ(files().Dir(), u"");
   files().SetFileAttributesA(kept, file_attribute::normal);
 }
 
 TEST_F(FilesContract, KillTellsWhyItCannot) {
-  EXPECT_EQ(errorOf([&] { files().Kill(in(u"none")); }), 53);
-  EXPECT_EQ(errorOf([&] { files().Kill(in(u"*.none")); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(in(u"none")); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(in(u"*.none")); }), 53);
   const Text fixed = made(u"fixed");
   ASSERT_TRUE(files().SetFileAttributesA(fixed, 1));
-  EXPECT_EQ(errorOf([&] { files().Kill(fixed); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(fixed); }), 75);
   ASSERT_TRUE(files().SetFileAttributesA(fixed, 0));
   files().OpenBinary(1, fixed, true);
-  EXPECT_EQ(errorOf([&] { files().Kill(fixed); }), 70);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(fixed); }), 70);
   files().Close(1);
 }
 
 TEST_F(FilesContract, DirectoriesAreMadeAndRemoved) {
   files().MkDir(in(u"d"));
-  EXPECT_EQ(errorOf([&] { files().MkDir(in(u"d")); }), 75);
-  EXPECT_EQ(errorOf([&] { files().MkDir(in(u"no\\d")); }), 76);
+  EXPECT_EQ(test::raisedBy([&] { files().MkDir(in(u"d")); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().MkDir(in(u"no\\d")); }), 76);
   made(u"d\\file");
-  EXPECT_EQ(errorOf([&] { files().RmDir(in(u"d")); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().RmDir(in(u"d")); }), 75);
   files().Kill(in(u"d\\file"));
   files().RmDir(in(u"d"));
-  EXPECT_EQ(errorOf([&] { files().RmDir(in(u"d")); }), 76);
+  EXPECT_EQ(test::raisedBy([&] { files().RmDir(in(u"d")); }), 76);
 }
 
 TEST_F(FilesContract, AttributesAndLengthAreThoseOfTheFile) {
@@ -146,8 +148,8 @@ TEST_F(FilesContract, AttributesAndLengthAreThoseOfTheFile) {
   EXPECT_EQ(files().GetAttr(path), 32);
   EXPECT_EQ(files().GetAttr(bench().folder()) & 16, 16);
   EXPECT_EQ(files().FileLen(path), 5);
-  EXPECT_EQ(errorOf([&] { files().GetAttr(in(u"none")); }), 53);
-  EXPECT_EQ(errorOf([&] { files().FileLen(in(u"none")); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { files().GetAttr(in(u"none")); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { files().FileLen(in(u"none")); }), 53);
   EXPECT_FALSE(files().SetFileAttributesA(in(u"none"), 0));
 }
 
@@ -159,7 +161,7 @@ TEST_F(FilesContract, AFileIsPeekedIntoByItsNameAtAnyPlace) {
   EXPECT_EQ(files().peek(path, 4, piece), 3u);
   EXPECT_EQ(std::string(piece.begin(), piece.end()), "5\r\n5");
   EXPECT_EQ(files().peek(path, 100, piece), 0u);
-  EXPECT_EQ(errorOf([&] { files().peek(in(u"none"), 0, piece); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { files().peek(in(u"none"), 0, piece); }), 53);
   EXPECT_EQ(files().FreeFile(), 1);
   files().Kill(path);  // nobody has it open
 }
@@ -171,7 +173,7 @@ TEST_F(FilesContract, AFileIsPeekedIntoWhileItIsOpenUnlessItIsLocked) {
   EXPECT_EQ(files().peek(path, 0, piece), 2u);
   files().Close(1);
   files().OpenBinary(1, path, true);
-  EXPECT_EQ(errorOf([&] { files().peek(path, 0, piece); }), 70);
+  EXPECT_EQ(test::raisedBy([&] { files().peek(path, 0, piece); }), 70);
   files().Close(1);
 }
 
@@ -184,7 +186,7 @@ TEST_F(FilesContract, AnOpenFileIsPeekedIntoByItsNumberEvenIfItIsLocked) {
   EXPECT_EQ(files().peek(1, 100, piece), 0u);
   EXPECT_EQ(files().LOF(1), 7);
   files().Close(1);
-  EXPECT_EQ(errorOf([&] { files().peek(1, 0, piece); }), 52);
+  EXPECT_EQ(test::raisedBy([&] { files().peek(1, 0, piece); }), 52);
 }
 
 // ---- numbers
@@ -196,10 +198,10 @@ TEST_F(FilesContract, NumbersAreGivenFromTheLowestOn) {
   EXPECT_EQ(files().FreeFile(), 3);
   files().Close(1);
   EXPECT_EQ(files().FreeFile(), 1);
-  EXPECT_EQ(errorOf([&] { files().OpenOutput(2, in(u"three")); }), 55);
-  EXPECT_EQ(errorOf([&] { files().OpenOutput(512, in(u"three")); }), 52);
-  EXPECT_EQ(errorOf([&] { files().LOF(1); }), 52);
-  EXPECT_EQ(errorOf([&] { files().Close(77); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenOutput(2, in(u"three")); }), 55);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenOutput(512, in(u"three")); }), 52);
+  EXPECT_EQ(test::raisedBy([&] { files().LOF(1); }), 52);
+  EXPECT_EQ(test::raisedBy([&] { files().Close(77); }), 0);
 }
 
 // ---- binary files
@@ -212,8 +214,8 @@ TEST_F(FilesContract, BinaryFilesAreWrittenAndReadByPosition) {
   EXPECT_EQ(get(2, 3), "bXY");
   EXPECT_EQ(get(5, 4), std::string("ef\0\0", 4));
   EXPECT_EQ(get(100, 2), std::string("\0\0", 2));
-  EXPECT_EQ(errorOf([&] { get(0, 1); }), 63);
-  EXPECT_EQ(errorOf([&] { put(0, "x"); }), 63);
+  EXPECT_EQ(test::raisedBy([&] { get(0, 1); }), 63);
+  EXPECT_EQ(test::raisedBy([&] { put(0, "x"); }), 63);
   files().Close(1);
   EXPECT_EQ(files().FileLen(in(u"bin")), 6);
 }
@@ -221,10 +223,10 @@ TEST_F(FilesContract, BinaryFilesAreWrittenAndReadByPosition) {
 TEST_F(FilesContract, ALockedFileIsNobodyElses) {
   const Text path = made(u"file");
   files().OpenBinary(1, path, true);
-  EXPECT_EQ(errorOf([&] { files().OpenBinary(2, path, false); }), 70);
-  EXPECT_EQ(errorOf([&] { files().OpenInput(2, path); }), 70);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenBinary(2, path, false); }), 70);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenInput(2, path); }), 70);
   files().Close(1);
-  EXPECT_EQ(errorOf([&] { files().OpenInput(2, path); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenInput(2, path); }), 0);
 }
 
 TEST_F(FilesContract, AReadOnlyFileOpensForReading) {
@@ -233,8 +235,8 @@ TEST_F(FilesContract, AReadOnlyFileOpensForReading) {
   files().OpenBinary(1, path, false);
   EXPECT_EQ(get(1, 3), "abc");
   files().Close(1);
-  EXPECT_EQ(errorOf([&] { files().OpenBinaryWrite(1, path); }), 75);
-  EXPECT_EQ(errorOf([&] { files().OpenOutput(1, path); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenBinaryWrite(1, path); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenOutput(1, path); }), 75);
   ASSERT_TRUE(files().SetFileAttributesA(path, 0));
 }
 
@@ -253,7 +255,7 @@ TEST_F(FilesContract, InputReadsItemsAsTheyWerePrinted) {
     EXPECT_EQ(files().Input(1), item);
   }
   EXPECT_TRUE(files().Eof(1));
-  EXPECT_EQ(errorOf([&] { files().Input(1); }), 62);
+  EXPECT_EQ(test::raisedBy([&] { files().Input(1); }), 62);
   files().Close(1);
 }
 
@@ -287,12 +289,12 @@ TEST_F(FilesContract, OutputThatNothingWasPrintedIntoLeavesWhatIsThere) {
 
 TEST_F(FilesContract, AFileIsUsedInTheModeItWasOpenedFor) {
   files().OpenOutput(1, in(u"file"));
-  EXPECT_EQ(errorOf([&] { get(1, 1); }), 54);
-  EXPECT_EQ(errorOf([&] { files().Input(1); }), 54);
+  EXPECT_EQ(test::raisedBy([&] { get(1, 1); }), 54);
+  EXPECT_EQ(test::raisedBy([&] { files().Input(1); }), 54);
   files().Close(1);
-  EXPECT_EQ(errorOf([&] { files().OpenInput(1, in(u"none")); }), 53);
-  EXPECT_EQ(errorOf([&] { files().OpenInput(1, in(u"no\\none")); }), 76);
-  EXPECT_EQ(errorOf([&] { files().OpenOutput(1, in(u"no\\none")); }), 76);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenInput(1, in(u"none")); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenInput(1, in(u"no\\none")); }), 76);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenOutput(1, in(u"no\\none")); }), 76);
 }
 
 }  // namespace

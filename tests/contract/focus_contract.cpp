@@ -151,8 +151,8 @@ TEST_F(FocusContract, IsGivenToNoControlThatCannotTakeIt) {
   command2.Enabled = false;
   settle();
   events.clear();
-  EXPECT_EQ(errorOf([&] { text.SetFocus(); }), 5);
-  EXPECT_EQ(errorOf([&] { command2.SetFocus(); }), 5);
+  EXPECT_EQ(test::raisedBy([&] { text.SetFocus(); }), 5);
+  EXPECT_EQ(test::raisedBy([&] { command2.SetFocus(); }), 5);
   settle();
   EXPECT_THAT(events, IsEmpty());
   EXPECT_EQ(focused(), "Command1");

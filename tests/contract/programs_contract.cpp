@@ -24,7 +24,7 @@ TEST_F(ProcessesContract, StartsAQuotedCommandLineWithArguments) {
 }
 
 TEST_F(ProcessesContract, CannotStartWhatIsNotThere) {
-  EXPECT_EQ(errorOf([&] { platform().processes.Shell(in(u"none.exe"), 1); }), 53);
+  EXPECT_EQ(test::raisedBy([&] { platform().processes.Shell(in(u"none.exe"), 1); }), 53);
 }
 
 TEST_F(ProcessesContract, OpensNoProcessThatIsNone) {
@@ -61,13 +61,13 @@ TEST_F(ShortcutsContract, SavesNothingInAMissingFolder) {
   const auto shell = platform().shortcuts.CreateObject();
   const auto shortcut = shell->CreateShortcut(in(u"none\\One.lnk"));
   shortcut->TargetPath(bench().program());
-  EXPECT_NE(errorOf([&] { shortcut->Save(); }), 0);
+  EXPECT_NE(test::raisedBy([&] { shortcut->Save(); }), 0);
 }
 
 TEST_F(ShortcutsContract, KnowsShortcutsByTheirExtension) {
   if (bench().isWine()) GTEST_SKIP() << "Wine makes a shortcut of any name";
   const auto shell = platform().shortcuts.CreateObject();
-  EXPECT_NE(errorOf([&] { shell->CreateShortcut(in(u"One.txt")); }), 0);
+  EXPECT_NE(test::raisedBy([&] { shell->CreateShortcut(in(u"One.txt")); }), 0);
 }
 
 TEST_F(ShortcutsContract, KnowsTheDesktop) {
@@ -85,28 +85,28 @@ TEST_F(DdeContract, AServerThatIsNotThereDoesNotAnswer) {
   Dde& dde = platform().dde;
   dde.LinkTopic(u"NoSuchService|topic");
   dde.LinkTimeout(1);
-  EXPECT_EQ(errorOf([&] { dde.LinkMode(2); }), 282);
-  EXPECT_EQ(errorOf([&] { dde.LinkMode(0); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkMode(2); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkMode(0); }), 0);
 }
 
 TEST_F(DdeContract, AProgramManagerTakesCommandsUntilTheConversationEnds) {
   Dde& dde = platform().dde;
   dde.LinkTopic(u"Progman|progman");
   dde.LinkItem(u"");
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 282);
-  ASSERT_EQ(errorOf([&] { dde.LinkMode(2); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 282);
+  ASSERT_EQ(test::raisedBy([&] { dde.LinkMode(2); }), 0);
   dde.LinkTimeout(100);
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 0);
   dde.LinkMode(0);
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 282);
 }
 
 TEST_F(DdeContract, ANewTopicEndsTheConversation) {
   Dde& dde = platform().dde;
   dde.LinkTopic(u"Progman|progman");
-  ASSERT_EQ(errorOf([&] { dde.LinkMode(2); }), 0);
+  ASSERT_EQ(test::raisedBy([&] { dde.LinkMode(2); }), 0);
   dde.LinkTopic(u"Progman|progman");
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[CreateGroup(Contract)]"); }), 282);
 }
 
 }  // namespace

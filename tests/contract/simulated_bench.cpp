@@ -2,19 +2,12 @@
 #include <string>
 
 #include "contract/bench.h"
+#include "simulated/nobody.h"
+#include "simulated/put_text.h"
 #include "simulated/simulated_machine.h"
 
 namespace zev::contract {
 namespace {
-
-class Nobody final : public simulated::Person {
- public:
-  bool next() override { return false; }
-  BoxAnswer answer(const simulated::Box& box) override {
-    return simulated::defaultAnswer(box.style);
-  }
-  Text input(TextView, TextView, TextView) override { return {}; }
-};
 
 /// A machine of the code page that the environment names, or else of the usual one.
 class SimulatedBench final : public Bench {
@@ -24,7 +17,7 @@ class SimulatedBench final : public Bench {
       machine_.settings().system.codePage = static_cast<std::uint32_t>(std::stoul(page));
     }
     machine_.disks().putDirectory(folder());
-    machine_.disks().putText(program(), "MZ");
+    putText(machine_.disks(), program(), "MZ");
     machine_.startProgram();
   }
 
@@ -55,7 +48,7 @@ class SimulatedBench final : public Bench {
   void nameDocuments(const Text& path) override { machine_.settings().folders.documents = path; }
 
  private:
-  Nobody person_;
+  simulated::Nobody person_;
   simulated::NoTranscript transcript_;
   simulated::SimulatedMachine machine_{person_, transcript_};
 };

@@ -6,6 +6,7 @@
 #include <array>
 
 #include "destination/expected_boxes.h"
+#include "simulated/put_text.h"
 #include "support/table.h"
 
 namespace zev {
@@ -158,7 +159,7 @@ TEST_F(EarlierVersionsTest, AreNotTouched) {
 
 TEST_F(EarlierVersionsTest, AreStartedInANormalWindowWithoutAWait) {
   lay({Record::Equal, Record::None, Record::None});
-  machine.disks().putText(u"C:\\Recorder\\Uninstall ZEV.exe", "x");
+  putText(machine.disks(), u"C:\\Recorder\\Uninstall ZEV.exe", "x");
   person.answers = {BoxAnswer::Yes};
   EXPECT_FALSE(accepted());
   EXPECT_EQ(started().size(), 1u);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "destination/expected_boxes.h"
+#include "simulated/put_text.h"
 
 namespace zev {
 namespace {
@@ -56,7 +57,7 @@ class InstalledMachine : public OnThePage {
  private:
   void keep(TextView onRecord, bool inValueFile) {
     if (inValueFile) {
-      machine.disks().putText(join(userFolder, u"\\Dizin"), toUtf8(onRecord) + "\r\n");
+      putText(machine.disks(), join(userFolder, u"\\Dizin"), toUtf8(onRecord) + "\r\n");
     } else {
       record(u"Software\\Tavorns\\ZEV5", onRecord);
     }

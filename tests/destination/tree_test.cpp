@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "destination/expected_boxes.h"
+#include "simulated/put_text.h"
 
 namespace zev {
 namespace {
@@ -76,7 +77,7 @@ TEST(Trees, TellTheWholePathWhenALookFails) {
 }
 
 TEST_F(Tree, CannotBeMadeInAFolderThatIsAFile) {
-  machine.disks().putText(u"C:\\file", "x");
+  putText(machine.disks(), u"C:\\file", "x");
   EXPECT_FALSE(check(u"C:\\file\\below"));
   EXPECT_EQ(boxes(), Boxes{notMadeBox(u"C:\\file\\below")});
 }

@@ -10,6 +10,7 @@
 #include "lz/reference.h"
 #include "package/extract_file.h"
 #include "package/package_end.h"
+#include "simulated/put_text.h"
 #include "system/on_a_machine.h"
 
 namespace zev::fuzz {
@@ -140,7 +141,7 @@ void tryExtraction(Data data) {
   if (size < 1 || size > 1 << 24) return;
   const Data file = input.rest();
   OnAMachine on;
-  on.machine.disks().putText(packagePath, asText(file));
+  putText(on.machine.disks(), packagePath, asText(file));
   const bool copied = ExtractFile(*on.program, *on.phrases, packagePath, workPath, size, tail);
   // Places are numbers of 32 bits, also on the way to them.
   constexpr std::int64_t most = 0x7FFFFFFF;
@@ -201,7 +202,7 @@ void tryProject(Data data) {
   path.resize(room, u' ');
   const Data project = input.rest();
   OnAMachine on;
-  on.machine.disks().putText(u"C:\\p.zrd", asText(project));
+  putText(on.machine.disks(), u"C:\\p.zrd", asText(project));
   on.files().OpenBinaryWrite(1, u"C:\\p.zrd");
   on.files().PutText(1, static_cast<std::int32_t>(place) + 1, path);
   on.files().Close(1);

@@ -9,6 +9,7 @@
 #include "destination/on_the_page.h"
 #include "fuzz/target.h"
 #include "scenario/scenario.h"
+#include "simulated/put_text.h"
 #include "simulated/shell_link.h"
 #include "simulated/state_report.h"
 #include "system/on_a_machine.h"
@@ -232,8 +233,8 @@ void tryValueFile(Data data) {
   const Text written = input.text(40);
   const Data content = input.rest();
   OnAMachine on;
-  on.machine.disks().putText(join(folder, u"\\read"),
-                             {reinterpret_cast<const char*>(content.data()), content.size()});
+  putText(on.machine.disks(), join(folder, u"\\read"),
+          {reinterpret_cast<const char*>(content.data()), content.size()});
   ValueFiles values(on.files(), on.program->platform.dialogs, *on.phrases);
   const Text read = values.ReadConf(folder, u"read", u"default");
   const std::string expected = itemsJoined({content.begin(), content.end()});

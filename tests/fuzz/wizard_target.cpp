@@ -120,7 +120,7 @@ void tryWizard(Data data) {
   const scenario::Scenario scenario = scenario::parseScenario(document.dump());
   simulated::NoTranscript nobody;
   Patient person;
-  scenario::SimulatedStage stage(scenario, makeSetupProgram, nobody);
+  simulator::SimulatedStage stage(scenario, simulator::makeSetupProgram, nobody);
   laySmallPackage(stage.machine());
   try {
     stage.perform({&person});

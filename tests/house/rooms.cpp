@@ -80,6 +80,18 @@ std::vector<std::string> systemsAskedFor(std::string_view source) {
   return found;
 }
 
+std::vector<std::string> namespacesOf(std::string_view source) {
+  std::vector<std::string> found;
+  std::istringstream lines{std::string(source)};
+  for (std::string line; std::getline(lines, line);) {
+    if (!line.starts_with("namespace") || line.find('=') != std::string::npos) continue;
+    const std::vector<std::string> words = wordsOf(line.substr(0, line.find('{')));
+    if (words.size() != 2) continue;
+    if (words[1] == "zev" || words[1].starts_with("zev::")) found.push_back(words[1]);
+  }
+  return found;
+}
+
 std::set<std::string> knownRooms(std::string_view cmake) {
   constexpr std::string_view keyword = "KNOWS";
   const std::size_t begin = cmake.find(keyword);

@@ -23,6 +23,10 @@ Includes includesOf(std::string_view source);
 /// The names of an operating system or compiler that a source file asks for by the preprocessor.
 std::vector<std::string> systemsAskedFor(std::string_view source);
 
+/// The namespaces of the project that a source file opens, by their whole names as they are
+/// written, in their order. Unnamed ones and other names for a namespace are left out.
+std::vector<std::string> namespacesOf(std::string_view source);
+
 /// What a room's CMakeLists.txt names behind KNOWS, but for libraries of others ("Name::name").
 std::set<std::string> knownRooms(std::string_view cmake);
 

@@ -37,6 +37,28 @@ const Arrows allowed = {
     {"posix", {"runtime", "code_page", "platform"}},
 };
 
+/// The namespace of all code in a folder and those within it. What stands in no such folder has the
+/// project's own, `zev`.
+const std::map<std::string, std::string> namespaces = {
+    {"lz", "zev::lz"},
+    {"observed", "zev::observed"},
+    {"posix", "zev::posix"},
+    {"programs/zevdrive", "zev::drive"},
+    {"programs/zevnet", "zev::netcat"},
+    {"programs/zevpack", "zev::packing"},
+    {"programs/zevsim", "zev::simulator"},
+    {"scenario", "zev::scenario"},
+    {"simulated", "zev::simulated"},
+    {"win32", "zev::win32"},
+};
+
+std::string namespaceOf(const std::string& path) {
+  for (const auto& [folder, name] : namespaces) {
+    if (path.starts_with(folder + "/")) return name;
+  }
+  return "zev";
+}
+
 std::string roomOf(const std::string& path) { return path.substr(0, path.find('/')); }
 
 /// The headers of the standard library have neither a folder nor an ending.
@@ -105,6 +127,17 @@ TEST(House, HasNoArrowsInACircle) {
   }
 }
 
+TEST(House, HasOneNamespaceInARoom) {
+  std::set<std::string> found;
+  for (const SourceFile& file : filesOf(src, ".")) {
+    for (const std::string& name : namespacesOf(file.contents)) {
+      EXPECT_EQ(name, namespaceOf(file.name)) << file.name;
+      found.insert(name);
+    }
+  }
+  for (const auto& [folder, name] : namespaces) EXPECT_EQ(found.count(name), 1u) << folder;
+}
+
 // ---- the checks themselves
 
 TEST(HouseChecks, FindIncludesHoweverTheyAreWritten) {
@@ -125,6 +158,13 @@ TEST(HouseChecks, FindWhatThePreprocessorIsAskedFor) {
   EXPECT_EQ(systemsAskedFor("#if 0\n#elif defined _MSC_VER\n#endif\n"),
             std::vector<std::string>{"_MSC_VER"});
   EXPECT_TRUE(systemsAskedFor("/// not on _WIN32\n#ifndef MY_WIN32_HEADER\n").empty());
+}
+
+TEST(HouseChecks, FindNamespaces) {
+  EXPECT_EQ(namespacesOf("namespace zev {\nnamespace zev::lz {\nnamespace {\nnamespace error {\n"
+                         "namespace fs = std::filesystem;\nnamespace z = zev::lz;\n"
+                         "using namespace zev;\n}  // namespace zev\nnamespace zevon {\n"),
+            (std::vector<std::string>{"zev", "zev::lz"}));
 }
 
 TEST(HouseChecks, ReadWhatARoomKnows) {

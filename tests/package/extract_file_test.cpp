@@ -9,6 +9,7 @@
 #include "lz/encoder.h"
 #include "package/manifest.h"
 #include "package/projects.h"
+#include "simulated/put_text.h"
 #include "support/made_image.h"
 #include "system/on_a_machine.h"
 
@@ -23,7 +24,7 @@ constexpr TextView work = u"C:\\work.wa_";
 
 class ExtractFileTest : public OnAMachine, public testing::Test {
  protected:
-  ExtractFileTest() : OnAMachine(true) { machine.disks().putText(package, "0123456789"); }
+  ExtractFileTest() : OnAMachine(true) { putText(machine.disks(), package, "0123456789"); }
   bool extract(std::int32_t size, std::int32_t tailOffset) {
     return ExtractFile(*program, *phrases, join(package, u"  "), join(u" ", work), size,
                        tailOffset);
@@ -57,7 +58,7 @@ TEST_F(ExtractFileTest, CountsBackFromTheEnd) {
 /// What the disk had no room for may be missing at the end.
 TEST_F(ExtractFileTest, HeldFileHasWhatWasWrittenAndNothingElse) {
   const auto holds = [&](std::string_view found, std::string_view written) {
-    machine.disks().putText(work, std::string(found));
+    putText(machine.disks(), work, std::string(found));
     const Hold held = program->platform.holds.hold(work, Holding::ToKeep);
     return holdsNothingBut(held, test::Bytes(written.begin(), written.end()));
   };
@@ -73,10 +74,10 @@ TEST_F(ExtractFileTest, HeldFileIsAllOfWhatThePackedOneExpandsTo) {
   const std::string_view plain = "a program, and what it is made of";
   const auto packed =
       lz::compress({reinterpret_cast<const std::uint8_t*>(plain.data()), plain.size()}, 0);
-  machine.disks().putText(work, std::string(packed.begin(), packed.end()));
+  putText(machine.disks(), work, std::string(packed.begin(), packed.end()));
   const Hold heldWork = program->platform.holds.hold(work, Holding::ToKeep);
   const auto holds = [&](const std::string& found) {
-    machine.disks().putText(laid, found);
+    putText(machine.disks(), laid, found);
     return holdsExpanded(program->platform.holds.hold(laid, Holding::ToKeep), heldWork);
   };
   const std::string whole(plain);
@@ -100,7 +101,7 @@ TEST_F(ExtractFileTest, CountsBackFromTheTableThatSigningLeaves) {
     file.push_back(static_cast<std::uint8_t>(digit));
   }
   const test::Bytes withTable = test::signedFile(file);
-  machine.disks().putText(package, std::string(withTable.begin(), withTable.end()));
+  putText(machine.disks(), package, std::string(withTable.begin(), withTable.end()));
   EXPECT_TRUE(extract(3, 0));
   EXPECT_EQ(textOf(work), "789");
   EXPECT_TRUE(extract(2, 3));
@@ -138,13 +139,13 @@ TEST_F(ExtractFileTest, ArithmeticThatOverflowsIsError6) {
 }
 
 TEST_F(ExtractFileTest, ALongerOldFileLeavesNoTail) {
-  machine.disks().putText(work, "a much longer file");
+  putText(machine.disks(), work, "a much longer file");
   EXPECT_TRUE(extract(3, 0));
   EXPECT_EQ(textOf(work), "789");
 }
 
 TEST_F(ExtractFileTest, AnOldFileThatStaysIsToldAndThenTheTrapsBox) {
-  machine.disks().putText(work, "old");
+  putText(machine.disks(), work, "old");
   files().SetFileAttributesA(work, 1);
   EXPECT_FALSE(extract(3, 0));
   EXPECT_THAT(boxTexts(), testing::ElementsAre("Couldn't delete the file C:\\work.wa_",
@@ -154,7 +155,7 @@ TEST_F(ExtractFileTest, AnOldFileThatStaysIsToldAndThenTheTrapsBox) {
 }
 
 TEST_F(ExtractFileTest, AHiddenOldFileIsReplaced) {
-  machine.disks().putText(work, "old and long");
+  putText(machine.disks(), work, "old and long");
   files().SetFileAttributesA(work, 2);
   EXPECT_TRUE(extract(3, 0));
   EXPECT_EQ(textOf(work), "789");
@@ -194,7 +195,7 @@ TEST_F(ExtractFileTest, AFullDiskIsError61) {
 
 TEST_F(ExtractFileTest, TheProjectsPathIs512BytesInAnyCodePage) {
   machine.settings().system.codePage = 65001;
-  machine.disks().putText(u"C:\\SampleProject.zrd", std::string(600, 'x'));
+  putText(machine.disks(), u"C:\\SampleProject.zrd", std::string(600, 'x'));
   globals().gInstallDir = u"C:\\Pr\u00F6gram";
   patchSampleProject(*program, u"C:");
   const std::string patched = textOf(u"C:\\SampleProject.zrd");

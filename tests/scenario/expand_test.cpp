@@ -5,7 +5,6 @@
 #include <fstream>
 
 #include "scenario/common_names.h"
-#include "scenario/layout.h"
 #include "scenario/toy_play.h"
 
 namespace zev::scenario {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "scenario/toy_play.h"
+#include "simulated/put_text.h"
 
 namespace zev::scenario {
 namespace {
@@ -202,7 +203,7 @@ class StartExpectation : public testing::Test {
  protected:
   StartExpectation() {
     simulated::SimulatedMachine& machine = play.stage->machine();
-    machine.disks().putText(u"C:\\a.exe", "MZ");
+    putText(machine.disks(), u"C:\\a.exe", "MZ");
     machine.platform().processes.Shell(u"C:\\a.exe /x", 1);
     EXPECT_THROW(machine.platform().processes.Shell(u"\"C:\\none.exe\"", 7), RuntimeError);
     machine.disks().putDirectory(u"C:\\Some Where");

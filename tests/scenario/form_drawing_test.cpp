@@ -9,7 +9,7 @@ namespace zev::scenario {
 namespace {
 
 std::string drawing(const ToyPlay& play) {
-  return drawForm(*play.stage->machine().screen().activeForm());
+  return simulator::drawForm(*play.stage->machine().screen().activeForm());
 }
 
 TEST(FormDrawing, DrawsAFormInItsLayout) {
@@ -65,7 +65,7 @@ TEST(FormDrawing, GivesAControlTheRowThatTwoThirdsOfARowReach) {
              .controls = heightsOnAPage});
   for (const auto* name : {u"Label1", u"Label2", u"Label3"})
     form.control<Label>(name).Caption = name;
-  EXPECT_EQ(drawForm(form), R"(+- T ----------------------+
+  EXPECT_EQ(simulator::drawForm(form), R"(+- T ----------------------+
 | Label1                   |
 |             Label3       |
 | Label2                   |
@@ -81,7 +81,7 @@ std::string drawnTree(TextView opened) {
   Form form(
       {.name = u"Form1", .caption = u"T", .width = 1800, .height = 1200, .controls = treeControls});
   form.control<DirListBox>(u"Dir1").setPath(opened);
-  return drawForm(form, {}, [](const Text& folder) -> std::vector<Text> {
+  return simulator::drawForm(form, {}, [](const Text& folder) -> std::vector<Text> {
     if (folder == u"C:\\Apps") return {u"One", u"Two"};
     if (folder == u"C:\\") return {u"A", u"B", u"C", u"D", u"E"};
     return {};
@@ -124,7 +124,7 @@ TEST(FormDrawing, TellsThatATextHasMore) {
   };
   const Form form(
       {.name = u"Form1", .caption = u"T", .width = 2550, .height = 960, .controls = controls});
-  EXPECT_EQ(drawForm(form), R"(+- T --------------------------------+
+  EXPECT_EQ(simulator::drawForm(form), R"(+- T --------------------------------+
 |  |1                             |  |
 |  |2                             |  |
 |  |3                             |  |
@@ -135,7 +135,7 @@ TEST(FormDrawing, TellsThatATextHasMore) {
 
 TEST(FormDrawing, DrawsOnANarrowSheet) {
   const ToyPlay play = playScript("");
-  EXPECT_EQ(drawForm(*play.stage->machine().screen().activeForm(), {40, 24}),
+  EXPECT_EQ(simulator::drawForm(*play.stage->machine().screen().activeForm(), {40, 24}),
             R"(+- Toy --------------------------------+
 |  Welcome to the toy. It has two      |
 |  pages, and that is all.             |
@@ -154,7 +154,7 @@ TEST(FormDrawing, DrawsOnANarrowSheet) {
 
 TEST(FormDrawing, DrawsOnASheetOfFewLines) {
   const ToyPlay play = playScript("");
-  EXPECT_EQ(drawForm(*play.stage->machine().screen().activeForm(), {78, 8}),
+  EXPECT_EQ(simulator::drawForm(*play.stage->machine().screen().activeForm(), {78, 8}),
             R"(+- Toy ----------------------------------------------------------+
 |   Welcome to the toy. It has two pages, and that is all.       |
 |   [first                       ]  [locked                ]     |
@@ -177,7 +177,7 @@ TEST(FormDrawing, MarksWhatIsDisabledByColons) {
 TEST(FormDrawing, ListsWhatAPersonCanUse) {
   const ToyPlay play = playScript(R"({"focus": "Text1"})");
   const Form& form = *play.stage->machine().screen().activeForm();
-  EXPECT_EQ(listControls(form, play.stage->machine().screen().focused(form)),
+  EXPECT_EQ(simulator::listControls(form, play.stage->machine().screen().focused(form)),
             "use:       >Text1 \"first\"  Combo1  Text2 \"locked\"  Command2 \"Next >>\"\n"
             "           Command3 \"Cancel\"  Command4 \"More\"  Command5 \"Name\"\n"
             "           Command6 \"Stop\"  Command7 \"Fail\"\n"

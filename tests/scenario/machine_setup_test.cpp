@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "scenario/toy_play.h"
+#include "simulated/nobody.h"
 
 namespace zev::scenario {
 namespace {
@@ -10,22 +11,14 @@ namespace {
 using simulated::Disks;
 using simulated::SimulatedMachine;
 
-/// Nobody: no program runs on these machines.
-class Nobody final : public simulated::Person {
- public:
-  bool next() override { return false; }
-  BoxAnswer answer(const simulated::Box&) override { return BoxAnswer::OK; }
-  Text input(TextView, TextView, TextView) override { return {}; }
-};
-
 /// A machine as a `machine` object describes it; the object's inside is given.
 struct Built {
   explicit Built(std::string_view description) {
-    setUp(machine, parseScenario(document(description)).machine);
+    simulator::setUp(machine, parseScenario(document(description)).machine);
   }
 
   void change(std::string_view keys) {
-    scenario::change(machine, parseScenario(document(keys)).machine);
+    simulator::change(machine, parseScenario(document(keys)).machine);
   }
 
   static std::string document(std::string_view keys) {
@@ -35,6 +28,11 @@ struct Built {
   const Disks& disks() const { return machine.disks(); }
   const simulated::SystemSettings& system() const { return machine.settings().system; }
   const simulated::FolderSettings& folders() const { return machine.settings().folders; }
+  simulated::Guard guard(TextView path) const {
+    simulated::Path place;
+    simulated::parsePath(path, {}, place);
+    return disks().at(place.drive)->guard(place);
+  }
   bool directory(TextView path) const {
     const auto entry = disks().find(path);
     return entry && (entry->attributes & file_attribute::directory) != 0;
@@ -47,7 +45,7 @@ struct Built {
     return machine.registry().value(HKEY_LOCAL_MACHINE, key, name);
   }
 
-  Nobody nobody;
+  simulated::Nobody nobody;
   simulated::NoTranscript transcript;
   SimulatedMachine machine{nobody, transcript};
 };
@@ -175,7 +173,7 @@ TEST(MachineSetup, LaysFilesOfEveryKind) {
   EXPECT_EQ(built.disks().find(u"C:\\zeros.bin")->size, 3000000u);
   EXPECT_EQ(built.disks().find(u"C:\\marked.txt")->attributes & 7u,
             file_attribute::hidden | file_attribute::readOnly);
-  const simulated::Guard guard = built.disks().guard(u"C:\\marked.txt");
+  const simulated::Guard guard = built.guard(u"C:\\marked.txt");
   EXPECT_TRUE(guard.locked);
   EXPECT_TRUE(guard.inUse);
   EXPECT_TRUE(guard.deny.write);
@@ -206,7 +204,7 @@ TEST(MachineSetup, ChangesTheAttributesOfWhatIsThere) {
   EXPECT_EQ(built.text(u"C:\\a.txt"), "kept");
   EXPECT_EQ(built.disks().find(u"C:\\a.txt")->attributes & 7u, file_attribute::system);
   EXPECT_TRUE(built.directory(u"C:\\Windows"));
-  EXPECT_TRUE(built.disks().guard(u"C:\\Windows").deny.create);
+  EXPECT_TRUE(built.guard(u"C:\\Windows").deny.create);
 }
 
 TEST(MachineSetup, RefusesAFileOnADriveThatIsNotThere) {
@@ -248,11 +246,11 @@ TEST(MachineSetup, WritesRegistryValuesOfEveryType) {
 
 TEST(MachineSetup, RemovesValuesAndKeys) {
   Built built(R"("registry": {"HKLM": {"A\\B": {"x": 1, "y": 2}, "C": {}}})");
-  EXPECT_TRUE(built.machine.registry().hasKey(HKEY_LOCAL_MACHINE, u"C"));
+  EXPECT_NE(built.machine.registry().find(HKEY_LOCAL_MACHINE, u"C"), nullptr);
   built.change(R"("registry": {"HKLM": {"A\\B": {"x": null}, "C": null}})");
   EXPECT_FALSE(built.value(u"A\\B", u"x").has_value());
   EXPECT_TRUE(built.value(u"A\\B", u"y").has_value());
-  EXPECT_FALSE(built.machine.registry().hasKey(HKEY_LOCAL_MACHINE, u"C"));
+  EXPECT_EQ(built.machine.registry().find(HKEY_LOCAL_MACHINE, u"C"), nullptr);
 }
 
 TEST(MachineSetup, RemovesAValueWhateverIsNamedBeforeIt) {

@@ -168,7 +168,7 @@ TEST(Play, HandsAnInputBoxToItsAudience) {
   const Scenario scenario = parseScenario(R"({"script": [{"click": "Command5"}]})");
   simulated::NoTranscript transcript;
   InputWitness witness;
-  SimulatedStage(scenario, makeToyProgram, transcript).perform({&witness});
+  simulator::SimulatedStage(scenario, makeToyProgram, transcript).perform({&witness});
   EXPECT_EQ(witness.heard, (std::vector<Text>{u"Your name:|Name|nobody", u"Your name:|Name|Eve"}));
 }
 

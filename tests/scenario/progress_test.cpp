@@ -19,13 +19,14 @@ TEST(Progress, TellsAFileInOneLine) {
   Label& file = form.control<Label>(u"Label12");
   file.Caption = Text(severalLines);
   std::ostringstream out;
-  Progress(out, false).propertyWritten(form, file.property("Caption"));
+  simulator::Progress(out, false).propertyWritten(form, file.property("Caption"));
   EXPECT_EQ(out.str(), "0%  one two three  five\n");
 }
 
 TEST(Progress, TellsABoxInOneLine) {
   std::ostringstream out;
-  Progress(out, false).boxAnswered({.text = Text(severalLines), .title = u"Toy"}, BoxAnswer::OK);
+  simulator::Progress(out, false)
+      .boxAnswered({.text = Text(severalLines), .title = u"Toy"}, BoxAnswer::OK);
   EXPECT_EQ(out.str(), "[Toy] one two three  five  -> ok\n");
 }
 

@@ -19,11 +19,11 @@ using testing::StartsWith;
 
 /// What a typed line stands for, as a step of a script.
 std::string stepOf(const std::string& line, const Form* active = nullptr) {
-  return parseLine(line, active).source.dump();
+  return simulator::parseLine(line, active).source.dump();
 }
 
 std::string lineError(const std::string& line) {
-  return errorOf([&] { parseLine(line, nullptr); });
+  return errorOf([&] { simulator::parseLine(line, nullptr); });
 }
 
 TEST(Prompt, TakesTheVerbsOfAScript) {
@@ -65,7 +65,7 @@ TEST(Prompt, FindsAnEntryByItsBeginning) {
   EXPECT_EQ(stepOf("select Combo1 FRANC", form), R"({"select":["Combo1","Français"]})");
   EXPECT_EQ(stepOf("select Combo1 franc\xCC\xA7", form), R"({"select":["Combo1","Français"]})");
   EXPECT_EQ(stepOf("select eng", form), R"({"select":["Combo1","English"]})");
-  EXPECT_EQ(errorOf([&] { parseLine("select Combo1 Dansk", form); }),
+  EXPECT_EQ(errorOf([&] { simulator::parseLine("select Combo1 Dansk", form); }),
             "prompt: Combo1 has no entry \"Dansk\"; there are English, Deutsch, Français");
   EXPECT_EQ(stepOf("select Text1 Dansk", form), R"({"select":["Text1","Dansk"]})");
 }
@@ -89,11 +89,13 @@ TEST(Prompt, FindsAFolderInTheOpenedOne) {
              .controls = treeFormControls});
   auto& tree = form.control<DirListBox>(u"Dir1");
   const auto folder = [&](const std::string& written) {
-    const FolderNames names = [](const Text& opened) -> std::vector<Text> {
+    const simulator::FolderNames names = [](const Text& opened) -> std::vector<Text> {
       if (opened == u"C:\\") return {u"Program Files", u"ProgramData", u"Windows"};
       return {u"\u00C9t\u00E9"};
     };
-    return parseLine("folder " + written, &form, names).source["folder"].get<std::string>();
+    return simulator::parseLine("folder " + written, &form, names)
+        .source["folder"]
+        .get<std::string>();
   };
   tree.comeUpOn(u"C:\\");
   EXPECT_EQ(folder("windows"), "C:\\Windows");
@@ -119,7 +121,7 @@ TEST(Prompt, RefusesWhatIsNoVerb) {
 TEST(Prompt, GuessesAtACaptionInPlaceOfAVerb) {
   const ToyPlay play = playScript("");
   const Form* form = play.stage->machine().screen().activeForm();
-  EXPECT_EQ(errorOf([&] { parseLine("next", form); }),
+  EXPECT_EQ(errorOf([&] { simulator::parseLine("next", form); }),
             "prompt: no verb \"next\"; is it \"click next\"?");
 }
 
@@ -138,12 +140,12 @@ class ByHand final : public Audience {
   }
   std::string shown() const { return out_.str(); }
 
-  SimulatedStage* stage = nullptr;  ///< that it sits at
+  simulator::SimulatedStage* stage = nullptr;  ///< that it sits at
 
  private:
   std::istringstream in_;
   std::ostringstream out_;
-  Prompt prompt_;
+  simulator::Prompt prompt_;
 };
 
 /// Plays typed lines on the usual machine; gives what was printed.
@@ -151,7 +153,7 @@ std::string playByHand(const std::string& typed, int columns = 78) {
   ByHand person(typed, columns);
   simulated::NoTranscript transcript;
   const Scenario scenario;
-  SimulatedStage stage(scenario, makeToyProgram, transcript);
+  simulator::SimulatedStage stage(scenario, makeToyProgram, transcript);
   person.stage = &stage;
   stage.perform({&person});
   return person.shown();
@@ -183,7 +185,7 @@ TEST(Prompt, BreaksTheLongLinesOfABox) {
                 {BoxAnswer::OK}};
   std::istringstream in("\n");
   std::ostringstream out;
-  EXPECT_FALSE(Prompt(in, out, 40).answer(box));
+  EXPECT_FALSE(simulator::Prompt(in, out, 40).answer(box));
   EXPECT_THAT(out.str(), HasSubstr("+- A title that is longer than the bo -+\n"
                                    "| One line that is far longer than the |\n"
                                    "| box can be                           |\n"
@@ -355,13 +357,13 @@ TEST(Prompt, BreaksTheLinesOfABoxAtEveryKindOfLineEnd) {
   constexpr TextView text = u"one\r\ntwo\rthree\nfour\r\n\r\nsix\r\rend";
   std::istringstream in("\n\n");
   std::ostringstream box;
-  Prompt(in, box).answer({.text = Text(text),
-                          .title = u"Toy",
-                          .style = box_style::information,
-                          .buttons = {BoxAnswer::OK}});
+  simulator::Prompt(in, box).answer({.text = Text(text),
+                                     .title = u"Toy",
+                                     .style = box_style::information,
+                                     .buttons = {BoxAnswer::OK}});
   EXPECT_THAT(linesOf(box.str()), HasSubstr("/one/two/three/four//six//end/"));
   std::ostringstream inputBox;
-  Prompt(in, inputBox).input(text, u"Toy", u"");
+  simulator::Prompt(in, inputBox).input(text, u"Toy", u"");
   EXPECT_THAT(linesOf(inputBox.str()), HasSubstr("/one/two/three/four//six//end/"));
 }
 

@@ -6,7 +6,7 @@ namespace zev::scenario {
 
 ToyPlay::ToyPlay(std::string_view text, const std::filesystem::path& folder)
     : scenario(parseScenario(text, folder)),
-      stage(std::make_unique<SimulatedStage>(scenario, makeToyProgram, transcript)) {
+      stage(std::make_unique<simulator::SimulatedStage>(scenario, makeToyProgram, transcript)) {
   stage->perform({&verdicts});
 }
 

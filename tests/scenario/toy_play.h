@@ -33,7 +33,7 @@ struct ToyPlay {
   Scenario scenario;
   simulated::TranscriptLog transcript;
   VerdictLog verdicts;
-  std::unique_ptr<SimulatedStage> stage;
+  std::unique_ptr<simulator::SimulatedStage> stage;
 };
 
 /// A play of a script on the usual machine; `script` is the list's inside.

@@ -141,7 +141,7 @@ constexpr ControlDesign form2Controls[] = {
 constexpr FormDesign form2Design{
     .name = u"Form2", .caption = u"More", .width = 1800, .height = 960, .controls = form2Controls};
 
-class ToyProgram final : public PlayedProgram {
+class ToyProgram final : public simulator::PlayedProgram {
  public:
   explicit ToyProgram(Platform& platform) : platform_(platform) {
     wireForm1();
@@ -257,7 +257,7 @@ class ToyProgram final : public PlayedProgram {
 
 }  // namespace
 
-std::unique_ptr<PlayedProgram> makeToyProgram(Platform& platform) {
+std::unique_ptr<simulator::PlayedProgram> makeToyProgram(Platform& platform) {
   return std::make_unique<ToyProgram>(platform);
 }
 

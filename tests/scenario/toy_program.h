@@ -16,6 +16,6 @@ namespace zev::scenario {
 /// which asks first unless the run is over. `Command4` opens Form2, `Command5` asks for a name,
 /// `Command6` ends on the spot, `Command7` raises error 75, `Command1` is disabled. Form2 has
 /// `Drive1`, `Dir1` and an OK.
-std::unique_ptr<PlayedProgram> makeToyProgram(Platform& platform);
+std::unique_ptr<simulator::PlayedProgram> makeToyProgram(Platform& platform);
 
 }  // namespace zev::scenario

@@ -15,10 +15,10 @@ using testing::ElementsAre;
 /// What a play writes with a selection of kinds.
 std::string written(std::string_view script, const std::vector<std::string>& kinds) {
   std::ostringstream out;
-  EventWriter writer(&out, kinds);
+  simulator::EventWriter writer(&out, kinds);
   VerdictLog verdicts;
   const Scenario scenario = parseScenario("{\"script\": [" + std::string(script) + "]}");
-  SimulatedStage(scenario, makeToyProgram, writer).perform({&verdicts});
+  simulator::SimulatedStage(scenario, makeToyProgram, writer).perform({&verdicts});
   return out.str();
 }
 
@@ -91,11 +91,11 @@ TEST(Transcript, WritesTheSelectedKindsOnly) {
 }
 
 TEST(Transcript, CountsWhatASummaryTells) {
-  EventWriter writer(nullptr, {});
+  simulator::EventWriter writer(nullptr, {});
   VerdictLog verdicts;
   const Scenario scenario =
       parseScenario(R"({"script": [{"click": "Command2"}, {"click": "Command2"}]})");
-  SimulatedStage(scenario, makeToyProgram, writer).perform({&verdicts});
+  simulator::SimulatedStage(scenario, makeToyProgram, writer).perform({&verdicts});
   EXPECT_EQ(writer.tally().written.size(), 8u);
   EXPECT_EQ(writer.tally().boxes, 1u);
   EXPECT_EQ(writer.tally().settings, 0u);

@@ -22,7 +22,7 @@ using testing::StartsWith;
 
 /// A program without forms that writes a file, two settings as files and one into the registry, and
 /// takes a third file of settings back.
-class SettingsWriter final : public PlayedProgram {
+class SettingsWriter final : public simulator::PlayedProgram {
  public:
   explicit SettingsWriter(Platform& platform) : platform_(platform) {}
 
@@ -84,7 +84,7 @@ class Zevsim : public testing::Test {
   }
 
   fs::path folder_;
-  ProgramFactory factory_ = makeToyProgram;
+  simulator::ProgramFactory factory_ = makeToyProgram;
   bool terminal_ = false;
   std::string out_;
   std::string err_;
@@ -254,7 +254,7 @@ TEST_F(Zevsim, Gives2ForABadCommandLine) {
 }
 
 TEST_F(Zevsim, Gives3ForAFailureOfItsOwn) {
-  factory_ = [](Platform&) -> std::unique_ptr<PlayedProgram> {
+  factory_ = [](Platform&) -> std::unique_ptr<simulator::PlayedProgram> {
     throw std::logic_error("out of order");
   };
   EXPECT_EQ(run({write("a.json", "{}")}), 3);

@@ -23,7 +23,7 @@ class Story {
   Story(const std::string& machine, const std::string& script)
       : scenario_(read(machine, script)),
         log_(false),
-        stage_(scenario_, makeSetupProgram, log_),
+        stage_(scenario_, simulator::makeSetupProgram, log_),
         before_(stateNow()) {
     stage_.perform();
   }
@@ -45,7 +45,7 @@ class Story {
 
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
-  scenario::SimulatedStage stage_;
+  simulator::SimulatedStage stage_;
   SortedJson before_;
 };
 

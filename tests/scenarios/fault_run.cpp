@@ -117,7 +117,7 @@ FaultRun::FaultRun(const std::string& version, const std::string& faults, bool w
       scenario(scenario::parseScenario("{" + machineOf(version, faults) + R"(, "script": [)" +
                                        stepsInto(directory) + "]}")),
       log(withCalls),
-      stage(scenario, makeSetupProgram, log) {
+      stage(scenario, simulator::makeSetupProgram, log) {
   person.stage = &stage;
   laySmallPackage(machine());
   log.lookAt(machine(), places);

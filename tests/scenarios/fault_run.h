@@ -48,7 +48,7 @@ class Leaver final : public scenario::Audience {
   /// Of a program that has ended before it could be used.
   bool refused(const scenario::ScenarioError&) override { return !stage->ended().is_null(); }
 
-  scenario::SimulatedStage* stage = nullptr;  ///< that the person looks at
+  simulator::SimulatedStage* stage = nullptr;  ///< that the person looks at
   bool finished = false;
 
  private:
@@ -103,7 +103,7 @@ struct FaultRun {
   scenario::Scenario scenario;
   Onlooker log;
   Leaver person;
-  scenario::SimulatedStage stage;
+  simulator::SimulatedStage stage;
 };
 
 /// The calls of a run without failures.

@@ -161,7 +161,7 @@ class MortalTranscript final : public Transcript {
 class Installer final : public scenario::Audience {
  public:
   /// Borrows the stage.
-  explicit Installer(const scenario::SimulatedStage& stage) : stage_(stage) {}
+  explicit Installer(const simulator::SimulatedStage& stage) : stage_(stage) {}
 
   void starts() override { done_ = 0; }
   std::optional<scenario::Step> goOn() override {
@@ -172,7 +172,7 @@ class Installer final : public scenario::Audience {
   }
 
  private:
-  const scenario::SimulatedStage& stage_;
+  const simulator::SimulatedStage& stage_;
   std::size_t done_ = 0;
 };
 
@@ -213,7 +213,7 @@ class KilledRun {
       : killer_(change),
         transcript_(killer_),
         scenario_(scenario::parseScenario(machineOf(beginning))),
-        stage_(scenario_, makeSetupProgram, transcript_) {
+        stage_(scenario_, simulator::makeSetupProgram, transcript_) {
     if (beginning.sample) {
       stage_.machine().disks().put(stage_.machine().settings().installer,
                                    {.content = std::filesystem::path(ZEV_PACKAGE)});
@@ -246,7 +246,7 @@ class KilledRun {
   Killer killer_;
   MortalTranscript transcript_;
   scenario::Scenario scenario_;
-  scenario::SimulatedStage stage_;
+  simulator::SimulatedStage stage_;
   Installer person_{stage_};
 };
 

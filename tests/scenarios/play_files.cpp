@@ -10,7 +10,6 @@
 
 #include "programs/zevsim/setup_program.h"
 #include "programs/zevsim/zevsim_main.h"
-#include "scenario/layout.h"
 #include "scenario/written_out.h"
 #include "scenarios/scenario_files.h"
 
@@ -25,10 +24,10 @@ class ScenarioFile final : public testing::Test {
     std::istringstream in;
     std::ostringstream out;
     std::ostringstream err;
-    const int status = scenario::zevsimMain({std::string(ZEV_SCENARIOS) + "/" + file_, "--package",
-                                             ZEV_PACKAGE, "--transcript", "/dev/null"},
-                                            makeSetupProgram, {in, out, err});
-    EXPECT_EQ(status, scenario::exit_status::held) << err.str();
+    const int status = simulator::zevsimMain({std::string(ZEV_SCENARIOS) + "/" + file_, "--package",
+                                              ZEV_PACKAGE, "--transcript", "/dev/null"},
+                                             simulator::makeSetupProgram, {in, out, err});
+    EXPECT_EQ(status, simulator::exit_status::held) << err.str();
   }
 
  private:

@@ -81,7 +81,7 @@ WatchedRun::WatchedRun(const RunMachine& machine, const Strike& strike)
     : scenario_(scenarioOn(machine, strike)),
       log_(true),
       striker_(strike.write),
-      stage_(scenario_, makeSetupProgram, log_) {
+      stage_(scenario_, simulator::makeSetupProgram, log_) {
   stage_.perform({&striker_});
   calls_ = traceCalls(log_.events());
 }

@@ -77,7 +77,7 @@ class WatchedRun {
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
   Striker striker_;
-  scenario::SimulatedStage stage_;
+  simulator::SimulatedStage stage_;
   std::vector<Call> calls_;
 };
 

@@ -7,6 +7,7 @@
 #include "programs/zevsim/setup_program.h"
 #include "scenario/common_names.h"
 #include "scenario/written_out.h"
+#include "simulated/put_text.h"
 
 namespace zev {
 namespace {
@@ -94,7 +95,7 @@ void shrinkFiles(simulated::Disks& disks, const Text& folder) {
     if ((entry->attributes & file_attribute::directory) != 0) {
       shrinkFiles(disks, path);
     } else if (entry->size > largest) {
-      disks.putText(path, "of " + std::to_string(entry->size) + " bytes");
+      putText(disks, path, "of " + std::to_string(entry->size) + " bytes");
     }
   }
 }
@@ -111,7 +112,7 @@ void playInto(PlayedStory& story, const Json& document, const std::string& file)
   const auto scenario =
       scenario::parseScenario(document.dump(), (scenarioFolder() / file).parent_path());
   simulated::TranscriptLog log;
-  scenario::SimulatedStage stage(scenario, makeSetupProgram, log);
+  simulator::SimulatedStage stage(scenario, simulator::makeSetupProgram, log);
   stage.perform();
   story.events = log.events();
   story.state = stateOf(stage.machine());

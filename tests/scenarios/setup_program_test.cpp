@@ -4,25 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include "simulated/nobody.h"
 #include "simulated/simulated_machine.h"
 
 namespace zev {
 namespace {
 
-class Nobody final : public simulated::Person {
- public:
-  bool next() override { return false; }
-  BoxAnswer answer(const simulated::Box& box) override {
-    return simulated::defaultAnswer(box.style);
-  }
-  Text input(TextView, TextView, TextView) override { return {}; }
-};
-
 class SetupProgramTest : public testing::Test {
  protected:
   SetupProgramTest() {
     machine_.startProgram();
-    program_ = makeSetupProgram(machine_.platform());
+    program_ = simulator::makeSetupProgram(machine_.platform());
   }
 
   bool takes(std::string_view name, std::int32_t number) {
@@ -32,10 +24,10 @@ class SetupProgramTest : public testing::Test {
   }
 
  private:
-  Nobody person_;
+  simulated::Nobody person_;
   simulated::NoTranscript transcript_;
   simulated::SimulatedMachine machine_{person_, transcript_};
-  std::unique_ptr<scenario::PlayedProgram> program_;
+  std::unique_ptr<simulator::PlayedProgram> program_;
 };
 
 TEST_F(SetupProgramTest, TakesNumbersThatFitIntoAGlobal) {

@@ -18,7 +18,7 @@ const char* const stepsToInstall =
 WholeRun::WholeRun(const std::string& text, bool all)
     : scenario_(withPackage(scenario::parseScenario(text))),
       log_(all),
-      stage_(scenario_, makeSetupProgram, log_) {
+      stage_(scenario_, simulator::makeSetupProgram, log_) {
   stage_.perform();
   passes_ = static_cast<std::size_t>(stage_.machine().calls("DoEvents"));
 }

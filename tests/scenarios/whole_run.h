@@ -29,7 +29,7 @@ class WholeRun {
  private:
   scenario::Scenario scenario_;
   simulated::TranscriptLog log_;
-  scenario::SimulatedStage stage_;
+  simulator::SimulatedStage stage_;
   std::size_t passes_ = 0;
 };
 

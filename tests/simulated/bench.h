@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "simulated/simulated_machine.h"
+#include "support/raised.h"
 
 namespace zev::simulated {
 
@@ -81,17 +82,6 @@ class MachineTest : public testing::Test {
   TranscriptLog log{true};
   SimulatedMachine machine{person, log};
 };
-
-/// The number of the run-time error that a statement raises; 0 if it raises none.
-template <typename Statement>
-std::int32_t errorOf(Statement statement) {
-  try {
-    statement();
-    return 0;
-  } catch (const RuntimeError& error) {
-    return error.number();
-  }
-}
 
 /// A folder of the host that is gone behind the test.
 class HostFolder {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "simulated/bench.h"
+#include "simulated/put_text.h"
 #include "simulated/state_report.h"
 
 namespace zev::simulated {
@@ -57,7 +58,7 @@ TEST_F(ExportTest, TheRegistryFileIsUtf16WithItsMark) {
 }
 
 TEST_F(ExportTest, ADriveIsLaidOutAsRealFiles) {
-  machine.disks().putText(u"C:\\Prog\\\u00FC.txt", "abc");
+  putText(machine.disks(), u"C:\\Prog\\\u00FC.txt", "abc");
   machine.disks().put(u"C:\\Prog\\zeros", {.content = ZeroBytes{3000000}});
   machine.exportDrive(u'C', host.path() / "C");
   EXPECT_EQ(host.read(std::u8string(u8"C/Prog/\u00FC.txt")), "abc");
@@ -67,7 +68,7 @@ TEST_F(ExportTest, ADriveIsLaidOutAsRealFiles) {
 }
 
 TEST_F(ExportTest, TheStateHoldsFilesRegistryAndShortcuts) {
-  machine.disks().putText(u"C:\\a.txt", "abc\r\n");
+  putText(machine.disks(), u"C:\\a.txt", "abc\r\n");
   machine.disks().put(u"C:\\b.bin",
                       {.content = ZeroBytes{2}, .attributes = file_attribute::hidden});
   machine.registry().setValue(HKEY_CURRENT_USER, u"K", u"n", RegistryValue::ofNumber(5));
@@ -87,7 +88,7 @@ TEST_F(ExportTest, TheStateHoldsFilesRegistryAndShortcuts) {
 /// A program that could not be started was not, and the start of the own program begins nothing
 /// anew.
 TEST_F(ExportTest, TheStateTellsWhatWasStartedAndOpened) {
-  machine.disks().putText(u"C:\\p.exe", "MZ");
+  putText(machine.disks(), u"C:\\p.exe", "MZ");
   platform().processes.Shell(u"C:\\p.exe /a", 2);
   EXPECT_THROW(platform().processes.Shell(u"C:\\none.exe", 1), RuntimeError);
   platform().processes.ShellExecuteA(0, u"open", u"C:\\Windows", u"", u"C:", 1);

@@ -6,6 +6,7 @@
 #include <sys/resource.h>
 
 #include "simulated/bench.h"
+#include "simulated/put_text.h"
 
 namespace zev::simulated {
 namespace {
@@ -99,10 +100,10 @@ TEST_F(HostPieceTest, MakesRoomForWhatIsWrittenAnew) {
   files().Print(1, u"new");
   files().Close(1);
   EXPECT_EQ(content(u"C:\\f"), "new\r\n");
-  machine.disks().putText(u"C:\\g", "long enough to be shortened");
+  putText(machine.disks(), u"C:\\g", "long enough to be shortened");
   lay(u"C:\\g", piece(0, 10));
   EXPECT_EQ(content(u"C:\\g"), "0123456789");
-  machine.disks().putText(u"C:\\g", "text");
+  putText(machine.disks(), u"C:\\g", "text");
   EXPECT_EQ(content(u"C:\\g"), "text");
 }
 

@@ -66,7 +66,7 @@ TEST_F(HostRefusalsTest, AFullDriveIsErrorSixtyOne) {
   files().OpenBinary(1, u"E:\\f", false);
   {
     const SmallFiles full(3);
-    EXPECT_EQ(errorOf([&] { files().Put(1, 1, bytes("abcdef")); }), 61);
+    EXPECT_EQ(test::raisedBy([&] { files().Put(1, 1, bytes("abcdef")); }), 61);
     EXPECT_EQ(files().LOF(1), 3);
   }
   files().Close(1);
@@ -96,7 +96,7 @@ TEST_F(HostRefusalsTest, AWriteThatFitsInPartTellsWhatFitted) {
 TEST_F(HostRefusalsTest, AValueThatFindsNoRoomIsAnErrorAndLeavesTheOldOne) {
   const SmallFiles full(0);
   files().OpenOutput(1, u"E:\\value");
-  EXPECT_EQ(errorOf([&] { files().Print(1, u"21"); }), 61);
+  EXPECT_EQ(test::raisedBy([&] { files().Print(1, u"21"); }), 61);
   files().Close(1);
   EXPECT_EQ(host.read("value"), "what was there\r\n");
   EXPECT_THAT(host.names(), testing::ElementsAre("value"));
@@ -106,7 +106,7 @@ TEST_F(HostRefusalsTest, AFileThatCannotBeClosedIsAnError) {
   files().OpenBinary(1, u"E:\\f", false);
   files().Put(1, 1, bytes("abc"));
   loseDescriptorOf("f");
-  EXPECT_EQ(errorOf([&] { files().Close(1); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().Close(1); }), 75);
   EXPECT_EQ(files().FreeFile(), 1) << "it is closed all the same";
 }
 
@@ -114,7 +114,7 @@ TEST_F(HostRefusalsTest, AValueThatCannotBeClosedIsAnErrorAndLeavesTheOldOne) {
   files().OpenOutput(1, u"E:\\value");
   files().Print(1, u"21");
   loseDescriptorOf("value.~zev");
-  EXPECT_EQ(errorOf([&] { files().Close(1); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().Close(1); }), 75);
   EXPECT_EQ(host.read("value"), "what was there\r\n");
   EXPECT_THAT(host.names(), testing::ElementsAre("value"));
 }
@@ -132,7 +132,7 @@ TEST_F(HostRefusalsTest, AShortcutThatFindsNoRoomIsNotSaved) {
   const auto shell = platform().shortcuts.CreateObject();
   const auto link = shell->CreateShortcut(u"E:\\link.lnk");
   const SmallFiles full(0);
-  EXPECT_NE(errorOf([&] { link->Save(); }), 0);
+  EXPECT_NE(test::raisedBy([&] { link->Save(); }), 0);
   EXPECT_FALSE(machine.shortcut(u"E:\\link.lnk").has_value());
 }
 

@@ -80,7 +80,7 @@ TEST_F(HostVolumeTest, KeepsAttributesBesideTheFolder) {
   EXPECT_TRUE(files().SetFileAttributesA(u"E:\\Sub", 2));
   EXPECT_EQ(files().GetAttr(u"E:\\sub"), 18);
   EXPECT_TRUE(files().SetFileAttributesA(u"E:\\Sub\\MiXed.txt", 1));
-  EXPECT_EQ(errorOf([&] { files().Kill(u"E:\\Sub\\MiXed.txt"); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(u"E:\\Sub\\MiXed.txt"); }), 75);
   EXPECT_TRUE(files().SetFileAttributesA(u"E:\\Sub\\MiXed.txt", 0));
   files().Kill(u"E:\\Sub\\MiXed.txt");
   files().RmDir(u"E:\\Sub");
@@ -92,7 +92,7 @@ TEST_F(HostVolumeTest, HasTheSpaceThatTheMachineSays) {
   settings.free = 4096;
   machine.disks().setDrive(u'E', settings);
   files().OpenBinaryWrite(1, u"E:\\f");
-  EXPECT_EQ(errorOf([&] { files().PutText(1, 1, Text(5000, u'x')); }), 61);
+  EXPECT_EQ(test::raisedBy([&] { files().PutText(1, 1, Text(5000, u'x')); }), 61);
   files().Close(1);
   EXPECT_EQ(host.read("f").size(), 4096u);
   EXPECT_EQ(machine.disks().drive(u'E')->free, 0u);
@@ -103,7 +103,7 @@ TEST_F(HostVolumeTest, LeavesNothingOfATextThatHasNoSpace) {
   settings.free = 4096;
   machine.disks().setDrive(u'E', settings);
   files().OpenOutput(1, u"E:\\Sub\\MiXed.txt");
-  EXPECT_EQ(errorOf([&] { files().Print(1, Text(5000, u'x')); }), 61);
+  EXPECT_EQ(test::raisedBy([&] { files().Print(1, Text(5000, u'x')); }), 61);
   files().Close(1);
   EXPECT_EQ(host.read("Sub/MiXed.txt"), "abc");
   EXPECT_THAT(host.names("Sub"), testing::ElementsAre("MiXed.txt"));

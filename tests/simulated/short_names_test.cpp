@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "simulated/bench.h"
+#include "simulated/put_text.h"
 
 namespace zev::simulated {
 namespace {
@@ -11,7 +12,7 @@ class ShortNamesTest : public MachineTest {
  protected:
   /// The short path of an entry that is laid for it.
   std::string shortOf(TextView path) {
-    machine.disks().putText(path, "x");
+    putText(machine.disks(), path, "x");
     return toUtf8(machine.disks().shortPath(path).value_or(u"(none)"));
   }
 
@@ -75,7 +76,7 @@ TEST_F(ShortNamesTest, StayWhenOthersComeAndGo) {
 }
 
 TEST_F(ShortNamesTest, MakeAPathOfEveryFolder) {
-  machine.disks().putText(u"C:\\First folder\\Second folder\\file.text", "x");
+  putText(machine.disks(), u"C:\\First folder\\Second folder\\file.text", "x");
   EXPECT_EQ(machine.disks().shortPath(u"C:\\First folder\\Second folder\\file.text"),
             u"C:\\FIRSTF~1\\SECOND~1\\FILE~1.TEX");
   EXPECT_EQ(machine.disks().shortPath(u"C:\\First folder\\"), u"C:\\FIRSTF~1\\");
@@ -83,7 +84,7 @@ TEST_F(ShortNamesTest, MakeAPathOfEveryFolder) {
 }
 
 TEST_F(ShortNamesTest, AreNotThereWithoutAnEntryOrOnADriveThatKeepsNone) {
-  machine.disks().putText(u"C:\\First folder\\x", "x");
+  putText(machine.disks(), u"C:\\First folder\\x", "x");
   EXPECT_EQ(machine.disks().shortPath(u"C:\\First folder\\none"), std::nullopt);
   EXPECT_EQ(machine.disks().shortPath(u"Q:\\First folder"), std::nullopt);
   EXPECT_EQ(machine.disks().shortPath(u""), std::nullopt);
@@ -94,7 +95,7 @@ TEST_F(ShortNamesTest, AreNotThereWithoutAnEntryOrOnADriveThatKeepsNone) {
 }
 
 TEST_F(ShortNamesTest, LeadCallsToTheEntry) {
-  machine.disks().putText(u"C:\\First folder\\some file.text", "12345");
+  putText(machine.disks(), u"C:\\First folder\\some file.text", "12345");
   EXPECT_EQ(files().FileLen(u"C:\\firstf~1\\SOMEFI~1.TEX"), 5);
   EXPECT_EQ(files().Dir(u"C:\\FIRSTF~1", dir_mask::directories), u"First folder");
   EXPECT_EQ(files().Dir(u"C:\\FIRSTF~1\\*.text", dir_mask::normal), u"some file.text");
@@ -107,9 +108,9 @@ TEST_F(ShortNamesTest, LeadCallsToTheEntry) {
 }
 
 TEST_F(ShortNamesTest, GiveWayToANameThatIsWrittenSo) {
-  machine.disks().putText(u"C:\\First folder\\x", "long");
+  putText(machine.disks(), u"C:\\First folder\\x", "long");
   EXPECT_NE(attributes(u"C:\\FIRSTF~1\\x"), 0u);
-  machine.disks().putText(u"C:\\FIRSTF~1\\y", "itself");
+  putText(machine.disks(), u"C:\\FIRSTF~1\\y", "itself");
   EXPECT_NE(attributes(u"C:\\FIRSTF~1\\y"), 0u);
   EXPECT_EQ(attributes(u"C:\\FIRSTF~1\\x"), 0u);
 }
@@ -141,7 +142,7 @@ TEST_F(ShortNamesTest, StandForTheProgramsOwnFile) {
   machine.settings().installer = u"C:\\Loads of \u65E5\u672C\\\u65E5\u672C.exe";
   EXPECT_EQ(platform().processes.ownFolder(), u"C:\\Loads of ??");
   EXPECT_EQ(platform().processes.ownName(), u"??");
-  machine.disks().putText(machine.settings().installer, "MZ");
+  putText(machine.disks(), machine.settings().installer, "MZ");
   EXPECT_EQ(platform().processes.ownFolder(), u"C:\\LOADSO~1");
   EXPECT_EQ(platform().processes.ownName(), u"__~1");
 }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "simulated/bench.h"
+#include "simulated/put_text.h"
 
 namespace zev::simulated {
 namespace {
@@ -51,21 +52,21 @@ class SimulatedFileSystemTest : public MachineTest {
 
 TEST_F(SimulatedFileSystemTest, ListsNamesSortedByTheirUpperCase) {
   for (const TextView name : {u"b", u"A", u"_x", u"C"}) {
-    machine.disks().putText(join(u"C:\\d\\", name), "");
+    putText(machine.disks(), join(u"C:\\d\\", name), "");
   }
   EXPECT_THAT(*machine.disks().names(u"C:\\d"), ElementsAre(u"A", u"b", u"C", u"_x"));
   EXPECT_EQ(files().Dir(u"C:\\d\\*.*", 0), u"A");
 }
 
 TEST_F(SimulatedFileSystemTest, PatternsOfWildcardsAloneFindEverything) {
-  machine.disks().putText(u"C:\\d\\ab", "");
+  putText(machine.disks(), u"C:\\d\\ab", "");
   EXPECT_EQ(files().Dir(u"C:\\d\\*", 0), u"ab");
   EXPECT_EQ(files().Dir(u"C:\\d\\??", 0), u"ab");
   EXPECT_EQ(files().Dir(u"C:\\d\\?", 0), u"");
 }
 
 TEST_F(SimulatedFileSystemTest, RelativePathsStartInTheFolderOfTheProgram) {
-  machine.disks().putText(u"C:\\Users\\bob\\Downloads\\near.txt", "x");
+  putText(machine.disks(), u"C:\\Users\\bob\\Downloads\\near.txt", "x");
   EXPECT_EQ(openError(u"near.txt"), success);
   EXPECT_EQ(openError(u"C:near.txt"), success);
   EXPECT_EQ(openError(u"\\near.txt"), fileNotFound);
@@ -74,7 +75,7 @@ TEST_F(SimulatedFileSystemTest, RelativePathsStartInTheFolderOfTheProgram) {
 /// Of a file that it does not open it tells where the call was to make one or to empty it.
 TEST_F(SimulatedFileSystemTest, TellsOfTheFilesThatItDoesNotMake) {
   machine.disks().put(u"C:\\closed", {.directory = true, .deny = Denial{.create = true}});
-  machine.disks().putText(u"C:\\closed\\fixed", "x");
+  putText(machine.disks(), u"C:\\closed\\fixed", "x");
   machine.disks().put(u"C:\\closed\\fixed", {.attributes = file_attribute::readOnly});
   struct Refusal {
     FileDisposition disposition;
@@ -114,7 +115,7 @@ TEST_F(SimulatedFileSystemTest, RefusesSharesDevicesAndLongPaths) {
 TEST_F(SimulatedFileSystemTest, NamesPassThroughTheCodePage) {
   files().MkDir(u"C:\\\u00FCber");
   EXPECT_TRUE(machine.disks().exists(u"C:\\\u00DCBER"));
-  EXPECT_EQ(errorOf([&] { files().MkDir(u"C:\\\u4E2D"); }), 52);  // "?" is no name
+  EXPECT_EQ(test::raisedBy([&] { files().MkDir(u"C:\\\u4E2D"); }), 52);  // "?" is no name
   machine.settings().system.codePage = 1254;
   files().OpenOutput(1, u"C:\\t.txt");
   files().Print(1, u"\u015F");
@@ -125,7 +126,7 @@ TEST_F(SimulatedFileSystemTest, NamesPassThroughTheCodePage) {
 // ---- refusals
 
 TEST_F(SimulatedFileSystemTest, DeniedDirectoriesRefuseWhatTheyName) {
-  machine.disks().putText(u"C:\\d\\file", "x");
+  putText(machine.disks(), u"C:\\d\\file", "x");
   machine.disks().putDirectory(u"C:\\d\\sub");
   machine.disks().put(u"C:\\d", {.directory = true, .deny = Denial{.create = true}});
   EXPECT_EQ(replaceError(u"C:\\d\\new"), accessDenied);
@@ -152,7 +153,7 @@ TEST_F(SimulatedFileSystemTest, DeniedDirectoriesRefuseWhatTheyName) {
 TEST_F(SimulatedFileSystemTest, DeniedFilesRefuseWhatTheyName) {
   machine.disks().put(u"C:\\f", {.content = ZeroBytes{3}, .deny = Denial{.write = true}});
   EXPECT_EQ(replaceError(u"C:\\f"), accessDenied);
-  EXPECT_EQ(errorOf([&] { files().OpenOutput(1, u"C:\\f"); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenOutput(1, u"C:\\f"); }), 75);
   machine.disks().put(u"C:\\f", denying({.remove = true}));
   EXPECT_EQ(system().DeleteFileA(u"C:\\f"), accessDenied);
   EXPECT_EQ(machine.disks().find(u"C:\\f")->size, 3u);
@@ -171,14 +172,14 @@ TEST_F(SimulatedFileSystemTest, FilesInUseAreNotShared) {
   EXPECT_EQ(openError(u"C:\\f"), sharingViolation);
   EXPECT_EQ(replaceError(u"C:\\f"), sharingViolation);
   EXPECT_EQ(system().DeleteFileA(u"C:\\f"), sharingViolation);
-  EXPECT_EQ(errorOf([&] { files().Kill(u"C:\\f"); }), 70);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(u"C:\\f"); }), 70);
   machine.disks().put(u"C:\\f", {.inUse = false});
   EXPECT_EQ(system().DeleteFileA(u"C:\\f"), success);
 }
 
 TEST_F(SimulatedFileSystemTest, TheProgramsOwnFileCanOnlyBeRead) {
   const Text own = machine.settings().installer;
-  machine.disks().putText(own, "MZ");
+  putText(machine.disks(), own, "MZ");
   EXPECT_EQ(openError(own), success);
   EXPECT_EQ(openError(own, FileAccess::Write), sharingViolation);
   EXPECT_EQ(system().DeleteFileA(own), accessDenied);
@@ -196,7 +197,7 @@ TEST_F(SimulatedFileSystemTest, HiddenAndSystemFilesAreNotReplaced) {
 
 TEST_F(SimulatedFileSystemTest, ACdRefusesEveryChange) {
   machine.disks().setDrive(u'D', {.type = 5});
-  machine.disks().putText(u"D:\\f", "x");
+  putText(machine.disks(), u"D:\\f", "x");
   EXPECT_EQ(openError(u"D:\\f"), success);
   EXPECT_EQ(replaceError(u"D:\\f"), writeProtect);
   EXPECT_EQ(replaceError(u"D:\\new"), writeProtect);
@@ -258,7 +259,7 @@ TEST_F(SimulatedFileSystemTest, AFullDiskTakesWhatFits) {
 TEST_F(SimulatedFileSystemTest, AFullDiskIsErrorSixtyOne) {
   setFree(0);
   files().OpenOutput(1, u"C:\\f");
-  EXPECT_EQ(errorOf([&] { files().Print(1, u"x"); }), 61);
+  EXPECT_EQ(test::raisedBy([&] { files().Print(1, u"x"); }), 61);
 }
 
 TEST_F(SimulatedFileSystemTest, DriveSpaceIsToldInClusters) {
@@ -300,7 +301,7 @@ TEST_F(SimulatedFileSystemTest, WritingSetsTheArchiveAttribute) {
 }
 
 TEST_F(SimulatedFileSystemTest, LayingAnEntryChangesOnlyWhatIsGiven) {
-  machine.disks().putText(u"C:\\f", "abc");
+  putText(machine.disks(), u"C:\\f", "abc");
   machine.disks().put(u"C:\\F", {.attributes = file_attribute::readOnly});
   EXPECT_EQ(content(u"C:\\f"), "abc");
   EXPECT_EQ(machine.disks().find(u"C:\\f")->name, u"f");
@@ -310,7 +311,7 @@ TEST_F(SimulatedFileSystemTest, LayingAnEntryChangesOnlyWhatIsGiven) {
 }
 
 TEST_F(SimulatedFileSystemTest, RemovingADirectoryTakesItsContentAlong) {
-  machine.disks().putText(u"C:\\d\\e\\f", "abc");
+  putText(machine.disks(), u"C:\\d\\e\\f", "abc");
   machine.disks().remove(u"C:\\d");
   EXPECT_FALSE(machine.disks().exists(u"C:\\d\\e\\f"));
   EXPECT_FALSE(machine.disks().exists(u"C:\\d"));
@@ -319,13 +320,13 @@ TEST_F(SimulatedFileSystemTest, RemovingADirectoryTakesItsContentAlong) {
 }
 
 TEST_F(SimulatedFileSystemTest, LayingIsRefusedWhereTheSystemHasNoPath) {
-  EXPECT_THROW(machine.disks().putText(u"f", ""), std::invalid_argument);
-  EXPECT_THROW(machine.disks().putText(u"C:\\a*b", ""), std::invalid_argument);
-  EXPECT_THROW(machine.disks().putText(u"X:\\f", ""), std::invalid_argument);
+  EXPECT_THROW(putText(machine.disks(), u"f", ""), std::invalid_argument);
+  EXPECT_THROW(putText(machine.disks(), u"C:\\a*b", ""), std::invalid_argument);
+  EXPECT_THROW(putText(machine.disks(), u"X:\\f", ""), std::invalid_argument);
 }
 
 TEST_F(SimulatedFileSystemTest, TellsItsDigest) {
-  machine.disks().putText(u"C:\\f", "abc");
+  putText(machine.disks(), u"C:\\f", "abc");
   EXPECT_EQ(*machine.disks().sha256(u"C:\\f"),
             "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   EXPECT_EQ(machine.disks().sha256(u"C:\\none"), std::nullopt);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "simulated/bench.h"
+#include "simulated/put_text.h"
 
 namespace zev::simulated {
 namespace {
@@ -85,9 +86,9 @@ TEST_F(SimulatedMachineTest, AConversationFailsWhenItsServerHasGone) {
   Dde& dde = platform().dde;
   dde.LinkTopic(u"Progman|progman");
   dde.LinkMode(2);
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[one]"); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[one]"); }), 0);
   machine.settings().services.programManager = false;
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[two]"); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[two]"); }), 282);
   EXPECT_THAT(machine.records().dde, ElementsAre(u"[one]"));
 }
 
@@ -95,13 +96,13 @@ TEST_F(SimulatedMachineTest, ANewStartKeepsTheMachineAndDropsTheProcess) {
   files().OpenBinary(1, u"C:\\f", true);
   RegistryKey key = 0;
   platform().registry.RegOpenKeyA(HKEY_LOCAL_MACHINE, u"Software", key);
-  EXPECT_NE(errorOf([&] { platform().processes.Shell(u"C:\\none.exe", 1); }), 0);
+  EXPECT_NE(test::raisedBy([&] { platform().processes.Shell(u"C:\\none.exe", 1); }), 0);
   EXPECT_EQ(machine.openHandles().files, 1u);
   machine.startProgram();
   EXPECT_EQ(machine.openHandles().files, 0u);
   EXPECT_EQ(machine.openHandles().keys, 0u);
   EXPECT_THAT(machine.records().shell, testing::IsEmpty());
-  EXPECT_EQ(errorOf([&] { files().OpenBinary(1, u"C:\\f", true); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenBinary(1, u"C:\\f", true); }), 0);
   EXPECT_EQ(log.of("start").size(), 2u);
 }
 
@@ -201,32 +202,32 @@ TEST_F(SimulatedMachineTest, SettingFoldersCreatesThem) {
 // ---- programs
 
 TEST_F(SimulatedMachineTest, FindsTheProgramOfACommandLine) {
-  machine.disks().putText(u"C:\\Some Where\\p.exe", "MZ");
-  machine.disks().putText(u"C:\\Windows\\system32\\tool.exe", "MZ");
+  putText(machine.disks(), u"C:\\Some Where\\p.exe", "MZ");
+  putText(machine.disks(), u"C:\\Windows\\system32\\tool.exe", "MZ");
   for (const TextView line : {u"C:\\Some Where\\p.exe", u"\"C:\\Some Where\\p.exe\" /x",
                               u"C:\\Some Where\\p.exe /x y", u"C:\\Some Where\\p", u"tool /x"}) {
-    EXPECT_EQ(errorOf([&] { platform().processes.Shell(line, 1); }), 0) << toUtf8(line);
+    EXPECT_EQ(test::raisedBy([&] { platform().processes.Shell(line, 1); }), 0) << toUtf8(line);
   }
   for (const TextView line :
        {u"\"C:\\Some Where\\q.exe\"", u"C:\\Some", u"notool", u"", u"C:\\Windows"}) {
-    EXPECT_EQ(errorOf([&] { platform().processes.Shell(line, 1); }), 53) << toUtf8(line);
+    EXPECT_EQ(test::raisedBy([&] { platform().processes.Shell(line, 1); }), 53) << toUtf8(line);
   }
   EXPECT_EQ(machine.records().shell.size(), 10u);
 }
 
 TEST_F(SimulatedMachineTest, ProgramsBehaveAsTheirSettingsSay) {
-  machine.disks().putText(u"C:\\p.exe", "MZ");
+  putText(machine.disks(), u"C:\\p.exe", "MZ");
   machine.settings().programs[u"c:\\P.exe"] = {.starts = false};
-  EXPECT_EQ(errorOf([&] { platform().processes.Shell(u"C:\\p.exe", 1); }), 5);
+  EXPECT_EQ(test::raisedBy([&] { platform().processes.Shell(u"C:\\p.exe", 1); }), 5);
   machine.settings().programs[u"c:\\P.exe"] = {.opens = false};
   std::int32_t process = platform().processes.Shell(u"C:\\p.exe", 1);
   EXPECT_EQ(platform().processes.OpenProcess(SYNCHRONIZE, false, process), 0u);
-  EXPECT_EQ(errorOf([&] { files().OpenBinaryWrite(1, u"C:\\p.exe"); }), 0);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenBinaryWrite(1, u"C:\\p.exe"); }), 0);
   files().Close(1);
   machine.settings().programs[u"c:\\P.exe"] = {.running = true, .duration = 300};
   process = platform().processes.Shell(u"\"C:\\p.exe\"", 1);
-  EXPECT_EQ(errorOf([&] { files().OpenBinaryWrite(1, u"C:\\p.exe"); }), 70);
-  EXPECT_EQ(errorOf([&] { files().Kill(u"C:\\p.exe"); }), 75);
+  EXPECT_EQ(test::raisedBy([&] { files().OpenBinaryWrite(1, u"C:\\p.exe"); }), 70);
+  EXPECT_EQ(test::raisedBy([&] { files().Kill(u"C:\\p.exe"); }), 75);
   const ProcessHandle handle = platform().processes.OpenProcess(SYNCHRONIZE, false, process);
   EXPECT_EQ(platform().processes.WaitForSingleObject(handle, 100), 258u);
   EXPECT_EQ(machine.clock(), 100u);
@@ -278,21 +279,21 @@ TEST_F(SimulatedMachineTest, AShortcutThatCannotBeSavedTellsWhy) {
 
 TEST_F(SimulatedMachineTest, ServicesCanBeTakenAway) {
   machine.settings().services = {.shortcuts = false, .programManager = false};
-  EXPECT_EQ(errorOf([&] { platform().shortcuts.CreateObject(); }), 429);
+  EXPECT_EQ(test::raisedBy([&] { platform().shortcuts.CreateObject(); }), 429);
   platform().dde.LinkTopic(u"Progman|progman");
-  EXPECT_EQ(errorOf([&] { platform().dde.LinkMode(2); }), 282);
-  EXPECT_EQ(errorOf([&] { platform().dde.LinkExecute(u"[x]"); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { platform().dde.LinkMode(2); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { platform().dde.LinkExecute(u"[x]"); }), 282);
   EXPECT_THAT(machine.records().dde, testing::IsEmpty());
 }
 
 TEST_F(SimulatedMachineTest, CommandsReachTheProgramManagerDuringAConversation) {
   Dde& dde = platform().dde;
   dde.LinkTopic(u"progman|PROGMAN");
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[early]"); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[early]"); }), 282);
   dde.LinkMode(2);
   dde.LinkExecute(u"[one]");
   dde.LinkMode(0);
-  EXPECT_EQ(errorOf([&] { dde.LinkExecute(u"[late]"); }), 282);
+  EXPECT_EQ(test::raisedBy([&] { dde.LinkExecute(u"[late]"); }), 282);
   EXPECT_THAT(machine.records().dde, ElementsAre(u"[one]"));
 }
 

@@ -75,7 +75,7 @@ TEST_F(SimulatedRegistryTest, KeysWithSubkeysAreDeletedOnTheOldSystemsOnly) {
   EXPECT_EQ(api().RegDeleteKeyA(HKEY_CURRENT_USER, u"K"), accessDenied);
   machine.settings().system.version.platform = 1;
   EXPECT_EQ(api().RegDeleteKeyA(HKEY_CURRENT_USER, u"K"), success);
-  EXPECT_FALSE(machine.registry().hasKey(HKEY_CURRENT_USER, u"K"));
+  EXPECT_EQ(machine.registry().find(HKEY_CURRENT_USER, u"K"), nullptr);
 }
 
 TEST_F(SimulatedRegistryTest, AHandleOfADeletedKeyIsOfNoUse) {
@@ -120,7 +120,7 @@ TEST_F(SimulatedRegistryTest, BadKeyNamesAreRefused) {
   EXPECT_EQ(createError(HKEY_CURRENT_USER, u"a\\" + Text(255, u'k')), success);
   EXPECT_EQ(createError(HKEY_CURRENT_USER, u"a\\" + Text(256, u'k')), invalidParameter);
   EXPECT_EQ(createError(HKEY_CURRENT_USER, u"K\\"), success);
-  EXPECT_TRUE(machine.registry().hasKey(HKEY_CURRENT_USER, u"K"));
+  EXPECT_NE(machine.registry().find(HKEY_CURRENT_USER, u"K"), nullptr);
 }
 
 TEST_F(SimulatedRegistryTest, OpenKeysAreCounted) {
@@ -137,7 +137,7 @@ TEST_F(SimulatedRegistryTest, HivesAreKnownByTheirNames) {
   EXPECT_EQ(hiveNamed(u"HKCR"), HKEY_CLASSES_ROOT);
   EXPECT_EQ(hiveNamed(u"HKEY_USERS"), std::nullopt);
   EXPECT_THROW(machine.registry().createKey(7, u"K"), std::invalid_argument);
-  EXPECT_FALSE(machine.registry().hasKey(7, u"K"));
+  EXPECT_EQ(machine.registry().find(7, u"K"), nullptr);
 }
 
 }  // namespace

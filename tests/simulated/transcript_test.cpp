@@ -25,7 +25,7 @@ TEST_F(TranscriptTest, TellsWhatBecomesOfFiles) {
   files().SetFileAttributesA(u"C:\\d\\f", 0);
   files().Kill(u"C:\\d\\f");
   files().RmDir(u"C:\\d");
-  EXPECT_NE(errorOf([&] { files().MkDir(u"C:\\x\\y"); }), 0);
+  EXPECT_NE(test::raisedBy([&] { files().MkDir(u"C:\\x\\y"); }), 0);
   EXPECT_THAT(lines("file"),
               ElementsAre(R"({"event":"file","op":"mkdir","path":"C:\\d","error":0})",
                           R"({"event":"file","op":"create","path":"C:\\d\\f","error":0})",
@@ -41,7 +41,7 @@ TEST_F(TranscriptTest, TellsAFailingWriteAtOnce) {
   settings.free = 4096;
   machine.disks().setDrive(u'C', settings);
   files().OpenOutput(1, u"C:\\f");
-  EXPECT_NE(errorOf([&] { files().Print(1, Text(5000, u'x')); }), 0);
+  EXPECT_NE(test::raisedBy([&] { files().Print(1, Text(5000, u'x')); }), 0);
   EXPECT_EQ(lines("file").back(),
             R"({"event":"file","op":"write","path":"C:\\f","bytes":4096,"error":112})");
   files().Close(1);
@@ -78,7 +78,7 @@ TEST_F(TranscriptTest, TellsOfProgramsAndTime) {
   platform().processes.WaitForSingleObject(handle, INFINITE);
   platform().processes.Sleep(500);
   platform().processes.ShellExecuteA(0, u"", u"C:\\Windows", u"", u"C:", 1);
-  EXPECT_NE(errorOf([&] { platform().processes.Shell(u"C:\\none.exe", 2); }), 0);
+  EXPECT_NE(test::raisedBy([&] { platform().processes.Shell(u"C:\\none.exe", 2); }), 0);
   EXPECT_THAT(lines("shell"),
               ElementsAre(R"({"event":"shell","command":"C:\\p.exe /x","style":1,"error":0})",
                           R"({"event":"shell","command":"C:\\none.exe","style":2,"error":53})"));

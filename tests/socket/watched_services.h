@@ -26,12 +26,14 @@ class Calls final : private observed::Listener {
   /// before. The error is what WSAGetLastError tells behind it, or the result itself where a call
   /// gives its error; calls of windows and kernel have none.
   void fail(std::string_view name, std::int32_t error = 0, int nth = all) {
-    observed::Fault fault{.call = std::string(name), .code = error};
-    if (nth != all) fault.nth = static_cast<std::uint32_t>(nth);
-    watch_.setFault(std::move(fault));
+    failures_[std::string(name)] = {error, nth == all ? all : count(name) + nth};
+    setFailures();
   }
   /// Calls of that name are made again.
-  void heal(std::string_view name) { watch_.clearFaults(name); }
+  void heal(std::string_view name) {
+    failures_.erase(std::string(name));
+    setFailures();
+  }
 
   /// Calls of that name so far, those that were made to fail included.
   int count(std::string_view name) const { return static_cast<int>(watch_.calls(name)); }
@@ -61,6 +63,24 @@ class Calls final : private observed::Listener {
     std::string operator()(const Text& text) const { return toUtf8(text); }
   };
 
+  struct Failure {
+    std::int32_t error = 0;
+    int at = all;  ///< which call of the name, of all that there have been
+  };
+
+  /// Faults count from when they are set, so one that still waits gets what is left of its way.
+  void setFailures() {
+    std::vector<observed::Fault> faults;
+    for (const auto& [name, failure] : failures_) {
+      observed::Fault fault{.call = name, .code = failure.error};
+      const int left = failure.at - count(name);
+      if (failure.at != all && left <= 0) continue;
+      if (failure.at != all) fault.nth = static_cast<std::uint32_t>(left);
+      faults.push_back(std::move(fault));
+    }
+    watch_.setFaults(std::move(faults));
+  }
+
   bool listens() const override { return true; }
   void called(const observed::Operation& operation, observed::Arguments arguments,
               const observed::Outcome&) override {
@@ -77,6 +97,7 @@ class Calls final : private observed::Listener {
   }
 
   observed::Instrumentation watch_{*this};
+  std::map<std::string, Failure> failures_;
   std::vector<std::string> lines_;
 };
 

@@ -8,8 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "state/form_table.h"
 #include "state/globals.h"
-#include "support/table.h"
 
 namespace zev {
 namespace {
@@ -17,19 +17,6 @@ namespace {
 using test::Row;
 using test::Table;
 using Kind = ControlKind;
-
-const std::map<std::string, Kind> kinds = {
-    {"label", Kind::Label},
-    {"button", Kind::CommandButton},
-    {"picture box", Kind::PictureBox},
-    {"image", Kind::Image},
-    {"drop-down list", Kind::ComboBox},
-    {"option button", Kind::OptionButton},
-    {"check box", Kind::CheckBox},
-    {"text box", Kind::TextBox},
-    {"frame", Kind::Frame},
-    {"line", Kind::Line},
-};
 
 /// What "more" can say of a control, and where its design says it. The rest is what the system does
 /// at start and how the languages' items stand, which have tables of their own.
@@ -48,44 +35,18 @@ std::set<std::string> wordsOf(const std::string& cell) {
   return words;
 }
 
-class Form1Test : public testing::Test {
+class Form1Test : public FormWithTable<Form1> {
  protected:
-  Control& control(const Row& row) {
-    Control* found = form.findControl(fromUtf8(row.word("control")));
-    if (found == nullptr) throw std::out_of_range(row.where() + ": no such control");
-    return *found;
-  }
-  Form1 form;
-  Table controls = Table::read("form1_controls.tsv");
+  Form1Test() : FormWithTable("form1_controls.tsv") {}
 };
 
-TEST_F(Form1Test, HasExactlyTheControlsOfItsTable) {
-  std::set<std::string> expected;
-  for (const Row& each : controls) expected.insert(each.word("control"));
-  std::set<std::string> found;
-  for (const Control* each : form.Controls()) found.insert(toUtf8(each->name()));
-  EXPECT_EQ(found, expected);
-  EXPECT_EQ(form.Controls().size(), controls.size());
-}
+TEST_F(Form1Test, HasExactlyTheControlsOfItsTable) { expectTheControlsOfTheTableAndNoOther(); }
 
-TEST_F(Form1Test, HasEachControlOfItsKindInItsContainer) {
-  for (const Row& each : controls) {
-    const Control& found = control(each);
-    EXPECT_EQ(found.kind(), kinds.at(each.word("kind"))) << each.where();
-    const std::string container =
-        found.container() == nullptr ? "form" : toUtf8(found.container()->name());
-    EXPECT_EQ(container, each.word("parent")) << each.where();
-  }
-}
+TEST_F(Form1Test, HasEachControlOfItsKindInItsContainer) { expectKindsAndContainers(); }
 
 TEST_F(Form1Test, HasEachControlInItsPlace) {
   for (const Row& each : controls) {
-    if (each.isNone("left")) continue;
-    const Control& found = control(each);
-    EXPECT_EQ(found.Left, each.number("left")) << each.where();
-    EXPECT_EQ(found.Top, each.number("top")) << each.where();
-    EXPECT_EQ(found.Width, each.number("width")) << each.where();
-    EXPECT_EQ(found.Height, each.number("height")) << each.where();
+    if (!each.isNone("left")) expectPlace(control(each), each);
   }
 }
 

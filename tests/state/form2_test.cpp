@@ -2,60 +2,29 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <set>
-#include <stdexcept>
-
-#include "support/table.h"
+#include "state/form_table.h"
 
 namespace zev {
 namespace {
 
 using test::Row;
 using test::Table;
-using Kind = ControlKind;
 
-const std::map<std::string, Kind> form2Kinds = {
-    {"button", Kind::CommandButton}, {"frame", Kind::Frame}, {"check box", Kind::CheckBox}};
-
-class Form2Test : public testing::Test {
+class Form2Test : public FormWithTable<Form2> {
  protected:
-  Control& control(const Row& row) {
-    Control* found = form.findControl(fromUtf8(row.word("control")));
-    if (found == nullptr) throw std::out_of_range(row.where() + ": no such control");
-    return *found;
-  }
-  Form2 form;
-  Table controls = Table::read("form2_controls.tsv");
-  Table properties = Table::read("form2_form.tsv");
+  Form2Test() : FormWithTable("form2_controls.tsv") {}
+
+  const Table properties = Table::read("form2_form.tsv");
 };
 
-TEST_F(Form2Test, HasExactlyTheControlsOfItsTable) {
-  std::set<std::string> expected;
-  for (const Row& each : controls) expected.insert(each.word("control"));
-  std::set<std::string> found;
-  for (const Control* each : form.Controls()) found.insert(toUtf8(each->name()));
-  EXPECT_EQ(found, expected);
-  EXPECT_EQ(form.Controls().size(), controls.size());
-}
+TEST_F(Form2Test, HasExactlyTheControlsOfItsTable) { expectTheControlsOfTheTableAndNoOther(); }
 
-TEST_F(Form2Test, HasEachControlOfItsKindInItsContainer) {
-  for (const Row& each : controls) {
-    const Control& found = control(each);
-    EXPECT_EQ(found.kind(), form2Kinds.at(each.word("kind"))) << each.where();
-    const std::string container =
-        found.container() == nullptr ? "form" : toUtf8(found.container()->name());
-    EXPECT_EQ(container, each.word("parent")) << each.where();
-  }
-}
+TEST_F(Form2Test, HasEachControlOfItsKindInItsContainer) { expectKindsAndContainers(); }
 
 TEST_F(Form2Test, HasEachControlInItsPlaceAndOrder) {
   for (const Row& each : controls) {
     const Control& found = control(each);
-    EXPECT_EQ(found.Left, each.number("left")) << each.where();
-    EXPECT_EQ(found.Top, each.number("top")) << each.where();
-    EXPECT_EQ(found.Width, each.number("width")) << each.where();
-    EXPECT_EQ(found.Height, each.number("height")) << each.where();
+    expectPlace(found, each);
     EXPECT_EQ(found.TabIndex, each.number("tab")) << each.where();
     EXPECT_TRUE(found.Visible) << each.where();
     EXPECT_TRUE(found.Enabled) << each.where();

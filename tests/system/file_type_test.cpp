@@ -37,7 +37,7 @@ class FileTypes : public WatchedMachine, public testing::Test {
   }
   bool untouched(const std::string& owner) {
     return valueOf(HKEY_CLASSES_ROOT, extension, u"") == owner &&
-           !machine.registry().hasKey(HKEY_CLASSES_ROOT, programId);
+           machine.registry().find(HKEY_CLASSES_ROOT, programId) == nullptr;
   }
   Lines steps() { return trace({"RunStep", "Status", "MsgBox"}); }
 
@@ -227,7 +227,7 @@ TEST_F(FileTypes, AnErrorOfAWriteReachesTheCallerAndWhatWasWrittenStays) {
   EXPECT_THROW(run(), RuntimeError);
   EXPECT_EQ(valueOf(HKEY_CLASSES_ROOT, extension, u""), "ZEV.ReelDeskProject");
   EXPECT_EQ(valueOf(HKEY_CLASSES_ROOT, programId, u""), "ZEV ReelDesk Project File");
-  EXPECT_FALSE(machine.registry().hasKey(HKEY_CLASSES_ROOT, join(programId, u"\\DefaultIcon")));
+  EXPECT_EQ(machine.registry().find(HKEY_CLASSES_ROOT, join(programId, u"\\DefaultIcon")), nullptr);
   EXPECT_EQ(steps().back(), "RunStep | 158");
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "runtime/error.h"
+#include "simulated/put_text.h"
 #include "system/on_a_machine.h"
 #include "system/special_folders.h"
 #include "system/user_folders.h"
@@ -50,7 +51,7 @@ TEST_F(Folders, TheProbeTellsWhereItCannotBeWritten) {
 TEST_F(Folders, DeletingAProbeThatIsNotThereIsRight) {
   EXPECT_TRUE(DeleteProbeFile(files(), u"C:\\Users", u"deneme_sil"));
   EXPECT_TRUE(DeleteProbeFile(files(), u"", u""));
-  machine.disks().putText(u"C:\\Users\\deneme_sil", "x");
+  putText(machine.disks(), u"C:\\Users\\deneme_sil", "x");
   machine.setFaults({{.call = "Kill", .effect = Fault::Effect::Raise, .code = 70}});
   EXPECT_FALSE(DeleteProbeFile(files(), u"C:\\Users", u"deneme_sil"));
 }

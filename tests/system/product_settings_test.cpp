@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "simulated/put_text.h"
 #include "system/watched_machine.h"
 
 namespace zev {
@@ -72,7 +73,8 @@ class MachineWithSettings : public WatchedMachine {
  private:
   void store(const std::string& name, std::int32_t number) {
     if (profiles_) {
-      machine.disks().putText(join(folder, u"\\", fromUtf8(name)), std::to_string(number) + "\r\n");
+      putText(machine.disks(), join(folder, u"\\", fromUtf8(name)),
+              std::to_string(number) + "\r\n");
       return;
     }
     machine.registry().setValue(

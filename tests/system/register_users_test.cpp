@@ -6,6 +6,7 @@
 #include <map>
 
 #include "runtime/error.h"
+#include "simulated/put_text.h"
 #include "system/watched_machine.h"
 
 namespace zev {
@@ -42,7 +43,7 @@ class OtherUsers : public WatchedMachine, public testing::Test {
   }
   void folder(const std::string& path) { machine.disks().putDirectory(fromUtf8(path)); }
   void file(const std::string& path, const std::string& text) {
-    machine.disks().putText(fromUtf8(path), text);
+    putText(machine.disks(), fromUtf8(path), text);
   }
   void profile(const std::string& user) { folder(localOf(user)); }
   void lay(const std::string& path, const FileSettings& settings) {

@@ -5,6 +5,7 @@
 
 #include <functional>
 
+#include "simulated/put_text.h"
 #include "system/attributes.h"
 #include "system/on_a_machine.h"
 
@@ -54,7 +55,7 @@ class ValueFileStore : public OnAMachine, public testing::Test {
     globals().gUserDataAlt = second;
   }
   void put(TextView folder, TextView name, std::string_view content) {
-    machine.disks().putText(join(folder, u"\\", name), content);
+    putText(machine.disks(), join(folder, u"\\", name), content);
   }
   std::string content(TextView folder, TextView name) { return textOf(join(folder, u"\\", name)); }
   Text text(TextView name) {
@@ -141,12 +142,12 @@ TEST_F(RegistryStore, ARefusedWriteIsLostWithoutAWord) {
 
 TEST_F(RegistryStore, CreatesAndDeletesKeysAndValues) {
   registry->CreateRegKey(HKEY_LOCAL_MACHINE, key, normal);
-  EXPECT_TRUE(machine.registry().hasKey(HKEY_LOCAL_MACHINE, key));
+  EXPECT_NE(machine.registry().find(HKEY_LOCAL_MACHINE, key), nullptr);
   set(u"Dizin", RegistryValue::ofText(u"x"));
   registry->DeleteRegValue(HKEY_LOCAL_MACHINE, key, u"Dizin", normal);
   EXPECT_EQ(text(u"Dizin"), u"default");
   registry->DeleteRegKey(HKEY_LOCAL_MACHINE, key, normal);
-  EXPECT_FALSE(machine.registry().hasKey(HKEY_LOCAL_MACHINE, key));
+  EXPECT_EQ(machine.registry().find(HKEY_LOCAL_MACHINE, key), nullptr);
 }
 
 TEST_F(RegistryStore, ListsUpTo1024Keys) {
@@ -224,12 +225,12 @@ TEST_F(ValueFileStore, ForceRegistryLeavesTheFoldersAlone) {
   EXPECT_EQ(content(first, u"Dizin"), "(no file)");
   EXPECT_EQ(registry->GetRegString(HKEY_LOCAL_MACHINE, key, u"Dizin", u"", ForceRegistry), u"reg");
   registry->CreateRegKey(HKEY_LOCAL_MACHINE, u"Software\\Forced", ForceRegistry);
-  EXPECT_TRUE(machine.registry().hasKey(HKEY_LOCAL_MACHINE, u"Software\\Forced"));
+  EXPECT_NE(machine.registry().find(HKEY_LOCAL_MACHINE, u"Software\\Forced"), nullptr);
 }
 
 TEST_F(ValueFileStore, CreatesNoKey) {
   registry->CreateRegKey(HKEY_LOCAL_MACHINE, key, normal);
-  EXPECT_FALSE(machine.registry().hasKey(HKEY_LOCAL_MACHINE, key));
+  EXPECT_EQ(machine.registry().find(HKEY_LOCAL_MACHINE, key), nullptr);
 }
 
 TEST_F(ValueFileStore, ValuesOfAllKeysShareOneNameSpace) {
@@ -251,7 +252,7 @@ TEST_F(ValueFileStore, QuotesAreStrippedAndLinesJoined) {
 
 TEST_F(ValueFileStore, AHiddenReadOnlyFileIsReadAndStaysVisible) {
   const Text path = join(first, u"\\Dizin");
-  machine.disks().putText(path, "x\r\n");
+  putText(machine.disks(), path, "x\r\n");
   files().SetFileAttributesA(path, 1 | 2 | 32);
   EXPECT_EQ(text(u"Dizin"), u"x");
   EXPECT_EQ(files().GetAttr(path) & 3, 0);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "runtime/error.h"
+#include "simulated/put_text.h"
 #include "system/watched_machine.h"
 
 namespace zev {
@@ -25,7 +26,7 @@ class InstalledMachine : public WatchedMachine {
   InstalledMachine() {
     for (const TextView file :
          {TextView(u"ZEV6.chm"), TextView(u"Uninstall Screen Recorder 6.exe")}) {
-      machine.disks().putText(inInstall(file), "x");
+      putText(machine.disks(), inInstall(file), "x");
     }
   }
   static Text inInstall(TextView file) { return join(install, u"\\", file); }
@@ -189,7 +190,7 @@ TEST_F(StartMenus, AHiddenHelpFileCounts) {
 }
 
 TEST_F(StartMenus, TheUserProgramNeverGetsAnEntryOnEitherWay) {
-  machine.disks().putText(inInstall(u"ZEVUser.exe"), "x");
+  putText(machine.disks(), inInstall(u"ZEVUser.exe"), "x");
   const Table never = Table::read("shortcuts_never_made.tsv");
   for (const std::int32_t osClass : {0, 1, 2, 3, 4}) {
     globals().gOSClass = osClass;

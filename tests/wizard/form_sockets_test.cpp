@@ -11,8 +11,8 @@
 namespace zev {
 namespace {
 
-using simulated::errorOf;
 using simulated::MachineTest;
+using test::raisedBy;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -72,7 +72,7 @@ TEST_F(FormSockets, CarriesElement0FromLoadToUnload) {
   cancel();
   EXPECT_EQ(machine.calls("WSACleanup"), 1u);
   EXPECT_EQ(machine.calls("VirtualFree"), 1u);
-  EXPECT_EQ(errorOf([&] { WS()(0); }), noSuchElement);
+  EXPECT_EQ(raisedBy([&] { WS()(0); }), noSuchElement);
 }
 
 TEST_F(FormSockets, LoadsFurtherElementsWithAPassAndAPause) {
@@ -87,11 +87,11 @@ TEST_F(FormSockets, LoadsFurtherElementsWithAPassAndAPause) {
 
 TEST_F(FormSockets, RefusesElementsThatAreThereOrNotThere) {
   WS().Load(2);
-  EXPECT_EQ(errorOf([&] { WS().Load(2); }), alreadyLoaded);
-  EXPECT_EQ(errorOf([&] { WS().Load(0); }), alreadyLoaded);
-  EXPECT_EQ(errorOf([&] { WS().Unload(1); }), noSuchElement);
-  EXPECT_EQ(errorOf([&] { WS().Unload(0); }), designTimeControl);
-  EXPECT_EQ(errorOf([&] { WS()(1); }), noSuchElement);
+  EXPECT_EQ(raisedBy([&] { WS().Load(2); }), alreadyLoaded);
+  EXPECT_EQ(raisedBy([&] { WS().Load(0); }), alreadyLoaded);
+  EXPECT_EQ(raisedBy([&] { WS().Unload(1); }), noSuchElement);
+  EXPECT_EQ(raisedBy([&] { WS().Unload(0); }), designTimeControl);
+  EXPECT_EQ(raisedBy([&] { WS()(1); }), noSuchElement);
   EXPECT_EQ(WS().UBound(), 2);
 }
 
@@ -201,7 +201,7 @@ TEST_F(FormSockets, AMachineWithoutSocketsStillShowsTheWizard) {
   EXPECT_TRUE(setup->form1().Visible);
   EXPECT_THAT(person.boxes, IsEmpty());
   EXPECT_EQ(WS().UBound(), 0);
-  EXPECT_EQ(errorOf([&] { WS()(0); }), noSuchElement);
+  EXPECT_EQ(raisedBy([&] { WS()(0); }), noSuchElement);
   cancel();
 }
 

@@ -16,6 +16,7 @@ class FolderTree {
 
   /// The opened folder; empty if the tree shows none.
   Text path() const;
+  /// Whether that folder is the opened one, letter case and a last backslash aside.
   bool opened(const Text& folder) const;
   bool onDriveOf(const Text& folder) const;
   /// The line to open next on the way to a folder; none if the tree does not show the way.

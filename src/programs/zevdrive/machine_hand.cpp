@@ -111,6 +111,7 @@ LSTATUS store(HKEY key, const Text& name, const scenario::RegistryData& data) {
   return RegSetValueExA(key, ansi.c_str(), 0, data.type, bytes.data(), size);
 }
 
+/// A key that is not there is as good as one that was taken away.
 void removeKey(const RegistryChange& change) {
   const LSTATUS error = RegDeleteTreeW(hiveHandle(change.hive), wide(change.key));
   if (error != ERROR_SUCCESS && error != ERROR_FILE_NOT_FOUND) failRegistry(change, error);
@@ -233,6 +234,7 @@ void saveRegistry(const fs::path& folder) {
   }
 }
 
+/// Windows come last and all anew: their titles are the whole set.
 void MachineHand::change(const MachineChange& change) {
   for (const FileEntry& entry : change.files) this->change(entry);
   for (const RegistryChange& each : change.registry) apply(each);
@@ -241,6 +243,7 @@ void MachineHand::change(const MachineChange& change) {
   windows_ = std::make_unique<OtherWindows>(*change.windows);
 }
 
+/// Programs have their temporary folder from the environment, which they inherit from here.
 void MachineHand::prepare(const MachineChange& machine) {
   requireCodePage(machine);
   change(machine);
@@ -249,6 +252,8 @@ void MachineHand::prepare(const MachineChange& machine) {
   for (const wchar_t* name : {L"TMP", L"TEMP"}) SetEnvironmentVariableW(name, wide(temp));
 }
 
+/// A file that is held is let go of first: nothing could be done to it. Whether it is in use
+/// afterwards the change says anew.
 void MachineHand::change(const FileEntry& entry) {
   try {
     occupied_.erase(upperCase(entry.file));
@@ -264,6 +269,7 @@ void MachineHand::change(const FileEntry& entry) {
   }
 }
 
+/// In use means open without sharing, for as long as the handle is kept.
 void MachineHand::occupy(const Text& path, bool inUse) {
   if (!inUse) return;
   const HANDLE file = CreateFileW(wide(path), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -284,6 +290,8 @@ void makeWindow(const Text& title) {
 
 }  // namespace
 
+/// A thread of their own dispatches their messages, so that they answer while zevdrive waits for
+/// something else.
 OtherWindows::OtherWindows(std::vector<Text> titles) : titles_(std::move(titles)) {
   if (titles_.empty()) return;
   WNDCLASSW description{};

@@ -25,6 +25,7 @@ void saveRegistry(const std::filesystem::path& folder);
 /// They answer messages for as long as this lives.
 class OtherWindows {
  public:
+  /// Shows the windows, the first title in front, before it returns; none without titles.
   explicit OtherWindows(std::vector<Text> titles);
   ~OtherWindows();
   OtherWindows(const OtherWindows&) = delete;

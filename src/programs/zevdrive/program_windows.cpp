@@ -56,6 +56,7 @@ bool isVisible(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VIS
 
 }  // namespace
 
+/// Never waits for long: the program may be in the midst of a file, or have ended.
 std::optional<DWORD_PTR> ask(HWND window, UINT message, WPARAM first, LPARAM second) {
   DWORD_PTR answer = 0;
   if (SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, patience, &answer) == 0) {
@@ -77,6 +78,7 @@ std::optional<Text> textOf(HWND window) {
 ProgramWindows::ProgramWindows(DWORD thread, std::vector<Form*> forms)
     : thread_(thread), forms_(std::move(forms)) {}
 
+/// The system lists windows from the top down, which is the order that is kept.
 void ProgramWindows::look() {
   order_.clear();
   box_ = nullptr;
@@ -97,6 +99,8 @@ BOOL CALLBACK ProgramWindows::addControl(HWND window, LPARAM controls) {
   return TRUE;
 }
 
+/// The controls of a form that has been shown are known for good; before, the program may still be
+/// making them.
 void ProgramWindows::add(HWND window) {
   const Text name = classOf(window);
   if (name == boxClass && box_ == nullptr && IsWindowVisible(window)) box_ = window;
@@ -115,6 +119,7 @@ HWND ProgramWindows::windowOf(const Form& form) const {
   return found == windows_.end() ? nullptr : found->second.window;
 }
 
+/// The binding numbers the windows of controls by their places on the form.
 HWND ProgramWindows::windowOf(const Form& form, const Control& control) const {
   const auto found = windows_.find(&form);
   if (found == windows_.end()) return nullptr;
@@ -157,6 +162,7 @@ std::optional<scenario::Sight> ProgramWindows::sight() const {
   return sight;
 }
 
+/// One control that does not answer spoils the whole look: half of it would be of another moment.
 std::optional<scenario::SeenForm> ProgramWindows::sightOf(const Form& form) const {
   scenario::SeenForm seen;
   seen.form = &form;
@@ -211,6 +217,7 @@ void ProgramWindows::lookForBlanks(scenario::SeenForm& seen) const {
   for (const std::size_t place : blank) seen.controls.at(place).inSight = false;
 }
 
+/// The controls that should show something and have one colour all over.
 std::vector<std::size_t> ProgramWindows::blanksOf(const scenario::SeenForm& seen) const {
   const ScreenPicture picture(windowOf(*seen.form));
   std::vector<std::size_t> blank;
@@ -255,6 +262,8 @@ bool within(const RECT& inner, const RECT& outer) {
          inner.bottom <= outer.bottom;
 }
 
+/// Whether the control lies within each container around it, up to the form: what sticks out is cut
+/// off.
 bool withinAllAround(HWND control, HWND form) {
   const RECT own = onScreen(control);
   for (HWND each = GetParent(control); each != nullptr; each = GetParent(each)) {
@@ -275,6 +284,7 @@ void takeCovered(HRGN shown, HWND window) {
 
 }  // namespace
 
+/// The system gives a list that drops down its height, so that it says nothing of the form.
 scenario::SeenPlace placeOf(HWND control, bool dropsDown) {
   RECT area = onScreen(control);
   MapWindowPoints(nullptr, GetParent(control), reinterpret_cast<POINT*>(&area), 2);

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "scenario/outside_view.h"
@@ -27,6 +28,7 @@ class ProgramWindows {
   /// The forms serve for names, kinds and places alone. Borrows them.
   ProgramWindows(DWORD thread, std::vector<Form*> forms);
 
+  /// Finds the windows anew: what was known of those that are gone is forgotten.
   void look();
 
   /// The window of a form or control; null if the form is not loaded, or the control has none.
@@ -65,6 +67,11 @@ class ProgramWindows {
   std::map<const Form*, FormWindow> windows_;
   HWND box_ = nullptr;
 };
+
+/// A property of a control as its window shows it, in the property's own type; none if the control
+/// has no window, or nothing of the property shows.
+std::optional<scenario::Json> shownProperty(const ProgramWindows& windows, const Form& form,
+                                            const Control& control, std::string_view property);
 
 /// Where a control's window is in what it lies in. `dropsDown`: the system gives it its height.
 scenario::SeenPlace placeOf(HWND control, bool dropsDown);

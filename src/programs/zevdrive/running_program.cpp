@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "win32/ansi.h"
 #include "win32/control_windows.h"
 
 namespace zev::drive {
@@ -36,6 +37,8 @@ RunningProgram::RunningProgram(const Text& path, std::vector<Form*> forms,
                                Clock::time_point deadline)
     : process_(start(path)), windows_(process_.dwThreadId, std::move(forms)), deadline_(deadline) {}
 
+/// A program that is still there is ended by force: nothing is left of one play when the next
+/// begins.
 RunningProgram::~RunningProgram() {
   if (!over()) {
     TerminateProcess(process_.hProcess, 1);
@@ -76,6 +79,8 @@ bool RunningProgram::looksTheSame() {
   return same;
 }
 
+/// A box ends the waiting as soon as it answers. Otherwise several looks in a row have to show the
+/// same: a single one can fall between two messages.
 Course RunningProgram::settle() {
   lastShown_ = Clock::now();
   for (int quiet = 0; quiet < quietLooks; Sleep(pause)) {
@@ -95,6 +100,7 @@ Course RunningProgram::settle() {
   return Course::AtRest;
 }
 
+/// A box stays on the screen for a moment after its answer; read again, it would be answered twice.
 void RunningProgram::waitUntilGone(HWND box) {
   while (IsWindow(box) && IsWindowVisible(box) && !over()) {
     requireTime("a box did not close");

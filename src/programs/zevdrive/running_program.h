@@ -32,9 +32,12 @@ class RunningProgram {
   Course settle();
   /// Waits until a box is gone from the screen.
   void waitUntilGone(HWND box);
+  /// Waits until the process has ended. DriveError, as of all that waits here, when the deadline
+  /// has passed.
   void waitForEnd();
   bool over() const;
 
+  /// Its windows as they were found last.
   ProgramWindows& windows() { return windows_; }
   /// What was to be seen when the program last settled.
   scenario::Sight sight() const { return windows_.withPlaces(sight_); }

@@ -13,12 +13,14 @@ using Pixels = std::vector<std::uint32_t>;
 /// A picture in memory that can be drawn on and read.
 class Canvas {
  public:
+  /// A black picture of that many pixels. It owns all that it is drawn with.
   Canvas(int width, int height);
   ~Canvas();
   Canvas(const Canvas&) = delete;
   Canvas& operator=(const Canvas&) = delete;
 
   HDC context() const { return context_; }
+  /// What was drawn until now.
   Pixels pixels() const;
 
  private:
@@ -36,6 +38,7 @@ Pixels shownPixels(HWND window, int width, int height);
 /// The same of a whole window, to look into.
 class ScreenPicture {
  public:
+  /// Takes the picture now, with whatever lies in front of the window.
   explicit ScreenPicture(HWND window);
 
   /// True if a part of it, as the screen counts, has one colour all over.

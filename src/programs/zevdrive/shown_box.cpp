@@ -27,6 +27,7 @@ const IconRow iconRows[] = {
 };
 // clang-format on
 
+/// One of the system's icons as it looks on a background, to be held against what is on the screen.
 Pixels iconPixels(LPCWSTR icon, std::uint32_t background, int width, int height) {
   const Canvas canvas(width, height);
   const RECT area{0, 0, width, height};
@@ -75,6 +76,7 @@ const std::vector<BoxAnswer> buttonSets[] = {
 
 bool shows(HWND window) { return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0; }
 
+/// Reads one window of the box: a button, the icon or a piece of the text. Others are passed over.
 BOOL CALLBACK readPart(HWND window, LPARAM box) {
   auto& shown = *reinterpret_cast<ShownBox*>(box);
   const Text name = classOf(window);
@@ -89,6 +91,7 @@ BOOL CALLBACK readPart(HWND window, LPARAM box) {
   return TRUE;
 }
 
+/// Does what a press of the button does, without the mouse.
 void command(HWND box, int id) {
   PostMessageW(box, WM_COMMAND, MAKEWPARAM(static_cast<WORD>(id), BN_CLICKED),
                reinterpret_cast<LPARAM>(GetDlgItem(box, id)));
@@ -122,6 +125,8 @@ void nameSingleButton(ShownBox& box) {
 
 }  // namespace
 
+/// Buttons make the lowest digit, the place of the default one the third, the icon the second. -1
+/// for a set of buttons that no style has.
 std::int32_t ShownBox::style() const {
   const auto set =
       std::find_if(std::begin(buttonSets), std::end(buttonSets), [&](const auto& each) {

@@ -28,6 +28,7 @@ struct ShownBox {
 /// True for the box that asks for a text.
 bool isInputBox(HWND box);
 
+/// Reads a message box that is open and at rest, which is brought onto the screen first.
 ShownBox readBox(HWND box);
 /// Presses a button of a message box, by key or mouse.
 void press(const ShownBox& box, BoxAnswer answer);

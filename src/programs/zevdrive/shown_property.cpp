@@ -1,5 +1,3 @@
-#include "programs/zevdrive/shown_property.h"
-
 #include "programs/zevdrive/folder_tree.h"
 #include "programs/zevdrive/program_windows.h"
 #include "programs/zevdrive/window_hand.h"

@@ -149,6 +149,7 @@ void WindowHand::focus(const Form& form, const Control& control) const {
   PostMessageW(windows_.windowOf(form), WM_NULL, 0, 0);
 }
 
+/// Written in one piece, with the caret at its end as after typing.
 void WindowHand::type(const Form& form, const Control& control, const Text& text) const {
   const HWND window = windows_.windowOf(form, control);
   if (!reaches(form, control)) return;

@@ -22,15 +22,21 @@ bool reachedAt(POINT point, HWND window);
 /// program to work is posted, so that it can open a box.
 class WindowHand {
  public:
+  /// Borrows the windows, which whoever owns them keeps up to date.
   explicit WindowHand(const ProgramWindows& windows) : windows_(windows) {}
 
+  /// Whether an act would do anything: the window is to be seen and enabled, so is all that it lies
+  /// in, and no box is open.
   bool reaches(const Form& form) const;
   bool reaches(const Form& form, const Control& control) const;
 
+  /// By the mouse, at the middle of the control. DriveError if it lies under other windows or does
+  /// not hear the mouse. A list or a text box only gets the focus.
   void click(const Form& form, const Control& control) const;
   void focus(const Form& form, const Control& control) const;
   /// Replaces the text of a text box that is not locked.
   void type(const Form& form, const Control& control, const Text& text) const;
+  /// The close box of the form's title bar.
   void close(const Form& form) const;
 
   /// Entries of a list that drops down, or of a list box.

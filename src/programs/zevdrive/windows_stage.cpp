@@ -6,7 +6,6 @@
 
 #include "programs/zevdrive/folder_tree.h"
 #include "programs/zevdrive/machine_hand.h"
-#include "programs/zevdrive/shown_property.h"
 #include "scenario/finding.h"
 
 namespace zev::drive {
@@ -44,6 +43,8 @@ WindowsStage::WindowsStage(Text program, std::vector<Form*> forms, MachineHand& 
 
 // ---- the course of a play
 
+/// The program runs on between the steps; each act waits until it rests again before the next is
+/// pulled.
 scenario::Judgements WindowsStage::perform(const scenario::Scenario& scenario,
                                            std::vector<scenario::Audience*> audience) {
   play_ = std::make_unique<scenario::Play>(scenario, *this, std::move(audience));
@@ -54,6 +55,8 @@ scenario::Judgements WindowsStage::perform(const scenario::Scenario& scenario,
   return play_->judgements();
 }
 
+/// A former program is ended before the next is started: two of them would share files and
+/// registry.
 void WindowsStage::restart() {
   program_.reset();
   play_->starts();
@@ -77,6 +80,7 @@ void WindowsStage::settle() {
 
 // ---- boxes
 
+/// What answers a box can set off another one, so nothing is done until this one is gone.
 void WindowsStage::handleBox() {
   const HWND box = program_->windows().box();
   if (isInputBox(box)) {
@@ -114,6 +118,7 @@ void WindowsStage::handleInputBox(const ShownInput& box) {
 
 Form* WindowsStage::activeForm() { return running() ? program_->windows().activeForm() : nullptr; }
 
+/// The focus belongs to the thread of the program, so the system is asked about that thread.
 Control* WindowsStage::focused() {
   const Form* form = activeForm();
   if (form == nullptr) return nullptr;
@@ -141,6 +146,7 @@ std::optional<Json> WindowsStage::value(Component& component, std::string_view p
   return std::nullopt;
 }
 
+/// A form without a window is not loaded, and so not visible; nothing else can be told of it.
 std::optional<Json> WindowsStage::formValue(const Form& form, std::string_view property) const {
   const HWND window = program_->windows().windowOf(form);
   const bool visible = window != nullptr && IsWindowVisible(window);
@@ -185,6 +191,8 @@ void WindowsStage::choose(const FormControl& list, const Text& entry) {
   select(list, entry);
 }
 
+/// What a list shows depends on the Windows that this runs on: an entry that it lacks is refused,
+/// and no mistake of the scenario.
 void WindowsStage::select(const FormControl& list, const Text& entry) {
   const std::vector<Text> all = entries(list);
   const auto found = std::find_if(
@@ -224,6 +232,7 @@ using scenario::Step;
 
 std::optional<std::string> refusal(const std::vector<Step>& steps);
 
+/// Why a step cannot be played by somebody in front of the screen.
 struct StepRefusal {
   std::optional<std::string> operator()(const scenario::At& at) const {
     if (!std::holds_alternative<scenario::AtBox>(at.when)) return "points in the middle of a pass";

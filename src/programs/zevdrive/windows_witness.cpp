@@ -20,6 +20,8 @@ struct HandleCloser {
 };
 using OwnHandle = std::unique_ptr<void, HandleCloser>;
 
+/// Opens with all sharing, so that the program under test is kept from nothing. Null for a file
+/// that is not there or refuses to be read.
 OwnHandle openFile(const Text& path) {
   const HANDLE file =
       CreateFileW(wide(path), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
@@ -51,6 +53,7 @@ class Key {
 
 bool isText(DWORD type) { return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ; }
 
+/// A text's bytes as the calls of an A interface hand them out.
 std::vector<std::uint8_t> inCodePage(const std::vector<std::uint8_t>& wideBytes) {
   const auto* units = reinterpret_cast<const wchar_t*>(wideBytes.data());
   const int count = static_cast<int>(wideBytes.size() / sizeof(wchar_t));
@@ -62,6 +65,7 @@ std::vector<std::uint8_t> inCodePage(const std::vector<std::uint8_t>& wideBytes)
   return bytes;
 }
 
+/// A text counts up to its first NUL; its bytes are all that is stored.
 scenario::Witness::Value told(DWORD type, const std::vector<std::uint8_t>& bytes) {
   if (!isText(type)) return {type, std::nullopt, bytes};
   const auto* units = reinterpret_cast<const wchar_t*>(bytes.data());
@@ -69,6 +73,7 @@ scenario::Witness::Value told(DWORD type, const std::vector<std::uint8_t>& bytes
   return {type, Text(beforeNul(text)), inCodePage(bytes)};
 }
 
+/// The size is asked for first; a value that has grown by then counts as none.
 std::optional<scenario::Witness::Value> valueOf(HKEY key, const Text& name) {
   DWORD type = 0;
   DWORD size = 0;
@@ -99,6 +104,7 @@ std::optional<std::array<std::uint8_t, digestSize>> digestOf(
 
 }  // namespace
 
+/// The system's numbers of hives carry a sign where handles have 64 bits.
 HKEY hiveHandle(RegistryKey hive) {
   return reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<LONG>(hive)));
 }
@@ -147,6 +153,7 @@ std::optional<std::string> WindowsWitness::sha256(const Text& path) const {
   return hex;
 }
 
+/// "." and ".." are none of the entries. A folder that refuses to be listed looks empty.
 std::optional<std::vector<Text>> WindowsWitness::names(const Text& folder) const {
   const auto found = entry(folder);
   if (!found || (found->attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return std::nullopt;
@@ -169,6 +176,7 @@ std::optional<scenario::Witness::Value> WindowsWitness::value(RegistryKey hive, 
   return open.get() == nullptr ? std::nullopt : valueOf(open.get(), name);
 }
 
+/// No name is longer than 16,383 characters. A value that goes away meanwhile is left out.
 std::optional<std::map<Text, scenario::Witness::Value>> WindowsWitness::values(
     RegistryKey hive, const Text& key) const {
   const Key open(hive, key);

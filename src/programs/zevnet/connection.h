@@ -25,11 +25,13 @@ class Connection {
   /// Takes a connection over, within ConnectionRequest.
   void accept(std::int32_t requestID);
 
+  /// Whether bytes can be sent and come, now.
   bool stands() const { return socket_->State() == sckConnected; }
   /// Whether it came about.
   bool hasBegun() const { return !peer_.empty(); }
   /// Whether some bytes have not gone out yet.
   bool waits() const { return sent_ < given_; }
+  /// Adds bytes to those that wait; `waits` tells when all are out.
   void send(BytesView bytes);
   /// Closes as soon as everything has gone out and the peer, who reads the end then, has closed as
   /// well: what it sends behind a socket that is closed already would be answered by a reset, which
@@ -43,6 +45,8 @@ class Connection {
   /// Closes it and tells how it ended. `unread` is what is left of the input that should have gone
   /// out; if `wholeInput` is wanted, more of it that may come is lost as well.
   void end(const InputRest& unread, bool wholeInput);
+  /// Whether end() was called; whether anything that was told was an error; bytes in both
+  /// directions.
   bool ended() const { return ended_; }
   bool failed() const { return failure_ || loss_; }
   std::uint64_t traffic() const { return sent_ + received_; }

@@ -5,7 +5,7 @@
 
 #include "programs/zevnet/connection.h"
 #include "programs/zevnet/conversation.h"
-#include "programs/zevnet/wishes.h"
+#include "programs/zevnet/zevnet.h"
 
 namespace zev::netcat {
 

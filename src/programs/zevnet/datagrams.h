@@ -5,7 +5,7 @@
 
 #include "programs/zevnet/conversation.h"
 #include "programs/zevnet/failure.h"
-#include "programs/zevnet/wishes.h"
+#include "programs/zevnet/zevnet.h"
 #include "socket/event_socket.h"
 
 namespace zev::netcat {

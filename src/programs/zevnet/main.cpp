@@ -2,14 +2,25 @@
 #include <cstdio>
 #include <iostream>
 
-#include "programs/zevnet/this_machine.h"
 #include "programs/zevnet/zevnet.h"
+#if defined(_WIN32)
+#include "programs/zevnet/win32_terminal.h"
+#else
+#include "programs/zevnet/posix_terminal.h"
+#endif
 
 namespace {
 
-using zev::netcat::ThisMachine;
-using zev::netcat::ThisTerminal;
 using zev::netcat::Wishes;
+
+// The system that this runs on.
+#if defined(_WIN32)
+using ThisMachine = zev::win32::SocketMachine;
+using ThisTerminal = zev::netcat::Win32Terminal;
+#else
+using ThisMachine = zev::posix::Machine;
+using ThisTerminal = zev::netcat::PosixTerminal;
+#endif
 
 constexpr int wrongUse = 2;
 constexpr int highestPort = 65535;

@@ -13,6 +13,7 @@ using BytesView = std::span<const std::uint8_t>;
 class InputTaker {
  public:
   virtual ~InputTaker() = default;
+  /// The next bytes of the input, in order; valid until the call returns.
   virtual void takeInput(BytesView piece) = 0;
   /// No further piece will come.
   virtual void endInput() = 0;

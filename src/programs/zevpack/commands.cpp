@@ -69,6 +69,7 @@ void printPlace(const PackageFile& package, const Member& member, const std::str
 
 }  // namespace
 
+/// A member that is damaged is listed with what is wrong with it, and the others as ever.
 int list(const fs::path& path, Stored stored) {
   const PackageFile package(path);
   std::printf("%3s  %-32s  %10s  %10s  %10s  %10s\n", "row", "packed name", "offset", "to end",
@@ -106,6 +107,7 @@ void compare(const PackageFile& package, const Digests& expected, PackageTrouble
   }
 }
 
+/// Digests are only compared where every member can be expanded.
 int verifyPackage(const fs::path& path, const PackageFile& package, Stored stored,
                   const std::optional<Digests>& expected) {
   PackageTrouble trouble = troubleOf(package, stored);
@@ -144,6 +146,8 @@ int verifyInstalled(const InstalledFolders& folders, const Digests& expected) {
 
 }  // namespace
 
+/// Without a list an installed product is held against the package, which then has to be right
+/// itself.
 int verify(const Verification& wanted) {
   std::optional<Digests> expected;
   if (wanted.against) expected = readDigests(*wanted.against);
@@ -191,6 +195,7 @@ bool check(const fs::path& path, const PackageFile& package, Stored stored, Forc
 
 }  // namespace
 
+/// All that could refuse a file is asked before the first is written.
 int extract(const fs::path& path, const fs::path& folder, bool packed, Stored stored, Force force) {
   const PackageFile package(path);
   const bool right = check(path, package, stored, force);
@@ -230,6 +235,7 @@ int expand(const fs::path& in, const fs::path& out) {
   return 0;
 }
 
+/// Made side by side, written one after the other, out of memory.
 int sample(const fs::path& folder) {
   makeFolder(folder);
   const SampleProduct product(sampleRows());

@@ -34,8 +34,10 @@ Bytes readFile(const std::filesystem::path& path);
 /// which is left alone; what stood there before is then untouched.
 class NewFile {
  public:
+  /// Makes the file under its other name, empty.
   explicit NewFile(std::filesystem::path path);
 
+  /// Adds bytes at its end. ToolError if the disk does not take them all.
   void append(std::span<const std::uint8_t> bytes);
   /// Gives the file its name. Without it nothing is left of the file.
   void keep();
@@ -45,6 +47,7 @@ class NewFile {
   std::optional<PartialFile> partial_;
 };
 
+/// The same for bytes that are all there.
 void writeFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
 /// ToolError if no file can be written by that name, as far as that can be told before: for what

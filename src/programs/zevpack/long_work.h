@@ -12,6 +12,8 @@ namespace zev::packing {
 /// can work on the pieces.
 class Progress {
  public:
+  /// `work` begins the line, as "Packing" does, `total` is how many pieces there are. The line ends
+  /// with this object.
   Progress(std::string_view work, std::size_t total);
   ~Progress();
   Progress(const Progress&) = delete;

@@ -43,6 +43,8 @@ Found takePlain(const Member& member, const fs::path& file) {
   return found;
 }
 
+/// The packed file counts before the plain one. A mistake becomes a word about the member, so that
+/// all of them are told at once.
 Found take(const Member& member, const Folder& folder, Stored stored) {
   try {
     if (const auto packed = folder.find(member.packedName)) {
@@ -103,6 +105,7 @@ void checkOutput(const fs::path& output, const fs::path& image, const fs::path& 
 
 }  // namespace
 
+/// What has the wrong size can be forced by nobody: the installer finds members by their sizes.
 std::vector<Bytes> gatherMembers(const fs::path& path, Stored stored, Force force) {
   const Folder folder(path);
   const std::vector<Member> all = members();
@@ -125,6 +128,7 @@ std::vector<Bytes> gatherMembers(const fs::path& path, Stored stored, Force forc
   return gathered;
 }
 
+/// All that can be wrong is looked for before the first byte is written.
 void buildPackage(const fs::path& image, const fs::path& folder, const fs::path& output,
                   Stored stored, Force force) {
   const Bytes front = readFile(image);

@@ -51,6 +51,8 @@ std::string quoted(std::uint8_t character) { return {'\'', static_cast<char>(cha
 
 }  // namespace
 
+/// The room is made before, so that a lack of memory shows at once and nothing is copied on the
+/// way.
 Expanded expandMember(std::span<const std::uint8_t> stored) {
   Bytes bytes;
   if (!makeRoom(bytes, mostExpanded(stored))) return {{}, troubleOf(lz_error::outOfMemory)};
@@ -83,6 +85,7 @@ std::size_t declaredLength(std::span<const std::uint8_t> stored) {
   return lz::parseHeader(stored.first<lz::kHeaderSize>()).expandedLength;
 }
 
+/// The header first, then the whole expansion: only that shows whether an installer could lay it.
 std::string checkMember(std::span<const std::uint8_t> stored, std::uint8_t nameByte, bool plainOk) {
   if (!lz::hasMagic(stored)) return plainOk ? "" : "no header of a packed file";
   if (!isPacked(stored)) return "the header is cut short";
@@ -123,6 +126,7 @@ std::string missing(const PackageFile& package, const Member& member) {
 
 }  // namespace
 
+/// What an installer would stumble over, in the order in which it comes to it.
 std::string troubleOfProgram(std::span<const std::uint8_t> front, bool isSigned) {
   const auto image = readImageHeader(readerOf(front));
   if (!image) return "there is no program in front of the members";

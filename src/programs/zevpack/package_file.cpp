@@ -8,13 +8,12 @@ namespace zev::packing {
 
 std::vector<Member> members() {
   std::vector<Member> all;
-  std::size_t tailOffset = 0;
-  for (const ManifestRow& row : manifest()) {
+  for (std::size_t slot = 0; slot < manifestSlots; ++slot) {
+    const ManifestRow& row = manifest()[slot];
     if (row.row == 0) continue;
-    const auto size = static_cast<std::size_t>(row.size);
-    all.push_back({row.row, toUtf8(row.packedName), toUtf8(row.installedName), size, tailOffset,
+    all.push_back({row.row, toUtf8(row.packedName), toUtf8(row.installedName),
+                   static_cast<std::size_t>(row.size), static_cast<std::size_t>(tailOffset(slot)),
                    row.target, row.condition});
-    tailOffset += size;
   }
   return all;
 }

@@ -1,6 +1,6 @@
 #include "programs/zevsim/event_writer.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 using simulated::Event;
@@ -50,4 +50,4 @@ void EventWriter::count(std::string_view kind, const Event& event) {
   }
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -10,7 +10,7 @@
 #include "simulated/disks.h"
 #include "simulated/transcript.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// The kinds of event that a transcript can hold.
 const std::vector<std::string_view>& eventKinds();
@@ -43,4 +43,4 @@ class EventWriter final : public simulated::Transcript {
   Tally tally_;
 };
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

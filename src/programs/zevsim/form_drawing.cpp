@@ -5,7 +5,7 @@
 
 #include "programs/zevsim/text_block.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 constexpr int twipsPerColumn = 75;
@@ -65,4 +65,4 @@ std::string listControls(const Form& form, const Control* focused, int columns) 
   return headed(useHeading, usable, room) + headed(disabledHeading, disabled, room);
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -5,7 +5,7 @@
 #include "programs/zevsim/form_pieces.h"
 #include "runtime/form.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// What a form is drawn on: the most columns and lines that it may take, its frame included.
 struct Sheet {
@@ -28,4 +28,4 @@ std::string drawForm(const Form& form, const Sheet& sheet = {},
 /// is marked; null marks none.
 std::string listControls(const Form& form, const Control* focused, int columns = Sheet().columns);
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -6,7 +6,7 @@
 
 #include "programs/zevsim/text_block.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 // ---- laying pieces out
 
@@ -426,4 +426,4 @@ std::vector<Piece> piecesOf(const Form& form, int columns, const FolderNames& fo
   return pieces;
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

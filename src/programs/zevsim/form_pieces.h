@@ -6,7 +6,7 @@
 #include "runtime/form.h"
 #include "runtime/text.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// A block of text that lies somewhere on a form, in columns and rows.
 struct Piece {
@@ -40,4 +40,4 @@ bool isEnabled(const Control& control);
 /// and `folderNames`, outlive the pieces.
 std::vector<Piece> piecesOf(const Form& form, int columns, const FolderNames& folderNames);
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -1,10 +1,9 @@
-#include "programs/zevsim/hindrance.h"
-
 #include "programs/zevsim/form_pieces.h"
 #include "programs/zevsim/meant.h"
+#include "programs/zevsim/simulated_stage.h"
 #include "scenario/finding.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 using Hindrance = std::optional<std::string>;
@@ -28,7 +27,7 @@ struct Finder {
   SimulatedStage& stage;
 
   template <typename Special>
-  Hindrance find(const Name& name, const Special& special) const {
+  Hindrance find(const scenario::Name& name, const Special& special) const {
     const Form* form =
         name.parts.size() > 1 ? findForm(stage, name.parts.front()) : stage.activeForm();
     const Control* control =
@@ -38,27 +37,27 @@ struct Finder {
     return special(*control);
   }
 
-  Hindrance find(const Name& name) const {
+  Hindrance find(const scenario::Name& name) const {
     return find(name, [](const Control&) { return std::nullopt; });
   }
 
-  Hindrance operator()(const Click& click) const { return find(click.control); }
-  Hindrance operator()(const Select& select) const { return find(select.control); }
+  Hindrance operator()(const scenario::Click& click) const { return find(click.control); }
+  Hindrance operator()(const scenario::Select& select) const { return find(select.control); }
 
-  Hindrance operator()(const Type& type) const {
+  Hindrance operator()(const scenario::Type& type) const {
     return find(type.control, [](const Control& control) {
       return control.design().locked ? Hindrance(calledBy(control) + " is locked") : std::nullopt;
     });
   }
 
-  Hindrance operator()(const Focus& focus) const {
+  Hindrance operator()(const scenario::Focus& focus) const {
     return find(focus.control, [](const Control& control) {
       return control.canTakeFocus() ? std::nullopt
                                     : Hindrance(calledBy(control) + " takes no focus");
     });
   }
 
-  Hindrance operator()(const Close& close) const {
+  Hindrance operator()(const scenario::Close& close) const {
     const Form* form = findForm(stage, close.form.written());
     return form == nullptr ? std::nullopt : of(*form);
   }
@@ -71,9 +70,9 @@ struct Finder {
 
 }  // namespace
 
-std::optional<std::string> hindranceOf(const Step& step, SimulatedStage& stage) {
+std::optional<std::string> hindranceOf(const scenario::Step& step, SimulatedStage& stage) {
   if (!stage.ended().is_null()) return std::nullopt;
   return std::visit(Finder{stage}, step.action);
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

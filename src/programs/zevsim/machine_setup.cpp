@@ -6,7 +6,14 @@
 
 #include "code_page/code_page.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::DriveEntry;
+using scenario::FaultChange;
+using scenario::FileEntry;
+using scenario::MachineChange;
+using scenario::ScenarioError;
+
 namespace {
 
 using simulated::FolderSettings;
@@ -41,12 +48,13 @@ void changeSystem(simulated::SystemSettings& system, const MachineChange& change
   for (const auto& [metric, value] : change.metrics) system.metrics[metric] = value;
 }
 
-bool saysAnything(const FoldersChange& change) {
+bool saysAnything(const scenario::FoldersChange& change) {
   return change.temp || change.windows || change.system || change.documents ||
          change.localAppData || change.desktop || !change.special.empty();
 }
 
-FolderSettings changed(FolderSettings folders, const FoldersChange& change) {
+/// The folders with what a change says of them.
+FolderSettings changed(FolderSettings folders, const scenario::FoldersChange& change) {
   take(folders.temp, change.temp);
   take(folders.windows, change.windows);
   take(folders.system, change.system);
@@ -59,6 +67,8 @@ FolderSettings changed(FolderSettings folders, const FoldersChange& change) {
 
 // Drives and files.
 
+/// A drive that is there keeps what the change does not speak of; a new one begins as a usual
+/// drive.
 void changeDrive(simulated::Disks& disks, const DriveEntry& entry) {
   if (!entry.change) {
     disks.removeDrive(entry.letter);
@@ -81,17 +91,17 @@ struct ContentLayer {
   simulated::FileSettings& file;
   std::uint32_t codePage;
 
-  void operator()(const AsItIs&) const {}
-  void operator()(const Directory&) const { file.directory = true; }
-  void operator()(const FileText& content) const {
+  void operator()(const scenario::AsItIs&) const {}
+  void operator()(const scenario::Directory&) const { file.directory = true; }
+  void operator()(const scenario::FileText& content) const {
     file.content = bytesOf(toCodePage(content.text, codePage));
   }
-  void operator()(const FileBytes& content) const { file.content = content.bytes; }
-  void operator()(const FileZeros& content) const {
+  void operator()(const scenario::FileBytes& content) const { file.content = content.bytes; }
+  void operator()(const scenario::FileZeros& content) const {
     file.content = simulated::ZeroBytes{content.size};
   }
-  void operator()(const FileFromHost& content) const { file.content = content.file; }
-  void operator()(const FileLink& content) const {
+  void operator()(const scenario::FileFromHost& content) const { file.content = content.file; }
+  void operator()(const scenario::FileLink& content) const {
     file.directory = content.toFolder;
     file.link = content.target;
   }
@@ -106,11 +116,12 @@ simulated::Denial denial(const std::vector<std::string>& denied) {
 
 /// An entry of which nothing says what it is stays what it is.
 bool isDirectory(const simulated::Disks& disks, const FileEntry& entry) {
-  if (!std::holds_alternative<AsItIs>(entry.change->content)) return false;
+  if (!std::holds_alternative<scenario::AsItIs>(entry.change->content)) return false;
   const auto found = disks.find(entry.file);
   return found && (found->attributes & file_attribute::directory) != 0;
 }
 
+/// What the change says nothing of stays as it is on an entry that is there.
 void changeFile(SimulatedMachine& machine, const FileEntry& entry) {
   if (!entry.change) {
     machine.disks().remove(entry.file);
@@ -142,7 +153,9 @@ void changeEntry(SimulatedMachine& machine, const FileEntry& entry) {
 
 // The registry.
 
-simulated::RegistryValue registryValue(const RegistryData& data, std::uint32_t codePage) {
+/// A text under a type that holds none is stored as the bytes that it has in the machine's code
+/// page, NUL included.
+simulated::RegistryValue registryValue(const scenario::RegistryData& data, std::uint32_t codePage) {
   using simulated::RegistryValue;
   if (const auto* bytes = std::get_if<std::vector<std::uint8_t>>(&data.data)) {
     return RegistryValue::ofBytes(data.type, *bytes, codePage);
@@ -152,7 +165,9 @@ simulated::RegistryValue registryValue(const RegistryData& data, std::uint32_t c
   return RegistryValue::ofBytes(data.type, bytesOf(toCodePage(text + u'\0', codePage)), codePage);
 }
 
-void changeRegistry(SimulatedMachine& machine, const RegistryChange& change) {
+/// Name and data together tell what is meant: a value written or taken away, a key made or taken
+/// away.
+void changeRegistry(SimulatedMachine& machine, const scenario::RegistryChange& change) {
   simulated::RegistryTree& registry = machine.registry();
   if (change.name && change.data) {
     registry.setValue(change.hive, change.key, **change.name,
@@ -166,6 +181,7 @@ void changeRegistry(SimulatedMachine& machine, const RegistryChange& change) {
   }
 }
 
+/// The list is all that is refused from now on. A hive alone is refused as a whole.
 void denyKeys(simulated::RegistryTree& registry, const std::vector<Text>& keys) {
   for (const RegistryKey hive : {HKEY_CLASSES_ROOT, HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
     registry.allowAll(hive);
@@ -179,6 +195,7 @@ void denyKeys(simulated::RegistryTree& registry, const std::vector<Text>& keys) 
 
 // Programs and faults.
 
+/// The settings of a program, which is known by its path in any letter case.
 simulated::ProgramSettings& programAt(simulated::MachineSettings& settings, const Text& path) {
   for (auto& [known, program] : settings.programs) {
     if (equalText(known, path)) return program;
@@ -187,7 +204,7 @@ simulated::ProgramSettings& programAt(simulated::MachineSettings& settings, cons
 }
 
 void changeProgram(simulated::MachineSettings& settings, const Text& path,
-                   const ProgramChange& change) {
+                   const scenario::ProgramChange& change) {
   simulated::ProgramSettings& program = programAt(settings, path);
   take(program.starts, change.starts);
   take(program.opens, change.opens);
@@ -229,7 +246,7 @@ void changeSettings(SimulatedMachine& machine, const MachineChange& change) {
 /// What stands on the machine: drives first, then what lies on them.
 void changeState(SimulatedMachine& machine, const MachineChange& change) {
   for (const FileEntry& each : change.files) changeEntry(machine, each);
-  for (const RegistryChange& each : change.registry) changeRegistry(machine, each);
+  for (const scenario::RegistryChange& each : change.registry) changeRegistry(machine, each);
   if (change.deniedKeys) denyKeys(machine.registry(), *change.deniedKeys);
   if (change.faults) setFaults(machine, *change.faults);
 }
@@ -249,6 +266,7 @@ void layFolders(SimulatedMachine& machine, const MachineChange& description) {
 
 }  // namespace
 
+/// Drives come first, then the user's name and the code page, which folders and files depend on.
 void setUp(SimulatedMachine& machine, const MachineChange& description) {
   for (const DriveEntry& each : description.drives) changeDrive(machine.disks(), each);
   changeSettings(machine, description);
@@ -258,7 +276,9 @@ void setUp(SimulatedMachine& machine, const MachineChange& description) {
 
 namespace {
 
-simulated::FileContent contentOf(const InstallerBytes& bytes) {
+/// A piece of the host's file stays there until it is read; only with inverted bytes is all of it
+/// taken into memory.
+simulated::FileContent contentOf(const scenario::InstallerBytes& bytes) {
   using simulated::HostPiece;
   auto piece = bytes.file ? std::make_shared<const HostPiece>(*bytes.file, bytes.offset, bytes.size,
                                                               bytes.zeros)
@@ -275,7 +295,8 @@ simulated::FileContent contentOf(const InstallerBytes& bytes) {
 
 }  // namespace
 
-void layInstaller(SimulatedMachine& machine, const InstallerBytes& bytes) {
+/// On a machine without that drive nothing is laid: the program then finds no package.
+void layInstaller(SimulatedMachine& machine, const scenario::InstallerBytes& bytes) {
   const Text& path = machine.settings().installer;
   if (!machine.disks().drive(upperCase(path).front())) return;
   simulated::FileSettings file;
@@ -296,4 +317,4 @@ void change(SimulatedMachine& machine, const MachineChange& change) {
   changeState(machine, change);
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

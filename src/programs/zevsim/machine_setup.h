@@ -4,18 +4,18 @@
 #include "scenario/scenario.h"
 #include "simulated/simulated_machine.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// Makes a usual machine into the one that a scenario describes. The folders that the system names
 /// follow the user's name unless they are given.
-void setUp(simulated::SimulatedMachine& machine, const MachineChange& description);
+void setUp(simulated::SimulatedMachine& machine, const scenario::MachineChange& description);
 
 /// Puts the installer's file where the machine has it. What the host has of it is read when the
 /// program asks for it.
-void layInstaller(simulated::SimulatedMachine& machine, const InstallerBytes& bytes);
+void layInstaller(simulated::SimulatedMachine& machine, const scenario::InstallerBytes& bytes);
 
 /// Changes a machine, before or in the midst of a run. What cannot be done, such as a file on a
 /// drive that is not there, is a ScenarioError.
-void change(simulated::SimulatedMachine& machine, const MachineChange& change);
+void change(simulated::SimulatedMachine& machine, const scenario::MachineChange& change);
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

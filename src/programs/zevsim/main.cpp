@@ -6,7 +6,7 @@
 #include "programs/zevsim/zevsim_main.h"
 
 int main(int argumentCount, char** arguments) {
-  return zev::scenario::zevsimMain({arguments + 1, arguments + argumentCount},
-                                   zev::makeSetupProgram,
-                                   {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) != 0});
+  return zev::simulator::zevsimMain({arguments + 1, arguments + argumentCount},
+                                    zev::simulator::makeSetupProgram,
+                                    {std::cin, std::cout, std::cerr, isatty(STDOUT_FILENO) != 0});
 }

@@ -6,7 +6,7 @@
 #include "programs/zevsim/form_pieces.h"
 #include "scenario/json_reader.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 /// Letters that are one letter to who leaves its accents out, in lower case.
@@ -79,7 +79,7 @@ bool hasCaption(const Control& control) {
 }
 
 [[noreturn]] void failSeveral(TextView written, const std::string& all) {
-  throw ScenarioError("prompt", "\"" + toUtf8(written) + "\" may be " + all);
+  throw scenario::ScenarioError("prompt", "\"" + toUtf8(written) + "\" may be " + all);
 }
 
 }  // namespace
@@ -157,4 +157,4 @@ std::string calledBy(const Control& control) {
   return hasCaption(control) ? name + " \"" + toUtf8(shownText(control)) + "\"" : name;
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -9,7 +9,7 @@
 #include "runtime/controls.h"
 #include "runtime/form.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// A text as people compare it: in lower case, without accents, and without what stands around its
 /// words, as "back" of "<< Back".
@@ -39,4 +39,4 @@ std::string enumerated(const std::vector<Text>& texts);
 /// A control as a person is told of it: `Command1 "<< Back"`.
 std::string calledBy(const Control& control);
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "runtime/controls.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// The program that a scenario plays, as the player sees it. One object is one start of the
 /// program.
@@ -28,11 +29,17 @@ class PlayedProgram {
 
   /// A person chooses an entry of a drive list ("d:") or a folder of a directory tree ("C:\Temp").
   /// Called from the message loop.
-  virtual void choose(Control& list, const Text& entry);
+  virtual void choose(Control& list, const Text& entry) {
+    if (auto* drives = dynamic_cast<DriveListBox*>(&list)) {
+      drives->setDrive(entry);
+    } else if (auto* folders = dynamic_cast<DirListBox*>(&list)) {
+      folders->setPath(entry);
+    }
+  }
 };
 
 /// Makes the program on a machine whose process has just begun. It borrows the platform, which
 /// outlives it.
 using ProgramFactory = std::function<std::unique_ptr<PlayedProgram>(Platform&)>;
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -6,7 +6,7 @@
 #include "programs/zevsim/text_block.h"
 #include "scenario/script.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 constexpr int longestBar = 40;
@@ -70,7 +70,7 @@ void Progress::drawBar(double share) {
   lineOpen_ = true;
 }
 
-void Progress::boxAnswered(const Box& box, BoxAnswer answer) {
+void Progress::boxAnswered(const scenario::Box& box, BoxAnswer answer) {
   finish();
   out_ << "[" << toUtf8(box.title) << "] " << oneLine(toUtf8(box.text)) << "  -> "
        << answerName(answer) << std::endl;
@@ -81,4 +81,4 @@ void Progress::finish() {
   lineOpen_ = false;
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -6,7 +6,7 @@
 #include "runtime/form.h"
 #include "scenario/play.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// Shows the progress of an install as the program itself shows it on its wizard: the width of the
 /// bar (Form1.Label7 in its frame), the figure on it (Label8) and the file (Label12). On a terminal
@@ -17,7 +17,7 @@ class Progress {
       : out_(out), terminal_(terminal), columns_(columns) {}
 
   void propertyWritten(const Form& form, const PropertyBase& property);
-  void boxAnswered(const Box& box, BoxAnswer answer);
+  void boxAnswered(const scenario::Box& box, BoxAnswer answer);
   /// Ends the line that is being drawn.
   void finish();
 
@@ -32,4 +32,4 @@ class Progress {
   std::string file_;
 };
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

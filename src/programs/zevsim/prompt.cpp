@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/system_information.h"
-#include "programs/zevsim/hindrance.h"
 #include "programs/zevsim/meant.h"
 #include "programs/zevsim/text_block.h"
 #include "programs/zevsim/typed_line.h"
@@ -13,7 +12,11 @@
 #include "runtime/controls.h"
 #include "scenario/script.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::Answer;
+using scenario::Box;
+using scenario::Step;
 
 // ---- the help
 
@@ -183,7 +186,7 @@ Step Prompt::nextStep(SimulatedStage& stage) {
     try {
       if (obey(line, stage)) continue;
       if (auto step = stepOf(line, stage)) return *step;
-    } catch (const ScenarioError& error) {
+    } catch (const scenario::ScenarioError& error) {
       terminal_.tell(error.reason());
     }
   }
@@ -198,11 +201,11 @@ std::optional<Step> Prompt::stepOf(const std::string& line, SimulatedStage& stag
   return std::nullopt;
 }
 
-void Prompt::judged(const KeyedValue& expectation, const Verdict& verdict) {
+void Prompt::judged(const scenario::KeyedValue& expectation, const scenario::Verdict& verdict) {
   notices_.push_back((verdict.held ? "held: " : "does not hold: ") + expectation.key);
 }
 
-void Prompt::refused(const ScenarioError& error) { notices_.push_back(error.reason()); }
+void Prompt::refused(const scenario::ScenarioError& error) { notices_.push_back(error.reason()); }
 
 void Prompt::tellNotices() {
   for (const std::string& each : std::exchange(notices_, {})) terminal_.tell(each);
@@ -298,9 +301,10 @@ void Prompt::screen(std::string_view, SimulatedStage& stage) { drawScreen(stage)
 
 void Prompt::show(std::string_view rest, SimulatedStage& stage) {
   const std::string key(rest);
-  const Json nothing = nullptr;
+  const scenario::Json nothing = nullptr;
   const std::string path(typedPlace);
-  if (key != "boxes" && key != "ended") checkExpectation(key, JsonReader(nothing, {}, path));
+  if (key != "boxes" && key != "ended")
+    checkExpectation(key, scenario::JsonReader(nothing, {}, path));
   const auto verdict = stage.play().verdictOn({key, nothing, path});
   terminal_.show(verdict.value().found.dump(2) + "\n");
 }
@@ -317,4 +321,4 @@ void Prompt::width(std::string_view rest, SimulatedStage& stage) {
   drawScreen(stage);
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -11,7 +11,7 @@
 #include "programs/zevsim/simulated_stage.h"
 #include "programs/zevsim/terminal.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// What can be typed at the prompt, in lines of a width.
 std::string promptHelp(int columns);
@@ -24,12 +24,12 @@ class Prompt {
   Prompt(std::istream& in, std::ostream& out, int columns = Sheet().columns);
 
   /// Draws what is on the screen and reads lines until one is a step.
-  Step nextStep(SimulatedStage& stage);
+  scenario::Step nextStep(SimulatedStage& stage);
   /// The button of a box; none for the default one.
-  std::optional<Answer> answer(const Box& box);
-  std::optional<Answer> input(TextView prompt, TextView title, TextView initial);
-  void judged(const KeyedValue& expectation, const Verdict& verdict);
-  void refused(const ScenarioError& error);
+  std::optional<scenario::Answer> answer(const scenario::Box& box);
+  std::optional<scenario::Answer> input(TextView prompt, TextView title, TextView initial);
+  void judged(const scenario::KeyedValue& expectation, const scenario::Verdict& verdict);
+  void refused(const scenario::ScenarioError& error);
 
  private:
   /// A word that is meant for the prompt itself, and what it does.
@@ -40,7 +40,7 @@ class Prompt {
   static const Command commands[];
 
   bool obey(const std::string& line, SimulatedStage& stage);
-  std::optional<Step> stepOf(const std::string& line, SimulatedStage& stage);
+  std::optional<scenario::Step> stepOf(const std::string& line, SimulatedStage& stage);
   void tellNotices();
   std::string drawn(SimulatedStage& stage) const;
   void drawScreen(SimulatedStage& stage);
@@ -58,4 +58,4 @@ class Prompt {
   std::vector<std::string> notices_;  ///< to be told below the next drawing
 };
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -7,7 +7,7 @@
 
 #include "wizard/setup.h"
 
-namespace zev {
+namespace zev::simulator {
 namespace {
 
 using FixedPath = FixedText<256>;
@@ -88,7 +88,7 @@ struct Writer {
   }
 };
 
-class SetupProgram final : public scenario::PlayedProgram {
+class SetupProgram final : public PlayedProgram {
  public:
   explicit SetupProgram(Platform& platform) : setup_(platform) {}
 
@@ -112,8 +112,8 @@ class SetupProgram final : public scenario::PlayedProgram {
 
 }  // namespace
 
-std::unique_ptr<scenario::PlayedProgram> makeSetupProgram(Platform& platform) {
+std::unique_ptr<PlayedProgram> makeSetupProgram(Platform& platform) {
   return std::make_unique<SetupProgram>(platform);
 }
 
-}  // namespace zev
+}  // namespace zev::simulator

@@ -4,9 +4,9 @@
 
 #include "programs/zevsim/played_program.h"
 
-namespace zev {
+namespace zev::simulator {
 
 /// The setup program as scenarios play it: the wizard with its forms and globals.
-std::unique_ptr<scenario::PlayedProgram> makeSetupProgram(Platform& platform);
+std::unique_ptr<PlayedProgram> makeSetupProgram(Platform& platform);
 
-}  // namespace zev
+}  // namespace zev::simulator

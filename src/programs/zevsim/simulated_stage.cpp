@@ -7,7 +7,12 @@
 #include "programs/zevsim/meant.h"
 #include "scenario/expectation.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::FormControl;
+using scenario::Json;
+using scenario::Other;
+
 namespace {
 
 /// The unwinding of a program that is left where it stands, to be started anew. As PlayLeft it is
@@ -24,12 +29,12 @@ bool hasInstaller(const simulated::SimulatedMachine& machine) {
   }
 }
 
-Box shownBox(const simulated::Box& box) {
+scenario::Box shownBox(const simulated::Box& box) {
   constexpr BoxAnswer allButtons[] = {
       BoxAnswer::OK,    BoxAnswer::Yes,    BoxAnswer::No,     BoxAnswer::Abort,
       BoxAnswer::Retry, BoxAnswer::Ignore, BoxAnswer::Cancel,
   };
-  Box shown{box.text, box.title, box.style, {}, simulated::defaultAnswer(box.style)};
+  scenario::Box shown{box.text, box.title, box.style, {}, simulated::defaultAnswer(box.style)};
   for (const BoxAnswer each : allButtons) {
     if (simulated::hasButton(box.style, each)) shown.buttons.push_back(each);
   }
@@ -69,13 +74,16 @@ Json shortcut(SimulatedStage& stage, std::string_view path) {
 
 Json calls(SimulatedStage& stage, std::string_view name) { return stage.machine().calls(name); }
 
+/// A text counts up to its first NUL, without blanks at its ends, as the program takes it where its
+/// length is fixed.
 Json global(SimulatedStage& stage, std::string_view name) {
   auto value = stage.program().global(name);
   if (!value) throw std::invalid_argument("the program has no global " + std::string(name));
   if (Text* text = std::get_if<Text>(&*value)) *text = trim(beforeNul(*text));
-  return toJson(*value);
+  return scenario::toJson(*value);
 }
 
+/// What was started or opened, in its order, each as an expectation writes it whole.
 Json startsOf(const std::vector<simulated::Start>& starts, const char* what) {
   Json found = Json::array();
   for (const simulated::Start& each : starts) {
@@ -114,14 +122,14 @@ constexpr FindRow findRows[] = {
 // ---- the transcript
 
 /// Writes steps, verdicts and the end into the machine's transcript.
-class SimulatedStage::Teller final : public Audience {
+class SimulatedStage::Teller final : public scenario::Audience {
  public:
   explicit Teller(simulated::Transcript& transcript) : transcript_(transcript) {}
 
-  void stepBegins(const Step& step) override {
+  void stepBegins(const scenario::Step& step) override {
     if (transcript_.wants("step")) transcript_.add({{"event", "step"}, {"step", step.source}});
   }
-  void judged(const KeyedValue& expectation, const Verdict* verdict) override {
+  void judged(const scenario::KeyedValue& expectation, const scenario::Verdict* verdict) override {
     if (!transcript_.wants("expect") || verdict == nullptr) return;
     transcript_.add({{"event", "expect"},
                      {"key", expectation.key},
@@ -142,7 +150,8 @@ class SimulatedStage::Teller final : public Audience {
 
 // ---- the course of a play
 
-SimulatedStage::SimulatedStage(const Scenario& scenario, ProgramFactory factory,
+/// The installer's file is laid unless the scenario has laid one itself and names no package.
+SimulatedStage::SimulatedStage(const scenario::Scenario& scenario, ProgramFactory factory,
                                simulated::Transcript& transcript)
     : scenario_(scenario),
       factory_(std::move(factory)),
@@ -156,12 +165,14 @@ SimulatedStage::SimulatedStage(const Scenario& scenario, ProgramFactory factory,
 
 SimulatedStage::~SimulatedStage() = default;
 
-void SimulatedStage::perform(std::vector<Audience*> audiences) {
+/// The transcript hears of everything before the other audiences do. An audience that leaves ends
+/// the play there and then.
+void SimulatedStage::perform(std::vector<scenario::Audience*> audiences) {
   audiences.insert(audiences.begin(), teller_.get());
-  play_ = std::make_unique<Play>(scenario_, *this, std::move(audiences));
+  play_ = std::make_unique<scenario::Play>(scenario_, *this, std::move(audiences));
   try {
     playPart();
-  } catch (const PlayLeft&) {
+  } catch (const scenario::PlayLeft&) {
     return;
   }
 }
@@ -190,6 +201,8 @@ void SimulatedStage::live() {
   }
 }
 
+/// Runs the program to its end, of whatever kind, and tells the play which it was. It returns too
+/// when nobody has anything left to do.
 void SimulatedStage::runProgram() {
   try {
     machine_.platform().application.run([this] { program_->start(); });
@@ -222,11 +235,14 @@ Control* SimulatedStage::focused() {
   return active == nullptr ? nullptr : machine_.screen().focused(*active);
 }
 
-Sight SimulatedStage::sight() { return ended().is_null() ? sightOf(forms()) : Sight(); }
+/// Of a program that has ended nothing shows, though its forms are still there to be asked.
+scenario::Sight SimulatedStage::sight() {
+  return ended().is_null() ? scenario::sightOf(forms()) : scenario::Sight();
+}
 
 std::optional<Json> SimulatedStage::value(Component& component, std::string_view property) {
   if (auto fact = listFact(component, fromUtf8(property))) return fact;
-  return toJson(component.findProperty(property)->value());
+  return scenario::toJson(component.findProperty(property)->value());
 }
 
 std::optional<Json> SimulatedStage::find(std::string_view kind, std::string_view rest) {
@@ -268,7 +284,9 @@ void SimulatedStage::close(Form& form) { machine_.hand().close(form); }
 
 // ---- what is done to the program and its machine
 
-void SimulatedStage::change(const MachineChange& change) { scenario::change(machine_, change); }
+void SimulatedStage::change(const scenario::MachineChange& change) {
+  simulator::change(machine_, change);
+}
 
 void SimulatedStage::restart() { throw RestartRequested{}; }
 
@@ -322,4 +340,4 @@ std::vector<Text> shownDrives(const simulated::Disks& disks) {
   return drives;
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

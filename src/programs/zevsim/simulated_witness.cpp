@@ -2,7 +2,9 @@
 
 #include "code_page/code_page.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::Witness;
 
 Text SimulatedWitness::fromAnsi(std::string_view bytes) const {
   return fromCodePage(bytes, codePage());
@@ -50,4 +52,4 @@ Witness::Value SimulatedWitness::told(const simulated::RegistryValue& value) con
   return all;
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

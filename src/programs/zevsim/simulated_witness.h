@@ -3,10 +3,10 @@
 #include "scenario/witness.h"
 #include "simulated/simulated_machine.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// A simulated machine as expectations ask it.
-class SimulatedWitness final : public Witness {
+class SimulatedWitness final : public scenario::Witness {
  public:
   /// Borrows it.
   explicit SimulatedWitness(const simulated::SimulatedMachine& machine) : machine_(machine) {}
@@ -27,4 +27,4 @@ class SimulatedWitness final : public Witness {
   const simulated::SimulatedMachine& machine_;
 };
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -6,7 +6,7 @@
 #include "programs/zevsim/text_block.h"
 #include "programs/zevsim/typed_line.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 constexpr std::string_view pageHelp =
@@ -30,12 +30,12 @@ std::string Terminal::ask(std::string_view prompt, std::string_view help) {
   std::string line;
   while (out_ << prompt << std::flush, std::getline(in_, line)) {
     const std::string_view typed = trimmed(line);
-    if (typed == "quit" || typed == "exit") throw PlayLeft{};
+    if (typed == "quit" || typed == "exit") throw scenario::PlayLeft{};
     if (typed != "help") return std::string(typed);
     show(help);
   }
   out_ << "\n";
-  throw PlayLeft{};
+  throw scenario::PlayLeft{};
 }
 
 void Terminal::page(const std::vector<Text>& text) {
@@ -54,4 +54,4 @@ void Terminal::page(const std::vector<Text>& text) {
   }
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -8,7 +8,7 @@
 
 #include "runtime/text.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// A person at a terminal of 24 lines: what is told, and what is typed.
 class Terminal {
@@ -40,4 +40,4 @@ class Terminal {
   int columns_;
 };
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <utility>
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 constexpr TextView dots = u"...";
@@ -136,4 +136,4 @@ std::string framed(TextView title, const std::vector<Text>& lines, int inside) {
   return toUtf8(join(block, u"+", repeated(inside + 2, u'-'), u"+\n"));
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -5,7 +5,7 @@
 
 #include "runtime/text.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 // Texts as blocks on a terminal, measured in its columns: a wide character takes two, a mark that
 // combines with the one before it none.
@@ -39,4 +39,4 @@ std::string framed(TextView title, const std::vector<Text>& lines, int inside);
 inline constexpr int frameColumns = 4;
 inline constexpr int frameLines = 2;
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -5,7 +5,10 @@
 #include "programs/zevsim/meant.h"
 #include "runtime/controls.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::Json;
+
 namespace {
 
 /// What a line is typed for.
@@ -16,8 +19,8 @@ struct Desk {
 
 Json jsonOf(std::string_view text) {
   try {
-    return parseJson(text);
-  } catch (const ScenarioError& error) {
+    return scenario::parseJson(text);
+  } catch (const scenario::ScenarioError& error) {
     failTyped(error.what());
   }
 }
@@ -158,7 +161,9 @@ std::string_view verbMeant(std::string_view word, std::string_view& rest, const 
   return drives ? "drive" : folders ? "folder" : word;
 }
 
-Step stepOf(const Json& step) { return readStep(JsonReader(step, {}, std::string(typedPlace))); }
+scenario::Step stepOf(const Json& step) {
+  return readStep(scenario::JsonReader(step, {}, std::string(typedPlace)));
+}
 
 /// Who types a caption alone means to click it.
 [[noreturn]] void failUnknown(std::string_view word, const std::string& line, const Desk& desk) {
@@ -170,7 +175,9 @@ Step stepOf(const Json& step) { return readStep(JsonReader(step, {}, std::string
 
 }  // namespace
 
-void failTyped(const std::string& reason) { throw ScenarioError(std::string(typedPlace), reason); }
+void failTyped(const std::string& reason) {
+  throw scenario::ScenarioError(std::string(typedPlace), reason);
+}
 
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view blank = " \t\r";
@@ -185,7 +192,8 @@ std::string_view takeWord(std::string_view& text) {
   return word;
 }
 
-Step parseLine(const std::string& line, const Form* active, const FolderNames& folderNames) {
+scenario::Step parseLine(const std::string& line, const Form* active,
+                         const FolderNames& folderNames) {
   const Desk desk{active, folderNames};
   std::string_view rest = trimmed(line);
   if (rest.starts_with('{')) return stepOf(jsonOf(rest));
@@ -196,4 +204,4 @@ Step parseLine(const std::string& line, const Form* active, const FolderNames& f
   failUnknown(word, line, desk);
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

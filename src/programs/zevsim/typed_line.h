@@ -6,7 +6,7 @@
 #include "programs/zevsim/form_pieces.h"
 #include "scenario/script.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// Where mistakes of what is typed are said to be.
 inline constexpr std::string_view typedPlace = "prompt";
@@ -22,6 +22,7 @@ std::string_view takeWord(std::string_view& text);
 /// controls are looked up by their captions, entries of lists by their beginnings, and folders in
 /// the one that is opened there, as `folderNames` tells them; null for no form. A line that is no
 /// step is a ScenarioError.
-Step parseLine(const std::string& line, const Form* active, const FolderNames& folderNames = {});
+scenario::Step parseLine(const std::string& line, const Form* active,
+                         const FolderNames& folderNames = {});
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

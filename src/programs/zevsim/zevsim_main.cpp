@@ -12,11 +12,13 @@
 #include "programs/zevsim/prompt.h"
 #include "programs/zevsim/simulated_stage.h"
 #include "programs/zevsim/zevsim_options.h"
-#include "scenario/layout.h"
 #include "scenario/outside_view.h"
 #include "scenario/script.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
+
+using scenario::Scenario;
+
 namespace {
 
 using RealClock = std::chrono::steady_clock;
@@ -39,7 +41,7 @@ void requireFileWritten(std::ofstream& out, const std::optional<std::filesystem:
 
 /// Prints failed expectations, and hands on to the progress and the prompt as far as they are
 /// wanted.
-class Companion final : public Audience {
+class Companion final : public scenario::Audience {
  public:
   /// Borrows the console and the stage.
   Companion(const ZevsimOptions& options, const Console& console, SimulatedStage& stage)
@@ -58,33 +60,34 @@ class Companion final : public Audience {
     if (progress_ && form != nullptr) progress_->propertyWritten(*form, property);
   }
 
-  void boxAnswered(const Box& box, BoxAnswer answer) override {
+  void boxAnswered(const scenario::Box& box, BoxAnswer answer) override {
     if (progress_ && !prompt_) progress_->boxAnswered(box, answer);
   }
 
-  void judged(const KeyedValue& expectation, const Verdict* verdict) override {
+  void judged(const scenario::KeyedValue& expectation, const scenario::Verdict* verdict) override {
     if (prompt_) prompt_->judged(expectation, *verdict);
     if (verdict->held) return;
     finish();
     console_.err << failureText(expectation, *verdict) << std::endl;
   }
 
-  std::optional<Step> goOn() override {
+  std::optional<scenario::Step> goOn() override {
     finish();
     return prompt_ ? std::optional(prompt_->nextStep(stage_)) : std::nullopt;
   }
 
-  std::optional<Answer> answer(const Box& box) override {
+  std::optional<scenario::Answer> answer(const scenario::Box& box) override {
     finish();
     return prompt_ ? prompt_->answer(box) : std::nullopt;
   }
 
-  std::optional<Answer> input(TextView prompt, TextView title, TextView initial) override {
+  std::optional<scenario::Answer> input(TextView prompt, TextView title,
+                                        TextView initial) override {
     finish();
     return prompt_ ? prompt_->input(prompt, title, initial) : std::nullopt;
   }
 
-  bool refused(const ScenarioError& error) override {
+  bool refused(const scenario::ScenarioError& error) override {
     if (prompt_) prompt_->refused(error);
     return prompt_.has_value();
   }
@@ -107,6 +110,7 @@ struct Laid {
   std::size_t settings = 0;
 };
 
+/// A file that was deleted again, as the work files are, is none that was laid.
 Laid laid(const Tally& tally, const simulated::Disks& disks) {
   Laid all;
   for (const Text& path : tally.written) {
@@ -122,6 +126,7 @@ Laid laid(const Tally& tally, const simulated::Disks& disks) {
   return all;
 }
 
+/// Both times: the machine's own clock, and what the play took here.
 void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration real,
                   std::ostream& out) {
   const Laid files = laid(tally, stage.machine().disks());
@@ -137,10 +142,12 @@ void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration
       << std::endl;
 }
 
+/// What is asked for as files is written after the end, the state first.
 void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
   if (options.state) {
     std::ofstream out = openForWriting(*options.state);
-    out << stage.machine().state().dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+    out << stage.machine().state().dump(2, ' ', false, scenario::Json::error_handler_t::replace)
+        << '\n';
     requireFileWritten(out, options.state);
   }
   if (!options.exportFolder) return;
@@ -149,8 +156,10 @@ void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
   stage.machine().exportRegistry(*options.exportFolder / "registry.reg");
 }
 
+/// The scenario that is named, or an empty one to be played by hand. A package given beside it
+/// takes the place of its own.
 Scenario scenarioOf(const ZevsimOptions& options) {
-  Scenario scenario = options.scenario ? readScenario(*options.scenario) : Scenario{};
+  Scenario scenario = options.scenario ? scenario::readScenario(*options.scenario) : Scenario{};
   if (!options.package) return scenario;
   if (!std::filesystem::is_regular_file(*options.package)) {
     throw UsageError("no file " + options.package->string());
@@ -160,14 +169,17 @@ Scenario scenarioOf(const ZevsimOptions& options) {
   return scenario;
 }
 
+/// The scenario is read as well, though only its text is shown: a mistake in it is told as when it
+/// is played.
 int expand(const ZevsimOptions& options, const Console& console) {
-  const Json document = writtenOut(*options.scenario);
-  readScenario(*options.scenario);  // tells what is wrong with it
-  console.out << layOut(document);
+  const scenario::Json document = scenario::writtenOut(*options.scenario);
+  scenario::readScenario(*options.scenario);  // tells what is wrong with it
+  console.out << scenario::layOut(document);
   requireWritten(console.out, "standard output");
   return exit_status::held;
 }
 
+/// The transcript goes to standard output only if nothing else is written there.
 int play(const ZevsimOptions& options, const ProgramFactory& factory, const Console& console) {
   if (options.expand) return expand(options, console);
   const Scenario scenario = scenarioOf(options);
@@ -180,9 +192,9 @@ int play(const ZevsimOptions& options, const ProgramFactory& factory, const Cons
   if (options.outside) outside = openForWriting(*options.outside);
   const auto begin = RealClock::now();
   SimulatedStage stage(scenario, factory, transcript);
-  OutsideAudience outsider(stage, outside);
+  scenario::OutsideAudience outsider(stage, outside);
   Companion companion(options, console, stage);
-  std::vector<Audience*> audience{&companion};
+  std::vector<scenario::Audience*> audience{&companion};
   if (options.outside) audience.insert(audience.begin(), &outsider);
   stage.perform(audience);
   companion.finish();
@@ -201,7 +213,7 @@ int playReporting(const ZevsimOptions& options, const ProgramFactory& factory,
   const std::string file = options.scenario ? options.scenario->string() : "scenario";
   try {
     return play(options, factory, console);
-  } catch (const ScenarioError& error) {
+  } catch (const scenario::ScenarioError& error) {
     console.err << file << ": " << error.path() << ": " << error.reason() << std::endl;
     return exit_status::unusable;
   }
@@ -209,6 +221,8 @@ int playReporting(const ZevsimOptions& options, const ProgramFactory& factory,
 
 }  // namespace
 
+/// Whatever goes wrong is told in one line on standard error and by the exit status: nothing leaves
+/// as an exception.
 int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& factory,
                const Console& console) {
   try {
@@ -229,4 +243,4 @@ int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& 
   }
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -7,7 +7,7 @@
 
 #include "programs/zevsim/played_program.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// The streams of a program, and whether its output goes to a terminal.
 struct Console {
@@ -30,4 +30,4 @@ inline constexpr int broken = 3;    ///< zevsim itself failed
 int zevsimMain(const std::vector<std::string>& arguments, const ProgramFactory& factory,
                const Console& console);
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

@@ -8,7 +8,7 @@
 #include "programs/zevsim/event_writer.h"
 #include "programs/zevsim/zevsim_main.h"
 
-namespace zev::scenario {
+namespace zev::simulator {
 namespace {
 
 const char* const description =
@@ -103,4 +103,4 @@ std::optional<ZevsimOptions> readOptions(const std::vector<std::string>& argumen
   return options;
 }
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

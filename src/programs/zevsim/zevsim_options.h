@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zev::scenario {
+namespace zev::simulator {
 
 /// What the command line of zevsim asks for.
 struct ZevsimOptions {
@@ -45,4 +45,4 @@ inline constexpr int mostColumns = 1000;
 /// A number of columns as it is written; none for any other number or text.
 std::optional<int> columnsWritten(std::string_view text);
 
-}  // namespace zev::scenario
+}  // namespace zev::simulator

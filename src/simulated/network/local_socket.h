@@ -31,12 +31,17 @@ class LocalSocket : public PortOwner {
 
   // ---- the address
 
+  /// Takes the address and the port: 10022 if the socket has one already, 10049 for an address that
+  /// is not the machine's.
   std::int32_t bind(Endpoint wanted);
   std::int32_t ownName(Endpoint& endpoint) const;
+  /// The other end; 10057 without a connection.
   virtual std::int32_t peerName(Endpoint& endpoint) const = 0;
 
   // ---- the selection
 
+  /// From now on the events of the mask are posted to the window; those whose time has come already
+  /// at once.
   void select(const Selection& selection);
   const Selection& selection() const { return selection_; }
   /// Whether the socket waits in its calls: until it has been selected.
@@ -49,11 +54,13 @@ class LocalSocket : public PortOwner {
 
   // ---- connecting
 
+  /// Begins to connect; of a datagram socket it sets the receiver, which is all there is to do.
   virtual std::int32_t connect(const Endpoint& to) = 0;
   /// Whether a connecting runs.
   virtual bool connecting() const { return false; }
   /// What came of the last connecting.
   virtual std::int32_t connectError() const { return 0; }
+  /// Lets others connect; that many can wait to be accepted.
   virtual std::int32_t listen(std::int32_t) { return winsock::error::operationNotSupported; }
   /// The next connection that waits.
   virtual std::int32_t accept(std::shared_ptr<StreamEnd>&) {
@@ -68,12 +75,15 @@ class LocalSocket : public PortOwner {
 
   // ---- data
 
+  /// Takes the first `taken` bytes of what is given.
   virtual std::int32_t send(std::string_view bytes, std::size_t& taken) = 0;
+  /// Sends the end of the stream after what was sent.
   virtual std::int32_t endSending() { return winsock::error::notConnected; }
   virtual std::int32_t sendTo(std::string_view bytes, const Endpoint& to, std::size_t& taken) = 0;
   /// Fills the front of `into`.
   virtual std::int32_t receive(std::span<std::uint8_t> into, bool peek, Endpoint& sender,
                                std::size_t& count) = 0;
+  /// Bytes that one receive() could get now.
   virtual std::size_t waiting() const = 0;
 
  protected:

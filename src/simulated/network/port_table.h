@@ -9,6 +9,7 @@
 
 namespace zev::simulated {
 
+/// A datagram that has arrived, whole.
 struct Datagram {
   Endpoint sender;
   std::string bytes;
@@ -23,6 +24,7 @@ class PortOwner {
   virtual std::int32_t admits() { return winsock::error::refused; }
   /// A connection that was let in; the other side may have sent something already.
   virtual void arrived(std::shared_ptr<StreamEnd>) {}
+  /// A datagram for the port.
   virtual void arrived(const Datagram&) {}
 };
 
@@ -35,6 +37,7 @@ class PortTable {
   /// one that nobody has. 0, or 10048 if somebody has it on that address or either is on all
   /// addresses.
   std::int32_t take(Endpoint& endpoint, PortOwner& owner);
+  /// Frees the port of exactly that address; nothing happens if nobody has it.
   void giveBack(const Endpoint& endpoint);
   /// Who has the port of exactly that address; null if nobody has.
   PortOwner* owner(const Endpoint& endpoint) const;

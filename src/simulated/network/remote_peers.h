@@ -35,6 +35,7 @@ class RemoteStream {
   void reset();
   /// Reads nothing more, so that the sender's buffers fill up; and reads again.
   void stopReading() { reading_ = false; }
+  /// Reads again: first all that has waited meanwhile.
   void goOnReading();
   /// Is gone without a word: nothing goes out or comes in any more.
   void vanish();
@@ -75,6 +76,7 @@ class RemoteStream {
 /// A server for streams on one port of one host. It accepts whoever comes, unless told otherwise.
 class StreamServer final : public PortOwner {
  public:
+  /// Lets in whoever comes, or turns them away with 10061. Connections that stand are left alone.
   void accept() { answer_ = 0; }
   void refuse() { answer_ = winsock::error::refused; }
   /// Lets whoever comes wait until the network's connectTime is over.
@@ -84,6 +86,7 @@ class StreamServer final : public PortOwner {
 
   /// The connections so far, in the order in which they came, the closed ones included.
   std::size_t connections() const { return streams_.size(); }
+  /// The far end of one of them, owned here; std::out_of_range if there are fewer.
   RemoteStream& connection(std::size_t index) const { return *streams_.at(index); }
   /// Called for every connection that comes.
   void onConnection(std::function<void(RemoteStream&)> action) {
@@ -107,6 +110,7 @@ class DatagramPeer final : public PortOwner {
   DatagramPeer(SimulatedNetwork& network, const Endpoint& endpoint)
       : network_(network), endpoint_(endpoint) {}
 
+  /// Sends a datagram from its own port; it is lost if nobody has the other one.
   void send(const Endpoint& to, std::string_view bytes);
   /// All that came, with their senders.
   const std::vector<Datagram>& received() const { return received_; }

@@ -33,6 +33,7 @@ HostAddress SimulatedNetwork::senderFor(HostAddress to) const {
   return isOwn(to) ? to : settings.machineAddresses.front();
 }
 
+/// Names that were added count first, so that even the machine's own can be led elsewhere.
 Found SimulatedNetwork::find(std::string_view name) const {
   const std::string_view wanted = name.empty() ? std::string_view(settings.machineName) : name;
   if (names_.has(wanted)) return names_.find(wanted);
@@ -47,6 +48,7 @@ Found SimulatedNetwork::find(std::string_view name) const {
 
 // ---- ports
 
+/// All machines far away share one table, in which their addresses tell them apart.
 std::int32_t SimulatedNetwork::takePort(Transport transport, Endpoint& endpoint, PortOwner& owner) {
   const bool own = endpoint.address == anyAddress || isOwn(endpoint.address);
   return own ? ports(transport).own.take(endpoint, owner)
@@ -77,6 +79,7 @@ void SimulatedNetwork::travel(std::uint64_t milliseconds, std::function<void()> 
   timeline_.after(milliseconds, std::move(action));
 }
 
+/// The request takes one way; what comes of it is decided when it has arrived, in knock().
 void SimulatedNetwork::connect(const Endpoint& from, const Endpoint& to, std::size_t receiveBuffer,
                                Connected connected) {
   const std::uint64_t oneWay = latency(from.address, to.address);
@@ -93,6 +96,8 @@ std::int32_t SimulatedNetwork::answerOf(PortOwner* owner, const Endpoint& to) co
   return isThere ? winsock::error::refused : winsock::error::timedOut;
 }
 
+/// The answer takes the way back. That there is none shows when the network's time for connecting
+/// is over, counted from the beginning.
 void SimulatedNetwork::knock(const Request& request) {
   const auto& [from, to, receiveBuffer, oneWay, connected] = request;
   PortOwner* const owner = this->owner(Transport::Stream, to);
@@ -114,6 +119,7 @@ void SimulatedNetwork::send(const Endpoint& from, const Endpoint& to, std::strin
          [this, to, datagram = Datagram{from, std::move(bytes)}] { deliver(to, datagram); });
 }
 
+/// A broadcast reaches everybody with that port, those on the sender's own machine too.
 void SimulatedNetwork::deliver(const Endpoint& to, const Datagram& datagram) {
   if (to.address == broadcastAddress) {
     Ports& all = ports(Transport::Datagram);
@@ -126,6 +132,7 @@ void SimulatedNetwork::deliver(const Endpoint& to, const Datagram& datagram) {
 
 // ---- peers
 
+/// A server that cannot have its port is not kept: the next call tries again.
 StreamServer& SimulatedNetwork::server(std::string_view address, std::uint16_t port) {
   Endpoint endpoint{addressOf(address), port};
   std::unique_ptr<StreamServer>& server = servers_[endpoint];
@@ -138,6 +145,7 @@ StreamServer& SimulatedNetwork::server(std::string_view address, std::uint16_t p
   return *server;
 }
 
+/// Every client gets a port of its own, so that several from one address can be told apart.
 RemoteStream& SimulatedNetwork::connectFrom(std::string_view from, std::string_view to,
                                             std::uint16_t port) {
   constexpr std::uint16_t firstOfClients = 2001;

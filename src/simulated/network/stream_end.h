@@ -23,6 +23,7 @@ class StreamEnd {
   StreamEnd(const StreamEnd&) = delete;
   StreamEnd& operator=(const StreamEnd&) = delete;
 
+  /// Its own address, and that of the other end.
   const Endpoint& local() const;
   const Endpoint& remote() const;
   /// From now on `changed` is called when there may be more to read, more room, or an end.
@@ -32,6 +33,7 @@ class StreamEnd {
   std::size_t send(std::string_view bytes);
   /// Room in the send buffer.
   std::size_t room() const;
+  /// How much is kept here until it arrives; what is in there already stays.
   void setSendBuffer(std::size_t bytes) { sendBuffer_ = bytes; }
   /// Nothing more will be sent after what was.
   void finish();
@@ -40,6 +42,7 @@ class StreamEnd {
   std::size_t waiting() const { return received_.size(); }
   /// The first bytes that wait, at most `most`. `peek` leaves them there.
   std::string read(std::size_t most, bool peek = false);
+  /// How much may wait here before the other end has to stop.
   void setReceiveBuffer(std::size_t bytes);
   /// Nothing more will come after what waits.
   bool finished() const { return finished_; }

@@ -11,6 +11,7 @@ class Timeline {
  public:
   static constexpr std::uint64_t never = ~std::uint64_t{0};
 
+  /// Milliseconds since the clock was made.
   std::uint64_t now() const { return now_; }
   /// Runs the action when the clock has moved that far; actions of one moment in the order in which
   /// they came. Even without delay it waits for the clock to be moved, be it by 0.
