@@ -181,9 +181,10 @@ endfunction()
 
 # A program of unit tests, each test known to CTest by itself if it can run where it is built. CTest
 # asks what they are when they are to be run. With a NETWORK each process has one of its own, with
-# nobody else on it. Cases that are IN_ALL, a filter, run in ./test all only.
+# nobody else on it. Cases that are IN_ALL, a filter, run in ./test all only; those that are ONCE, in one
+# build of all (LONG_CASES in tools/tester.py).
 function(zev_tests name)
-  cmake_parse_arguments(TESTS "NETWORK;ALL_ONLY" "KIND;SHARDS;TIMEOUT;IN_ALL"
+  cmake_parse_arguments(TESTS "NETWORK;ALL_ONLY" "KIND;SHARDS;TIMEOUT;IN_ALL;ONCE"
     "SOURCES;CASES;KNOWS;ENVIRONMENT" KIND test ${ARGN})
   zev_test_program(${name} KIND ${TESTS_KIND}
     SOURCES ${TESTS_SOURCES} CASES ${TESTS_CASES} KNOWS ${TESTS_KNOWS})
@@ -195,23 +196,30 @@ function(zev_tests name)
     set(alone ${PROJECT_SOURCE_DIR}/tests/network/alone.sh)
     set_target_properties(${name} PROPERTIES CROSSCOMPILING_EMULATOR ${alone})
   endif()
-  set(options "")
-  foreach(option SHARDS TIMEOUT)
-    if(TESTS_${option})
-      list(APPEND options ${option} ${TESTS_${option}})
-    endif()
-  endforeach()
-  list(APPEND options KIND gtest TARGETS ${name} ENVIRONMENT ${TESTS_ENVIRONMENT}
+  set(options KIND gtest TARGETS ${name} ENVIRONMENT ${TESTS_ENVIRONMENT}
     COMMAND ${alone} $<TARGET_FILE:${name}>)
+  if(TESTS_TIMEOUT)
+    list(APPEND options TIMEOUT ${TESTS_TIMEOUT})
+  endif()
+  set(shards "")
+  if(TESTS_SHARDS)
+    set(shards SHARDS ${TESTS_SHARDS})
+  endif()
   set(core "")
   if(NOT TESTS_ALL_ONLY)
     set(core CORE)
   endif()
+  set(rest ${TESTS_IN_ALL} ${TESTS_ONCE})
+  if(rest)
+    list(JOIN rest ":" rest)
+    set(rest FILTER -${rest})
+  endif()
+  zev_suite(${name} ${core} ${shards} ${rest} ${options})
   if(TESTS_IN_ALL)
-    zev_suite(${name} ${core} FILTER -${TESTS_IN_ALL} ${options})
-    zev_suite(${name}_in_all FILTER ${TESTS_IN_ALL} ${options})
-  else()
-    zev_suite(${name} ${core} ${options})
+    zev_suite(${name}_in_all ${shards} FILTER ${TESTS_IN_ALL} ${options})
+  endif()
+  if(TESTS_ONCE)
+    zev_suite(${name}_once ${core} FILTER ${TESTS_ONCE} ${options})
   endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 600 ENVIRONMENT "${TESTS_ENVIRONMENT}")

@@ -657,9 +657,11 @@ class Tester:
 RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", "zevsim",
              "fuzz"}
 
-# Suites of long cases, each with the one stage that runs it: under a sanitizer the whole runs among them
-# take half an hour.
-LONG_CASES = {"whole_run_tests_in_all": "run", "fuzz_tests_in_all": "check"}
+# Suites of long cases, each with the one stage that runs it. What they show of the whole does not depend
+# on how it was compiled, and what they run, shorter cases run under sanitizers: with them the whole runs
+# among them would take half an hour.
+LONG_CASES = {"whole_run_tests_in_all": "run", "whole_run_tests_once": "run",
+              "sample_making_tests_once": "run", "fuzz_tests_in_all": "check"}
 
 
 def known_rooms():

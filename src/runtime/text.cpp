@@ -60,6 +60,7 @@ char16_t lowerUnit(char16_t unit) {
 }
 
 char16_t upperUnit(char16_t unit) {
+  if (unit < 0x80) return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
   for (const CaseRange& range : caseRanges) {
     if (covers(range, unit - range.toLower)) return static_cast<char16_t>(unit - range.toLower);
   }

@@ -1,6 +1,7 @@
 #include "scenario/common_names.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "scenario/written_out.h"
@@ -21,6 +22,29 @@ void requireKinds(const Json& document) {
     }
     named.members();  // an object
   }
+}
+
+std::shared_ptr<const Json> readNames(const std::string& text) {
+  auto document = std::make_shared<const Json>(parseJson(text));
+  requireKinds(*document);
+  return document;
+}
+
+/// A file of names, read. A process that plays many scenarios needs the same one for each: what a
+/// file was read to is kept beside its text, for as long as its text stays that.
+std::shared_ptr<const Json> namesIn(const std::filesystem::path& file) {
+  struct Known {
+    std::string text;
+    std::shared_ptr<const Json> document;
+  };
+  thread_local std::map<std::filesystem::path, Known> known;
+  const std::string text = readText(file);
+  const std::filesystem::path place = file.lexically_normal();
+  const auto found = known.find(place);
+  if (found != known.end() && found->second.text == text) return found->second.document;
+  auto document = readNames(text);
+  known.insert_or_assign(place, Known{text, document});
+  return document;
 }
 
 }  // namespace
@@ -46,9 +70,9 @@ std::vector<CommonNames::Piece> CommonNames::all(const Kind& kind, const std::st
   std::vector<Piece> found;
   const std::string key(kind.key);
   for (const File& file : files_) {
-    if (!file.document.contains(key) || !file.document[key].contains(name)) continue;
-    found.push_back(
-        {&file.document[key][name], file.name + ": $" + pathStep(key) + pathStep(name)});
+    const Json& document = *file.document;
+    if (!document.contains(key) || !document[key].contains(name)) continue;
+    found.push_back({&document[key][name], file.name + ": $" + pathStep(key) + pathStep(name)});
   }
   return found;
 }
@@ -70,8 +94,7 @@ void CommonNames::read(const std::string& name) {
   std::error_code ignored;
   if (!std::filesystem::exists(folder_ / name, ignored)) return;
   try {
-    files_.push_back({name, readDocument(folder_ / name)});
-    requireKinds(files_.back().document);
+    files_.push_back({name, namesIn(folder_ / name)});
   } catch (const ScenarioError& error) {
     throw ScenarioError(name + ": " + error.path(), error.reason());
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -64,7 +65,7 @@ class CommonNames {
  private:
   struct File {
     std::string name;
-    Json document;
+    std::shared_ptr<const Json> document;
   };
 
   std::vector<Piece> all(const Kind& kind, const std::string& name);

@@ -522,7 +522,7 @@ WrittenOut writeOut(const Json& document, const std::filesystem::path& folder,
   return out;
 }
 
-Json readDocument(const std::filesystem::path& file) {
+std::string readText(const std::filesystem::path& file) {
   // A pipe would be waited for.
   std::error_code ignored;
   const bool isFile = std::filesystem::is_regular_file(file, ignored);
@@ -531,7 +531,9 @@ Json readDocument(const std::filesystem::path& file) {
   std::ostringstream text;
   if (!isFile || !in) throw ScenarioError("$", "cannot be read");
   text << in.rdbuf();
-  return parseJson(text.str());
+  return text.str();
 }
+
+Json readDocument(const std::filesystem::path& file) { return parseJson(readText(file)); }
 
 }  // namespace zev::scenario

@@ -48,7 +48,10 @@ std::vector<std::string> casesOf(const Json& document);
 WrittenOut writeOut(const Json& document, const std::filesystem::path& folder,
                     const std::optional<std::string>& chosen = std::nullopt);
 
-/// The text of a file as a document. One that cannot be read is a ScenarioError.
+/// The bytes of a file. One that cannot be read is a ScenarioError.
+std::string readText(const std::filesystem::path& file);
+
+/// The text of a file as a document; fails as its reader and `parseJson` do.
 Json readDocument(const std::filesystem::path& file);
 
 }  // namespace zev::scenario

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <utility>
 #include <vector>
@@ -8,8 +9,41 @@
 namespace zev::simulated {
 namespace {
 
-/// Bytes in memory. Zeros past the last byte that was written take none, nor does a piece of the
-/// host until it is written to.
+bool areZeros(std::span<const std::uint8_t> bytes) {
+  return bytes.empty() ||
+         (bytes.front() == 0 && std::memcmp(bytes.data(), bytes.data() + 1, bytes.size() - 1) == 0);
+}
+
+/// A stretch of a file's bytes. Those past the last one that is kept are zeros.
+class Block {
+ public:
+  void read(std::size_t start, std::span<std::uint8_t> into) const {
+    const std::size_t first = std::min(start, bytes_.size());
+    const std::size_t stored = std::min(into.size(), bytes_.size() - first);
+    const auto end =
+        std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(first), stored, into.begin());
+    std::fill(end, into.end(), std::uint8_t{0});
+  }
+
+  void write(std::size_t start, std::span<const std::uint8_t> from) {
+    if (start >= bytes_.size() && areZeros(from)) return;
+    if (start > bytes_.size()) bytes_.resize(start);
+    const std::size_t over = std::min(from.size(), bytes_.size() - start);
+    std::copy_n(from.begin(), over, bytes_.begin() + static_cast<std::ptrdiff_t>(start));
+    bytes_.insert(bytes_.end(), from.begin() + static_cast<std::ptrdiff_t>(over), from.end());
+  }
+
+  void cut(std::size_t size) {
+    if (size < bytes_.size()) bytes_.resize(size);
+  }
+
+ private:
+  std::vector<std::uint8_t> bytes_;
+};
+
+/// Bytes in memory, block by block: a file that grows is not copied. Zeros take no memory where
+/// nothing else stands behind them in their block, nor does a piece of the host until it is written
+/// to.
 class MemoryBody final : public FileBody {
  public:
   std::uint64_t size() const override { return piece_ ? piece_->size() : size_; }
@@ -19,34 +53,37 @@ class MemoryBody final : public FileBody {
     if (offset >= size_) return 0;
     const auto count =
         static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), size_ - offset));
-    const std::size_t start = static_cast<std::size_t>(std::min<std::uint64_t>(offset, kept()));
-    const std::size_t stored = std::min(count, kept() - start);
-    const auto from = bytes_.begin() + static_cast<std::ptrdiff_t>(start);
-    const auto end = std::copy_n(from, stored, into.begin());
-    std::fill_n(end, count - stored, std::uint8_t{0});
+    forEachBlock(offset, into.first(count),
+                 [this](std::size_t index, std::size_t start, auto part) {
+                   static const Block zeros;
+                   (index < blocks_.size() ? blocks_[index] : zeros).read(start, part);
+                 });
     return count;
   }
 
   SystemError write(std::uint64_t offset, std::span<const std::uint8_t> from) override {
     takeOver();
-    const auto start = static_cast<std::size_t>(offset);
-    if (start > kept()) bytes_.resize(start);
-    const std::size_t over = std::min(from.size(), kept() - start);
-    std::copy_n(from.begin(), over, bytes_.begin() + static_cast<std::ptrdiff_t>(start));
-    bytes_.insert(bytes_.end(), from.begin() + static_cast<std::ptrdiff_t>(over), from.end());
-    size_ = std::max<std::uint64_t>(size_, kept());
+    forEachBlock(offset, from, [this](std::size_t index, std::size_t start, auto part) {
+      if (index >= blocks_.size()) blocks_.resize(index + 1);
+      blocks_[index].write(start, part);
+    });
+    size_ = std::max(size_, offset + from.size());
     return system_error::success;
   }
 
   SystemError resize(std::uint64_t size) override {
     takeOver();
-    if (size < kept()) bytes_.resize(static_cast<std::size_t>(size));
+    const auto whole = static_cast<std::size_t>(size / blockSize);
+    if (whole < blocks_.size()) {
+      blocks_.resize(whole + 1);
+      blocks_.back().cut(static_cast<std::size_t>(size % blockSize));
+    }
     size_ = size;
     return system_error::success;
   }
 
   SystemError fill(const std::shared_ptr<const HostPiece>& piece) override {
-    bytes_ = {};
+    blocks_ = {};
     piece_ = piece;
     return system_error::success;
   }
@@ -54,19 +91,33 @@ class MemoryBody final : public FileBody {
   SystemError close() override { return system_error::success; }
 
  private:
-  std::size_t kept() const { return bytes_.size(); }
+  static constexpr std::size_t blockSize = 65536;
+
+  /// Calls a function with each block that bytes at an offset lie in: its index, where in it they
+  /// start, and those of them that lie in it.
+  template <typename Bytes, typename Function>
+  static void forEachBlock(std::uint64_t offset, Bytes bytes, const Function& function) {
+    while (!bytes.empty()) {
+      const auto start = static_cast<std::size_t>(offset % blockSize);
+      const std::size_t count = std::min(bytes.size(), blockSize - start);
+      function(static_cast<std::size_t>(offset / blockSize), start, bytes.first(count));
+      bytes = bytes.subspan(count);
+      offset += count;
+    }
+  }
 
   /// The bytes of the piece become the file's own, since they change.
   void takeOver() {
     if (!piece_) return;
-    size_ = piece_->size();
-    bytes_.resize(static_cast<std::size_t>(size_));
-    piece_->read(0, bytes_);
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(piece_->size()));
+    piece_->read(0, bytes);
     piece_.reset();
+    size_ = 0;
+    write(0, bytes);
   }
 
-  std::shared_ptr<const HostPiece> piece_;  ///< all of the file; none once that is in `bytes_`
-  std::vector<std::uint8_t> bytes_;
+  std::shared_ptr<const HostPiece> piece_;  ///< all of the file; none once that is in `blocks_`
+  std::vector<Block> blocks_;
   std::uint64_t size_ = 0;
 };
 

@@ -74,6 +74,14 @@ class Expand : public testing::Test {
   fs::path above_;
 };
 
+/// What was read once is not used any more when the file has another text, be it as long.
+TEST_F(Expand, ReadsNamesAnewThatHaveChanged) {
+  for (const std::string value : {"one", "two", "one"}) {
+    write(above_ / commonFile, R"j({"values": {"which": ")j" + value + R"j("}})j");
+    EXPECT_EQ(expanded(R"j({"name": "$(which)"})j"), R"j({"name":")j" + value + R"j("})j");
+  }
+}
+
 TEST_F(Expand, LeavesAPlainScenarioAsItIs) {
   const std::string plain =
       R"j({"name":"a","machine":{"user":"bob"},"package":{"length":5},"script":[{"click":"A"},)j"

@@ -1,6 +1,5 @@
 #include "scenarios/small_package.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
@@ -25,16 +24,24 @@ std::vector<std::uint8_t> packed(const ManifestRow& row) {
   return bytes;
 }
 
-/// The package: members in descending order behind the image.
-std::vector<std::uint8_t> madePackage() {
-  std::vector<std::uint8_t> bytes(smallImageSize + packageSize);
+/// A member's bytes, and where they stand in the package.
+struct Placed {
+  std::uint64_t offset;
+  std::vector<std::uint8_t> bytes;
+};
+
+constexpr std::uint64_t packageLength = smallImageSize + packageSize;
+
+/// The members, in descending order behind the image; all else is zeros.
+std::vector<Placed> placedMembers() {
+  std::vector<Placed> members;
   for (std::size_t slot = 0; slot < manifest().size(); ++slot) {
     const ManifestRow& row = manifest()[slot];
     if (row.row == 0) continue;
-    const auto behind = static_cast<std::ptrdiff_t>(tailOffset(slot) + row.size);
-    std::ranges::copy(packed(row), bytes.end() - behind);
+    const auto behind = static_cast<std::uint64_t>(tailOffset(slot) + row.size);
+    members.push_back({packageLength - behind, packed(row)});
   }
-  return bytes;
+  return members;
 }
 
 }  // namespace
@@ -48,12 +55,13 @@ std::string smallMember(int row) {
 }
 
 void laySmallPackage(simulated::SimulatedMachine& machine) {
-  static const std::vector<std::uint8_t> package = madePackage();
+  static const std::vector<Placed> members = placedMembers();
   const Text& path = machine.settings().installer;
-  machine.disks().put(path, {.content = simulated::ZeroBytes{0}});
+  machine.disks().put(path, {.content = simulated::ZeroBytes{packageLength}});
   simulated::Path place;
   simulated::parsePath(path, {}, place);
-  machine.disks().at(place.drive)->volume->open(place)->write(0, package);
+  const auto package = machine.disks().at(place.drive)->volume->open(place);
+  for (const Placed& each : members) package->write(each.offset, each.bytes);
 }
 
 }  // namespace zev

@@ -56,7 +56,7 @@ class ZevpackBuild : public ToolTest {
   const fs::path image_ = at("image");
   const fs::path folder_ = at("members");
   const fs::path package_ = at("package");
-  const std::vector<MadeMember> made_ = packedMembers();
+  const std::vector<MadeMember>& made_ = packedMembers();
 };
 
 TEST_F(ZevpackBuild, LaysTheMembersInReverseBehindTheImage) {

@@ -34,7 +34,7 @@ class ZevpackDigests : public ToolTest {
 
   const fs::path package_ = at("package");
   const fs::path list_ = at("list");
-  const std::vector<MadeMember> made_ = packedMembers();
+  const std::vector<MadeMember>& made_ = packedMembers();
 };
 
 TEST_F(ZevpackDigests, AreThoseOfTheExpandedMembersInTheOrderOfTheManifest) {

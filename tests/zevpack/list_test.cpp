@@ -31,7 +31,7 @@ std::string beginning(std::int32_t row, const std::string& name) {
 }
 
 TEST_F(ZevpackList, ShowsOffsetsAndSizesOfEveryMember) {
-  const std::vector<MadeMember> made = packedMembers();
+  const std::vector<MadeMember>& made = packedMembers();
   const Outcome outcome = list(packageOf(madeImage(), made));
   EXPECT_EQ(outcome.status, 0);
   const std::vector<std::string> lines = linesOf(outcome.out);

@@ -90,17 +90,19 @@ MadeMember densestOfSize(std::size_t size, std::uint8_t nameByte) {
   return {withHeader(nameByte, plain.size(), data), plain};
 }
 
-std::vector<MadeMember> packedMembers() {
-  return makeAll([](const Member& member) {
+const std::vector<MadeMember>& packedMembers() {
+  static const std::vector<MadeMember> made = makeAll([](const Member& member) {
     return packedOfSize(member.size, nameByte(member), static_cast<std::uint64_t>(member.row));
   });
+  return made;
 }
 
-std::vector<MadeMember> storedMembers() {
-  return makeAll([](const Member& member) {
+const std::vector<MadeMember>& storedMembers() {
+  static const std::vector<MadeMember> made = makeAll([](const Member& member) {
     const Bytes bytes = noise(member.size, static_cast<std::uint64_t>(member.row));
     return MadeMember{bytes, bytes};
   });
+  return made;
 }
 
 Bytes madeImage() { return test::madeImage({.size = kImageSize}); }

@@ -27,9 +27,9 @@ MadeMember packedOfSize(std::size_t size, std::uint8_t nameByte, std::uint64_t s
 MadeMember densestOfSize(std::size_t size, std::uint8_t nameByte);
 
 /// All members of the manifest in its sizes, in its order: packed files, or files that are stored
-/// without compression.
-std::vector<MadeMember> packedMembers();
-std::vector<MadeMember> storedMembers();
+/// without compression. A process makes them once.
+const std::vector<MadeMember>& packedMembers();
+const std::vector<MadeMember>& storedMembers();
 
 /// The image of a made package: a program's, of an odd length.
 Bytes madeImage();

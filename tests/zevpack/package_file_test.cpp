@@ -64,7 +64,7 @@ TEST(PackageFile, FindsAMemberThatBeginsWithTheFile) {
 
 TEST(MadeMembers, ExpandToTheirPlainFiles) {
   const std::vector<Member> all = members();
-  const std::vector<MadeMember> made = packedMembers();
+  const std::vector<MadeMember>& made = packedMembers();
   for (const Member& member : all) {
     const MadeMember& each = made[placeOf(member.row)];
     ASSERT_EQ(each.packed.size(), member.size);
