@@ -25,9 +25,10 @@ endif()
 # once. Names without a namespace of their own must then differ within a room. Off, each file is
 # compiled by itself, which shows that it includes what it needs.
 set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
+option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
-foreach(kind room fast machine json test)
+foreach(kind room busy fast json test)
   string(TOUPPER ${kind} upper)
   set(ZEV_${upper}_FLAGS "" CACHE STRING "Flags for code of the kind ${kind}: optimisation, sanitizers")
   separate_arguments(zev_${kind}_flags NATIVE_COMMAND "${ZEV_${upper}_FLAGS}")
@@ -40,13 +41,11 @@ set(zev_common_headers
 # What code of a kind includes besides, precompiled with them, and the targets that these come from.
 set(zev_json_headers <nlohmann/json.hpp>)
 set(zev_json_knows nlohmann_json::nlohmann_json)
-set(zev_machine_headers ${zev_json_headers})
-set(zev_machine_knows ${zev_json_knows})
 set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h> ${zev_json_headers})
 set(zev_test_knows GTest::gtest GTest::gmock ${zev_json_knows})
 
 # Compiles a target as all code of its kind is: the flags, files in units, and the headers that many
-# include, precompiled once for the kind.
+# include, precompiled once for all kinds with the same flags and headers.
 function(zev_code name kind)
   target_compile_options(${name} PRIVATE ${zev_${kind}_flags})
   if(NOT ZEV_FEW_UNITS OR (ZEV_FEW_UNITS STREQUAL "TESTS" AND NOT kind STREQUAL "test"))
@@ -59,7 +58,8 @@ function(zev_code name kind)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     return()
   endif()
-  set(precompiled zev_${kind}_precompiled)
+  string(MD5 digest "${zev_${kind}_flags} ${zev_${kind}_headers}")
+  set(precompiled zev_precompiled_${digest})
   if(NOT TARGET ${precompiled})
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/${precompiled}.cpp CONTENT "")
     add_library(${precompiled} OBJECT ${PROJECT_BINARY_DIR}/${precompiled}.cpp)
@@ -70,21 +70,67 @@ function(zev_code name kind)
   target_precompile_headers(${name} REUSE_FROM ${precompiled})
 endfunction()
 
+# Opens a wing: the rooms that follow in this folder, those with the flags of the common kind, are then
+# one library, compiled as one unit. Every header is read once, which halves what a compiler without
+# precompiled headers takes. Which room may know which the builds without a wing see to.
+macro(zev_open_wing name)
+  if(ZEV_WING AND ZEV_FEW_UNITS)
+    set(zev_wing ${name})
+    add_library(${name} STATIC)
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    zev_code(${name} room)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE 0)
+  endif()
+endmacro()
+
+# Closes it, and links what its rooms know outside it.
+macro(zev_close_wing)
+  if(zev_wing)
+    get_target_property(zev_wing_knows ${zev_wing} ZEV_WING_KNOWS)
+    get_target_property(zev_wing_rooms ${zev_wing} ZEV_WING_ROOMS)
+    list(REMOVE_ITEM zev_wing_knows ${zev_wing_rooms})
+    target_link_libraries(${zev_wing} PUBLIC ${zev_wing_knows})
+    set(zev_wing "")
+  endif()
+endmacro()
+
+# A room as a part of the open wing: whoever links it links the wing.
+function(zev_room_of_wing name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;KNOWS" ${ARGN})
+  list(TRANSFORM ROOM_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  target_sources(${zev_wing} PRIVATE ${ROOM_SOURCES})
+  add_library(${name} INTERFACE)
+  target_link_libraries(${name} INTERFACE ${zev_wing})
+  set_property(TARGET ${zev_wing} APPEND PROPERTY ZEV_WING_ROOMS ${name})
+  set_property(TARGET ${zev_wing} APPEND PROPERTY ZEV_WING_KNOWS ${ROOM_KNOWS})
+endfunction()
+
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
 # may know. Headers are included by their path from src/. Rooms are of four kinds: FAST ones work on
-# bytes, JSON ones include that library and run seldom, MACHINE ones include it and run often.
+# bytes, BUSY ones take most of the time of a run otherwise, JSON ones include that library, and the
+# common ones are none of these. Sources that not every program with the room is to have stand APART.
 function(zev_room name)
-  cmake_parse_arguments(ROOM "FAST;JSON;MACHINE" "" "SOURCES;KNOWS" ${ARGN})
-  add_library(${name} STATIC ${ROOM_SOURCES})
-  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
-  target_link_libraries(${name} PUBLIC ${ROOM_KNOWS})
+  cmake_parse_arguments(ROOM "FAST;BUSY;JSON" "" "SOURCES;APART;KNOWS" ${ARGN})
   set(kind room)
-  foreach(other FAST JSON MACHINE)
+  foreach(other FAST BUSY JSON)
     if(ROOM_${other})
       string(TOLOWER ${other} kind)
     endif()
   endforeach()
-  zev_code(${name} ${kind})
+  set(target ${name})
+  if(zev_wing AND "${zev_${kind}_flags}" STREQUAL "${zev_room_flags}")
+    set(target ${zev_wing})
+    zev_room_of_wing(${name} SOURCES ${ROOM_SOURCES} ${ROOM_APART} KNOWS ${ROOM_KNOWS})
+  else()
+    add_library(${name} STATIC ${ROOM_SOURCES} ${ROOM_APART})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(${name} PUBLIC ${ROOM_KNOWS})
+    zev_code(${name} ${kind})
+  endif()
+  if(ROOM_APART)
+    set_source_files_properties(${ROOM_APART} TARGET_DIRECTORY ${target}
+      PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  endif()
 endfunction()
 
 set(zev_gtest_source /usr/src/googletest)

@@ -9,7 +9,7 @@
 namespace zev {
 namespace {
 
-constexpr TextView boxTitle = u"ZEV Install";
+constexpr TextView installTitle = u"ZEV Install";
 
 /// An older generation on record under HKEY_LOCAL_MACHINE.
 struct Generation {
@@ -60,7 +60,7 @@ void EarlierVersions::refuseForVersion4() {
   program_.platform.dialogs.MsgBox(
       phrases_.Translate(u"Version 4 of ZEV Screen Recorder is installed in this folder. Please "
                          u"select another directory to install the new version."),
-      box_style::exclamation, boxTitle);
+      box_style::exclamation, installTitle);
   form_.Command4_Click();
 }
 
@@ -73,7 +73,7 @@ void EarlierVersions::offerUninstall() {
       lineEnd, lineEnd,
       phrases_.Translate(u"Would you like to uninstall the previous version now?"));
   const BoxAnswer answer =
-      program_.platform.dialogs.MsgBox(text, box_style::yesNoDefaultNo, boxTitle);
+      program_.platform.dialogs.MsgBox(text, box_style::yesNoDefaultNo, installTitle);
   if (answer == BoxAnswer::Yes) ignoringErrors([&] { startUninstaller(); });
 }
 

@@ -10,7 +10,7 @@ namespace {
 // further in. Of two rows with the same key the first is found. Callers look a message up by its
 // exact wording and join pieces as they stand: slips of spelling and blanks at the ends stay.
 // clang-format off
-constexpr PhraseRow rows[] = {
+constexpr PhraseRow phrases[] = {
     // 1
     {u"ZEV Screen Recorder is going to be installed on your computer. Please click on the 'Next' "
          u"button to determinine a directory.",
@@ -1433,23 +1433,23 @@ constexpr PhraseRow rows[] = {
 };
 // clang-format on
 
-static_assert(std::size(rows) == phrase_row::count);
+static_assert(std::size(phrases) == phrase_row::count);
 
 /// A comma forgotten between two columns joins them and leaves the last one empty.
 constexpr bool hasAllColumns(const PhraseRow& row) { return !row.Spanish.empty(); }
-static_assert(std::count_if(std::begin(rows), std::end(rows), hasAllColumns) ==
+static_assert(std::count_if(std::begin(phrases), std::end(phrases), hasAllColumns) ==
               phrase_row::count - 1);
-static_assert(!hasAllColumns(rows[phrase_row::agreement - 1]));
+static_assert(!hasAllColumns(phrases[phrase_row::agreement - 1]));
 
 constexpr bool endsWith(const PhraseRow& row, TextView address) {
   return row.English.ends_with(address) && row.Turkish.ends_with(address) &&
          row.German.ends_with(address) && row.French.ends_with(address) &&
          row.Spanish.ends_with(address);
 }
-static_assert(rows[27 - 1].English == downloadRequestPhrase);
-static_assert(endsWith(rows[27 - 1], downloadAddress));
-static_assert(rows[165 - 1].English == mailRequestPhrase);
-static_assert(endsWith(rows[165 - 1], supportAddress));
+static_assert(phrases[27 - 1].English == downloadRequestPhrase);
+static_assert(endsWith(phrases[27 - 1], downloadAddress));
+static_assert(phrases[165 - 1].English == mailRequestPhrase);
+static_assert(endsWith(phrases[165 - 1], supportAddress));
 
 TextView column(const PhraseRow& row, std::int32_t languageNumber) {
   switch (languageNumber) {
@@ -1475,16 +1475,16 @@ bool hasOnlyTheLanguageWord(std::int32_t languageNumber) {
 
 Text phraseKey(std::size_t row) {
   if (row == phrase_row::agreement) return agreementText(0);
-  return Text(rows[row - 1].English);
+  return Text(phrases[row - 1].English);
 }
 
 Text phraseTranslation(std::size_t row, std::int32_t languageNumber) {
   if (languageNumber == 0) return {};
   if (hasOnlyTheLanguageWord(languageNumber)) {
-    return Text(rows[phrase_row::languageWord - 1].Turkish);
+    return Text(phrases[phrase_row::languageWord - 1].Turkish);
   }
   if (row == phrase_row::agreement) return agreementText(languageNumber);
-  return Text(column(rows[row - 1], languageNumber));
+  return Text(column(phrases[row - 1], languageNumber));
 }
 
 }  // namespace zev

@@ -8,7 +8,7 @@
 namespace zev {
 namespace {
 
-constexpr TextView boxTitle = u"ExpandFile - Error!";
+constexpr TextView failureTitle = u"ExpandFile - Error!";
 
 /// Reasons of a failed open, by the system's number.
 struct OpenError {
@@ -63,7 +63,7 @@ void showCopyError(Dialogs& dialogs, Phrases& phrases, std::int32_t result, Text
   const Text text = join(phrases.Translate(u"Error in ExpandFile: Couldn't decompress the file! "),
                          trim(copyDetail(result)), lineEnd, lineEnd, source, lineEnd, lineEnd,
                          phrases.Translate(mailRequestPhrase));
-  dialogs.MsgBox(trim(text), box_style::systemExclamation, boxTitle);
+  dialogs.MsgBox(trim(text), box_style::systemExclamation, failureTitle);
 }
 
 /// An open file of the services: its handle, or the code of the failure.
@@ -93,7 +93,7 @@ void ShowExpandError(Dialogs& dialogs, std::int32_t code, TextView path) {
   if (row == std::end(openErrors) && code != unknownError.code) return;
   const OpenError& error = row == std::end(openErrors) ? unknownError : *row;
   const Text text = error.path ? join(error.text, trim(path), u"'") : Text(error.text);
-  dialogs.MsgBox(text, box_style::systemExclamation, boxTitle);
+  dialogs.MsgBox(text, box_style::systemExclamation, failureTitle);
 }
 
 std::int32_t ExpandFile(LzServices& lz, Dialogs& dialogs, Phrases& phrases, TextView source,

@@ -35,7 +35,7 @@ namespace {
 
 constexpr TextView runPhrase =
     u"Copying files into temporary folder and expanding into install directory...";
-constexpr std::size_t systemDirectorySize = 255;
+constexpr std::size_t systemFolderSize = 255;
 
 /// Diagnostic steps, printed by the trap. Members have theirs in the manifest; the user's folders,
 /// the file type and the shortcuts in their own modules.
@@ -190,9 +190,9 @@ void InstallRun::prepare(const ManifestRow& row) {
 
 /// Asked for once, before the first member that goes there.
 void InstallRun::findSystemDirectory() {
-  Text buffer = blanks(systemDirectorySize);
+  Text buffer = blanks(systemFolderSize);
   const std::uint32_t length =
-      platform_.system.GetSystemDirectoryA(buffer, static_cast<std::uint32_t>(systemDirectorySize));
+      platform_.system.GetSystemDirectoryA(buffer, static_cast<std::uint32_t>(systemFolderSize));
   const TextView cut = trim(left(buffer, static_cast<std::int32_t>(length)));
   systemDirectory_ = withoutTrailing(withoutTrailing(cut, u'\0'), u'\\');
 }

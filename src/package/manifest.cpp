@@ -7,7 +7,7 @@ using enum Target;
 using C = Condition;
 
 // clang-format off
-constexpr std::array<ManifestRow, manifestSlots> rows = {{
+constexpr std::array<ManifestRow, manifestSlots> manifestRows = {{
     { 1, u"MCD28m.wa_",                     u"MCD28m.wav",                     Install,        194,  0,   5,   7},
     { 2, u"MCU28m.wa_",                     u"MCU28m.wav",                     Install,        178,  1,   9,  10},
     { 3, u"Screen Recorder 6.ex_",          u"Screen Recorder 6.exe",          Install,  4'532'336,  2,  11,  12, C::Mandatory},
@@ -74,7 +74,7 @@ constexpr std::array<ManifestRow, manifestSlots> rows = {{
 
 constexpr std::int32_t sumOfSizes(std::size_t slots) {
   std::int32_t sum = 0;
-  for (std::size_t slot = 0; slot < slots; ++slot) sum += rows[slot].size;
+  for (std::size_t slot = 0; slot < slots; ++slot) sum += manifestRows[slot].size;
   return sum;
 }
 
@@ -86,7 +86,7 @@ Text usualText(const ManifestRow& row, TextView what) {
 
 }  // namespace
 
-std::span<const ManifestRow, manifestSlots> manifest() { return rows; }
+std::span<const ManifestRow, manifestSlots> manifest() { return manifestRows; }
 
 Text extractionFailure(const ManifestRow& row) {
   return row.extractionText.empty() ? usualText(row, u"extracted") : Text(row.extractionText);

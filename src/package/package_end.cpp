@@ -45,16 +45,16 @@ constexpr std::size_t data = 20;
 
 constexpr std::uint64_t symbolSize = 18;
 
-using Bytes = std::span<const std::uint8_t>;
+using HeaderBytes = std::span<const std::uint8_t>;
 
-std::uint32_t number(Bytes from, std::size_t offset, std::size_t bytes) {
+std::uint32_t number(HeaderBytes from, std::size_t offset, std::size_t bytes) {
   std::uint32_t value = 0;
   for (std::size_t each = bytes; each-- > 0;) value = value << 8 | from[offset + each];
   return value;
 }
 
-std::uint32_t number16(Bytes from, std::size_t offset) { return number(from, offset, 2); }
-std::uint32_t number32(Bytes from, std::size_t offset) { return number(from, offset, 4); }
+std::uint32_t number16(HeaderBytes from, std::size_t offset) { return number(from, offset, 2); }
+std::uint32_t number32(HeaderBytes from, std::size_t offset) { return number(from, offset, 4); }
 
 std::optional<std::vector<std::uint8_t>> readBytes(const ReadAt& read, std::uint64_t offset,
                                                    std::size_t size) {
@@ -70,12 +70,12 @@ std::optional<std::uint64_t> findSignature(const ReadAt& read) {
   return number32(*stub, dos::imageHeader);
 }
 
-bool hasSignature(Bytes header) {
+bool hasSignature(HeaderBytes header) {
   constexpr std::array<std::uint8_t, 4> signature = {'P', 'E', 0, 0};
   return std::equal(signature.begin(), signature.end(), header.begin());
 }
 
-Stretch certificatesOf(Bytes header, std::size_t directories) {
+Stretch certificatesOf(HeaderBytes header, std::size_t directories) {
   const std::size_t entry = directories + optional::certificates * optional::directorySize;
   const bool there = header.size() >= entry + optional::directorySize &&
                      number32(header, directories - 4) > optional::certificates;
@@ -84,7 +84,7 @@ Stretch certificatesOf(Bytes header, std::size_t directories) {
 }
 
 /// Behind the symbols come their long names, which begin with their own size.
-std::uint64_t symbolsEnd(const ReadAt& read, Bytes fileHeader) {
+std::uint64_t symbolsEnd(const ReadAt& read, HeaderBytes fileHeader) {
   const std::uint64_t begin = number32(fileHeader, file::symbols);
   const std::uint64_t count = number32(fileHeader, file::symbolCount);
   if (begin == 0 || count == 0) return 0;
@@ -115,7 +115,7 @@ std::optional<std::vector<std::uint8_t>> readOptional(const ReadAt& read, std::u
   return known ? std::move(header) : std::nullopt;
 }
 
-std::size_t directoriesOf(Bytes header) {
+std::size_t directoriesOf(HeaderBytes header) {
   return number16(header, 0) == optional::magic64 ? optional::directories64
                                                   : optional::directories32;
 }

@@ -19,40 +19,45 @@ void PropertyBag::WriteProperty(TextView name, const Variant& value, const Varia
 
 namespace {
 
-using Kind = MemberDescription::Kind;
+using MemberKind = MemberDescription::Kind;
 
 constexpr auto members = std::to_array<MemberDescription>({
-    {u"RemotePort", Kind::ReadWrite,
+    {u"RemotePort", MemberKind::ReadWrite,
      u"Returns/Sets the port to be connected to on the remote computer"},
-    {u"RemoteHost", Kind::ReadWrite, u"Returns/Sets the name used to identify the remote computer"},
-    {u"RemoteHostIP", Kind::Read, u"Returns the remote host IP address"},
-    {u"LocalPort", Kind::ReadWrite, u"Returns/Sets the port used on the local computer"},
-    {u"State", Kind::Read, u"Returns the state of the socket connection"},
-    {u"LocalHostName", Kind::Read, u"Returns the local machine name"},
-    {u"LocalIP", Kind::Read, u"Returns the local machine IP address"},
-    {u"BytesReceived", Kind::Read, u"Returns the number of bytes received on this connection"},
-    {u"SocketHandle", Kind::Read, u"Returns the socket handle"},
-    {u"Tag", Kind::ReadWrite,
+    {u"RemoteHost", MemberKind::ReadWrite,
+     u"Returns/Sets the name used to identify the remote computer"},
+    {u"RemoteHostIP", MemberKind::Read, u"Returns the remote host IP address"},
+    {u"LocalPort", MemberKind::ReadWrite, u"Returns/Sets the port used on the local computer"},
+    {u"State", MemberKind::Read, u"Returns the state of the socket connection"},
+    {u"LocalHostName", MemberKind::Read, u"Returns the local machine name"},
+    {u"LocalIP", MemberKind::Read, u"Returns the local machine IP address"},
+    {u"BytesReceived", MemberKind::Read,
+     u"Returns the number of bytes received on this connection"},
+    {u"SocketHandle", MemberKind::Read, u"Returns the socket handle"},
+    {u"Tag", MemberKind::ReadWrite,
      u"Returns or sets an expression that stores any extra data needed for your program"},
-    {u"Protocol", Kind::ReadWrite, u"Returns/Sets the socket protocol"},
-    {u"Accept", Kind::Operation, u"Accept an incoming connection request"},
-    {u"Bind", Kind::Operation, u"Binds socket to specific port and adapter"},
-    {u"CloseSck", Kind::Operation, u"Close current connection"},
-    {u"Connect", Kind::Operation, u"Connect to the remote computer"},
-    {u"GetData", Kind::Operation, u"Retrieve data sent by the remote computer"},
-    {u"Listen", Kind::Operation, u"Listen for incoming connection requests"},
-    {u"PeekData", Kind::Operation, u"Look at incoming data without removing it from the buffer"},
-    {u"SendData", Kind::Operation, u"Send data to remote computer"},
+    {u"Protocol", MemberKind::ReadWrite, u"Returns/Sets the socket protocol"},
+    {u"Accept", MemberKind::Operation, u"Accept an incoming connection request"},
+    {u"Bind", MemberKind::Operation, u"Binds socket to specific port and adapter"},
+    {u"CloseSck", MemberKind::Operation, u"Close current connection"},
+    {u"Connect", MemberKind::Operation, u"Connect to the remote computer"},
+    {u"GetData", MemberKind::Operation, u"Retrieve data sent by the remote computer"},
+    {u"Listen", MemberKind::Operation, u"Listen for incoming connection requests"},
+    {u"PeekData", MemberKind::Operation,
+     u"Look at incoming data without removing it from the buffer"},
+    {u"SendData", MemberKind::Operation, u"Send data to remote computer"},
 });
 
 constexpr auto eventMembers = std::to_array<MemberDescription>({
-    {u"CloseSck", Kind::Event, u""},
-    {u"Connect", Kind::Event, u""},
-    {u"ConnectionRequest", Kind::Event, u"Occurs when a remote client is attempting to connect"},
-    {u"DataArrival", Kind::Event, u"Occurs when data has been received from the remote computer"},
-    {u"Error", Kind::Event, u"Error occurred"},
-    {u"SendComplete", Kind::Event, u"Occurs after a send operation has completed"},
-    {u"SendProgress", Kind::Event, u"Occurs during process of sending data"},
+    {u"CloseSck", MemberKind::Event, u""},
+    {u"Connect", MemberKind::Event, u""},
+    {u"ConnectionRequest", MemberKind::Event,
+     u"Occurs when a remote client is attempting to connect"},
+    {u"DataArrival", MemberKind::Event,
+     u"Occurs when data has been received from the remote computer"},
+    {u"Error", MemberKind::Event, u"Error occurred"},
+    {u"SendComplete", MemberKind::Event, u"Occurs after a send operation has completed"},
+    {u"SendProgress", MemberKind::Event, u"Occurs during process of sending data"},
 });
 
 /// A stored property: its name, its default, and the member that it is read and assigned by.

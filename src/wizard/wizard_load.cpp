@@ -12,7 +12,7 @@
 namespace zev {
 namespace {
 
-constexpr std::size_t pathSize = 145;
+constexpr std::size_t startPathSize = 145;
 constexpr TextView mainExecutable = u"Screen Recorder 6";
 constexpr std::int32_t noLanguage = -1;
 
@@ -121,17 +121,17 @@ void Wizard::loadForm(std::int32_t& stage) {
 
 /// Kept without the backslash that the system gives it. Where the system has none it is empty.
 void Wizard::findTemporaryFolder() {
-  Text buffer = blanks(pathSize);
+  Text buffer = blanks(startPathSize);
   const std::uint32_t length =
-      platform_.system.GetTempPathA(static_cast<std::uint32_t>(pathSize), buffer);
+      platform_.system.GetTempPathA(static_cast<std::uint32_t>(startPathSize), buffer);
   globals_.gTempDir = left(buffer, static_cast<std::int32_t>(length));
   globals_.gTempDir = withoutTrailing(globals_.gTempDir.trimmed(), u'\\');
 }
 
 void Wizard::findWindowsFolder() {
-  Text buffer = blanks(pathSize);
+  Text buffer = blanks(startPathSize);
   const std::uint32_t length =
-      platform_.system.GetWindowsDirectoryA(buffer, static_cast<std::uint32_t>(pathSize));
+      platform_.system.GetWindowsDirectoryA(buffer, static_cast<std::uint32_t>(startPathSize));
   globals_.gWinDir = withoutTrailing(trim(left(buffer, static_cast<std::int32_t>(length))), u'\\');
 }
 

@@ -6,7 +6,7 @@ namespace zev {
 namespace {
 
 constexpr std::int16_t keepOpen = -1;
-constexpr std::int32_t checked = 1;
+constexpr std::int32_t boxChecked = 1;
 
 }  // namespace
 
@@ -39,7 +39,7 @@ void Wizard::unloadSockets() {
 }
 
 void Wizard::closeOrderly() {
-  if (form1_.Check1.Value == checked) ignoringErrors([&] { launchProduct(); });
+  if (form1_.Check1.Value == boxChecked) ignoringErrors([&] { launchProduct(); });
   ignoringErrors([&] { program_.DoEvents(); });
   ignoringErrors([&] { platform_.application.Unload(program_.form3); });
   ignoringErrors([&] { program_.DoEvents(); });
