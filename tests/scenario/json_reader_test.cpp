@@ -103,6 +103,10 @@ TEST(JsonReader, DecodesBase64WithAndWithoutPadding) {
   EXPECT_EQ(base64("+/+/"), (Bytes{0xFB, 0xFF, 0xBF}));
   EXPECT_EQ(errorOf([] { base64("TVo"); }), "$: base 64 comes in groups of four characters");
   EXPECT_EQ(errorOf([] { base64("T*o="); }), "$: a character that is no digit of base 64");
+  for (const char* tooPadded : {"T===", "====", "TVo=TVo="}) {
+    EXPECT_EQ(errorOf([&] { base64(tooPadded); }), "$: a character that is no digit of base 64")
+        << tooPadded;
+  }
 }
 
 TEST(JsonReader, DecodesHexadecimalInBothCases) {

@@ -132,6 +132,25 @@ TEST_F(OutsideViewTest, TellsThatAControlIsMovedAndThatNobodySeesIt) {
                                      R"("property":"InSight","value":false})"));
 }
 
+constexpr FormDesign otherDesign = {
+    .name = u"Form2", .caption = u"Options", .width = 3000, .height = 3000};
+
+TEST_F(OutsideViewTest, TellsOfEveryFormInItsOrder) {
+  Form other{otherDesign};
+  application_.Show(form_);
+  look();
+  application_.Show(other);
+  form_.Caption = u"Changed";
+  view_.look(sightOf(std::vector<Form*>{&form_, &other}), false);
+  EXPECT_THAT(
+      written(),
+      ElementsAre(R"({"event":"set","control":"Form1","property":"Caption","value":"Changed"})",
+                  R"({"event":"show","form":"Form2"})",
+                  R"({"event":"set","control":"Form2","property":"Caption","value":"Options"})",
+                  R"({"event":"set","control":"Form2","property":"Width","value":3000})",
+                  R"({"event":"set","control":"Form2","property":"Height","value":3000})"));
+}
+
 TEST_F(OutsideViewTest, SaysNothingOfWhetherFormsAreEnabledWhileABoxIsOpen) {
   application_.Show(form_);
   look();

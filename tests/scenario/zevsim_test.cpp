@@ -371,6 +371,16 @@ TEST_F(Zevsim, WritesInputBoxesAsTheyAreSeenFromOutside) {
       HasSubstr(R"({"event":"input","prompt":"Your name:","title":"Name","answer":"Eve"})"));
 }
 
+/// Whether a form is enabled is not told while a box is open: this one went with its program.
+TEST_F(Zevsim, ForgetsABoxThatWasOpenWhenTheProgramStartsAnew) {
+  const std::string scenario = write("a.json", R"({"script": [
+      {"at": {"box": 1}, "do": [{"restart": true}]},
+      {"click": "Command3"}, {"click": "Command4"}, {"click": "Form2.Command1"}]})");
+  EXPECT_EQ(run({scenario, "--transcript", file("t"), "--outside", file("o")}), 0);
+  EXPECT_THAT(read("o"),
+              HasSubstr(R"({"event":"set","control":"Form1","property":"Enabled","value":false})"));
+}
+
 TEST_F(Zevsim, WritesTheStateOfTheMachine) {
   const std::string scenario = write("a.json", R"({"machine": {"files": {"C:\\a.txt": "hello"}}})");
   EXPECT_EQ(run({scenario, "--state", file("state.json")}), 0);
