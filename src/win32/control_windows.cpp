@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "runtime/controls.h"
+#include "win32/ansi.h"
 #include "win32/system_library.h"
 
 namespace zev::win32 {

@@ -3,6 +3,7 @@
 #include <array>
 #include <memory>
 
+#include "win32/ansi.h"
 #include "win32/control_windows.h"
 #include "win32/form_fonts.h"
 

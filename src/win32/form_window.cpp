@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "runtime/form.h"
+#include "win32/ansi.h"
 #include "win32/control_windows.h"
 #include "win32/system_library.h"
 
