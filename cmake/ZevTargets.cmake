@@ -28,7 +28,7 @@ set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS
 option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
-foreach(kind room busy fast json test)
+foreach(kind room fast machine json test)
   string(TOUPPER ${kind} upper)
   set(ZEV_${upper}_FLAGS "" CACHE STRING "Flags for code of the kind ${kind}: optimisation, sanitizers")
   separate_arguments(zev_${kind}_flags NATIVE_COMMAND "${ZEV_${upper}_FLAGS}")
@@ -41,11 +41,13 @@ set(zev_common_headers
 # What code of a kind includes besides, precompiled with them, and the targets that these come from.
 set(zev_json_headers <nlohmann/json.hpp>)
 set(zev_json_knows nlohmann_json::nlohmann_json)
+set(zev_machine_headers ${zev_json_headers})
+set(zev_machine_knows ${zev_json_knows})
 set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h> ${zev_json_headers})
 set(zev_test_knows GTest::gtest GTest::gmock ${zev_json_knows})
 
 # Compiles a target as all code of its kind is: the flags, files in units, and the headers that many
-# include, precompiled once for all kinds with the same flags and headers.
+# include, precompiled once for the kind.
 function(zev_code name kind)
   target_compile_options(${name} PRIVATE ${zev_${kind}_flags})
   if(NOT ZEV_FEW_UNITS OR (ZEV_FEW_UNITS STREQUAL "TESTS" AND NOT kind STREQUAL "test"))
@@ -58,8 +60,7 @@ function(zev_code name kind)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     return()
   endif()
-  string(MD5 digest "${zev_${kind}_flags} ${zev_${kind}_headers}")
-  set(precompiled zev_precompiled_${digest})
+  set(precompiled zev_${kind}_precompiled)
   if(NOT TARGET ${precompiled})
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/${precompiled}.cpp CONTENT "")
     add_library(${precompiled} OBJECT ${PROJECT_BINARY_DIR}/${precompiled}.cpp)
@@ -70,9 +71,9 @@ function(zev_code name kind)
   target_precompile_headers(${name} REUSE_FROM ${precompiled})
 endfunction()
 
-# Opens a wing: the rooms that follow in this folder, those with the flags of the common kind, are then
-# one library, compiled as one unit. Every header is read once, which halves what a compiler without
-# precompiled headers takes. Which room may know which the builds without a wing see to.
+# Opens a wing: the rooms of the common kind that follow in this folder are then one library, compiled
+# as one unit. Every header is read once, which halves what a compiler without precompiled headers
+# takes. Which room may know which the builds without a wing see to.
 macro(zev_open_wing name)
   if(ZEV_WING AND ZEV_FEW_UNITS)
     set(zev_wing ${name})
@@ -107,18 +108,18 @@ endfunction()
 
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
 # may know. Headers are included by their path from src/. Rooms are of four kinds: FAST ones work on
-# bytes, BUSY ones take most of the time of a run otherwise, JSON ones include that library, and the
-# common ones are none of these. Sources that not every program with the room is to have stand APART.
+# bytes, JSON ones include that library and run seldom, MACHINE ones include it and run often. Sources
+# that not every program with the room is to have stand APART.
 function(zev_room name)
-  cmake_parse_arguments(ROOM "FAST;BUSY;JSON" "" "SOURCES;APART;KNOWS" ${ARGN})
+  cmake_parse_arguments(ROOM "FAST;JSON;MACHINE" "" "SOURCES;APART;KNOWS" ${ARGN})
   set(kind room)
-  foreach(other FAST BUSY JSON)
+  foreach(other FAST JSON MACHINE)
     if(ROOM_${other})
       string(TOLOWER ${other} kind)
     endif()
   endforeach()
   set(target ${name})
-  if(zev_wing AND "${zev_${kind}_flags}" STREQUAL "${zev_room_flags}")
+  if(zev_wing AND kind STREQUAL "room")
     set(target ${zev_wing})
     zev_room_of_wing(${name} SOURCES ${ROOM_SOURCES} ${ROOM_APART} KNOWS ${ROOM_KNOWS})
   else()
