@@ -657,6 +657,9 @@ class Tester:
 RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", "zevsim",
              "fuzz"}
 
+# Rooms that need the program for Windows.
+WINDOWS_ROOMS = {"windows", "win32"}
+
 # Suites of long cases, each with the one stage that runs it. What they show of the whole does not depend
 # on how it was compiled, and what they run, shorter cases run under sanitizers: with them the whole runs
 # among them would take half an hour.
@@ -672,10 +675,10 @@ def stages_for(rooms, everything, without_windows):
     stages = [each for each in STAGES if everything or not each.only_all]
     if without_windows:
         stages = [each for each in stages if not each.preset.startswith("windows")]
-    if rooms and not rooms & {"windows", "win32"}:
-        stages = [each for each in stages if each.preset in ("run", "check")]
-    elif rooms:
-        stages = [each for each in stages if each.preset.startswith(("run", "windows"))]
+    if rooms:
+        presets = ("run", *(["check"] if rooms - WINDOWS_ROOMS else []),
+                   *(["windows"] if rooms & WINDOWS_ROOMS else []))
+        stages = [each for each in stages if each.preset.startswith(presets)]
     return stages
 
 
