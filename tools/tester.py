@@ -481,9 +481,11 @@ class Tester:
     def choose(self, stage):
         suites = suites_of(stage.preset)
         if self.rooms:
+            # A room that has suites of ./test all alone is tested by these.
+            with_core = {each.room for each in suites if each.core}
             return [each for each in suites if each.room in self.rooms and
                     (stage.preset == "run" if each.kind == "gtest-room" or each.room in RUN_ROOMS
-                     else each.core)]
+                     else each.core or each.room not in with_core)]
         suites = [each for each in suites if each.kind != "gtest-room"]
         if self.everything:
             return [each for each in suites if LONG_CASES.get(each.name, each.preset) == each.preset]
@@ -658,7 +660,7 @@ RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", 
              "fuzz"}
 
 # Rooms that need the program for Windows.
-WINDOWS_ROOMS = {"windows", "win32"}
+WINDOWS_ROOMS = {"windows", "win32", "attacks"}
 
 # Suites of long cases, each with the one stage that runs it. What they show of the whole does not depend
 # on how it was compiled, and what they run, shorter cases run under sanitizers: with them the whole runs
