@@ -133,7 +133,7 @@ TEST_F(OutsideViewTest, TellsThatAControlIsMovedAndThatNobodySeesIt) {
 }
 
 constexpr FormDesign otherDesign = {
-    .name = u"Form2", .caption = u"Options", .width = 3000, .height = 3000};
+    .name = u"Form2", .caption = u"Options", .width = 3000, .height = 3000, .controls = {}};
 
 TEST_F(OutsideViewTest, TellsOfEveryFormInItsOrder) {
   Form other{otherDesign};
