@@ -12,7 +12,7 @@
 
 #include "lz/encoder.h"
 #include "lz/reference.h"
-#include "lz/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zev::lz {
 namespace {
@@ -88,7 +88,7 @@ class LzTools : public testing::Test {
     return std::system((command + " >log 2>&1").c_str()) == 0;
   }
 
-  TemporaryFolder folder_;
+  test::TemporaryFolder folder_;
   std::vector<File> files_;
 };
 

@@ -6,6 +6,7 @@
 
 #include "scenario/common_names.h"
 #include "scenario/toy_play.h"
+#include "support/temporary_folder.h"
 
 namespace zev::scenario {
 namespace {
@@ -36,13 +37,10 @@ constexpr const char* named = R"json({
 /// A folder of scenarios below one that has a file of names.
 class Expand : public testing::Test {
  protected:
-  Expand()
-      : above_(fs::path(testing::TempDir()) /
-               testing::UnitTest::GetInstance()->current_test_info()->name()) {
+  Expand() {
     fs::create_directories(above_ / "here");
     write(above_ / commonFile, named);
   }
-  ~Expand() override { fs::remove_all(above_); }
 
   static void write(const fs::path& file, const std::string& bytes) {
     std::ofstream(file, std::ios::binary) << bytes;
@@ -71,7 +69,8 @@ class Expand : public testing::Test {
     return error("{\"script\": " + list + "}");
   }
 
-  fs::path above_;
+  test::TemporaryFolder temporary_;
+  const fs::path& above_ = temporary_.path();
 };
 
 /// What was read once is not used any more when the file has another text, be it as long.

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "scenario/toy_play.h"
+#include "support/temporary_folder.h"
 
 namespace zev::scenario {
 namespace {
@@ -19,13 +20,6 @@ std::string readError(std::string_view text) {
 /// A folder of the host for one test, removed behind it.
 class ScenarioFiles : public testing::Test {
  protected:
-  ScenarioFiles()
-      : folder_(fs::path(testing::TempDir()) /
-                testing::UnitTest::GetInstance()->current_test_info()->name()) {
-    fs::create_directories(folder_);
-  }
-  ~ScenarioFiles() override { fs::remove_all(folder_); }
-
   fs::path write(const std::string& name, const std::string& bytes) const {
     std::ofstream(folder_ / name, std::ios::binary) << bytes;
     return folder_ / name;
@@ -51,7 +45,8 @@ class ScenarioFiles : public testing::Test {
     return whole;
   }
 
-  fs::path folder_;
+  test::TemporaryFolder temporary_;
+  const fs::path& folder_ = temporary_.path();
 };
 
 TEST(Scenario, CanBeEmpty) {

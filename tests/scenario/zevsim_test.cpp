@@ -11,6 +11,7 @@
 #include "programs/zevsim/zevsim_options.h"
 #include "scenario/json_reader.h"
 #include "scenario/toy_program.h"
+#include "support/temporary_folder.h"
 
 namespace zev::scenario {
 namespace {
@@ -54,13 +55,6 @@ class SettingsWriter final : public simulator::PlayedProgram {
 /// Runs zevsim with files in a folder of its own.
 class Zevsim : public testing::Test {
  protected:
-  Zevsim()
-      : folder_(fs::path(testing::TempDir()) /
-                testing::UnitTest::GetInstance()->current_test_info()->name()) {
-    fs::create_directories(folder_);
-  }
-  ~Zevsim() override { fs::remove_all(folder_); }
-
   std::string file(const std::string& name) const { return (folder_ / name).string(); }
 
   std::string write(const std::string& name, const std::string& text) const {
@@ -83,7 +77,8 @@ class Zevsim : public testing::Test {
     return status;
   }
 
-  fs::path folder_;
+  test::TemporaryFolder temporary_;
+  const fs::path& folder_ = temporary_.path();
   simulator::ProgramFactory factory_ = makeToyProgram;
   bool terminal_ = false;
   std::string out_;

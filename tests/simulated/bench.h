@@ -11,6 +11,7 @@
 
 #include "simulated/simulated_machine.h"
 #include "support/raised.h"
+#include "support/temporary_folder.h"
 
 namespace zev::simulated {
 
@@ -86,40 +87,27 @@ class MachineTest : public testing::Test {
 /// A folder of the host that is gone behind the test.
 class HostFolder {
  public:
-  HostFolder() {
-    static int made = 0;
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    path_ = std::filesystem::temp_directory_path() /
-            (std::string("zev-") + test->test_suite_name() + "-" + test->name() + "-" +
-             std::to_string(++made));
-    std::filesystem::remove_all(path_);
-    std::filesystem::create_directories(path_);
-  }
-  ~HostFolder() { std::filesystem::remove_all(path_); }
-  HostFolder(const HostFolder&) = delete;
-  HostFolder& operator=(const HostFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
+  const std::filesystem::path& path() const { return folder_.path(); }
   std::string read(const std::filesystem::path& file) const {
-    std::ifstream in(path_ / file, std::ios::binary);
+    std::ifstream in(path() / file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
   }
   /// Names of what lies in a folder of it, sorted.
   std::vector<std::string> names(const std::filesystem::path& folder = {}) const {
     std::vector<std::string> names;
-    for (const auto& each : std::filesystem::directory_iterator(path_ / folder)) {
+    for (const auto& each : std::filesystem::directory_iterator(path() / folder)) {
       names.push_back(each.path().filename().string());
     }
     std::sort(names.begin(), names.end());
     return names;
   }
   void write(const std::filesystem::path& file, std::string_view text) const {
-    std::filesystem::create_directories((path_ / file).parent_path());
-    std::ofstream(path_ / file, std::ios::binary) << text;
+    std::filesystem::create_directories((path() / file).parent_path());
+    std::ofstream(path() / file, std::ios::binary) << text;
   }
 
  private:
-  std::filesystem::path path_;
+  test::TemporaryFolder folder_;
 };
 
 }  // namespace zev::simulated

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "lz/encoder.h"
-#include "lz/temporary_folder.h"
 #include "programs/zevpack/package_check.h"
 #include "support/table.h"
+#include "support/temporary_folder.h"
 #include "zevpack/made_package.h"
 
 namespace zev::packing {
@@ -40,7 +40,7 @@ TEST(Members, HaveTheCharacterThatTheUnderscoreReplaced) {
 }
 
 TEST(PackageFile, CountsBackFromTheEnd) {
-  const lz::TemporaryFolder folder;
+  const test::TemporaryFolder folder;
   const Bytes bytes = noise(194 + 178 + 5, 1);
   writeFile(folder.path() / "package", bytes);
   const PackageFile package(folder.path() / "package");
@@ -54,7 +54,7 @@ TEST(PackageFile, CountsBackFromTheEnd) {
 }
 
 TEST(PackageFile, FindsAMemberThatBeginsWithTheFile) {
-  const lz::TemporaryFolder folder;
+  const test::TemporaryFolder folder;
   const std::vector<Member> all = members();
   writeFile(folder.path() / "whole", Bytes(194));
   EXPECT_EQ(PackageFile(folder.path() / "whole").offsetOf(all[0]), 0u);

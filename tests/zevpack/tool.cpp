@@ -32,7 +32,7 @@ std::string textOf(const fs::path& path) {
 
 Outcome runProgram(const std::string& program, const std::vector<std::string>& arguments,
                    const std::string& before) {
-  const lz::TemporaryFolder folder;
+  const test::TemporaryFolder folder;
   const fs::path out = folder.path() / "out";
   const fs::path err = folder.path() / "err";
   std::string command = before.empty() ? "" : before + "; ";

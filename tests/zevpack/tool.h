@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "lz/temporary_folder.h"
 #include "programs/zevpack/host_file.h"
+#include "support/temporary_folder.h"
 
 namespace zev::packing {
 
@@ -40,7 +40,7 @@ class ToolTest : public testing::Test {
   }
 
  private:
-  lz::TemporaryFolder folder_;
+  test::TemporaryFolder folder_;
 };
 
 }  // namespace zev::packing

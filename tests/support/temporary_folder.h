@@ -5,13 +5,13 @@
 #include <stdexcept>
 #include <string>
 
-namespace zev::lz {
+namespace zev::test {
 
 /// A new empty folder, removed with all in it at the end.
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "zev-lz-XXXXXX").string();
+    std::string name = (std::filesystem::temp_directory_path() / "zev-test-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
     path_ = name;
   }
@@ -28,4 +28,4 @@ class TemporaryFolder {
   std::filesystem::path path_;
 };
 
-}  // namespace zev::lz
+}  // namespace zev::test
