@@ -167,8 +167,12 @@ class Suite:
         """The words that choose this suite's cases of its program, less those done."""
         if not done:
             return [f"--gtest_filter={self.filter}"] if self.filter else []
-        joint = ":" if "-" in self.filter else "-"
-        return [f"--gtest_filter={self.filter}{joint}{':'.join(done)}"]
+        return [f"--gtest_filter={narrowed(self.filter, done)}"]
+
+
+def narrowed(filter_, cases):
+    """A filter of cases that leaves out these as well."""
+    return filter_ + (":" if "-" in filter_ else "-") + ":".join(cases)
 
 
 def suites_of(preset):

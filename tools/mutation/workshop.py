@@ -14,6 +14,7 @@ import sys
 import threading
 
 from mutation import trial
+from tester import narrowed
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 HOME = ROOT / "build" / "mutate"
@@ -52,11 +53,6 @@ class Suite:
         return {"name": self.name, "kind": "gtest" if self.tells_cases else "script",
                 "command": self.command + words, "environment": self.environment,
                 "targets": self.targets, "programs": self.programs, "timeout": self.timeout}
-
-    def without(self, cases):
-        """The filter of this suite that leaves out some more."""
-        joint = ":" if "-" in self.filter else "-"
-        return self.filter + joint + ":".join(cases)
 
 
 def project_files():
@@ -285,6 +281,6 @@ class Workshop:
         if suite.of_room or not ran + slow:
             return [(0, part(None, self.patience(suite)))]
         if not slow:
-            return [(0, part(suite.without(ran), self.patience(suite)))]
-        return [(0, part(suite.without(ran + slow), self.PATIENCE)),
+            return [(0, part(narrowed(suite.filter, ran), self.patience(suite)))]
+        return [(0, part(narrowed(suite.filter, ran + slow), self.PATIENCE)),
                 (1, part(":".join(slow), self.patience(suite)))]
