@@ -56,7 +56,7 @@ class File {
 
 /// "C:\Folder\Name" as a path below the folder that stands for the drive.
 fs::path relative(const simulated::Event& event) {
-  std::string path = event.at("path").get<std::string>().substr(3);
+  std::string path = event.at("path").text().substr(3);
   std::replace(path.begin(), path.end(), '\\', '/');
   return path;
 }

@@ -26,9 +26,10 @@ endif()
 # compiled by itself, which shows that it includes what it needs.
 set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
 option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
+option(ZEV_HOT "Compile what a whole run spends its time in as code of the fast kind")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
-foreach(kind room fast machine json test)
+foreach(kind room fast json test)
   string(TOUPPER ${kind} upper)
   set(ZEV_${upper}_FLAGS "" CACHE STRING "Flags for code of the kind ${kind}: optimisation, sanitizers")
   separate_arguments(zev_${kind}_flags NATIVE_COMMAND "${ZEV_${upper}_FLAGS}")
@@ -41,8 +42,6 @@ set(zev_common_headers
 # What code of a kind includes besides, precompiled with them, and the targets that these come from.
 set(zev_json_headers <nlohmann/json.hpp>)
 set(zev_json_knows nlohmann_json::nlohmann_json)
-set(zev_machine_headers ${zev_json_headers})
-set(zev_machine_knows ${zev_json_knows})
 set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h> ${zev_json_headers})
 set(zev_test_knows GTest::gtest GTest::gmock ${zev_json_knows})
 
@@ -107,17 +106,22 @@ function(zev_room_of_wing name)
 endfunction()
 
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
-# may know. Headers are included by their path from src/. Rooms are of four kinds: FAST ones work on
-# bytes, JSON ones include that library and run seldom, MACHINE ones include it and run often. Sources
-# that not every program with the room is to have stand APART.
+# may know. Headers are included by their path from src/. Rooms are of three kinds: FAST ones work on
+# bytes, JSON ones include that library. HOT are the sources of the others that a whole run spends its
+# time in: a build that plays many compiles them as it does those of FAST rooms (ZEV_HOT). Sources that
+# not every program with the room is to have stand APART.
 function(zev_room name)
-  cmake_parse_arguments(ROOM "FAST;JSON;MACHINE" "" "SOURCES;APART;KNOWS" ${ARGN})
+  cmake_parse_arguments(ROOM "FAST;JSON" "" "SOURCES;HOT;APART;KNOWS" ${ARGN})
   set(kind room)
-  foreach(other FAST JSON MACHINE)
+  foreach(other FAST JSON)
     if(ROOM_${other})
       string(TOLOWER ${other} kind)
     endif()
   endforeach()
+  if(NOT ZEV_HOT)
+    list(APPEND ROOM_SOURCES ${ROOM_HOT})
+    set(ROOM_HOT "")
+  endif()
   set(target ${name})
   if(zev_wing AND kind STREQUAL "room")
     set(target ${zev_wing})
@@ -127,11 +131,24 @@ function(zev_room name)
     target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(${name} PUBLIC ${ROOM_KNOWS})
     zev_code(${name} ${kind})
+    if(ROOM_HOT)
+      zev_hot_sources(${name} SOURCES ${ROOM_HOT} KNOWS ${ROOM_KNOWS})
+    endif()
   endif()
   if(ROOM_APART)
     set_source_files_properties(${ROOM_APART} TARGET_DIRECTORY ${target}
       PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   endif()
+endfunction()
+
+# Sources of a room that are code of the fast kind.
+function(zev_hot_sources room)
+  cmake_parse_arguments(HOT "" "" "SOURCES;KNOWS" ${ARGN})
+  add_library(${room}_hot OBJECT ${HOT_SOURCES})
+  target_include_directories(${room}_hot PRIVATE ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${room}_hot PRIVATE ${HOT_KNOWS})
+  zev_code(${room}_hot fast)
+  target_sources(${room} PRIVATE $<TARGET_OBJECTS:${room}_hot>)
 endfunction()
 
 set(zev_gtest_source /usr/src/googletest)

@@ -11,7 +11,7 @@ constexpr double twipsPerPixel = 15;
 constexpr double pixelsPerCharacter = 6;
 constexpr std::uintptr_t formHandleStep = 2;
 
-Event toJson(const PropertyValue& value) {
+Value told(const PropertyValue& value) {
   if (const auto* text = std::get_if<Text>(&value)) return toUtf8(*text);
   if (const auto* flag = std::get_if<bool>(&value)) return *flag;
   return std::get<std::int32_t>(value);
@@ -205,7 +205,7 @@ void Screen::tellWritten(PropertyBase& property) {
   transcript_.add({{"event", "set"},
                    {"control", toUtf8(toldName(property.owner()))},
                    {"property", property.name()},
-                   {"value", toJson(property.value())}});
+                   {"value", told(property.value())}});
 }
 
 }  // namespace zev::simulated

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "runtime/text.h"
-#include "simulated/transcript.h"
+#include "simulated/value.h"
 
 namespace zev::simulated {
 
@@ -20,8 +20,8 @@ struct ShortcutProperties {
   bool operator==(const ShortcutProperties&) const = default;
 };
 
-/// The properties as a JSON object, in the order of the structure.
-Event toJson(const ShortcutProperties& properties);
+/// The properties by their names, in the order of the structure.
+Value told(const ShortcutProperties& properties);
 
 /// The bytes of a shortcut's file: a shell link with its target in a LinkInfo structure and Unicode
 /// strings. The window style is kept as the link's show command.

@@ -192,7 +192,7 @@ OpenHandles SimulatedMachine::openHandles() const {
 
 // ---- the state as a whole
 
-nlohmann::ordered_json SimulatedMachine::state() const { return stateReport(state_->machine); }
+Value SimulatedMachine::state() const { return stateReport(state_->machine); }
 
 void SimulatedMachine::exportDrive(char16_t letter, const std::filesystem::path& folder) const {
   disks().exportDrive(letter, folder);

@@ -103,7 +103,7 @@ class SimulatedMachine {
 
   /// Files (with size, SHA-256, attributes, and text where it is short and plain), registry and
   /// shortcuts as one JSON object, equal for equal states.
-  nlohmann::ordered_json state() const;
+  Value state() const;
   /// Lays a drive out as real files in a folder of the host.
   void exportDrive(char16_t letter, const std::filesystem::path& folder) const;
   /// Writes the registry in the format that registry editors import: UTF-16 with a byte order mark.

@@ -35,7 +35,7 @@ std::string hexDigits(const std::vector<std::uint8_t>& bytes) {
 
 }  // namespace
 
-Event toJson(const RegistryValue& value) {
+Value told(const RegistryValue& value) {
   if (value.isText()) return toUtf8(value.text());
   if (value.type == registry_type::number && value.bytes.size() == 4) return value.number();
   return hexDigits(value.bytes);
@@ -241,7 +241,7 @@ void SimulatedRegistry::tell(std::string_view op, const Key& key, SystemError er
   if (name != nullptr) event["name"] = toUtf8(*name);
   if (value != nullptr) {
     event["type"] = value->type;
-    event["value"] = toJson(*value);
+    event["value"] = told(*value);
   }
   event["error"] = error;
   machine_.transcript.add(std::move(event));

@@ -63,6 +63,6 @@ class SimulatedRegistry final : public RegistryApi {
 
 /// A value as the transcript and the state show it: its text, its number, or its bytes in
 /// hexadecimal.
-Event toJson(const RegistryValue& value);
+Value told(const RegistryValue& value);
 
 }  // namespace zev::simulated

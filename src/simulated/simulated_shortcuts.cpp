@@ -93,7 +93,7 @@ class SimulatedShortcut final : public Shortcut {
     machine_.shortcuts[key_] = properties_;
     if (!machine_.transcript.wants("shortcut")) return;
     machine_.transcript.add(
-        {{"event", "shortcut"}, {"path", toUtf8(path_)}, {"properties", toJson(properties_)}});
+        {{"event", "shortcut"}, {"path", toUtf8(path_)}, {"properties", told(properties_)}});
   }
 
  private:
@@ -146,7 +146,7 @@ class SimulatedWScriptShell final : public WScriptShell {
 
 }  // namespace
 
-Event toJson(const ShortcutProperties& properties) {
+Value told(const ShortcutProperties& properties) {
   return {{"TargetPath", toUtf8(properties.TargetPath)},
           {"Arguments", toUtf8(properties.Arguments)},
           {"WindowStyle", properties.WindowStyle},

@@ -114,8 +114,6 @@ void exportRegistry(const RegistryTree& registry, const std::filesystem::path& f
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 constexpr std::uint64_t longestText = 4096;
 
 struct AttributeRow {
@@ -135,16 +133,16 @@ bool isPlain(const std::vector<std::uint8_t>& bytes) {
   });
 }
 
-Json attributesOf(const DirectoryEntry& entry) {
-  Json names = Json::array();
+Value attributesOf(const DirectoryEntry& entry) {
+  Value names = Value::list();
   for (const AttributeRow& row : attributeRows) {
     if ((entry.attributes & row.attribute) != 0) names.push_back(row.name);
   }
   return names;
 }
 
-Json describe(const Disks& disks, const Text& path, const DirectoryEntry& entry) {
-  Json described;
+Value describe(const Disks& disks, const Text& path, const DirectoryEntry& entry) {
+  Value described;
   if (const auto target = disks.link(path)) described["link"] = toUtf8(*target);
   if ((entry.attributes & file_attribute::directory) != 0) {
     described["directory"] = true;
@@ -154,13 +152,13 @@ Json describe(const Disks& disks, const Text& path, const DirectoryEntry& entry)
     const auto bytes = entry.size <= longestText ? disks.read(path) : std::nullopt;
     if (bytes && isPlain(*bytes)) described["text"] = std::string(bytes->begin(), bytes->end());
   }
-  if (Json attributes = attributesOf(entry); !attributes.empty()) {
+  if (Value attributes = attributesOf(entry); !attributes.empty()) {
     described["attributes"] = std::move(attributes);
   }
   return described;
 }
 
-void addFiles(Json& files, const Disks& disks, const Path& directory) {
+void addFiles(Value& files, const Disks& disks, const Path& directory) {
   const auto names = disks.names(directory.text());
   if (!names) return;
   for (const Text& name : *names) {
@@ -172,20 +170,20 @@ void addFiles(Json& files, const Disks& disks, const Path& directory) {
   }
 }
 
-void addKeys(Json& keys, const RegistryNode& node, const Text& path) {
+void addKeys(Value& keys, const RegistryNode& node, const Text& path) {
   for (const auto& [upper, child] : node.keys) {
     const Text key = path.empty() ? child->name : join(path, u"\\", child->name);
-    Json values = Json::object();
+    Value values = Value::members();
     for (const auto& [name, named] : child->values) {
-      values[toUtf8(named.name)] = {{"type", named.value.type}, {"value", toJson(named.value)}};
+      values[toUtf8(named.name)] = {{"type", named.value.type}, {"value", told(named.value)}};
     }
     keys[toUtf8(key)] = std::move(values);
     addKeys(keys, *child, key);
   }
 }
 
-Json toJson(const std::vector<Start>& starts, const char* what) {
-  Json all = Json::array();
+Value told(const std::vector<Start>& starts, const char* what) {
+  Value all = Value::list();
   for (const Start& each : starts) {
     all.push_back(
         {{what, toUtf8(each.what)}, {"style", each.style}, {"directory", toUtf8(each.directory)}});
@@ -195,29 +193,29 @@ Json toJson(const std::vector<Start>& starts, const char* what) {
 
 }  // namespace
 
-Json stateReport(const MachineState& machine) {
-  Json drives = Json::object();
-  Json files = Json::object();
+Value stateReport(const MachineState& machine) {
+  Value drives = Value::members();
+  Value files = Value::members();
   for (const char16_t letter : machine.disks.letters()) {
     const DriveSettings settings = *machine.disks.drive(letter);
     drives[toUtf8(TextView(&letter, 1))] = {{"type", settings.type}, {"free", settings.free}};
     addFiles(files, machine.disks, Path{letter, {}, false});
   }
-  Json registry = Json::object();
+  Value registry = Value::members();
   for (const RegistryKey hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE}) {
-    Json& keys = registry[toUtf8(hiveName(hive))] = Json::object();
+    Value& keys = registry[toUtf8(hiveName(hive))] = Value::members();
     addKeys(keys, *machine.registry.find(hive, {}), {});
   }
-  Json shortcuts = Json::object();
+  Value shortcuts = Value::members();
   for (const auto& [path, properties] : machine.shortcuts) {
-    if (machine.disks.exists(path)) shortcuts[toUtf8(path)] = toJson(properties);
+    if (machine.disks.exists(path)) shortcuts[toUtf8(path)] = told(properties);
   }
   return {{"drives", std::move(drives)},
           {"files", std::move(files)},
           {"registry", std::move(registry)},
           {"shortcuts", std::move(shortcuts)},
-          {"started", toJson(machine.happened.started, "command")},
-          {"opened", toJson(machine.happened.opened, "path")}};
+          {"started", told(machine.happened.started, "command")},
+          {"opened", told(machine.happened.opened, "path")}};
 }
 
 }  // namespace zev::simulated

@@ -15,7 +15,7 @@ Text registryEditorText(const RegistryTree& registry);
 /// std::runtime_error if the file cannot be written.
 void exportRegistry(const RegistryTree& registry, const std::filesystem::path& file);
 
-/// The state of a machine as one JSON object, equal for equal states:
+/// The state of a machine by members, equal for equal states:
 ///
 ///   drives      letter: {type, free}
 ///   files       path: {directory: true} or {size, sha256} and text where it is short and plain
@@ -24,6 +24,6 @@ void exportRegistry(const RegistryTree& registry, const std::filesystem::path& f
 ///   registry    hive: key: value name: {type, value}; keys of HKEY_CLASSES_ROOT stand under
 ///               HKEY_LOCAL_MACHINE\Software\Classes
 ///   shortcuts   path: properties
-nlohmann::ordered_json stateReport(const MachineState& machine);
+Value stateReport(const MachineState& machine);
 
 }  // namespace zev::simulated

@@ -24,7 +24,7 @@ bool onDemandOnly(std::string_view kind) { return kind == "call" || kind == "ref
 
 void CallEvents::called(const observed::Operation& operation, observed::Arguments arguments,
                         const observed::Outcome& outcome) {
-  Event list = Event::array();
+  Event list = Event::list();
   for (const observed::Argument& each : arguments) list.push_back(std::visit(Written(), each));
   transcript_.add({{"event", "call"},
                    {"name", operation.name},

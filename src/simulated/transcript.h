@@ -1,15 +1,15 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string_view>
 #include <vector>
 
 #include "observed/instrumentation.h"
+#include "simulated/value.h"
 
 namespace zev::simulated {
 
-/// One event of a run: an object whose first member `event` names its kind.
-using Event = nlohmann::ordered_json;
+/// One event of a run: members, of which the first, `event`, names its kind.
+using Event = Value;
 
 /// Whether a kind of event is written only where it is asked for by name, since a run has
 /// thousands.

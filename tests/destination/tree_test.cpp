@@ -103,7 +103,7 @@ class AtFirstCall final : public simulated::Transcript {
       : name_(std::move(name)), argument_(std::move(argument)) {}
   bool wants(std::string_view kind) const override { return kind == "call"; }
   void add(simulated::Event event) override {
-    if (!action || event["name"] != name_ || event["arguments"][0] != argument_) return;
+    if (!action || event["name"] != name_ || event["arguments"].at(0) != argument_) return;
     std::exchange(action, nullptr)();
   }
   std::function<void()> action;

@@ -35,8 +35,8 @@ class ExtractFileTest : public OnAMachine, public testing::Test {
     std::vector<std::string> files;
     for (const simulated::Event& call : transcript.of("call")) {
       const simulated::Event& arguments = call["arguments"];
-      if (call["name"] == "OpenBinary") opened[arguments[0]] = arguments[1];
-      if (call["name"] == "Close") files.push_back(opened[arguments[0]]);
+      if (call["name"] == "OpenBinary") opened[arguments[0].get<int>()] = arguments[1].text();
+      if (call["name"] == "Close") files.push_back(opened[arguments[0].get<int>()]);
     }
     return files;
   }
@@ -114,7 +114,7 @@ TEST_F(ExtractFileTest, CountsBackFromTheTableThatSigningLeaves) {
 TEST_F(ExtractFileTest, LooksForTheTableWithoutAStatement) {
   EXPECT_TRUE(extract(3, 0));
   std::vector<std::string> calls;
-  for (const simulated::Event& call : transcript.of("call")) calls.push_back(call["name"]);
+  for (const simulated::Event& call : transcript.of("call")) calls.push_back(call["name"].text());
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "OpenBinary"), 2);
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "LOF"), 1);
   EXPECT_EQ(std::count(calls.begin(), calls.end(), "Get"), 1);

@@ -52,7 +52,7 @@ class Gallery {
   void take(const std::string& file, const std::vector<Event>& events) {
     std::map<std::string, std::size_t> counts;
     for (std::size_t place = 0; place < events.size(); ++place) {
-      const std::string kind = events[place]["event"];
+      const std::string kind = events[place]["event"].text();
       if (kind == "box") takeBox(file, events, place, counts);
       if (kind == "input") takeInput(file, events[place]);
     }
@@ -61,7 +61,7 @@ class Gallery {
   void takeBox(const std::string& file, const std::vector<Event>& events, std::size_t place,
                std::map<std::string, std::size_t>& counts) {
     const Event& event = events[place];
-    const ToldBox box = {event["text"], event["title"], event["style"]};
+    const ToldBox box = shownBox(event);
     const std::string elsewhere = shownByBrowser(events, place) ? " in validate" : " in browser";
     const std::size_t nth = ++counts[event.dump()];
     ++boxes;
@@ -83,8 +83,8 @@ class Gallery {
   void takeInput(const std::string& file, const Event& event) {
     for (const int language : languages) {
       for (const BoxPattern& each : inputPatterns()) {
-        if (!each.text.match(event["prompt"], language)) continue;
-        if (each.title.match(event["title"], language)) {
+        if (!each.text.match(event["prompt"].text(), language)) continue;
+        if (each.title.match(event["title"].text(), language)) {
           shown.emplace(each.name, file);
           return;
         }

@@ -42,9 +42,10 @@ constexpr StatusRow statusRows[] = {
 class Tracer {
  public:
   void take(const Event& event) {
-    const std::string kind = event["event"];
+    const std::string kind = event["event"].text();
     if (kind == "step" && event["step"].contains("click")) takeClick();
-    if (kind == "set") takeProperty(event["control"], event["property"], event["value"]);
+    if (kind == "set")
+      takeProperty(event["control"].text(), event["property"].text(), event["value"]);
     if (kind == "call") takeCall(event);
     ++place_;
   }
@@ -60,8 +61,8 @@ class Tracer {
 
   void takeProperty(const std::string& control, const std::string& property, const Event& value) {
     if (property != "Caption") return;
-    if (control == "Form1.Label11") takeStatus(value);
-    if (control == "Form1.Label12") takeFile(value);
+    if (control == "Form1.Label11") takeStatus(value.text());
+    if (control == "Form1.Label12") takeFile(value.text());
     if (control == "Form1.Label8") takeTick();
   }
 
@@ -97,7 +98,7 @@ class Tracer {
 
   void takeCall(const Event& event) {
     Call call;
-    call.operation = event["name"];
+    call.operation = event["name"].text();
     call.nth = ++counts_[call.operation];
     // A text that is put counts as a Put, too.
     if (call.operation == "PutText") ++counts_["Put"];
@@ -115,8 +116,8 @@ class Tracer {
   void takeArguments(const Event& arguments, const Event& result, Call& call) {
     std::vector<int> numbers;
     for (const Event& each : arguments) {
-      if (each.is_string() && call.path.empty()) call.path = each;
-      if (each.is_number_integer()) numbers.push_back(each.get<int>());
+      if (each.isText() && call.path.empty()) call.path = each.text();
+      if (each.isNumber()) numbers.push_back(each.get<int>());
     }
     if (!numbers.empty()) call.number = numbers.back();
     const std::string& name = call.operation;
@@ -154,12 +155,12 @@ std::string nextValue(const std::vector<Event>& events, std::size_t place) {
   for (; place < events.size(); ++place) {
     const Event& each = events[place];
     if (each["event"] != "registry" || each["op"] != "set") continue;
-    std::string key = each["hive"].get<std::string>() + "\\" + each["key"].get<std::string>();
+    std::string key = each["hive"].text() + "\\" + each["key"].text();
     const std::string classes = "HKEY_CLASSES_ROOT";
     if (key.starts_with(classes)) {
       key = "HKEY_LOCAL_MACHINE\\Software\\Classes" + key.substr(classes.size());
     }
-    return key + "|" + each["name"].get<std::string>();
+    return key + "|" + each["name"].text();
   }
   return {};
 }

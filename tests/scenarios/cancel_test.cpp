@@ -32,8 +32,8 @@ std::vector<Event> behindTheBox(const WholeRun& run) {
 
 bool writesSomething(const Event& event) {
   static const std::set<std::string> cleaning = {"delete", "rmdir"};
-  const std::string kind = event["event"];
-  if (kind == "file") return !cleaning.contains(event["op"].get<std::string>());
+  const std::string kind = event["event"].text();
+  if (kind == "file") return !cleaning.contains(event["op"].text());
   return kind == "registry" || kind == "shortcut" || kind == "shell";
 }
 
@@ -77,10 +77,10 @@ TEST(CancelInTheRun, RefusedAtEveryPassChangesNothing) {
 std::vector<std::string> cleanUp(const WholeRun& run) {
   std::vector<std::string> told;
   for (const Event& event : run.events()) {
-    const std::string kind = event["event"];
+    const std::string kind = event["event"].text();
     const bool status = kind == "set" && event["control"] == "Form1.Label11";
-    if (status && event["value"] != "") told.push_back(event["value"]);
-    if (kind == "refresh") told.push_back("refresh " + event["control"].get<std::string>());
+    if (status && event["value"] != "") told.push_back(event["value"].text());
+    if (kind == "refresh") told.push_back("refresh " + event["control"].text());
     if (kind == "call" && event["name"] == "Kill") told.push_back("Kill");
   }
   return told;

@@ -9,6 +9,7 @@
 #include "scenarios/box_patterns.h"
 #include "scenarios/sanitized.h"
 #include "scenarios/scenario_files.h"
+#include "simulated/value_json.h"
 
 namespace zev {
 namespace {
@@ -204,14 +205,14 @@ class Comparison {
 
  private:
   bool isLanguageStep(const Event& event) const {
-    return event["event"] == "step" && event["step"] == languageStep(chosen_);
+    return event["event"] == "step" && event["step"] == simulated::fromJson(languageStep(chosen_));
   }
 
   /// A dialog that is opened anew is localised control by control, which English leaves out.
   bool localises(const Event& event) const {
     if (language_ == 0 || event["event"] != "set") return false;
-    const std::string control = event["control"];
-    const std::string property = event["property"];
+    const std::string control = event["control"].text();
+    const std::string property = event["property"].text();
     const bool inDialog = control.starts_with("Form2.") || control.starts_with("Form3.");
     const bool text = property == "Caption" || property == "ToolTipText";
     return inDialog && text && !isNext(control, property);
@@ -225,14 +226,18 @@ class Comparison {
   }
 
   std::string compare(const Event& english, const Event& other) {
-    const std::string kind = english["event"];
+    const std::string kind = english["event"].text();
     if (kind == "box" && other["event"] == "box") return compareBox(english, other);
     Event expected = english;
-    if (kind == "set" && showsPhrases(propertyOf(english)) && english["value"].is_string()) {
-      expected["value"] = captionIn(language_, english["value"]);
+    if (kind == "set" && showsPhrases(propertyOf(english)) && english["value"].isText()) {
+      expected["value"] = captionIn(language_, english["value"].text());
     }
     if (kind == "input") expectInput(expected);
-    if (kind == "step") stepIn(chosen_, expected["step"]);
+    if (kind == "step") {
+      Json step = toJson(expected["step"]);
+      stepIn(chosen_, step);
+      expected["step"] = simulated::fromJson(step);
+    }
     if (kind == "step" && expected["step"].contains("at")) return {};  // holds steps of its own
     return expected == other ? "" : "expected " + expected.dump() + "\n   found " + other.dump();
   }
@@ -243,7 +248,7 @@ class Comparison {
 
   void expectInput(Event& event) const {
     for (const BoxPattern& each : inputPatterns()) {
-      const auto variables = each.text.match(event["prompt"], 0);
+      const auto variables = each.text.match(event["prompt"].text(), 0);
       if (!variables) continue;
       event["prompt"] = each.text.in(language_, *variables);
       event["title"] = each.title.in(language_, {});
@@ -253,8 +258,8 @@ class Comparison {
   /// Boxes of the same English words may be translated in other pieces: those of a drive depend on
   /// who shows them.
   std::string compareBox(const Event& english, const Event& other) {
-    const ToldBox box = {english["text"], english["title"], english["style"]};
-    const ToldBox found = {other["text"], other["title"], other["style"]};
+    const ToldBox box = shownBox(english);
+    const ToldBox found = shownBox(other);
     const bool browser = shownByBrowser(english_.events, place_);
     std::string wanted;
     for (const BoxPattern* each : patternsOf(box, 0)) {

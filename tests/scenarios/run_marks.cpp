@@ -42,10 +42,10 @@ scenario::Scenario scenarioOn(const RunMachine& machine, const Strike& strike) {
 
 /// Whether an event is the writing that a mark tells.
 bool isWriting(const Event& event, const Mark& mark) {
-  return event["event"] == "set" && event["value"].is_string() &&
-         event["control"].get<std::string>() + "." + event["property"].get<std::string>() ==
+  return event["event"] == "set" && event["value"].isText() &&
+         event["control"].text() + "." + event["property"].text() ==
              std::string("Form1.") + mark.about &&
-         event["value"].get<std::string>().starts_with(mark.text);
+         event["value"].text().starts_with(mark.text);
 }
 
 bool isCall(const Call& call, const Mark& mark) {
@@ -108,7 +108,7 @@ std::int32_t WatchedRun::toldStep() const {
   const std::string front = "Error occured during installing. Error No.";
   const std::string behind = "-" + permissionDenied + ": Permission denied";
   for (const Event& box : log_.of("box")) {
-    const std::string text = box["text"];
+    const std::string text = box["text"].text();
     if (text.starts_with(front) && text.ends_with(behind)) {
       return std::stoi(text.substr(front.size()));
     }

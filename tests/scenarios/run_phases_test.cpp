@@ -101,8 +101,8 @@ std::vector<Item> itemsOf(const WatchedRun& run) {
   for (std::size_t place = 0; place < run.events().size(); ++place) {
     const Event& event = run.events()[place];
     if (event["event"] == "set" && event["property"] == "Caption") {
-      const std::string control = event["control"];
-      const std::string value = event["value"];
+      const std::string control = event["control"].text();
+      const std::string value = event["value"].text();
       if (control == "Form1.Label8") items.push_back({"tick", tickOf(value)});
       if (control == "Form1.Label11" || control == "Form1.Label12") {
         items.push_back({control.substr(std::string("Form1.").size()), 0, value});

@@ -18,8 +18,7 @@ std::vector<std::string> written(const WholeRun& run, const std::string& control
   std::vector<std::string> values;
   for (const simulated::Event& event : run.events("set")) {
     if (event["control"] == "Form1." + control && event["property"] == property) {
-      values.push_back(event["value"].is_string() ? event["value"].get<std::string>()
-                                                  : event["value"].dump());
+      values.push_back(event["value"].isText() ? event["value"].text() : event["value"].dump());
     }
   }
   return values;
@@ -70,10 +69,10 @@ TEST(RunScreen, NamesEachMemberPackedAndThenInItsTarget) {
 
 /// "set Label11", "refresh Label11", "call DoEvents": what an event did, without values.
 std::string deed(const simulated::Event& event) {
-  const std::string kind = event["event"];
-  if (kind == "call") return "call " + event["name"].get<std::string>();
+  const std::string kind = event["event"].text();
+  if (kind == "call") return "call " + event["name"].text();
   if (!event.contains("control")) return kind;
-  const std::string control = event["control"];
+  const std::string control = event["control"].text();
   return kind + " " + control.substr(control.find('.') + 1);
 }
 

@@ -8,6 +8,7 @@
 #include "scenario/common_names.h"
 #include "scenario/written_out.h"
 #include "simulated/put_text.h"
+#include "simulated/value_json.h"
 
 namespace zev {
 namespace {
@@ -105,7 +106,7 @@ Json stateOf(simulated::SimulatedMachine& machine) {
     const bool onHost = machine.disks().drive(letter)->host.has_value();
     if (!onHost) shrinkFiles(machine.disks(), Text{letter} + u":\\");
   }
-  return machine.state();
+  return toJson(machine.state());
 }
 
 void playInto(PlayedStory& story, const Json& document, const std::string& file) {

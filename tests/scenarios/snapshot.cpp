@@ -40,7 +40,7 @@ class Collector {
     line = std::to_string(entry->attributes) + " ";
     if ((entry->attributes & file_attribute::directory) != 0) return addFolder(path);
     if (const auto link = machine_.shortcut(path)) {
-      line += toJson(*link).dump();
+      line += told(*link).dump();
     } else {
       const bool whole = entry->size <= most_;
       const auto shown = static_cast<std::size_t>(whole ? entry->size : std::min(most_, beginning));

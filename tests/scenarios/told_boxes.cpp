@@ -75,11 +75,13 @@ ToldBox driveBox(int type, const std::string& root) {
   throw std::out_of_range("no drive of type " + std::to_string(type));
 }
 
+ToldBox shownBox(const simulated::Event& box) {
+  return {box["text"].text(), box["title"].text(), box["style"].get<int>()};
+}
+
 std::vector<ToldBox> shownBoxes(const std::vector<simulated::Event>& boxes) {
   std::vector<ToldBox> shown;
-  for (const simulated::Event& each : boxes) {
-    shown.push_back({each["text"], each["title"], each["style"]});
-  }
+  for (const simulated::Event& each : boxes) shown.push_back(shownBox(each));
   return shown;
 }
 

@@ -39,6 +39,8 @@ ToldBox copyBox(int value, const std::string& source);
 /// The box of a drive that the check of the destination refuses (drive_types.tsv).
 ToldBox driveBox(int type, const std::string& root);
 
+/// A message box as a transcript tells of it.
+ToldBox shownBox(const simulated::Event& box);
 /// The message boxes of a transcript, in order.
 std::vector<ToldBox> shownBoxes(const std::vector<simulated::Event>& boxes);
 

@@ -73,7 +73,7 @@ TEST_F(ExportTest, TheStateHoldsFilesRegistryAndShortcuts) {
                       {.content = ZeroBytes{2}, .attributes = file_attribute::hidden});
   machine.registry().setValue(HKEY_CURRENT_USER, u"K", u"n", RegistryValue::ofNumber(5));
   platform().shortcuts.CreateObject()->CreateShortcut(u"C:\\a.lnk")->Save();
-  const nlohmann::ordered_json state = machine.state();
+  const Value state = machine.state();
   EXPECT_EQ(
       state["files"]["C:\\a.txt"].dump(),
       R"({"size":5,"sha256":"552bab6864c7a7b69a502ed1854b9245c0e1a30f008aaa0b281da62585fdb025",)"
@@ -94,7 +94,7 @@ TEST_F(ExportTest, TheStateTellsWhatWasStartedAndOpened) {
   platform().processes.ShellExecuteA(0, u"open", u"C:\\Windows", u"", u"C:", 1);
   platform().processes.ShellExecuteA(0, u"open", u"C:\\none", u"", u"C:", 1);
   machine.startProgram();
-  const nlohmann::ordered_json state = machine.state();
+  const Value state = machine.state();
   EXPECT_EQ(state["started"].dump(),
             R"([{"command":"C:\\p.exe /a","style":2,"directory":"C:\\Users\\bob\\Downloads"}])");
   EXPECT_EQ(state["opened"].dump(), R"([{"path":"C:\\Windows","style":1,"directory":"C:"}])");

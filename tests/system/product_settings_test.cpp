@@ -42,7 +42,7 @@ class MachineWithSettings : public WatchedMachine {
     std::vector<std::string> names;
     for (const simulated::Event& event : transcript.of("call")) {
       if (event.at("name") != "RegQueryValueExA") continue;
-      const std::string name = event.at("arguments").at(1);
+      const std::string name = event.at("arguments").at(1).text();
       if (names.empty() || names.back() != name) names.push_back(name);
     }
     return names;
@@ -53,8 +53,8 @@ class MachineWithSettings : public WatchedMachine {
     std::vector<std::string> names;
     for (const simulated::Event& event : transcript.of("call")) {
       const auto& arguments = event.at("arguments");
-      if (event.at("name") == "RegSetValueExA") names.push_back(arguments.at(1));
-      if (event.at("name") == "OpenOutput") names.push_back(arguments.at(1));
+      if (event.at("name") == "RegSetValueExA") names.push_back(arguments.at(1).text());
+      if (event.at("name") == "OpenOutput") names.push_back(arguments.at(1).text());
     }
     return names;
   }

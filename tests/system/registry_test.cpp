@@ -80,7 +80,8 @@ class ValueFileStore : public OnAMachine, public testing::Test {
   std::vector<std::string> attributeCalls() const {
     std::vector<std::string> paths;
     for (const simulated::Event& call : transcript.of("call")) {
-      if (call.at("name") == "SetFileAttributesA") paths.push_back(call.at("arguments").at(0));
+      if (call.at("name") == "SetFileAttributesA")
+        paths.push_back(call.at("arguments").at(0).text());
     }
     return paths;
   }

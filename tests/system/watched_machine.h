@@ -22,7 +22,7 @@ class LoggedReport final : public RunReport {
   void add(const char* name, simulated::Event argument) {
     transcript_.add({{"event", "call"},
                      {"name", name},
-                     {"arguments", simulated::Event::array({std::move(argument)})}});
+                     {"arguments", simulated::Event::list({std::move(argument)})}});
   }
   simulated::Transcript& transcript_;
 };
@@ -40,7 +40,7 @@ class WatchedMachine : public OnAMachine {
   std::vector<std::string> trace(const std::set<std::string>& names) const {
     std::vector<std::string> lines;
     for (const simulated::Event& event : transcript.of("call")) {
-      if (names.count(event.at("name")) == 1) lines.push_back(asLine(event));
+      if (names.count(event.at("name").text()) == 1) lines.push_back(asLine(event));
     }
     return lines;
   }
@@ -65,14 +65,14 @@ class WatchedMachine : public OnAMachine {
 
  private:
   static std::string asLine(const simulated::Event& event) {
-    std::string text = event.at("name");
+    std::string text = event.at("name").text();
     const bool hasHandle = text == "RegSetValueExA";
     bool first = true;
     for (const simulated::Event& each : event.at("arguments")) {
       const bool skipped = first && hasHandle;
       first = false;
       if (skipped) continue;
-      text += " | " + (each.is_string() ? each.get<std::string>() : each.dump());
+      text += " | " + (each.isText() ? each.text() : each.dump());
     }
     return text;
   }

@@ -225,14 +225,15 @@ class StageRecorder : public OnAMachine {
 
   std::function<void(std::int32_t)> record() {
     return [this](std::int32_t stage) {
-      transcript.add({{"event", "call"}, {"name", "stage"}, {"arguments", {stage}}});
+      transcript.add(
+          {{"event", "call"}, {"name", "stage"}, {"arguments", simulated::Event::list({stage})}});
     };
   }
   /// The stages as "stage 5", and the calls of these names.
   Lines trace(const std::set<std::string>& names) const {
     Lines lines;
     for (const simulated::Event& event : transcript.of("call")) {
-      const std::string name = event.at("name");
+      const std::string name = event.at("name").text();
       if (name == "stage") {
         lines.push_back(name + " " + event.at("arguments").at(0).dump());
       } else if (names.count(name) == 1) {

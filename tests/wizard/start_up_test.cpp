@@ -68,7 +68,7 @@ class StartUp : public testing::Test {
   std::vector<std::string> calls(const std::set<std::string>& names) const {
     std::vector<std::string> found;
     for (const simulated::Event& each : transcript.of("call")) {
-      if (names.contains(each["name"])) found.push_back(each["name"]);
+      if (names.contains(each["name"].text())) found.push_back(each["name"].text());
     }
     return found;
   }

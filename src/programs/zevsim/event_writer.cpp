@@ -8,7 +8,7 @@ using simulated::Event;
 /// The kinds that a summary is made of.
 constexpr std::string_view counted[] = {"file", "registry", "box"};
 
-bool succeeded(const Event& event) { return event.value("error", 0) == 0; }
+bool succeeded(const Event& event) { return !event.contains("error") || event["error"] == 0; }
 
 }  // namespace
 
@@ -37,16 +37,16 @@ bool EventWriter::wants(std::string_view kind) const {
 }
 
 void EventWriter::add(Event event) {
-  const std::string& kind = event.at("event").get_ref<const std::string&>();
+  const std::string& kind = event.at("event").text();
   count(kind, event);
-  if (selects(kind)) *out_ << event.dump(-1, ' ', false, Event::error_handler_t::replace) << '\n';
+  if (selects(kind)) *out_ << event.dump() << '\n';
 }
 
 void EventWriter::count(std::string_view kind, const Event& event) {
   if (kind == "box") ++tally_.boxes;
-  if (kind == "registry" && event.value("op", "") == "set" && succeeded(event)) ++tally_.settings;
-  if (kind == "file" && event.value("op", "") == "write") {
-    tally_.written.insert(upperCase(fromUtf8(event.value("path", ""))));
+  if (kind == "registry" && event["op"] == "set" && succeeded(event)) ++tally_.settings;
+  if (kind == "file" && event["op"] == "write") {
+    tally_.written.insert(upperCase(fromUtf8(event["path"].text())));
   }
 }
 

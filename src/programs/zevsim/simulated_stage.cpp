@@ -6,12 +6,14 @@
 #include "programs/zevsim/machine_setup.h"
 #include "programs/zevsim/meant.h"
 #include "scenario/expectation.h"
+#include "simulated/value_json.h"
 
 namespace zev::simulator {
 
 using scenario::FormControl;
 using scenario::Json;
 using scenario::Other;
+using simulated::fromJson;
 
 namespace {
 
@@ -69,7 +71,7 @@ std::optional<Json> listFact(const Component& component, TextView name) {
 
 Json shortcut(SimulatedStage& stage, std::string_view path) {
   const auto properties = stage.machine().shortcut(fromUtf8(path));
-  return properties ? simulated::toJson(*properties) : Json(nullptr);
+  return properties ? toJson(simulated::told(*properties)) : Json(nullptr);
 }
 
 Json calls(SimulatedStage& stage, std::string_view name) { return stage.machine().calls(name); }
@@ -127,21 +129,22 @@ class SimulatedStage::Teller final : public scenario::Audience {
   explicit Teller(simulated::Transcript& transcript) : transcript_(transcript) {}
 
   void stepBegins(const scenario::Step& step) override {
-    if (transcript_.wants("step")) transcript_.add({{"event", "step"}, {"step", step.source}});
+    if (transcript_.wants("step"))
+      transcript_.add({{"event", "step"}, {"step", fromJson(step.source)}});
   }
   void judged(const scenario::KeyedValue& expectation, const scenario::Verdict* verdict) override {
     if (!transcript_.wants("expect") || verdict == nullptr) return;
     transcript_.add({{"event", "expect"},
                      {"key", expectation.key},
                      {"held", verdict->held},
-                     {"expected", expectation.value},
-                     {"found", verdict->found}});
+                     {"expected", fromJson(expectation.value)},
+                     {"found", fromJson(verdict->found)}});
   }
   void ended(const Json& how) override {
     if (!transcript_.wants("end")) return;
-    simulated::Event event{{"event", "end"}, {"how", how.is_object() ? Json("error") : how}};
+    Json event{{"event", "end"}, {"how", how.is_object() ? Json("error") : how}};
     if (how.is_object()) event.update(how);
-    transcript_.add(std::move(event));
+    transcript_.add(fromJson(event));
   }
 
  private:

@@ -146,8 +146,7 @@ void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration
 void writeResults(const ZevsimOptions& options, SimulatedStage& stage) {
   if (options.state) {
     std::ofstream out = openForWriting(*options.state);
-    out << stage.machine().state().dump(2, ' ', false, scenario::Json::error_handler_t::replace)
-        << '\n';
+    out << stage.machine().state().dump(2) << '\n';
     requireFileWritten(out, options.state);
   }
   if (!options.exportFolder) return;
