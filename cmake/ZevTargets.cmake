@@ -24,10 +24,14 @@ endif()
 # Files of a target are compiled together, so many at once, and headers that many include are compiled
 # once. Names without a namespace of their own must then differ within a room. Off, each file is
 # compiled by itself, which shows that it includes what it needs.
-set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or TESTS, those of tests alone")
+set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or of TESTS, of JSON, or both")
 option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
 option(ZEV_HOT "Compile what a whole run spends its time in as code of the fast kind")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
+set(zev_few_units OFF)
+if(ZEV_FEW_UNITS STREQUAL "ON")
+  set(zev_few_units ON)
+endif()
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
 foreach(kind room fast json test)
   string(TOUPPER ${kind} upper)
@@ -49,7 +53,8 @@ set(zev_test_knows GTest::gtest GTest::gmock ${zev_json_knows})
 # include, precompiled once for the kind.
 function(zev_code name kind)
   target_compile_options(${name} PRIVATE ${zev_${kind}_flags})
-  if(NOT ZEV_FEW_UNITS OR (ZEV_FEW_UNITS STREQUAL "TESTS" AND NOT kind STREQUAL "test"))
+  string(TOUPPER "${kind}" names)
+  if(NOT zev_few_units AND NOT names IN_LIST ZEV_FEW_UNITS)
     return()
   endif()
   # What one file names for itself, another one in the same unit may name again within a function.
@@ -180,6 +185,9 @@ endfunction()
 
 # Tests are code of a kind too, in smaller units: what stands in their files is alike.
 function(zev_test_code name kind)
+  if(TESTS IN_LIST ZEV_FEW_UNITS)
+    set(zev_few_units ON)
+  endif()
   zev_code(${name} ${kind})
   set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE 8)
 endfunction()
@@ -246,7 +254,7 @@ endfunction()
 # A program of unit tests, each test known to CTest by itself if it can run where it is built. CTest
 # asks what they are when they are to be run. With a NETWORK each process has one of its own, with
 # nobody else on it. Cases that are IN_ALL, a filter, run in ./test all only; those that are ONCE, in one
-# build of all (LONG_CASES in tools/tester.py).
+# build of all (ONE_STAGE in tools/tester.py).
 function(zev_tests name)
   cmake_parse_arguments(TESTS "NETWORK;ALL_ONLY" "KIND;SHARDS;TIMEOUT;IN_ALL;ONCE"
     "SOURCES;CASES;KNOWS;ENVIRONMENT" KIND test ${ARGN})
@@ -283,7 +291,7 @@ function(zev_tests name)
     zev_suite(${name}_in_all ${shards} FILTER ${TESTS_IN_ALL} ${options})
   endif()
   if(TESTS_ONCE)
-    zev_suite(${name}_once ${core} FILTER ${TESTS_ONCE} ${options})
+    zev_suite(${name}_once ${core} ${shards} FILTER ${TESTS_ONCE} ${options})
   endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 600 ENVIRONMENT "${TESTS_ENVIRONMENT}")

@@ -492,7 +492,7 @@ class Tester:
                      else each.core or each.room not in with_core)]
         suites = [each for each in suites if each.kind != "gtest-room"]
         if self.everything:
-            return [each for each in suites if LONG_CASES.get(each.name, each.preset) == each.preset]
+            return [each for each in suites if ONE_STAGE.get(each.name, each.preset) == each.preset]
         suites = [each for each in suites if each.core]
         if stage.preset == "check":
             suites = [each for each in suites if each.room not in RUN_ROOMS]
@@ -517,7 +517,7 @@ class Tester:
         for suite in suites:
             if suite.kind == "gtest-room":
                 suite.kind = "gtest"
-            shards = suite.shards if cores() > 1 else 1
+            shards = min(suite.shards, 2 * cores()) if cores() > 1 else 1
             for shard in range(shards):
                 job = Job(suite, shard, shards)
                 cost = self.durations.get(job.key, 60 if suite.timeout > 300 else 5)
@@ -666,11 +666,14 @@ RUN_ROOMS = {"support", "sample", "zevpack", "scenario", "scenarios", "zevnet", 
 # Rooms that need the program for Windows.
 WINDOWS_ROOMS = {"windows", "win32", "attacks"}
 
-# Suites of long cases, each with the one stage that runs it. What they show of the whole does not depend
-# on how it was compiled, and what they run, shorter cases run under sanitizers: with them the whole runs
-# among them would take half an hour.
-LONG_CASES = {"whole_run_tests_in_all": "run", "whole_run_tests_once": "run",
-              "sample_making_tests_once": "run", "fuzz_tests_in_all": "check"}
+# Suites that one stage runs for all. What they show does not depend on how the stage compiles: they look
+# at sources, or compile by themselves; or they are long, and what they run, shorter cases run under
+# sanitizers.
+ONE_STAGE = {"whole_run_tests_in_all": "run", "whole_run_tests_once": "run",
+             "sample_making_tests_once": "run", "zevpack_sample_tests": "run", "Zevnet.LongRun": "run",
+             "fuzz_tests_in_all": "check", "socket_storm_tests": "check",
+             "Library.Configured": "check", "Library.Taken": "check", "Library.ForWindows": "check",
+             "House.EveryFileIsFormatted": "check", "House.EveryScenarioIsLaidOut": "check"}
 
 
 def known_rooms():
