@@ -26,6 +26,7 @@ endif()
 # compiled by itself, which shows that it includes what it needs.
 set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or of TESTS, of JSON, or both")
 option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
+option(ZEV_TESTS_OF_JSON "Precompile the JSON library for the tests, where most include it")
 option(ZEV_HOT "Compile what a whole run spends its time in as code of the fast kind")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
 set(zev_few_units OFF)
@@ -46,8 +47,12 @@ set(zev_common_headers
 # What code of a kind includes besides, precompiled with them, and the targets that these come from.
 set(zev_json_headers <nlohmann/json.hpp>)
 set(zev_json_knows nlohmann_json::nlohmann_json)
-set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h> ${zev_json_headers})
-set(zev_test_knows GTest::gtest GTest::gmock ${zev_json_knows})
+set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h>)
+set(zev_test_knows GTest::gtest GTest::gmock)
+if(ZEV_TESTS_OF_JSON)
+  list(APPEND zev_test_headers ${zev_json_headers})
+  list(APPEND zev_test_knows ${zev_json_knows})
+endif()
 
 # Compiles a target as all code of its kind is: the flags, files in units, and the headers that many
 # include, precompiled once for the kind.
