@@ -1,7 +1,6 @@
 #include "simulated/value.h"
 
 #include <algorithm>
-#include <ostream>
 #include <stdexcept>
 
 namespace zev::simulated {
@@ -152,7 +151,5 @@ bool Value::says(std::string_view text) const {
   const std::string* own = std::get_if<std::string>(&content_);
   return own != nullptr && *own == text;
 }
-
-std::ostream& operator<<(std::ostream& out, const Value& value) { return out << value.dump(); }
 
 }  // namespace zev::simulated

@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <iostream>
 
+#include "programs/zevsim/value_json.h"
 #include "scenarios/box_patterns.h"
 #include "scenarios/sanitized.h"
 #include "scenarios/scenario_files.h"
-#include "simulated/value_json.h"
 
 namespace zev {
 namespace {
@@ -205,7 +205,7 @@ class Comparison {
 
  private:
   bool isLanguageStep(const Event& event) const {
-    return event["event"] == "step" && event["step"] == simulated::fromJson(languageStep(chosen_));
+    return event["event"] == "step" && event["step"] == simulator::fromJson(languageStep(chosen_));
   }
 
   /// A dialog that is opened anew is localised control by control, which English leaves out.
@@ -234,9 +234,9 @@ class Comparison {
     }
     if (kind == "input") expectInput(expected);
     if (kind == "step") {
-      Json step = toJson(expected["step"]);
+      Json step = simulator::toJson(expected["step"]);
       stepIn(chosen_, step);
-      expected["step"] = simulated::fromJson(step);
+      expected["step"] = simulator::fromJson(step);
     }
     if (kind == "step" && expected["step"].contains("at")) return {};  // holds steps of its own
     return expected == other ? "" : "expected " + expected.dump() + "\n   found " + other.dump();

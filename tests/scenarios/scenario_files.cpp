@@ -5,10 +5,10 @@
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
+#include "programs/zevsim/value_json.h"
 #include "scenario/common_names.h"
 #include "scenario/written_out.h"
 #include "simulated/put_text.h"
-#include "simulated/value_json.h"
 
 namespace zev {
 namespace {
@@ -106,7 +106,7 @@ Json stateOf(simulated::SimulatedMachine& machine) {
     const bool onHost = machine.disks().drive(letter)->host.has_value();
     if (!onHost) shrinkFiles(machine.disks(), Text{letter} + u":\\");
   }
-  return toJson(machine.state());
+  return simulator::toJson(machine.state());
 }
 
 void playInto(PlayedStory& story, const Json& document, const std::string& file) {

@@ -5,15 +5,14 @@
 
 #include "programs/zevsim/machine_setup.h"
 #include "programs/zevsim/meant.h"
+#include "programs/zevsim/value_json.h"
 #include "scenario/expectation.h"
-#include "simulated/value_json.h"
 
 namespace zev::simulator {
 
 using scenario::FormControl;
 using scenario::Json;
 using scenario::Other;
-using simulated::fromJson;
 
 namespace {
 

@@ -1,11 +1,12 @@
-#include "simulated/value_json.h"
+#include "programs/zevsim/value_json.h"
 
 #include <nlohmann/json.hpp>
 
-namespace zev::simulated {
+namespace zev::simulator {
 namespace {
 
 using Json = nlohmann::ordered_json;
+using simulated::Value;
 
 struct Written {
   Json operator()(std::monostate) const { return nullptr; }
@@ -51,9 +52,4 @@ Value fromJson(const Json& json) {
   return json.is_number() ? Value(json.get<double>()) : Value();
 }
 
-/// What is no UTF-8 is written as U+FFFD.
-std::string Value::dump(int indent) const {
-  return toJson(*this).dump(indent, ' ', false, Json::error_handler_t::replace);
-}
-
-}  // namespace zev::simulated
+}  // namespace zev::simulator
