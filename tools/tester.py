@@ -548,7 +548,7 @@ class Tester:
             shards = min(suite.shards, 2 * cores()) if cores() > 1 else 1
             for shard in range(shards):
                 job = Job(suite, shard, shards)
-                cost = self.durations.get(job.key, 60 if suite.timeout > 300 else 5)
+                cost = self.durations.get(job.key, suite.timeout / 10)
                 with self.lock:
                     self.order += 1
                     self.jobs_left += 1
