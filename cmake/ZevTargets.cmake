@@ -58,8 +58,8 @@ endif()
 # include, precompiled once for the kind.
 function(zev_code name kind)
   target_compile_options(${name} PRIVATE ${zev_${kind}_flags})
-  string(TOUPPER "${kind}" names)
-  if(NOT zev_few_units AND NOT names IN_LIST ZEV_FEW_UNITS)
+  string(TOUPPER "${kind}" upper)
+  if(NOT zev_few_units AND NOT upper IN_LIST ZEV_FEW_UNITS)
     return()
   endif()
   # What one file names for itself, another one in the same unit may name again within a function.

@@ -135,8 +135,6 @@ const Value& Value::element(std::size_t place) const {
   return *(first + static_cast<std::ptrdiff_t>(place));
 }
 
-const Value& Value::back() const { return element(size() - 1); }
-
 void Value::push_back(Value value) {
   if (isNull()) content_.emplace<std::vector<Value>>();
   begin();

@@ -45,8 +45,6 @@ class Value {
   bool isNull() const;
   bool isText() const;
   bool isNumber() const;  ///< a whole one
-  bool isMembers() const;
-  bool isList() const;
 
   /// Values of a list or of members; nothing has none, anything else is one.
   std::size_t size() const;
@@ -80,11 +78,8 @@ class Value {
   }
   std::vector<Value>::const_iterator begin() const;
   std::vector<Value>::const_iterator end() const;
-  const Value& back() const;
   /// Adds to a list; nothing becomes one.
   void push_back(Value value);
-
-  const std::vector<Member>& allMembers() const;
 
   /// The value as JSON: on one line, or with members and elements on lines of their own, each level
   /// indented by so many blanks more.
@@ -123,7 +118,10 @@ class Value {
   Value(Exact, Whole number);
   bool equals(const Value& other) const;
   bool says(std::string_view text) const;
+  bool isMembers() const;
+  bool isList() const;
   std::uint64_t number() const;
+  const std::vector<Member>& allMembers() const;
   const Value& element(std::size_t place) const;
   const Value* find(std::string_view name) const;
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
 constexpr std::string_view escapes = "\"\\bfnrt";
-constexpr char hexDigits[] = "0123456789abcdef";
+constexpr char lowerDigits[] = "0123456789abcdef";
 
 bool isControl(char character) { return static_cast<unsigned char>(character) < ' '; }
 bool isAscii(char character) { return static_cast<unsigned char>(character) < 0x80; }
@@ -71,8 +71,8 @@ class Writer {
       out_ += escapes[place];
     } else if (isControl(character)) {
       out_ += "\\u00";
-      out_ += hexDigits[character >> 4];
-      out_ += hexDigits[character & 15];
+      out_ += lowerDigits[character >> 4];
+      out_ += lowerDigits[character & 15];
     } else {
       out_ += character;
     }
