@@ -43,6 +43,7 @@ const std::map<std::string, std::string> namespaces = {
     {"lz", "zev::lz"},
     {"observed", "zev::observed"},
     {"posix", "zev::posix"},
+    {"programs/command_line", "zev::command_line"},
     {"programs/zevdrive", "zev::drive"},
     {"programs/zevnet", "zev::netcat"},
     {"programs/zevpack", "zev::packing"},

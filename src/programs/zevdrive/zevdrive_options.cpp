@@ -1,6 +1,6 @@
 #include "programs/zevdrive/zevdrive_options.h"
 
-#include <CLI/CLI.hpp>
+#include "programs/command_line/command_line.h"
 
 namespace zev::drive {
 namespace {
@@ -16,39 +16,31 @@ const char* const statuses =
     "scenario\n"
     "cannot be played from outside.";
 
-using Path = std::filesystem::path;
+using command_line::CommandLine;
 
-CLI::Option* addFile(CLI::App& app, const char* name, const std::function<void(Path)>& take,
-                     const char* help) {
-  const auto taken = [take](const std::string& utf8) {
-    take(std::u8string(utf8.begin(), utf8.end()));
-  };
-  return app.add_option_function<std::string>(name, taken, help)->type_name("FILE");
+void addOptions(CommandLine& line, DriveOptions& options) {
+  line.file("SCENARIO", options.scenario, "The scenario, or a case of it: TABLE.json#CASE")
+      .required();
+  line.file("--program", options.program, "ZEVSetup.exe");
+  line.file("--transcript", options.transcript,
+            "Writes what can be seen from outside at rest, as JSON Lines; without it to standard "
+            "output");
+  line.option("--timeout", options.timeout, "How many seconds the whole play may take")
+      .within(shortest, longest, "")
+      .typeName("SECONDS")
+      .showsDefault();
+  line.flag("--prepare", options.prepare,
+            "First makes the files, the registry and the windows of other programs that the "
+            "scenario's machine has: ON THIS SYSTEM. Without --program that is all");
+  line.file("--save-registry", options.registry,
+            "A folder: saves the keys Software of machine and user in it at the end");
+  line.flag("--check", options.check, "Only tells whether the scenario can be played from outside");
 }
 
-void addOptions(CLI::App& app, DriveOptions& options) {
-  addFile(
-      app, "SCENARIO", [&](const Path& file) { options.scenario = file; },
-      "The scenario, or a case of it: TABLE.json#CASE")
-      ->required();
-  addFile(
-      app, "--program", [&](const Path& file) { options.program = file; }, "ZEVSetup.exe");
-  addFile(
-      app, "--transcript", [&](const Path& file) { options.transcript = file; },
-      "Writes what can be seen from outside at rest, as JSON Lines; without it to standard "
-      "output");
-  app.add_option("--timeout", options.timeout, "How many seconds the whole play may take")
-      ->check(CLI::Range(shortest, longest).description(""))
-      ->type_name("SECONDS")
-      ->capture_default_str();
-  app.add_flag("--prepare", options.prepare,
-               "First makes the files, the registry and the windows of other programs that the "
-               "scenario's machine has: ON THIS SYSTEM. Without --program that is all");
-  addFile(
-      app, "--save-registry", [&](const Path& folder) { options.registry = folder; },
-      "A folder: saves the keys Software of machine and user in it at the end");
-  app.add_flag("--check", options.check,
-               "Only tells whether the scenario can be played from outside");
+void requireSomethingToDo(const DriveOptions& options) {
+  if (!options.program && !options.prepare && !options.check) {
+    throw command_line::Missing("--program, --prepare or --check");
+  }
 }
 
 }  // namespace
@@ -56,16 +48,13 @@ void addOptions(CLI::App& app, DriveOptions& options) {
 std::optional<DriveOptions> readOptions(const std::vector<std::string>& arguments,
                                         std::ostream& out, std::ostream& err, int& status) {
   DriveOptions options;
-  CLI::App app(description, "zevdrive");
-  addOptions(app, options);
-  app.footer(statuses);
-  try {
-    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-    if (!options.program && !options.prepare && !options.check) {
-      throw CLI::RequiredError("--program, --prepare or --check");
-    }
-  } catch (const CLI::ParseError& error) {
-    const bool helped = app.exit(error, out, err) == 0;
+  CommandLine line("zevdrive", description);
+  addOptions(line, options);
+  line.footer(statuses);
+  line.then([&options] { requireSomethingToDo(options); });
+  const command_line::Outcome outcome = line.read(arguments, out, err);
+  if (outcome != command_line::Outcome::Taken) {
+    const bool helped = outcome == command_line::Outcome::Helped;
     status = helped ? exit_status::held : exit_status::unusable;
     return std::nullopt;
   }

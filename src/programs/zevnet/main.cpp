@@ -1,7 +1,7 @@
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <iostream>
 
+#include "programs/command_line/command_line.h"
 #include "programs/zevnet/zevnet.h"
 #if defined(_WIN32)
 #include "programs/zevnet/win32_terminal.h"
@@ -12,6 +12,7 @@
 namespace {
 
 using zev::netcat::Wishes;
+using namespace zev::command_line;
 
 // The system that this runs on.
 #if defined(_WIN32)
@@ -35,42 +36,39 @@ class NoBoxes final : public zev::Dialogs {
   zev::Text defaultTitle() override { return u"zevnet"; }
 };
 
-void addCommonOptions(CLI::App& command, Wishes& wishes) {
-  command.add_flag("--udp", wishes.udp, "Datagrams instead of a connection");
-  command.add_flag("--close", wishes.close,
-                   "Close once the whole input is sent and the peer, who is told so, has closed");
+void addCommonOptions(Command& command, Wishes& wishes) {
+  command.flag("--udp", wishes.udp, "Datagrams instead of a connection");
+  command.flag("--close", wishes.close,
+               "Close once the whole input is sent and the peer, who is told so, has closed");
+  command.option("--idle", wishes.idle, "End when nothing was sent or received for so many seconds")
+      .within(0.001, 86400.0);
   command
-      .add_option("--idle", wishes.idle,
-                  "End when nothing was sent or received for so many seconds")
-      ->check(CLI::Range(0.001, 86400.0));
-  command
-      .add_option("--timeout", wishes.timeout,
-                  "Give up a peer that does not answer, or with --close does not close, for so "
-                  "many seconds")
-      ->check(CLI::Range(0.001, 86400.0))
-      ->capture_default_str();
-  command.add_flag("--trace", wishes.trace, "Tell each step of the sockets on standard error");
+      .option("--timeout", wishes.timeout,
+              "Give up a peer that does not answer, or with --close does not close, for so many "
+              "seconds")
+      .within(0.001, 86400.0)
+      .showsDefault();
+  command.flag("--trace", wishes.trace, "Tell each step of the sockets on standard error");
 }
 
-void addCommands(CLI::App& app, Wishes& wishes) {
-  CLI::App& connect = *app.add_subcommand(
+void addConnect(CommandLine& line, Wishes& wishes) {
+  Command connect = line.command(
       "connect", "Connects to a host: standard input goes out, what comes to standard output");
-  connect.add_option("host", wishes.host, "Name or dotted address")->required();
-  connect.add_option("port", wishes.port, "Port of the host")
-      ->required()
-      ->check(CLI::Range(1, highestPort));
+  connect.option("host", wishes.host, "Name or dotted address").required();
+  connect.option("port", wishes.port, "Port of the host").required().within(1, highestPort);
   addCommonOptions(connect, wishes);
+}
 
-  CLI::App& listen =
-      *app.add_subcommand("listen", "Waits for a connection, or for datagrams, and does the same");
-  listen.add_option("port", wishes.port, "Port to listen on; 0 for any free one, which is told")
-      ->required()
-      ->check(CLI::Range(0, highestPort));
-  listen.add_option("--bind", wishes.address, "Address of this machine to listen on")
-      ->capture_default_str();
-  listen.add_flag("--keep", wishes.keep, "Take connections on and on, several at once too");
+void addListen(CommandLine& line, Wishes& wishes) {
+  Command listen =
+      line.command("listen", "Waits for a connection, or for datagrams, and does the same");
+  listen.option("port", wishes.port, "Port to listen on; 0 for any free one, which is told")
+      .required()
+      .within(0, highestPort);
+  listen.option("--bind", wishes.address, "Address of this machine to listen on").showsDefault();
+  listen.flag("--keep", wishes.keep, "Take connections on and on, several at once too");
   addCommonOptions(listen, wishes);
-  listen.callback([&wishes] { wishes.listen = true; });
+  listen.then([&wishes] { wishes.listen = true; });
 }
 
 /// The exit status behind the help.
@@ -92,18 +90,14 @@ int runOnThisMachine(const Wishes& wishes) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("zevnet connects standard input and output with the network.");
-  app.name("zevnet");
-  app.require_subcommand(0, 1);
+  CommandLine line("zevnet", "zevnet connects standard input and output with the network.");
   Wishes wishes;
-  addCommands(app, wishes);
+  addConnect(line, wishes);
+  addListen(line, wishes);
   try {
-    app.parse(argc, argv);
-    // Asked for here, a word that is no command has been named by then.
-    if (app.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
-    return runOnThisMachine(wishes);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? helpWritten() : wrongUse;
+    const Outcome outcome = line.read(wordsOf(argc, argv), std::cout, std::cerr);
+    if (outcome == Outcome::Taken) return runOnThisMachine(wishes);
+    return outcome == Outcome::Helped ? helpWritten() : wrongUse;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "zevnet: %s\n", error.what());
     return 1;

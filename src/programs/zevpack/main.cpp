@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -6,12 +5,14 @@
 #include <iostream>
 #include <new>
 
+#include "programs/command_line/command_line.h"
 #include "programs/zevpack/commands.h"
 #include "programs/zevpack/host_file.h"
 
 namespace {
 
 using namespace zev::packing;
+using namespace zev::command_line;
 
 constexpr int failed = 1;
 constexpr int wrongUse = 2;
@@ -35,10 +36,10 @@ std::optional<std::filesystem::path> given(const std::string& path) {
 
 Verification verification(const Arguments& a) {
   if (a.package.empty() && (a.installed.empty() || a.against.empty())) {
-    throw CLI::RequiredError("a package, or --installed and --against");
+    throw Missing("a package, or --installed and --against");
   }
   if (a.installed.empty() && !(a.system.empty() && a.projects.empty())) {
-    throw CLI::RequiredError("--installed beside --system and --projects");
+    throw Missing("--installed beside --system and --projects");
   }
   Verification wanted{given(a.package), given(a.against), std::nullopt, a.stored()};
   if (!a.installed.empty()) wanted.installed = {a.installed, given(a.system), given(a.projects)};
@@ -46,90 +47,87 @@ Verification verification(const Arguments& a) {
 }
 
 /// Adds a command that runs `work` and remembers its exit status.
-CLI::App* command(CLI::App& app, const char* name, const char* help, int& status,
-                  std::function<int()> work) {
-  CLI::App* added = app.add_subcommand(name, help);
-  added->callback([&status, work = std::move(work)] { status = work(); });
+Command command(CommandLine& line, const char* name, const char* help, int& status,
+                std::function<int()> work) {
+  Command added = line.command(name, help);
+  added.then([&status, work = std::move(work)] { status = work(); });
   return added;
 }
 
-void addPlainOk(CLI::App* c, Arguments& a) {
-  c->add_flag("--plain-ok", a.plainOk, "Members that are stored without compression are right");
+void addPlainOk(Command& c, Arguments& a) {
+  c.flag("--plain-ok", a.plainOk, "Members that are stored without compression are right");
 }
 
-void addBuild(CLI::App& app, Arguments& a, int& status) {
-  CLI::App* c =
-      command(app, "build", "Builds a package: the image with 56 members behind it", status,
+void addBuild(CommandLine& line, Arguments& a, int& status) {
+  Command c =
+      command(line, "build", "Builds a package: the image with 56 members behind it", status,
               [&a] { return build(a.image, a.members, a.output, a.stored(), a.forced()); });
-  c->add_option("--image", a.image, "The program's own image")->required();
-  c->add_option("--members", a.members,
-                "Folder of packed members under their packed names, or of plain files under their "
-                "installed names, which are compressed")
-      ->required();
-  c->add_option("--output", a.output, "The package to write")->required();
+  c.option("--image", a.image, "The program's own image").required();
+  c.option("--members", a.members,
+           "Folder of packed members under their packed names, or of plain files under their "
+           "installed names, which are compressed")
+      .required();
+  c.option("--output", a.output, "The package to write").required();
   addPlainOk(c, a);
-  c->add_flag("--force", a.force,
-              "Builds it although the image is no program without members, or a member of the "
-              "right size would not expand");
+  c.flag("--force", a.force,
+         "Builds it although the image is no program without members, or a member of the "
+         "right size would not expand");
 }
 
-void addList(CLI::App& app, Arguments& a, int& status) {
-  CLI::App* c =
-      command(app, "list", "Lists the members of a package; 1 if one is wrong", status, [&a] {
+void addList(CommandLine& line, Arguments& a, int& status) {
+  Command c =
+      command(line, "list", "Lists the members of a package; 1 if one is wrong", status, [&a] {
         return a.digests ? listDigests(a.package, a.stored()) : list(a.package, a.stored());
       });
-  c->add_option("package", a.package, "The package")->required();
-  c->add_flag("--digests", a.digests, "SHA-256 of each expanded member, for sha256sum -c");
+  c.option("package", a.package, "The package").required();
+  c.flag("--digests", a.digests, "SHA-256 of each expanded member, for sha256sum -c");
   addPlainOk(c, a);
 }
 
-void addVerify(CLI::App& app, Arguments& a, int& status) {
-  CLI::App* c = command(app, "verify",
-                        "Checks the program, and place, header and full expansion of every member, "
-                        "or what was laid of them; 1 if one is wrong",
-                        status, [&a] { return verify(verification(a)); });
-  c->add_option("package", a.package, "The package");
+void addVerify(CommandLine& line, Arguments& a, int& status) {
+  Command c = command(line, "verify",
+                      "Checks the program, and place, header and full expansion of every member, "
+                      "or what was laid of them; 1 if one is wrong",
+                      status, [&a] { return verify(verification(a)); });
+  c.option("package", a.package, "The package");
   addPlainOk(c, a);
-  c->add_option("--against", a.against, "Digests that members and files have to have");
-  c->add_option("--installed", a.installed, "Install directory of a product to be checked");
-  c->add_option("--system", a.system, "System directory with its libraries");
-  c->add_option("--projects", a.projects, "Folder of the sample project");
+  c.option("--against", a.against, "Digests that members and files have to have");
+  c.option("--installed", a.installed, "Install directory of a product to be checked");
+  c.option("--system", a.system, "System directory with its libraries");
+  c.option("--projects", a.projects, "Folder of the sample project");
 }
 
-void addExtract(CLI::App& app, Arguments& a, int& status) {
-  CLI::App* c = command(app, "extract", "Takes the members out of a package", status, [&a] {
+void addExtract(CommandLine& line, Arguments& a, int& status) {
+  Command c = command(line, "extract", "Takes the members out of a package", status, [&a] {
     return extract(a.package, a.folder, a.packed, a.stored(), a.forced());
   });
-  c->add_option("package", a.package, "The package")->required();
-  c->add_option("--to", a.folder, "Folder to write to; made if it is missing")->required();
-  c->add_flag("--packed", a.packed, "As they are stored, under their packed names");
+  c.option("package", a.package, "The package").required();
+  c.option("--to", a.folder, "Folder to write to; made if it is missing").required();
+  c.flag("--packed", a.packed, "As they are stored, under their packed names");
   addPlainOk(c, a);
-  c->add_flag("--force", a.force, "Takes out what there is of a package that is not right");
+  c.flag("--force", a.force, "Takes out what there is of a package that is not right");
 }
 
-void addSingleFiles(CLI::App& app, Arguments& a, int& status) {
-  CLI::App* c = command(app, "compress", "Compresses one file", status,
-                        [&a] { return compress(a.in, a.out); });
-  c->add_option("in", a.in, "The plain file")->required();
-  c->add_option("out", a.out, "The packed file to write")->required();
+void addSingleFiles(CommandLine& line, Arguments& a, int& status) {
+  Command c = command(line, "compress", "Compresses one file", status,
+                      [&a] { return compress(a.in, a.out); });
+  c.option("in", a.in, "The plain file").required();
+  c.option("out", a.out, "The packed file to write").required();
 
-  c = command(app, "expand", "Expands one file", status, [&a] { return expand(a.in, a.out); });
-  c->add_option("in", a.in, "The packed file")->required();
-  c->add_option("out", a.out, "The plain file to write")->required();
+  c = command(line, "expand", "Expands one file", status, [&a] { return expand(a.in, a.out); });
+  c.option("in", a.in, "The packed file").required();
+  c.option("out", a.out, "The plain file to write").required();
 
-  c = command(app, "sample", "Makes the 56 files of the sample product", status,
+  c = command(line, "sample", "Makes the 56 files of the sample product", status,
               [&a] { return sample(a.folder); });
-  c->add_option("--to", a.folder, "Folder to write to; made if it is missing")->required();
+  c.option("--to", a.folder, "Folder to write to; made if it is missing").required();
 }
 
-int run(CLI::App& app, int argc, char** argv, const int& status) {
+int statusOf(CommandLine& line, const std::vector<std::string>& words, const int& status) {
   try {
-    app.parse(argc, argv);
-    // Asked for here, a word that is no command has been named by then.
-    if (app.get_subcommands().empty()) throw CLI::RequiredError("A subcommand");
-    return status;
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : wrongUse;
+    const Outcome outcome = line.read(words, std::cout, std::cerr);
+    if (outcome == Outcome::Taken) return status;
+    return outcome == Outcome::Helped ? 0 : wrongUse;
   } catch (const std::bad_alloc&) {
     std::fputs("zevpack: there is not enough memory\n", stderr);
     return failed;
@@ -150,15 +148,14 @@ int withOutputWritten(int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("zevpack builds and checks packages of the ZEV Screen Recorder setup.");
-  app.name("zevpack");
-  app.require_subcommand(0, 1);
+  CommandLine line("zevpack",
+                   "zevpack builds and checks packages of the ZEV Screen Recorder setup.");
   Arguments arguments;
   int status = 0;
-  addBuild(app, arguments, status);
-  addList(app, arguments, status);
-  addVerify(app, arguments, status);
-  addExtract(app, arguments, status);
-  addSingleFiles(app, arguments, status);
-  return withOutputWritten(run(app, argc, argv, status));
+  addBuild(line, arguments, status);
+  addList(line, arguments, status);
+  addVerify(line, arguments, status);
+  addExtract(line, arguments, status);
+  addSingleFiles(line, arguments, status);
+  return withOutputWritten(statusOf(line, wordsOf(argc, argv), status));
 }
