@@ -24,9 +24,8 @@ endif()
 # Files of a target are compiled together, so many at once, and headers that many include are compiled
 # once. Names without a namespace of their own must then differ within a room. Off, each file is
 # compiled by itself, which shows that it includes what it needs.
-set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or of TESTS, of JSON, or both")
+set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or or of TESTS alone")
 option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
-option(ZEV_TESTS_OF_JSON "Precompile the JSON library for the tests, where most include it")
 option(ZEV_HOT "Compile what a whole run spends its time in as code of the fast kind")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
 set(zev_few_units OFF)
@@ -34,7 +33,7 @@ if(ZEV_FEW_UNITS STREQUAL "ON")
   set(zev_few_units ON)
 endif()
 # Kinds of code that cost more to compile than they gain by it get flags of their own.
-foreach(kind room fast json test)
+foreach(kind room fast tool test)
   string(TOUPPER ${kind} upper)
   set(ZEV_${upper}_FLAGS "" CACHE STRING "Flags for code of the kind ${kind}: optimisation, sanitizers")
   separate_arguments(zev_${kind}_flags NATIVE_COMMAND "${ZEV_${upper}_FLAGS}")
@@ -45,17 +44,11 @@ set(zev_common_headers
   <optional> <set> <span> <sstream> <stdexcept> <string> <string_view> <utility> <variant> <vector>)
 
 # What code of a kind includes besides, precompiled with them, and the targets that these come from.
-set(zev_json_headers <nlohmann/json.hpp>)
-set(zev_json_knows nlohmann_json::nlohmann_json)
 set(zev_test_headers <gmock/gmock.h> <gtest/gtest.h>)
 set(zev_test_knows GTest::gtest GTest::gmock)
-if(ZEV_TESTS_OF_JSON)
-  list(APPEND zev_test_headers ${zev_json_headers})
-  list(APPEND zev_test_knows ${zev_json_knows})
-endif()
 
 # Compiles a target as all code of its kind is: the flags, files in units, and the headers that many
-# include, precompiled once for the kind.
+# include, precompiled once for all kinds that have the same ones and the same flags.
 function(zev_code name kind)
   target_compile_options(${name} PRIVATE ${zev_${kind}_flags})
   string(TOUPPER "${kind}" upper)
@@ -69,7 +62,9 @@ function(zev_code name kind)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     return()
   endif()
-  set(precompiled zev_${kind}_precompiled)
+  string(MD5 alike "${zev_${kind}_flags} ${zev_${kind}_headers}")
+  string(SUBSTRING ${alike} 0 8 alike)
+  set(precompiled zev_precompiled_${alike})
   if(NOT TARGET ${precompiled})
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/${precompiled}.cpp CONTENT "")
     add_library(${precompiled} OBJECT ${PROJECT_BINARY_DIR}/${precompiled}.cpp)
@@ -117,13 +112,13 @@ endfunction()
 
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
 # may know. Headers are included by their path from src/. Rooms are of three kinds: FAST ones work on
-# bytes, JSON ones include that library. HOT are the sources of the others that a whole run spends its
+# bytes, TOOL ones are no part of the setup program. HOT are the sources of the others that a whole run spends its
 # time in: a build that plays many compiles them as it does those of FAST rooms (ZEV_HOT). Sources that
 # not every program with the room is to have stand APART.
 function(zev_room name)
-  cmake_parse_arguments(ROOM "FAST;JSON" "" "SOURCES;HOT;APART;KNOWS" ${ARGN})
+  cmake_parse_arguments(ROOM "FAST;TOOL" "" "SOURCES;HOT;APART;KNOWS" ${ARGN})
   set(kind room)
-  foreach(other FAST JSON)
+  foreach(other FAST TOOL)
     if(ROOM_${other})
       string(TOLOWER ${other} kind)
     endif()

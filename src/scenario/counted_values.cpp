@@ -15,10 +15,15 @@ struct Numbered {
   int number = -1;         ///< none: -1
 };
 
+bool isCount(const Json& value) {
+  return value.isNumber() && !value.isBeyondSign() && value.get<std::int64_t>() >= 0 &&
+         value.get<std::int64_t>() < longestCount;
+}
+
 Numbered numbered(const Json& value) {
-  if (value.is_number_unsigned() && value < longestCount) return {{}, 0, value.get<int>()};
-  if (!value.is_string()) return {};
-  const auto text = value.get<std::string>();
+  if (isCount(value)) return {{}, 0, value.get<int>()};
+  if (!value.isText()) return {};
+  const auto text = value.text();
   const std::size_t place = text.find_last_not_of("0123456789") + 1;  // npos + 1 is 0
   const std::string digits = text.substr(place);
   if (digits.empty() || digits.size() > mostDigits) return {};

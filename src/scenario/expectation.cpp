@@ -18,7 +18,7 @@ Json textOrNull(const std::optional<Text>& text) {
 }
 
 Json listOf(const std::vector<Text>& texts) {
-  Json list = Json::array();
+  Json list = Json::list();
   for (const Text& each : texts) list.push_back(toUtf8(each));
   return list;
 }
@@ -43,7 +43,7 @@ std::string hexOf(const std::vector<std::uint8_t>& bytes) {
 /// An expected value with all that it denies brought into the form in which things are found.
 Json normalDenial(const Json& expected, Json (*normal)(const Json& expected)) {
   Json denial = expected;
-  if (denial.is_object() && denial.contains("not")) denial["not"] = normal(denial["not"]);
+  if (denial.isMembers() && denial.contains("not")) denial["not"] = normal(denial["not"]);
   return denial;
 }
 
@@ -51,9 +51,10 @@ Json normalDenial(const Json& expected, Json (*normal)(const Json& expected)) {
 /// conditions in it keeps its order.
 Json sorted(const Json& expected) {
   Json list = normalDenial(expected, sorted);
-  const auto isText = [](const Json& each) { return each.is_string(); };
-  if (list.is_array() && std::all_of(list.begin(), list.end(), isText)) {
-    std::sort(list.begin(), list.end(), [](const Json& a, const Json& b) { return a < b; });
+  const auto isText = [](const Json& each) { return each.isText(); };
+  if (list.isList() && std::all_of(list.begin(), list.end(), isText)) {
+    std::sort(list.begin(), list.end(),
+              [](const Json& a, const Json& b) { return a.text() < b.text(); });
   }
   return list;
 }
@@ -99,7 +100,7 @@ Json factSha256(const Witness& witness, const Text& path, const Json&) {
 Json factAttributes(const Witness& witness, const Text& path, const Json&) {
   const auto entry = witness.entry(path);
   if (!entry) return nullptr;
-  Json names = Json::array();
+  Json names = Json::list();
   if ((entry->attributes & file_attribute::hidden) != 0) names.push_back("hidden");
   if ((entry->attributes & file_attribute::readOnly) != 0) names.push_back("readonly");
   if ((entry->attributes & file_attribute::system) != 0) names.push_back("system");
@@ -109,9 +110,9 @@ Json factAttributes(const Witness& witness, const Text& path, const Json&) {
 
 Json factHexAt(const Witness& witness, const Text& path, const Json& expected) {
   const auto offset = expected.at(0).get<std::uint64_t>();
-  const auto count = expected.at(1).get_ref<const std::string&>().size() / 2;
+  const auto count = expected.at(1).text().size() / 2;
   const auto bytes = witness.read(path, offset, count);
-  return bytes ? Json::array({offset, hexOf(*bytes)}) : Json(nullptr);
+  return bytes ? Json::list({offset, hexOf(*bytes)}) : Json(nullptr);
 }
 
 Json factText(const Witness& witness, const Text& path, const Json&) {
@@ -126,8 +127,8 @@ Json same(const Json& expected) { return expected; }
 
 Json lowerHex(const Json& expected) {
   Json normal = normalDenial(expected, lowerHex);
-  if (normal.is_string()) normal = lower(normal.get<std::string>());
-  if (normal.is_array() && normal.size() == 2) normal[1] = lowerHex(normal[1]);
+  if (normal.isText()) normal = lower(normal.text());
+  if (normal.isList() && normal.size() == 2) normal[1] = lowerHex(normal[1]);
   return normal;
 }
 
@@ -157,11 +158,11 @@ const Fact* findFact(std::string_view key) {
 }
 
 /// True if the value describes an entry by facts, and does not stand for its content.
-bool isFacts(const Json& expected) { return expected.is_object() && !isCondition(expected); }
+bool isFacts(const Json& expected) { return expected.isMembers() && !isCondition(expected); }
 
 /// True for `{"not": facts}`, the denial of facts or of another such denial.
 bool isDenial(const Json& expected) {
-  if (!expected.is_object() || expected.size() != 1 || !expected.contains("not")) return false;
+  if (!expected.isMembers() || expected.size() != 1 || !expected.contains("not")) return false;
   return isFacts(expected.at("not")) || isDenial(expected.at("not"));
 }
 
@@ -185,7 +186,7 @@ Verdict judgeFacts(const Text& path, const Json& expected, const Witness& witnes
     const Verdict denied = judgeFacts(path, expected.at("not"), witness);
     return {!denied.held, denied.found};
   }
-  Verdict all{true, Json::object()};
+  Verdict all{true, Json::members()};
   for (const auto& [key, value] : expected.items()) {
     const Fact* fact = findFact(key);
     const Json found = fact->find(witness, path, value);
@@ -239,7 +240,7 @@ struct Wish {
 };
 
 Wish wishOf(const Json& expected) {
-  if (!expected.is_object()) return {};
+  if (!expected.isMembers()) return {};
   if (expected.contains("not")) return wishOf(expected.at("not"));
   return {!isCondition(expected), expected.contains("hex")};
 }
@@ -265,8 +266,8 @@ Json dataOf(const Witness::Value& value, const Wish& wish) {
 
 Json normalRegistry(const Json& expected) {
   Json normal = expected;
-  if (normal.is_number_integer()) return static_cast<std::uint32_t>(normal.get<std::int64_t>());
-  if (!normal.is_object()) return normal;
+  if (normal.isNumber()) return static_cast<std::uint32_t>(normal.get<std::int64_t>());
+  if (!normal.isMembers()) return normal;
   if (normal.contains("hex")) normal["hex"] = lowerHex(normal["hex"]);
   if (normal.contains("not")) normal["not"] = normalRegistry(normal["not"]);
   return normal;
@@ -277,7 +278,7 @@ Json normalRegistry(const Json& expected) {
 Json keyToJson(const ValuePlace& place, const Json& expected, const Witness& witness) {
   const auto found = witness.values(place.hive, place.key);
   if (!found) return nullptr;
-  Json values = Json::object();
+  Json values = Json::members();
   for (const auto& [text, value] : *found) {
     const std::string name = toUtf8(text);
     values[name] = dataOf(value, expected.contains(name) ? wishOf(expected.at(name)) : Wish{});
@@ -286,8 +287,8 @@ Json keyToJson(const ValuePlace& place, const Json& expected, const Witness& wit
 }
 
 Json normalValues(const Json& expected) {
-  if (!expected.is_object() || isCondition(expected)) return normalRegistry(expected);
-  Json normal = Json::object();
+  if (!expected.isMembers() || isCondition(expected)) return normalRegistry(expected);
+  Json normal = Json::members();
   for (const auto& [name, value] : expected.items()) normal[name] = normalRegistry(value);
   return normal;
 }
@@ -332,7 +333,7 @@ constexpr KeyRow<std::nullptr_t> boxKeys[] = {
 
 void checkBoxes(std::string_view, const JsonReader& expected) {
   checkMatcher(expected);
-  if (!expected.json().is_array()) {
+  if (!expected.json().isList()) {
     if (!isCondition(expected.json())) expected.failWanted("a list of boxes");
     return;
   }
@@ -354,17 +355,22 @@ struct StartWish {
 
 StartWish startWish(const Json& expected) {
   if (isFacts(expected)) return {false, true};
-  StartWish wish{expected.is_string(), false};
-  if (!expected.is_structured()) return wish;
-  for (const Json& each : expected) {
+  StartWish wish{expected.isText(), false};
+  if (!expected.isStructured()) return wish;
+  const auto add = [&wish](const Json& each) {
     const StartWish inner = startWish(each);
     wish = {wish.words || inner.words, wish.parts || inner.parts};
+  };
+  if (expected.isList()) {
+    for (const Json& each : expected) add(each);
+  } else {
+    for (const auto& [key, each] : expected.items()) add(each);
   }
   return wish;
 }
 
 void checkParts(const JsonReader& expected, const std::vector<std::string_view>& known) {
-  if (expected.json().is_array()) {
+  if (expected.json().isList()) {
     for (const JsonReader& each : expected.elements()) checkParts(each, known);
   }
   if (!expected.isObject()) return;
@@ -401,15 +407,15 @@ void checkCalls(std::string_view name, const JsonReader& expected) {
 void checkEnded(std::string_view, const JsonReader& expected) {
   const Json& value = expected.json();
   checkMatcher(expected);
-  if (value.is_null() || value == "unload" || value == "exit" || value == "error") return;
-  if (isCondition(value) || (value.is_object() && value.contains("error"))) return;
+  if (value.isNull() || value == "unload" || value == "exit" || value == "error") return;
+  if (isCondition(value) || (value.isMembers() && value.contains("error"))) return;
   expected.fail("an end is null, \"unload\", \"exit\", \"error\" or {\"error\": number}");
 }
 
 /// Whether an end is expected with the number of its error, and not by its word alone.
 bool wantsNumber(const Json& expected) {
   if (isCondition(expected)) return expected.contains("not") && wantsNumber(expected.at("not"));
-  return expected.is_object();
+  return expected.isMembers();
 }
 
 // The kinds of key.
@@ -468,7 +474,7 @@ Verdict judgeRegistry(std::string_view rest, const Json& expected, const Witness
 }
 
 Verdict judgeEnd(const Json& expected, const Json& ended) {
-  const bool byWord = ended.is_object() && !wantsNumber(expected);
+  const bool byWord = ended.isMembers() && !wantsNumber(expected);
   return {matches(expected, byWord ? Json("error") : ended), ended};
 }
 
@@ -476,7 +482,7 @@ bool wantsParts(const Json& expected) { return startWish(expected).parts; }
 
 Json normalShortcut(const Json& expected) {
   if (!isFacts(expected)) return normalDenial(expected, normalShortcut);
-  Json normal = Json::object();
+  Json normal = Json::members();
   for (const auto& [key, value] : expected.items()) normal[shortcutProperty(key)] = value;
   return normal;
 }
@@ -514,9 +520,9 @@ Json toJson(const PropertyValue& value) {
 }
 
 PropertyValue toPropertyValue(const Json& value) {
-  if (value.is_boolean()) return value.get<bool>();
-  if (value.is_number_integer()) return value.get<std::int32_t>();
-  return fromUtf8(value.get_ref<const std::string&>());
+  if (value.isFlag()) return value.get<bool>();
+  if (value.isNumber()) return value.get<std::int32_t>();
+  return fromUtf8(value.text());
 }
 
 }  // namespace zev::scenario

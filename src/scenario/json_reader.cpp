@@ -16,33 +16,14 @@ constexpr std::string_view base64Digits =
 /// From here on a whole number has no type and is read as a fraction.
 constexpr double beyondWhole = 9223372036854775808.0;
 
-bool isIdentifier(std::string_view key) {
-  const auto letter = [](char each) {
-    return (each >= 'a' && each <= 'z') || (each >= 'A' && each <= 'Z') || each == '_';
-  };
-  return !key.empty() && letter(key.front()) && std::all_of(key.begin(), key.end(), [&](char each) {
-    return letter(each) || (each >= '0' && each <= '9');
-  });
-}
-
 std::string_view kindOf(const Json& value) {
-  switch (value.type()) {
-    case Json::value_t::null:
-      return "null";
-    case Json::value_t::object:
-      return "an object";
-    case Json::value_t::array:
-      return "a list";
-    case Json::value_t::string:
-      return "a text";
-    case Json::value_t::boolean:
-      return "true or false";
-    case Json::value_t::number_float:
-      return std::abs(value.get<double>()) < beyondWhole ? "a fraction"
-                                                         : "a number beyond every type";
-    default:
-      return "a whole number";
-  }
+  if (value.isNull()) return "null";
+  if (value.isMembers()) return "an object";
+  if (value.isList()) return "a list";
+  if (value.isText()) return "a text";
+  if (value.isFlag()) return "true or false";
+  if (value.isNumber()) return "a whole number";
+  return std::abs(value.fraction()) < beyondWhole ? "a fraction" : "a number beyond every type";
 }
 
 int hexDigit(char digit) {
@@ -91,105 +72,12 @@ void requireFewLevels(std::string_view text) {
                       "more than " + std::to_string(mostLevels) + " levels within one another");
 }
 
-/// Watches a parse for objects that name a key twice: the later value would silently win.
-class KeyWatch {
- public:
-  bool operator()(int /*depth*/, Json::parse_event_t event, Json& parsed) {
-    using Event = Json::parse_event_t;
-    if (event == Event::object_start || event == Event::array_start) {
-      open_.push_back({.isList = event == Event::array_start});
-      return true;
-    }
-    if (event == Event::key) {
-      takeKey(parsed);
-      return true;
-    }
-    if (event != Event::value) open_.pop_back();
-    if (!open_.empty()) ++open_.back().count;
-    return true;
-  }
-
- private:
-  /// A list or an object that is being read.
-  struct Open {
-    bool isList = false;
-    std::size_t count = 0;  ///< of the values read
-    std::set<std::string> keys = {};
-    std::string key = {};  ///< the last one
-  };
-
-  void takeKey(const Json& key) {
-    Open& object = open_.back();
-    if (!object.keys.insert(key).second) {
-      throw ScenarioError(path(), "the key " + key.dump() + " stands twice in one object");
-    }
-    object.key = key;
-  }
-
-  /// Of the innermost of all that are open.
-  std::string path() const {
-    std::string path = "$";
-    for (std::size_t place = 0; place + 1 < open_.size(); ++place) {
-      const Open& each = open_[place];
-      path += each.isList ? "[" + std::to_string(each.count) + "]" : pathStep(each.key);
-    }
-    return path;
-  }
-
-  std::vector<Open> open_;
-};
-
-/// Reads a document for nothing but the number in it that is beyond every type, where the parser
-/// stops, and tells where that is.
-class NumberFinder final : public nlohmann::json_sax<Json> {
- public:
-  bool null() override { return true; }
-  bool boolean(bool) override { return true; }
-  bool number_integer(std::int64_t) override { return true; }
-  bool number_unsigned(std::uint64_t) override { return true; }
-  bool number_float(double, const std::string&) override { return true; }
-  bool string(std::string&) override { return true; }
-  bool binary(Json::binary_t&) override { return true; }
-  bool start_object(std::size_t) override { return true; }
-  bool key(std::string&) override { return true; }
-  bool end_object() override { return true; }
-  bool start_array(std::size_t) override { return true; }
-  bool end_array() override { return true; }
-  bool parse_error(std::size_t position, const std::string& token,
-                   const Json::exception&) override {
-    number = token;
-    offset = position - token.size();
-    return false;
-  }
-
-  std::string number;
-  std::size_t offset = 0;
-};
-
-[[noreturn]] void failAtNumber(std::string_view text) {
-  NumberFinder finder;
-  Json::sax_parse(text, &finder);
-  throw ScenarioError(lineAndColumn(text, finder.offset),
-                      "the number " + finder.number + " is beyond every type");
-}
-
-/// The reason of a syntax error without the parser's own number and place.
-std::string syntaxReason(const Json::parse_error& error) {
-  const std::string_view what = error.what();
-  const std::size_t place = what.find("syntax error");
-  return std::string(place == std::string_view::npos ? what : what.substr(place));
-}
-
 }  // namespace
 
 ScenarioError::ScenarioError(std::string path, std::string reason)
     : std::runtime_error(path + ": " + reason),
       path_(std::move(path)),
       reason_(std::move(reason)) {}
-
-std::string pathStep(const std::string& key) {
-  return isIdentifier(key) ? "." + key : "[" + Json(key).dump() + "]";
-}
 
 JsonReader::JsonReader(const Json& document, const std::filesystem::path& folder, std::string path,
                        std::shared_ptr<const Origins> origins)
@@ -215,7 +103,7 @@ JsonReader JsonReader::member(const std::string& key) const {
 }
 
 std::vector<JsonReader> JsonReader::elements() const {
-  if (!value_->is_array()) failWanted("a list");
+  if (!value_->isList()) failWanted("a list");
   std::vector<JsonReader> all;
   for (std::size_t index = 0; index < value_->size(); ++index) all.push_back(element(index));
   return all;
@@ -231,15 +119,15 @@ std::vector<JsonReader> JsonReader::elements(std::size_t count) const {
 }
 
 std::vector<std::pair<std::string, JsonReader>> JsonReader::members() const {
-  if (!value_->is_object()) failWanted("an object");
+  if (!value_->isMembers()) failWanted("an object");
   std::vector<std::pair<std::string, JsonReader>> all;
-  for (const auto& each : value_->items()) all.emplace_back(each.key(), member(each.key()));
+  for (const auto& [key, value] : value_->items()) all.emplace_back(key, member(key));
   return all;
 }
 
 std::string JsonReader::utf8() const {
-  if (!value_->is_string()) failWanted("a text");
-  return value_->get<std::string>();
+  if (!value_->isText()) failWanted("a text");
+  return value_->text();
 }
 
 std::vector<std::uint8_t> JsonReader::hex() const {
@@ -275,10 +163,8 @@ std::vector<std::uint8_t> JsonReader::base64() const {
 }
 
 std::int64_t JsonReader::whole(std::int64_t least, std::int64_t most) const {
-  if (!value_->is_number_integer()) failWanted("a whole number");
-  const bool tooLarge =
-      value_->is_number_unsigned() &&
-      value_->get<std::uint64_t>() > std::uint64_t{std::numeric_limits<std::int64_t>::max()};
+  if (!value_->isNumber()) failWanted("a whole number");
+  const bool tooLarge = value_->isBeyondSign();
   const std::int64_t number = tooLarge ? most : value_->get<std::int64_t>();
   if (tooLarge || number < least || number > most) {
     fail(value_->dump() + " is not within " + std::to_string(least) + " to " +
@@ -306,7 +192,7 @@ std::filesystem::path JsonReader::hostFolder() const {
 }
 
 bool JsonReader::truth() const {
-  if (!value_->is_boolean()) failWanted("true or false");
+  if (!value_->isFlag()) failWanted("true or false");
   return value_->get<bool>();
 }
 
@@ -326,12 +212,11 @@ void failUnknownKey(const JsonReader& value, std::string_view key,
 Json parseJson(std::string_view text) {
   requireFewLevels(text);
   try {
-    return Json::parse(text, KeyWatch());
-  } catch (const Json::parse_error& error) {
-    throw ScenarioError(lineAndColumn(text, error.byte == 0 ? 0 : error.byte - 1),
-                        syntaxReason(error));
-  } catch (const Json::out_of_range&) {
-    failAtNumber(text);
+    return json::parse(text);
+  } catch (const json::ParseError& error) {
+    throw ScenarioError(lineAndColumn(text, error.offset()), error.what());
+  } catch (const json::TwiceError& error) {
+    throw ScenarioError(error.path(), error.what());
   }
 }
 

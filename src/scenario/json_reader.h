@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <limits>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -13,12 +12,13 @@
 #include <utility>
 #include <vector>
 
+#include "json/parser.h"
 #include "runtime/text.h"
 
 namespace zev::scenario {
 
 /// Objects keep the order in which they are written.
-using Json = nlohmann::ordered_json;
+using Json = json::Value;
 
 /// What is wrong with a scenario: where in it, as a JSON path such as `$.script[3].click`, and why.
 /// It is no run-time error of the played program, so no trap of that program catches it.
@@ -35,8 +35,7 @@ class ScenarioError : public std::runtime_error {
 
 class Origins;
 
-/// The step from an object of a document to a member, in a JSON path: `.click`, `["a b"]`.
-std::string pathStep(const std::string& key);
+using json::pathStep;
 
 /// A value that may be absent (nothing is said of it), null, or there.
 template <typename T>
@@ -55,10 +54,10 @@ class JsonReader {
   const Json& json() const { return *value_; }
   /// The path to it, as it was written where the document has origins.
   std::string path() const;
-  bool isNull() const { return value_->is_null(); }
-  bool isText() const { return value_->is_string(); }
-  bool isObject() const { return value_->is_object(); }
-  bool isNumber() const { return value_->is_number_integer(); }
+  bool isNull() const { return value_->isNull(); }
+  bool isText() const { return value_->isText(); }
+  bool isObject() const { return value_->isMembers(); }
+  bool isNumber() const { return value_->isNumber(); }
 
   [[noreturn]] void fail(const std::string& reason) const;
   /// Fails because the value is something else than what is wanted, such as "a list of texts".

@@ -40,18 +40,18 @@ Judged shortcut(const Question& asked) {
 Judged starts(const Question& asked) {
   auto found = asked.found();
   if (found && !wantsParts(asked.expected())) {
-    for (Json& each : *found) each = Json(each.front());
+    for (Json& each : *found) each = Json(each.items().front().value);
   }
   return ifSeen(asked.expected(), std::move(found));
 }
 
 /// Styles in an expectation of boxes, brought to the part of them that shows.
 Json visibleStyles(Json boxes) {
-  if (!boxes.is_array()) return boxes;
+  if (!boxes.isList()) return boxes;
   for (Json& each : boxes) {
-    if (!each.is_object() || !each.contains("style")) continue;
+    if (!each.isMembers() || !each.contains("style")) continue;
     Json& style = each["style"];
-    if (style.is_number_integer()) style = visibleStyle(style.get<std::int32_t>());
+    if (style.isNumber()) style = visibleStyle(style.get<std::int32_t>());
   }
   return boxes;
 }
@@ -67,12 +67,12 @@ Judged ended(const Question& asked) {
   const Json& found = asked.scene.ended;
   if (found != endedSomehow) return judgeEnd(expected, found);
   if (expected == "unload" || expected == "exit") return Verdict{true, expected};
-  const bool wrong = expected.is_null() || expected == "error" || expected.contains("error");
+  const bool wrong = expected.isNull() || expected == "error" || expected.contains("error");
   return wrong ? Judged(Verdict{false, found}) : std::nullopt;
 }
 
 /// After the end only the inside has forms.
-bool hasForms(const Scene& scene) { return scene.stage.seesInside() || scene.ended.is_null(); }
+bool hasForms(const Scene& scene) { return scene.stage.seesInside() || scene.ended.isNull(); }
 
 Judged active(const Question& asked) {
   if (!hasForms(asked.scene)) return std::nullopt;

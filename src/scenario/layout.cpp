@@ -11,15 +11,32 @@ constexpr std::size_t lineWidth = 100;
 constexpr std::string_view linesOfTheirOwn[] = {"cases", "values", "machines",
                                                 "steps", "expect", "boxes"};
 
+/// An element of a list, or a member with its key as it is written in front of it.
+struct Piece {
+  std::string key;
+  const Json* value;
+};
+
+std::string writtenKey(const std::string& name) { return Json(name).dump() + ": "; }
+
+std::vector<Piece> piecesOf(const Json& value) {
+  std::vector<Piece> pieces;
+  if (value.isMembers()) {
+    for (const auto& [name, each] : value.items()) pieces.push_back({writtenKey(name), &each});
+  } else {
+    for (const Json& each : value) pieces.push_back({"", &each});
+  }
+  return pieces;
+}
+
 /// On one line, blanks after colons and commas.
 std::string onOneLine(const Json& value) {
-  if (!value.is_structured()) return value.dump();
+  if (!value.isStructured()) return value.dump();
   std::string out;
-  for (const auto& [key, each] : value.items()) {
-    out += out.empty() ? "" : ", ";
-    out += (value.is_object() ? Json(key).dump() + ": " : "") + onOneLine(each);
+  for (const Piece& each : piecesOf(value)) {
+    out += (out.empty() ? "" : ", ") + each.key + onOneLine(*each.value);
   }
-  return value.is_object() ? "{" + out + "}" : "[" + out + "]";
+  return value.isMembers() ? "{" + out + "}" : "[" + out + "]";
 }
 
 /// Writes a document piece by piece; what has no room after a piece goes to the next line.
@@ -28,9 +45,9 @@ class Layout {
   /// `behind`: how many characters still follow on the last line.
   void write(const Json& value, std::size_t indent, std::size_t behind) {
     const std::string line = onOneLine(value);
-    if (!value.is_structured() || column() + line.size() + behind <= lineWidth) {
+    if (!value.isStructured() || column() + line.size() + behind <= lineWidth) {
       text_ += line;
-    } else if (value.size() == 1 && value.front().is_structured()) {
+    } else if (value.size() == 1 && piecesOf(value).front().value->isStructured()) {
       writeAround(value, indent, behind);
     } else {
       writePieces(value, indent + 2, behind);
@@ -43,11 +60,11 @@ class Layout {
     std::size_t left = document.size();
     for (const auto& [key, value] : document.items()) {
       if (left < document.size()) breakLine(2);
-      writeKey(document, key);
+      text_ += writtenKey(key);
       --left;
       const bool lineByLine = std::find(std::begin(linesOfTheirOwn), std::end(linesOfTheirOwn),
                                         key) != std::end(linesOfTheirOwn);
-      if (lineByLine && value.is_object()) {
+      if (lineByLine && value.isMembers()) {
         writeMembers(value);
       } else {
         write(value, 2, left > 0 ? 1 : 2);
@@ -65,27 +82,22 @@ class Layout {
 
   void breakLine(std::size_t indent) { text_ += "\n" + std::string(indent, ' '); }
 
-  static std::string keyOf(const Json& owner, const std::string& key) {
-    return owner.is_object() ? Json(key).dump() + ": " : "";
-  }
-  void writeKey(const Json& owner, const std::string& key) { text_ += keyOf(owner, key); }
-
   void writeAround(const Json& value, std::size_t indent, std::size_t behind) {
-    text_ += value.is_object() ? "{" : "[";
-    writeKey(value, value.items().begin().key());
-    write(value.front(), indent, behind + 1);
-    text_ += value.is_object() ? "}" : "]";
+    const Piece only = piecesOf(value).front();
+    text_ += (value.isMembers() ? "{" : "[") + only.key;
+    write(*only.value, indent, behind + 1);
+    text_ += value.isMembers() ? "}" : "]";
   }
 
   void writePieces(const Json& value, std::size_t indent, std::size_t behind) {
-    text_ += value.is_object() ? "{" : "[";
+    text_ += value.isMembers() ? "{" : "[";
     bool goesOn = false;  // the line is one of short pieces
     std::size_t left = value.size();
-    for (const auto& [key, each] : value.items()) {
-      const bool opens = value.is_object() && left == value.size();
+    for (const Piece& each : piecesOf(value)) {
+      const bool opens = value.isMembers() && left == value.size();
       --left;
       const std::size_t follows = left > 0 ? 1 : closing + behind;
-      const std::size_t size = keyOf(value, key).size() + onOneLine(each).size() + follows;
+      const std::size_t size = each.key.size() + onOneLine(*each.value).size() + follows;
       const bool isShort = indent + size <= lineWidth;
       const bool fits = column() + 1 + size <= lineWidth;
       if ((opens && (fits || !isShort)) || (goesOn && fits)) {
@@ -94,11 +106,11 @@ class Layout {
         breakLine(indent);
       }
       goesOn = isShort;
-      writeKey(value, key);
-      write(each, indent, follows);
+      text_ += each.key;
+      write(*each.value, indent, follows);
       if (left > 0) text_ += ",";
     }
-    text_ += value.is_object() ? " }" : " ]";
+    text_ += value.isMembers() ? " }" : " ]";
   }
 
   void writeMembers(const Json& members) {
@@ -106,7 +118,7 @@ class Layout {
     std::size_t left = members.size();
     for (const auto& [name, value] : members.items()) {
       breakLine(4);
-      writeKey(members, name);
+      text_ += writtenKey(name);
       --left;
       write(value, 4, left > 0 ? 1 : 0);
       if (left > 0) text_ += ",";
@@ -122,7 +134,7 @@ class Layout {
 
 std::string layOut(const Json& document) {
   Layout layout;
-  if (document.is_object() && onOneLine(document).size() > lineWidth) {
+  if (document.isMembers() && onOneLine(document).size() > lineWidth) {
     layout.writeDocument(document);
   } else {
     layout.write(document, 0, 0);

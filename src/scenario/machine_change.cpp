@@ -303,7 +303,7 @@ void denyKeys(const JsonReader& keys, TextView hive, MachineChange& machine) {
 
 void readHive(const JsonReader& keys, RegistryKey hive, MachineChange& machine) {
   for (const auto& [key, values] : keys.members()) {
-    if (key == "deny" && values.json().is_array()) {
+    if (key == "deny" && values.json().isList()) {
       denyKeys(values, hiveName(hive), machine);
       continue;
     }

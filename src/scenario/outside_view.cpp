@@ -123,7 +123,8 @@ void OutsideView::lookAt(const Form& form, std::size_t place, const SeenControl&
   if (now.enabled != before.enabled) tellSet(name, "Enabled", now.enabled);
   if (now.visible != before.visible) tellSet(name, "Visible", now.visible);
   if (now.place != before.place) {
-    tellSet(name, "Place", {now.place.left, now.place.top, now.place.width, now.place.height});
+    tellSet(name, "Place",
+            Json::list({now.place.left, now.place.top, now.place.width, now.place.height}));
   }
   if (now.inSight != before.inSight) tellSet(name, "InSight", now.inSight);
   before = now;
@@ -155,15 +156,13 @@ void OutsideView::input(TextView prompt, TextView title, TextView answer) {
 
 void OutsideView::end(const Json& ended) {
   Json event{{"event", "end"}};
-  if (ended.is_object()) {
+  if (ended.isMembers()) {
     event["how"] = "error";
     event["error"] = ended.at("error");
   }
   tell(event);
 }
 
-void OutsideView::tell(const Json& event) {
-  out_ << event.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
-}
+void OutsideView::tell(const Json& event) { out_ << event.dump() << '\n'; }
 
 }  // namespace zev::scenario

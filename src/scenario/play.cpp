@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t longestShown = 2000;
 
 std::string shown(const Json& value) {
-  std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+  std::string text = value.dump();
   if (text.size() > longestShown) {
     text = text.substr(0, longestShown) + "... (" + std::to_string(text.size()) + " characters)";
   }
@@ -127,7 +127,7 @@ void Play::end(Json how) {
 
 /// The audience goes on only where the script of the first program ends, not that of one beside it.
 const Step* Play::takeStep() {
-  if (part_.ended.is_null()) part_.triggers.rest();
+  if (part_.ended.isNull()) part_.triggers.rest();
   if (const Step* due = part_.triggers.takeDue()) return due;
   if (part_.place < part_.script->size()) return &(*part_.script)[part_.place++];
   return part_.script == &scenario_.script ? takeOwnStep() : nullptr;
@@ -162,7 +162,7 @@ void Play::performGuarded(const Step& step) {
 
 /// An expectation is no step to the audience, which is told of its verdict instead.
 void Play::perform(const Step& step) {
-  if (!part_.ended.is_null() && !canFollowEnd(step)) {
+  if (!part_.ended.isNull() && !canFollowEnd(step)) {
     throw ScenarioError(step.path,
                         "the program has ended; only expect, change and restart can follow");
   }
@@ -348,7 +348,7 @@ std::optional<Verdict> Play::verdictOn(const KeyedValue& expectation) {
 
 void Play::judgeOne(const KeyedValue& expectation) {
   const auto verdict = verdictOn(expectation);
-  if (expectation.key == "boxes") boxes_ = Json::array();
+  if (expectation.key == "boxes") boxes_ = Json::list();
   if (!verdict) {
     ++judgements_.notSeen[expectation.key];
   } else {

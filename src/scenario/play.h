@@ -193,7 +193,7 @@ class Play {
   std::deque<std::unique_ptr<Step>> ownSteps_;  ///< of the audience: triggers borrow them
   Part part_;
   std::deque<Answer> answers_;
-  Json boxes_ = Json::array();  ///< not yet expected
+  Json boxes_ = Json::list();  ///< not yet expected
   Judgements judgements_;
 };
 

@@ -143,8 +143,7 @@ Action readSet(const JsonReader& value) {
   Set set;
   for (const auto& [key, wanted] : value.members()) {
     if (!isPropertyKey(key)) wanted.fail("\"" + key + "\" is no global and no property");
-    if (wanted.json().is_structured() || wanted.json().is_null() ||
-        wanted.json().is_number_float()) {
+    if (wanted.json().isStructured() || wanted.json().isNull() || wanted.json().isFraction()) {
       wanted.failWanted("a text, a whole number, or true or false");
     }
     checkPropertyValue(wanted);
@@ -265,7 +264,7 @@ bool preparesOnly(const Step& step) {
 
 Step readStep(const JsonReader& step) {
   Action action = readAction(step);
-  const std::string verb = step.json().contains("at") ? "at" : step.json().begin().key();
+  const std::string verb = step.json().contains("at") ? "at" : step.json().items().front().name;
   return {step.json(), step.member(verb).path(), std::move(action)};
 }
 

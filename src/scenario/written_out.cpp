@@ -60,13 +60,13 @@ struct Scope {
   std::vector<std::string> within;
 };
 
-bool isCall(const Json& written) { return written.is_object() && written.contains("use"); }
-bool isNamed(const Json& written) { return written.is_string() || isCall(written); }
+bool isCall(const Json& written) { return written.isMembers() && written.contains("use"); }
+bool isNamed(const Json& written) { return written.isText() || isCall(written); }
 
 /// The name in a text that is nothing but `$(name)`; none of another one.
 std::optional<std::string> nameAlone(const Json& written) {
-  if (!written.is_string()) return std::nullopt;
-  const auto text = written.get<std::string>();
+  if (!written.isText()) return std::nullopt;
+  const auto text = written.text();
   if (!text.starts_with(openingMark) || text.find(')') != text.size() - 1) return std::nullopt;
   return text.substr(openingMark.size(), text.size() - openingMark.size() - 1);
 }
@@ -79,7 +79,7 @@ class Expander {
 
   Json scenario(const Json& document, Scope& scope) {
     const Place root = {"$", "$"};
-    Json out = Json::object();
+    Json out = Json::members();
     for (const auto& [key, written] : document.items()) {
       const Place place = root.member(key);
       if (key == "cases") continue;
@@ -138,8 +138,8 @@ class Expander {
 
   std::string pieceOfText(const std::string& name, const Place& place, Scope& scope) {
     const Json found = value(name, place, scope).json;
-    if (found.is_string()) return found.get<std::string>();
-    if (!found.is_number_integer()) {
+    if (found.isText()) return found.text();
+    if (!found.isNumber()) {
       place.fail("$(" + name + ") within a text is neither a text nor a whole number");
     }
     return found.dump();
@@ -152,14 +152,14 @@ class Expander {
       origins_.note(place.at, place.put(found.written).written);
       return found.json;
     }
-    if (written.is_string()) {
-      const Json text = filledText(written.get<std::string>(), place, scope);
+    if (written.isText()) {
+      const Json text = filledText(written.text(), place, scope);
       origins_.note(place.at, place.written);
       return text;
     }
-    if (!written.is_structured()) return written;
-    Json out = written.is_array() ? Json::array() : Json::object();
-    if (written.is_array()) {
+    if (!written.isStructured()) return written;
+    Json out = written.isList() ? Json::list() : Json::members();
+    if (written.isList()) {
       for (const Json& each : written)
         out.push_back(filled(each, place.element(out.size()), scope));
     } else {
@@ -213,7 +213,7 @@ class Expander {
     const std::string name = nameIn(written, place, scope);
     const CommonNames::Piece piece = commons_.piece(kind, name, place);
     Scope inner = enter(kind, name, place, scope);
-    if (written.is_object()) giveValues(written, place, scope, inner);
+    if (written.isMembers()) giveValues(written, place, scope, inner);
     for (const Row& row : rowsOf(written, place, scope)) {
       Scope one = inner;
       for (const auto& [key, value] : row) one.values.give(key, value.json, value.written);
@@ -223,9 +223,9 @@ class Expander {
   }
 
   std::string nameIn(const Json& written, const Place& place, Scope& scope) {
-    const Json& name = written.is_object() ? written["use"] : written;
-    if (!name.is_string()) place.member("use").fail("the name of what is used is wanted");
-    return filledText(name.get<std::string>(), place, scope);
+    const Json& name = written.isMembers() ? written["use"] : written;
+    if (!name.isText()) place.member("use").fail("the name of what is used is wanted");
+    return filledText(name.text(), place, scope);
   }
 
   void giveValues(const Json& call, const Place& place, Scope& outer, Scope& inner) {
@@ -241,9 +241,9 @@ class Expander {
 
   /// Once without any, or once for each place of the lists in `each`.
   std::vector<Row> rowsOf(const Json& written, const Place& place, Scope& scope) {
-    if (!written.is_object() || !written.contains("each")) return {Row()};
+    if (!written.isMembers() || !written.contains("each")) return {Row()};
     const Place each = place.member("each");
-    if (!written["each"].is_object() || written["each"].empty()) {
+    if (!written["each"].isMembers() || written["each"].empty()) {
       each.fail("an object of lists is wanted");
     }
     std::vector<Row> rows;
@@ -268,8 +268,8 @@ class Expander {
 
   /// The elements of a list, or those from one text or number to another.
   static std::vector<Json> listOf(const Json& list, const Place& place) {
-    if (list.is_array() && !list.empty()) return {list.begin(), list.end()};
-    if (!list.is_object() || list.size() != 2 || !list.contains("from") || !list.contains("to")) {
+    if (list.isList() && !list.empty()) return {list.begin(), list.end()};
+    if (!list.isMembers() || list.size() != 2 || !list.contains("from") || !list.contains("to")) {
       place.fail("a list, or {\"from\": .., \"to\": ..}, is wanted");
     }
     const auto counted = countedUp(list["from"], list["to"]);
@@ -282,8 +282,8 @@ class Expander {
   // ---- steps
 
   Json stepsOf(const Json& written, const Place& place, Scope& scope) {
-    if (!isNamed(written) && !written.is_array()) return filled(written, place, scope);
-    Json out = Json::array();
+    if (!isNamed(written) && !written.isList()) return filled(written, place, scope);
+    Json out = Json::list();
     joinSteps(written, place, scope, out);
     return out;
   }
@@ -296,7 +296,7 @@ class Expander {
                      joinSteps(found, there, inner, out);
                    });
     }
-    if (!written.is_array()) return joinStep(written, place, scope, out);
+    if (!written.isList()) return joinStep(written, place, scope, out);
     for (std::size_t index = 0; index < written.size(); ++index) {
       joinSteps(written[index], {place.at, place.element(index).written}, scope, out);
     }
@@ -305,11 +305,11 @@ class Expander {
   void joinStep(const Json& written, const Place& place, Scope& scope, Json& out) {
     const Place own = {place.element(out.size()).at, place.written};
     origins_.note(own.at, own.written);
-    if (!written.is_object()) {
+    if (!written.isMembers()) {
       out.push_back(filled(written, own, scope));
       return;
     }
-    Json step = Json::object();
+    Json step = Json::members();
     for (const auto& [key, each] : written.items()) {
       step[key] = actionOf(key, each, own.member(key), scope);
     }
@@ -326,8 +326,8 @@ class Expander {
   // ---- machines
 
   Json machine(const Json& written, const Place& place, Scope& scope) {
-    if (!isNamed(written) && !written.is_array()) return filled(written, place, scope);
-    Json out = Json::object();
+    if (!isNamed(written) && !written.isList()) return filled(written, place, scope);
+    Json out = Json::members();
     joinMachine(written, place, scope, out);
     return out;
   }
@@ -339,13 +339,13 @@ class Expander {
                      joinMachine(found, there, inner, out);
                    });
     }
-    if (written.is_array()) {
+    if (written.isList()) {
       for (std::size_t index = 0; index < written.size(); ++index) {
         joinMachine(written[index], {place.at, place.element(index).written}, scope, out);
       }
       return;
     }
-    if (!written.is_object()) place.fail("a machine or the name of one is wanted");
+    if (!written.isMembers()) place.fail("a machine or the name of one is wanted");
     merge(written, place, scope, out);
   }
 
@@ -356,9 +356,9 @@ class Expander {
       const Place own = target(place, name, key);
       if (!out.contains(name)) {
         out[name] = filled(each, own, scope);
-      } else if (out[name].is_object() && each.is_object()) {
+      } else if (out[name].isMembers() && each.isMembers()) {
         merge(each, own, scope, out[name]);
-      } else if (out[name].is_array() && each.is_array()) {
+      } else if (out[name].isList() && each.isList()) {
         append(each, own, scope, out[name]);
       } else {
         own.fail(inQuotes(name) + " stands twice");
@@ -376,8 +376,8 @@ class Expander {
   // ---- expectations
 
   Json expected(const Json& written, const Place& place, Scope& scope) {
-    if (!isNamed(written) && !written.is_structured()) return filled(written, place, scope);
-    Json out = Json::object();
+    if (!isNamed(written) && !written.isStructured()) return filled(written, place, scope);
+    Json out = Json::members();
     joinExpected(written, place, scope, out);
     return out;
   }
@@ -389,13 +389,13 @@ class Expander {
                      joinExpected(found, there, inner, out);
                    });
     }
-    if (written.is_array()) {
+    if (written.isList()) {
       for (std::size_t index = 0; index < written.size(); ++index) {
         joinExpected(written[index], {place.at, place.element(index).written}, scope, out);
       }
       return;
     }
-    if (!written.is_object()) place.fail("expectations or the name of some are wanted");
+    if (!written.isMembers()) place.fail("expectations or the name of some are wanted");
     for (const auto& [key, each] : written.items()) {
       const std::string name = newKey(key, place, scope, out);
       const Place own = target(place, name, key);
@@ -404,16 +404,16 @@ class Expander {
   }
 
   Json boxesOf(const Json& written, const Place& place, Scope& scope) {
-    if (!isNamed(written) && !written.is_array()) return filled(written, place, scope);
+    if (!isNamed(written) && !written.isList()) return filled(written, place, scope);
     origins_.note(place.at, place.written);
-    Json out = Json::array();
+    Json out = Json::list();
     joinBoxes(written, place, scope, out);
     return out;
   }
 
   void joinBoxes(const Json& written, const Place& place, Scope& scope, Json& out) {
     if (isNamed(written)) return joinNamedBoxes(written, place, scope, out);
-    if (!written.is_array()) {
+    if (!written.isList()) {
       out.push_back(filled(written, {place.element(out.size()).at, place.written}, scope));
       return;
     }
@@ -425,20 +425,22 @@ class Expander {
   /// An answer beside the name of a box is that of the box.
   void joinNamedBoxes(const Json& written, const Place& place, Scope& scope, Json& out) {
     Json call = written;
-    if (call.is_object()) call.erase("answer");
+    if (call.isMembers()) call.erase("answer");
     named(kind::box, call, place, scope, [&](const Json& found, const Place& there, Scope& inner) {
       joinBoxes(found, there, inner, out);
       if (call.size() < written.size()) giveAnswer(written["answer"], place, scope, out);
     });
   }
 
+  static Json& last(Json& list) { return list[list.size() - 1]; }
+
   void giveAnswer(const Json& written, const Place& place, Scope& scope, Json& out) {
     const Place own = {place.element(out.size() - 1).member("answer").at,
                        place.member("answer").written};
-    if (out.empty() || !out.back().is_object() || out.back().contains("answer")) {
+    if (out.empty() || !last(out).isMembers() || last(out).contains("answer")) {
       own.fail("the box has no place for an answer");
     }
-    out.back()["answer"] = filled(written, own, scope);
+    last(out)["answer"] = filled(written, own, scope);
   }
 
   CommonNames commons_;
@@ -503,14 +505,14 @@ ScenarioAddress addressOf(const std::filesystem::path& written) {
 
 std::vector<std::string> casesOf(const Json& document) {
   std::vector<std::string> names;
-  if (!document.is_object() || !document.contains("cases")) return names;
-  for (const auto& each : document["cases"].items()) names.push_back(each.key());
+  if (!document.isMembers() || !document["cases"].isMembers()) return names;
+  for (const auto& [name, value] : document["cases"].items()) names.push_back(name);
   return names;
 }
 
 WrittenOut writeOut(const Json& document, const std::filesystem::path& folder,
                     const std::optional<std::string>& chosen) {
-  if (!document.is_object()) return {document, nullptr};
+  if (!document.isMembers()) return {document, nullptr};
   requireCase(document, chosen);
   Expander expander(folder);
   Scope scope;

@@ -3,10 +3,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "json/value.h"
 #include "runtime/text.h"
-#include "simulated/value.h"
 
 namespace zev::simulated {
+
+using json::Value;
 
 /// What a shortcut says, under the names that the automation object gives its properties.
 struct ShortcutProperties {

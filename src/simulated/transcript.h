@@ -3,10 +3,12 @@
 #include <string_view>
 #include <vector>
 
+#include "json/value.h"
 #include "observed/instrumentation.h"
-#include "simulated/value.h"
 
 namespace zev::simulated {
+
+using json::Value;
 
 /// One event of a run: members, of which the first, `event`, names its kind.
 using Event = Value;

@@ -31,8 +31,9 @@ const Arrows allowed = {
     {"destination", {"system"}},
     {"wizard", {"package", "destination"}},
     {"digest", {}},
-    {"simulated", {"runtime", "code_page", "platform", "observed", "lz", "digest"}},
-    {"scenario", {"code_page", "platform"}},
+    {"json", {"runtime"}},
+    {"simulated", {"runtime", "json", "code_page", "platform", "observed", "lz", "digest"}},
+    {"scenario", {"json", "code_page", "platform"}},
     {"win32", {"runtime", "platform", "lz", "win32_sockets"}},
     {"posix", {"runtime", "code_page", "platform"}},
 };
@@ -40,6 +41,7 @@ const Arrows allowed = {
 /// The namespace of all code in a folder and those within it. What stands in no such folder has the
 /// project's own, `zev`.
 const std::map<std::string, std::string> namespaces = {
+    {"json", "zev::json"},
     {"lz", "zev::lz"},
     {"observed", "zev::observed"},
     {"posix", "zev::posix"},

@@ -397,8 +397,8 @@ TEST(LayOut, BreaksWhatIsLongerThanALine) {
 
 TEST(LayOut, FillsALineToItsLastColumn) {
   const std::string longest(95, 'x');
-  EXPECT_EQ(layOut(Json{longest + "y"}), "[\"" + longest + "y\"]\n");
-  EXPECT_EQ(layOut(Json{longest + "yz"}), "[\n  \"" + longest + "yz\" ]\n");
+  EXPECT_EQ(layOut(Json::list({longest + "y"})), "[\"" + longest + "y\"]\n");
+  EXPECT_EQ(layOut(Json::list({longest + "yz"})), "[\n  \"" + longest + "yz\" ]\n");
 }
 
 TEST(LayOut, BeginsALineWithEachCaseAndEachName) {

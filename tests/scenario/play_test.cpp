@@ -317,7 +317,7 @@ TEST(Play, CountsWhatDoesNotHold) {
 TEST(Play, PlaysManyMachinesSideBySide) {
   const ToyPlay first(R"({"machine": {"user": "ann"}, "script": [{"click": "Command2"}]})");
   const ToyPlay second(R"({"script": [{"click": "Command6"}]})");
-  EXPECT_TRUE(first.stage->ended().is_null());
+  EXPECT_TRUE(first.stage->ended().isNull());
   EXPECT_EQ(second.stage->ended(), "exit");
   EXPECT_TRUE(first.stage->machine().disks().exists(u"C:\\Users\\ann"));
   EXPECT_FALSE(second.stage->machine().disks().exists(u"C:\\Users\\ann"));

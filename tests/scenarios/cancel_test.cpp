@@ -69,7 +69,7 @@ TEST(CancelInTheRun, RefusedAtEveryPassChangesNothing) {
                       {"click": "Command2"},)" +
                    script + R"({"click": "Command2"}]})");
   EXPECT_EQ(refused.events("box").size(), passesOfARun);
-  EXPECT_TRUE(refused.ended().is_null());
+  EXPECT_TRUE(refused.ended().isNull());
   EXPECT_EQ(refused.machine().state(), clean.machine().state());
 }
 

@@ -77,7 +77,7 @@ TEST(CutPackage, BelowTheSmallestLengthItIsRefusedBeforeAnythingIsWritten) {
     EXPECT_EQ(run.events("box")[0]["title"], "ZEV Screen Recorder");
     EXPECT_EQ(run.events("box")[0]["style"], 48);
     for (const simulated::Event& event : run.events("file")) EXPECT_EQ(event["op"], "mkdir");
-    EXPECT_TRUE(run.ended().is_null());
+    EXPECT_TRUE(run.ended().isNull());
   }
 }
 
@@ -86,7 +86,7 @@ TEST(CutPackage, AtAnyLengthNothingButTheTargetsIsTouched) {
     SCOPED_TRACE(cut);
     WholeRun run = install(R"({"cutEnd": )" + std::string(cut) + "}");
     expectNothingElseTouched(run);
-    EXPECT_FALSE(run.ended().is_object()) << run.ended();
+    EXPECT_FALSE(run.ended().isMembers()) << run.ended();
     EXPECT_EQ(run.machine().openHandles().files, 0u);
   }
 }

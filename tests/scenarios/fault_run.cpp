@@ -86,7 +86,7 @@ std::string faultOf(const Call& call) {
 // ---- the person
 
 std::optional<scenario::Step> Leaver::goOn() {
-  if (!stage->ended().is_null() || left_) return std::nullopt;
+  if (!stage->ended().isNull() || left_) return std::nullopt;
   left_ = true;
   const auto caption = stage->play().verdictOn({"Form1.Command2.Caption", nullptr, "$"});
   finished = caption.value().found == "Finish";

@@ -46,7 +46,7 @@ class Leaver final : public scenario::Audience {
   }
 
   /// Of a program that has ended before it could be used.
-  bool refused(const scenario::ScenarioError&) override { return !stage->ended().is_null(); }
+  bool refused(const scenario::ScenarioError&) override { return !stage->ended().isNull(); }
 
   simulator::SimulatedStage* stage = nullptr;  ///< that the person looks at
   bool finished = false;

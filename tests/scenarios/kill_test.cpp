@@ -166,7 +166,7 @@ class Installer final : public scenario::Audience {
   void starts() override { done_ = 0; }
   std::optional<scenario::Step> goOn() override {
     static const char* const clicks[] = {"Command2", "Option1", "Command2", "Command2", "Command2"};
-    if (!stage_.ended().is_null() || done_ == std::size(clicks)) return std::nullopt;
+    if (!stage_.ended().isNull() || done_ == std::size(clicks)) return std::nullopt;
     const Json step = {{"click", clicks[done_++]}};
     return scenario::readStep(scenario::JsonReader(step, {}, "$"));
   }
@@ -225,7 +225,7 @@ class KilledRun {
     stage_.perform({&person_});
     if (!change) return;
     EXPECT_TRUE(killer_.struck()) << "nobody was killed";
-    EXPECT_TRUE(stage_.ended().is_null());
+    EXPECT_TRUE(stage_.ended().isNull());
     stage_.perform({&person_});
   }
 

@@ -5,7 +5,6 @@
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
-#include "programs/zevsim/value_json.h"
 #include "scenario/common_names.h"
 #include "scenario/written_out.h"
 #include "simulated/put_text.h"
@@ -45,38 +44,45 @@ std::vector<std::string> findFiles() {
 /// An expectation still stands between the steps around it, and nothing is expected there.
 void emptyExpectations(Json& steps) {
   for (Json& step : steps) {
-    if (step.contains("expect")) step["expect"] = Json::object();
+    if (step.contains("expect")) step["expect"] = Json::members();
   }
+}
+
+/// What a document says of a thing; no members if it says nothing.
+Json membersOf(const Json& document, std::string_view name) {
+  return document.contains(name) ? document.at(name) : Json::members();
 }
 
 /// The length of a package of which nothing else is said; none for one whose bytes matter.
 std::optional<std::int64_t> lengthAlone(const Json& document) {
-  Json package = document.value("package", Json::object());
-  const std::int64_t length = package.value("length", std::int64_t{packageSize + imageSize});
+  Json package = membersOf(document, "package");
+  const auto length = package.contains("length") ? package["length"].get<std::int64_t>()
+                                                 : std::int64_t{packageSize + imageSize};
   package.erase("file");
   package.erase("length");
   return package.empty() ? std::optional(length) : std::nullopt;
 }
 
 bool liesOnSystemDrive(const Json& machine, const std::string& installer) {
-  const Json drives = machine.value("drives", Json::object());
-  return installer.starts_with("C:") && (!drives.contains("C") || !drives["C"].is_null());
+  const Json drives = membersOf(machine, "drives");
+  return installer.starts_with("C:") && (!drives.contains("C") || !drives["C"].isNull());
 }
 
 /// The entries of the scenario's own come later and win.
 void layZeros(Json& document, const std::string& installer, std::int64_t length) {
   document.erase("package");
   Json& machine = document["machine"];
-  if (machine.is_null()) machine = Json::object();
+  if (machine.isNull()) machine = Json::members();
   Json files = {{installer, {{"size", length}}}};
-  const Json own = machine.value("files", Json::object());
+  const Json own = membersOf(machine, "files");
   for (const auto& [path, entry] : own.items()) files[path] = entry;
   machine["files"] = std::move(files);
 }
 
 void layPackage(Json& document) {
-  const Json machine = document.value("machine", Json::object());
-  const std::string installer = machine.value("installer", usualInstaller);
+  const Json machine = membersOf(document, "machine");
+  const std::string installer =
+      machine.contains("installer") ? machine["installer"].text() : usualInstaller;
   const auto length = lengthAlone(document);
   if (length && liesOnSystemDrive(machine, installer)) {
     layZeros(document, installer, *length);
@@ -106,7 +112,7 @@ Json stateOf(simulated::SimulatedMachine& machine) {
     const bool onHost = machine.disks().drive(letter)->host.has_value();
     if (!onHost) shrinkFiles(machine.disks(), Text{letter} + u":\\");
   }
-  return simulator::toJson(machine.state());
+  return machine.state();
 }
 
 void playInto(PlayedStory& story, const Json& document, const std::string& file) {

@@ -53,7 +53,7 @@ std::optional<Json> listIndex(const ShownControl& shown) {
 
 std::optional<Json> list(const ShownControl& shown) {
   if (shown.control.kind() != ControlKind::ComboBox) return std::nullopt;
-  Json entries = Json::array();
+  Json entries = Json::list();
   for (const Text& each : shown.hand.entries(shown.form, shown.control)) {
     entries.push_back(toUtf8(each));
   }

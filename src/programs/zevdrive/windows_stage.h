@@ -50,7 +50,7 @@ class WindowsStage final : public scenario::Stage {
   void restart() override;
 
  private:
-  bool running() const { return program_ && play_->ended().is_null(); }
+  bool running() const { return program_ && play_->ended().isNull(); }
   WindowHand hand() const { return WindowHand(program_->windows()); }
   void settle();
 

@@ -71,7 +71,7 @@ struct Finder {
 }  // namespace
 
 std::optional<std::string> hindranceOf(const scenario::Step& step, SimulatedStage& stage) {
-  if (!stage.ended().is_null()) return std::nullopt;
+  if (!stage.ended().isNull()) return std::nullopt;
   return std::visit(Finder{stage}, step.action);
 }
 

@@ -215,7 +215,7 @@ void Prompt::tellNotices() {
 
 /// With its list of controls, a line to be told and the prompt, a form fits on the screen.
 std::string Prompt::drawn(SimulatedStage& stage) const {
-  if (!stage.ended().is_null()) {
+  if (!stage.ended().isNull()) {
     return "The program has ended: " + stage.ended().dump() +
            "\nrestart starts it anew, quit leaves.\n";
   }

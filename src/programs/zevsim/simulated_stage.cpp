@@ -5,7 +5,6 @@
 
 #include "programs/zevsim/machine_setup.h"
 #include "programs/zevsim/meant.h"
-#include "programs/zevsim/value_json.h"
 #include "scenario/expectation.h"
 
 namespace zev::simulator {
@@ -63,14 +62,14 @@ std::optional<Json> listFact(const Component& component, TextView name) {
   if (combo == nullptr) return std::nullopt;
   if (equalText(name, u"ListCount")) return combo->ListCount();
   if (!equalText(name, u"List")) return std::nullopt;
-  Json entries = Json::array();
+  Json entries = Json::list();
   for (const Text& each : entriesOf(*combo)) entries.push_back(toUtf8(each));
   return entries;
 }
 
 Json shortcut(SimulatedStage& stage, std::string_view path) {
   const auto properties = stage.machine().shortcut(fromUtf8(path));
-  return properties ? toJson(simulated::told(*properties)) : Json(nullptr);
+  return properties ? simulated::told(*properties) : Json(nullptr);
 }
 
 Json calls(SimulatedStage& stage, std::string_view name) { return stage.machine().calls(name); }
@@ -86,7 +85,7 @@ Json global(SimulatedStage& stage, std::string_view name) {
 
 /// What was started or opened, in its order, each as an expectation writes it whole.
 Json startsOf(const std::vector<simulated::Start>& starts, const char* what) {
-  Json found = Json::array();
+  Json found = Json::list();
   for (const simulated::Start& each : starts) {
     found.push_back(
         {{what, toUtf8(each.what)}, {"style", each.style}, {"directory", toUtf8(each.directory)}});
@@ -103,7 +102,7 @@ Json opened(SimulatedStage& stage, std::string_view) {
 }
 
 Json dde(SimulatedStage& stage, std::string_view) {
-  Json list = Json::array();
+  Json list = Json::list();
   for (const Text& each : stage.machine().records().dde) list.push_back(toUtf8(each));
   return list;
 }
@@ -128,22 +127,21 @@ class SimulatedStage::Teller final : public scenario::Audience {
   explicit Teller(simulated::Transcript& transcript) : transcript_(transcript) {}
 
   void stepBegins(const scenario::Step& step) override {
-    if (transcript_.wants("step"))
-      transcript_.add({{"event", "step"}, {"step", fromJson(step.source)}});
+    if (transcript_.wants("step")) transcript_.add({{"event", "step"}, {"step", step.source}});
   }
   void judged(const scenario::KeyedValue& expectation, const scenario::Verdict* verdict) override {
     if (!transcript_.wants("expect") || verdict == nullptr) return;
     transcript_.add({{"event", "expect"},
                      {"key", expectation.key},
                      {"held", verdict->held},
-                     {"expected", fromJson(expectation.value)},
-                     {"found", fromJson(verdict->found)}});
+                     {"expected", expectation.value},
+                     {"found", verdict->found}});
   }
   void ended(const Json& how) override {
     if (!transcript_.wants("end")) return;
-    Json event{{"event", "end"}, {"how", how.is_object() ? Json("error") : how}};
-    if (how.is_object()) event.update(how);
-    transcript_.add(fromJson(event));
+    Json event{{"event", "end"}, {"how", how.isMembers() ? Json("error") : how}};
+    if (how.isMembers()) event.update(how);
+    transcript_.add(std::move(event));
   }
 
  private:
@@ -199,7 +197,7 @@ void SimulatedStage::live() {
   program_ = factory_(machine_.platform());
   play_->hasForms();
   runProgram();
-  while (!ended().is_null() && play_->step()) {
+  while (!ended().isNull() && play_->step()) {
   }
 }
 
@@ -239,7 +237,7 @@ Control* SimulatedStage::focused() {
 
 /// Of a program that has ended nothing shows, though its forms are still there to be asked.
 scenario::Sight SimulatedStage::sight() {
-  return ended().is_null() ? scenario::sightOf(forms()) : scenario::Sight();
+  return ended().isNull() ? scenario::sightOf(forms()) : scenario::Sight();
 }
 
 std::optional<Json> SimulatedStage::value(Component& component, std::string_view property) {

@@ -27,8 +27,11 @@ Json jsonOf(std::string_view text) {
 
 /// A value as it is typed: in JSON if it is some, and else a text.
 Json valueOf(std::string_view text) {
-  Json value = Json::parse(text, nullptr, false);
-  return value.is_discarded() ? Json(text) : value;
+  try {
+    return json::parse(text);
+  } catch (const std::runtime_error&) {
+    return text;
+  }
 }
 
 // Controls and what is in them.
@@ -99,12 +102,12 @@ Json controlArgument(std::string_view rest, const Desk& desk) { return controlNa
 
 Json controlAndEntry(std::string_view rest, const Desk& desk) {
   const std::string control = takeList(rest, desk);
-  return Json::array({control, entryNamed(rest, control, desk)});
+  return Json::list({control, entryNamed(rest, control, desk)});
 }
 
 Json controlAndText(std::string_view rest, const Desk& desk) {
   const std::string control = controlNamed(takeWord(rest), desk);
-  return Json::array({control, rest});
+  return Json::list({control, rest});
 }
 
 Json textArgument(std::string_view rest, const Desk&) { return rest; }
@@ -123,9 +126,9 @@ Json formArgument(std::string_view rest, const Desk& desk) {
 }
 
 Json answersArgument(std::string_view rest, const Desk&) {
-  Json answers = Json::array();
+  Json answers = Json::list();
   std::string_view probe = rest;
-  if (takeWord(probe) == "text") return Json::array({{{"text", probe}}});
+  if (takeWord(probe) == "text") return Json::list({Json{{"text", probe}}});
   while (!rest.empty()) answers.push_back(takeWord(rest));
   return answers;
 }
@@ -199,7 +202,7 @@ scenario::Step parseLine(const std::string& line, const Form* active,
   if (rest.starts_with('{')) return stepOf(jsonOf(rest));
   const std::string_view word = verbMeant(takeWord(rest), rest, desk);
   for (const TypedVerb& verb : typedVerbs) {
-    if (verb.word == word) return stepOf(Json{{word, verb.value(rest, desk)}});
+    if (verb.word == word) return stepOf(Json{{std::string(word), verb.value(rest, desk)}});
   }
   failUnknown(word, line, desk);
 }

@@ -138,7 +138,7 @@ void printSummary(SimulatedStage& stage, const Tally& tally, RealClock::duration
       << "time:             " << std::fixed << std::setprecision(2) << simulated
       << " s on the simulated machine, " << seconds << " s here\n"
       << std::defaultfloat
-      << "end:              " << (stage.ended().is_null() ? "still running" : stage.ended().dump())
+      << "end:              " << (stage.ended().isNull() ? "still running" : stage.ended().dump())
       << std::endl;
 }
 

@@ -1,11 +1,11 @@
-#include "simulated/value.h"
+#include "json/value.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <stdexcept>
 
-namespace zev::simulated {
+namespace zev::json {
 namespace {
 
 TEST(Value, KeepsMembersInTheOrderInWhichTheyCame) {
@@ -37,7 +37,12 @@ TEST(Value, IsEqualToTheNumberOfAnyType) {
   EXPECT_NE(Value(-1), most);
   EXPECT_EQ(Value(most), most);
   EXPECT_EQ(Value(most).dump(), "18446744073709551615");
+  EXPECT_EQ(Value(5), Value(5.0));
+  EXPECT_EQ(Value(1.8446744073709552e19), Value(most));
+  EXPECT_NE(Value(5.5), Value(5));
+  EXPECT_EQ(Value::list({1, 2.0}), Value::list({1.0, 2}));
   EXPECT_NE(Value(1), true);
+  EXPECT_NE(Value(1.0), true);
   EXPECT_NE(Value(1), "1");
 }
 
@@ -45,6 +50,21 @@ TEST(Value, ComparesMembersByOrderAsWell) {
   EXPECT_EQ((Value{{"a", 1}, {"b", "x"}}), (Value{{"a", 1}, {"b", "x"}}));
   EXPECT_NE((Value{{"a", 1}, {"b", "x"}}), (Value{{"b", "x"}, {"a", 1}}));
   EXPECT_NE(Value::list({1, 2}), Value::list({1}));
+}
+
+TEST(Value, TakesOverTheMembersOfAnother) {
+  Value value{{"a", 1}, {"b", 2}};
+  value.update({{"b", "x"}, {"c", nullptr}});
+  EXPECT_EQ(value.dump(), R"({"a":1,"b":"x","c":null})");
+}
+
+TEST(Value, SaysWhatItIs) {
+  EXPECT_TRUE(Value(false).isFlag());
+  EXPECT_TRUE(Value(0.0).isFraction() && !Value(0.0).isNumber());
+  EXPECT_TRUE(Value(-1).isNumber() && !Value(-1).isBeyondSign());
+  EXPECT_TRUE(Value(std::uint64_t{1} << 63).isBeyondSign());
+  EXPECT_TRUE(Value::list().isStructured() && Value::members().isStructured());
+  EXPECT_FALSE(Value("[]").isStructured());
 }
 
 TEST(Value, RefusesToBeWhatItIsNot) {
@@ -70,4 +90,4 @@ TEST(Value, IsWrittenAsJson) {
 }
 
 }  // namespace
-}  // namespace zev::simulated
+}  // namespace zev::json

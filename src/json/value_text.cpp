@@ -5,10 +5,10 @@
 #include <charconv>
 #include <ostream>
 
+#include "json/value.h"
 #include "runtime/text.h"
-#include "simulated/value.h"
 
-namespace zev::simulated {
+namespace zev::json {
 namespace {
 
 constexpr std::string_view escaped = "\"\\\b\f\n\r\t";
@@ -113,4 +113,4 @@ std::string Value::dump(int indent) const {
 
 std::ostream& operator<<(std::ostream& out, const Value& value) { return out << value.dump(); }
 
-}  // namespace zev::simulated
+}  // namespace zev::json

@@ -1,9 +1,9 @@
-#include "simulated/value.h"
+#include "json/value.h"
 
 #include <algorithm>
 #include <stdexcept>
 
-namespace zev::simulated {
+namespace zev::json {
 namespace {
 
 [[noreturn]] void isNo(const char* wanted, const Value& value) {
@@ -59,17 +59,20 @@ Value Value::members() {
 }
 
 bool Value::isNull() const { return std::holds_alternative<std::monostate>(content_); }
+bool Value::isFlag() const { return std::holds_alternative<bool>(content_); }
+bool Value::isFraction() const { return std::holds_alternative<double>(content_); }
 bool Value::isText() const { return std::holds_alternative<std::string>(content_); }
 bool Value::isNumber() const {
   return std::holds_alternative<std::int64_t>(content_) ||
          std::holds_alternative<std::uint64_t>(content_);
 }
+bool Value::isBeyondSign() const { return std::holds_alternative<std::uint64_t>(content_); }
 bool Value::isMembers() const { return std::holds_alternative<std::vector<Member>>(content_); }
 bool Value::isList() const { return std::holds_alternative<std::vector<Value>>(content_); }
 
 std::size_t Value::size() const {
   if (isNull()) return 0;
-  if (isMembers()) return allMembers().size();
+  if (isMembers()) return items().size();
   return isList() ? std::get<std::vector<Value>>(content_).size() : 1;
 }
 
@@ -80,18 +83,28 @@ const std::string& Value::text() const {
   return std::get<std::string>(content_);
 }
 
+double Value::fraction() const {
+  if (!isFraction()) isNo("fraction", *this);
+  return std::get<double>(content_);
+}
+
 std::uint64_t Value::number() const { return std::visit(AsNumber{*this}, content_); }
 
 // ---- members
 
-const std::vector<Value::Member>& Value::allMembers() const {
+const std::vector<Value::Member>& Value::items() const {
+  if (!isMembers()) isNo("value with members", *this);
+  return std::get<std::vector<Member>>(content_);
+}
+
+std::vector<Value::Member>& Value::items() {
   if (!isMembers()) isNo("value with members", *this);
   return std::get<std::vector<Member>>(content_);
 }
 
 const Value* Value::find(std::string_view name) const {
   if (isNull()) return nullptr;
-  for (const Member& each : allMembers()) {
+  for (const Member& each : items()) {
     if (each.name == name) return &each.value;
   }
   return nullptr;
@@ -118,6 +131,14 @@ const Value& Value::at(std::string_view name) const {
   return *found;
 }
 
+void Value::erase(std::string_view name) {
+  std::erase_if(items(), [name](const Member& each) { return each.name == name; });
+}
+
+void Value::update(const Value& members) {
+  for (const auto& [name, value] : members.items()) (*this)[name] = value;
+}
+
 // ---- lists
 
 std::vector<Value>::const_iterator Value::begin() const {
@@ -129,6 +150,13 @@ std::vector<Value>::const_iterator Value::end() const {
   return begin() + static_cast<std::ptrdiff_t>(size());
 }
 
+std::vector<Value>::iterator Value::begin() {
+  if (!isList()) isNo("list", *this);
+  return std::get<std::vector<Value>>(content_).begin();
+}
+
+std::vector<Value>::iterator Value::end() { return begin() + static_cast<std::ptrdiff_t>(size()); }
+
 const Value& Value::element(std::size_t place) const {
   const auto first = begin();
   if (place >= size()) isNo(("element " + std::to_string(place)).c_str(), *this);
@@ -137,17 +165,27 @@ const Value& Value::element(std::size_t place) const {
 
 void Value::push_back(Value value) {
   if (isNull()) content_.emplace<std::vector<Value>>();
-  begin();
+  if (!isList()) isNo("list", *this);
   std::get<std::vector<Value>>(content_).push_back(std::move(value));
 }
 
 // ---- comparison
 
-bool Value::equals(const Value& other) const { return content_ == other.content_; }
+bool Value::equals(const Value& other) const {
+  if (isFraction() && other.isNumber()) return fraction() == other.wholeAsFraction();
+  if (isNumber() && other.isFraction()) return wholeAsFraction() == other.fraction();
+  return content_ == other.content_;
+}
+
+double Value::wholeAsFraction() const {
+  const auto* exact = std::get_if<std::uint64_t>(&content_);
+  return exact != nullptr ? static_cast<double>(*exact)
+                          : static_cast<double>(std::get<std::int64_t>(content_));
+}
 
 bool Value::says(std::string_view text) const {
   const std::string* own = std::get_if<std::string>(&content_);
   return own != nullptr && *own == text;
 }
 
-}  // namespace zev::simulated
+}  // namespace zev::json

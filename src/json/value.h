@@ -11,11 +11,11 @@
 #include <variant>
 #include <vector>
 
-namespace zev::simulated {
+namespace zev::json {
 
-/// What a machine tells of itself: nothing, a flag, a number, a UTF-8 text, a list of values, or
-/// members by their names in the order in which they were added. It is what JSON can say, without
-/// the library: who only tells and asks does not compile it.
+/// What JSON can say: nothing, a flag, a whole number, a fraction, a UTF-8 text, a list of values,
+/// or members by their names in the order in which they were added. Who only tells and asks does
+/// not compile the library that reads it.
 ///
 /// Asking for what a value is not is std::logic_error: a text of a number, a member of a list.
 class Value {
@@ -43,14 +43,21 @@ class Value {
   static Value members();
 
   bool isNull() const;
+  bool isFlag() const;
+  bool isNumber() const;      ///< a whole one
+  bool isBeyondSign() const;  ///< one that no type with a sign holds
+  bool isFraction() const;
   bool isText() const;
-  bool isNumber() const;  ///< a whole one
+  bool isList() const;
+  bool isMembers() const;
+  bool isStructured() const { return isList() || isMembers(); }
 
-  /// Values of a list or of members; nothing has none, anything else is one.
+  /// How many values a list or members have; nothing has none, anything else is one.
   std::size_t size() const;
   bool empty() const { return size() == 0; }
 
   const std::string& text() const;
+  double fraction() const;
   /// The text, number or flag, where the type has to be named.
   template <typename Wanted>
   Wanted get() const {
@@ -66,6 +73,14 @@ class Value {
   bool contains(std::string_view name) const;
   /// A member that has to be there.
   const Value& at(std::string_view name) const;
+  /// All members, in their order.
+  const std::vector<Member>& items() const;
+  std::vector<Member>& items();
+
+  /// Takes a member away, if it is there.
+  void erase(std::string_view name);
+  /// Takes members over, each in place of the one of its name.
+  void update(const Value& members);
 
   /// A value of a list, counted from 0.
   template <std::integral Place>
@@ -73,11 +88,17 @@ class Value {
     return at(place);
   }
   template <std::integral Place>
+  Value& operator[](Place place) {
+    return const_cast<Value&>(element(static_cast<std::size_t>(place)));
+  }
+  template <std::integral Place>
   const Value& at(Place place) const {
     return element(static_cast<std::size_t>(place));
   }
   std::vector<Value>::const_iterator begin() const;
   std::vector<Value>::const_iterator end() const;
+  std::vector<Value>::iterator begin();
+  std::vector<Value>::iterator end();
   /// Adds to a list; nothing becomes one.
   void push_back(Value value);
 
@@ -85,6 +106,7 @@ class Value {
   /// indented by so many blanks more.
   std::string dump(int indent = -1) const;
 
+  // Numbers are equal if they say the same, members only in the same order.
   // Within the class, where nothing but a value finds them: a text would else become one.
   friend bool operator==(const Value& first, const Value& second) { return first.equals(second); }
   friend bool operator==(const Value& value, std::string_view text) { return value.says(text); }
@@ -118,10 +140,8 @@ class Value {
   Value(Exact, Whole number);
   bool equals(const Value& other) const;
   bool says(std::string_view text) const;
-  bool isMembers() const;
-  bool isList() const;
   std::uint64_t number() const;
-  const std::vector<Member>& allMembers() const;
+  double wholeAsFraction() const;
   const Value& element(std::size_t place) const;
   const Value* find(std::string_view name) const;
 
@@ -138,4 +158,4 @@ struct Value::Member {
 /// As dump(), for the messages of tests.
 std::ostream& operator<<(std::ostream& out, const Value& value);
 
-}  // namespace zev::simulated
+}  // namespace zev::json
