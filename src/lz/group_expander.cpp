@@ -49,11 +49,22 @@ constexpr std::array<Group, 256> kGroups = [] {
 
 // Of a fixed size, a copy is a load and a store. Copies here go past what they are meant to fill:
 // the bytes behind are filled later, or lie in the slack.
-template <std::size_t size>
+template <typename Word>
 void copyWide(std::uint8_t* to, const std::uint8_t* from) {
-  std::array<std::uint8_t, size> bytes;
-  std::memcpy(bytes.data(), from, size);
-  std::memcpy(to, bytes.data(), size);
+  Word word;
+  std::memcpy(&word, from, sizeof(word));
+  std::memcpy(to, &word, sizeof(word));
+}
+
+// Compilers make one of the two words, but where memory is watched, and a copy of no word is a
+// call.
+void copyTwoWords(std::uint8_t* to, const std::uint8_t* from) {
+  std::uint64_t first;
+  std::uint64_t second;
+  std::memcpy(&first, from, sizeof(first));
+  std::memcpy(&second, from + sizeof(first), sizeof(second));
+  std::memcpy(to, &first, sizeof(first));
+  std::memcpy(to + sizeof(first), &second, sizeof(second));
 }
 
 // A match at a distance below its length: it repeats bytes of its own.
@@ -87,21 +98,21 @@ GroupProgress expandGroups(std::span<const std::uint8_t> input, std::uint8_t* ou
     ++in;
     for (; matches != 0; matches >>= kMatchBits) {
       const std::size_t literals = matches & kLiteralsMask;
-      copyWide<8>(out, in);
+      copyWide<std::uint64_t>(out, in);
       out += literals;
       const MatchToken match{in[literals], in[literals + 1]};
       in += literals + kMatchBytes;
       const std::size_t distance = match.distance(static_cast<std::size_t>(out - origin));
       const std::uint8_t* const from = out - distance;
       if (distance >= match.length()) {
-        copyWide<16>(out, from);
-        copyWide<2>(out + 16, from + 16);
+        copyTwoWords(out, from);
+        copyWide<std::uint16_t>(out + 16, from + 16);
       } else {
         repeat(out, distance, match.length());
       }
       out += match.length();
     }
-    copyWide<8>(out, in);
+    copyWide<std::uint64_t>(out, in);
     out += next - in;
     in = next;
   }

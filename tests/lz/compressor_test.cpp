@@ -103,33 +103,6 @@ TEST(LzCompressor, GivesUpALongerMatchForACheaperWhole) {
   EXPECT_EQ(places, (std::vector<std::size_t>{text.rfind("abc"), text.rfind("def")}));
 }
 
-// The longest stretch at `place` that begins earlier, within reach of any match.
-std::size_t longestMatch(const Bytes& plain, std::size_t place) {
-  const std::size_t reach = std::min(place, kRingSize - kLongestMatch);
-  const std::size_t limit = std::min(plain.size() - place, kLongestMatch);
-  std::size_t longest = 0;
-  for (std::size_t distance = 1; distance <= reach; ++distance) {
-    std::size_t length = 0;
-    while (length < limit && plain[place + length] == plain[place + length - distance]) ++length;
-    longest = std::max(longest, length);
-  }
-  return longest;
-}
-
-// The fewest bits, flags included, that any choice of tokens spends.
-std::size_t fewestBits(const Bytes& plain) {
-  std::vector<std::size_t> bits(plain.size() + 1, 9 * plain.size());
-  bits[0] = 0;
-  for (std::size_t place = 0; place < plain.size(); ++place) {
-    bits[place + 1] = std::min(bits[place + 1], bits[place] + 9);
-    const std::size_t longest = longestMatch(plain, place);
-    for (std::size_t length = kShortestMatch; length <= longest; ++length) {
-      bits[place + length] = std::min(bits[place + length], bits[place] + 17);
-    }
-  }
-  return bits.back();
-}
-
 TEST(LzCompressor, SpendsTheFewestBitsThereAre) {
   for (std::uint32_t seed = 0; seed < 20; ++seed) {
     const Bytes plain = mixture(6000, seed);

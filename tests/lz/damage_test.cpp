@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "lz/encoder.h"
@@ -14,10 +15,10 @@ namespace {
 
 Bytes smallFile() { return compress(mixture(600, 21), 'x'); }
 
-void expectSame(const Bytes& file, const std::string& damage) {
+void expectSame(const Bytes& file, const char* damage, std::size_t place, unsigned by = 0) {
   const Expanded expected = expandByRing(file);
-  ASSERT_EQ(expandBySteps(file), expected) << damage;
-  ASSERT_EQ(expandInMemory(file), expected) << damage << ", in memory";
+  ASSERT_EQ(expandBySteps(file), expected) << damage << place << " by " << by;
+  ASSERT_EQ(expandInMemory(file), expected) << damage << place << " by " << by << ", in memory";
 }
 
 // Shorter than the whole, a file is copied, or its data ends too early.
@@ -25,7 +26,7 @@ TEST(LzDamage, CutAtEveryLength) {
   const Bytes whole = smallFile();
   for (std::size_t length = 0; length < whole.size(); ++length) {
     const Bytes file(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-    expectSame(file, "cut at " + std::to_string(length));
+    expectSame(file, "cut at ", length);
     const std::int32_t expected = length < 8 ? static_cast<std::int32_t>(length) : -3;
     EXPECT_EQ(expandBySteps(file).result, expected) << "cut at " << length;
   }
@@ -36,7 +37,7 @@ TEST(LzDamage, EveryByteInEveryOtherValue) {
   for (std::size_t at = 0; at < file.size(); ++at) {
     for (unsigned flip = 1; flip < 256; ++flip) {
       file[at] ^= static_cast<std::uint8_t>(flip);
-      expectSame(file, "byte " + std::to_string(at) + " flipped by " + std::to_string(flip));
+      expectSame(file, "flipped byte ", at, flip);
       file[at] ^= static_cast<std::uint8_t>(flip);
     }
   }
@@ -88,10 +89,11 @@ TEST(LzDamage, NoiseBehindAHeader) {
     file[10] = static_cast<std::uint8_t>(random());
     file[11] = static_cast<std::uint8_t>(random());
     file[12] = static_cast<std::uint8_t>(random() % 2);
-    for (std::size_t count = random() % 20000; count > 0; --count) {
-      file.push_back(static_cast<std::uint8_t>(random()));
-    }
-    expectSame(file, "file " + std::to_string(i));
+    const auto noise = static_cast<std::ptrdiff_t>(file.size());
+    file.resize(file.size() + random() % 20000);
+    std::generate(file.begin() + noise, file.end(),
+                  [&] { return static_cast<std::uint8_t>(random()); });
+    expectSame(file, "file ", static_cast<std::size_t>(i));
   }
 }
 

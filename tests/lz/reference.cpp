@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "lz/expand.h"
+#include "lz/lzss_format.h"
 #include "lz/memory_stream.h"
 
 namespace zev::lz {
@@ -11,47 +13,58 @@ namespace {
 
 constexpr Bytes::value_type kReferenceMagic[] = {0x53, 0x5A, 0x44, 0x44, 0x88, 0xF0, 0x27, 0x33};
 
-class Ring {
- public:
-  void put(std::uint8_t value, Bytes& out) {
-    cells_[at_] = value;
-    at_ = (at_ + 1) % cells_.size();
-    out.push_back(value);
-  }
-  std::uint8_t get(std::size_t position) const { return cells_[position % cells_.size()]; }
+// Two bytes give 18 at most.
+constexpr std::size_t kMostOfAByte = 9;
 
- private:
-  Bytes cells_ = Bytes(4096, ' ');
-  std::size_t at_ = 4096 - 16;
-};
-
-Expanded expandData(std::span<const std::uint8_t> data, std::uint32_t length) {
-  Ring ring;
-  Expanded expanded;
+// Arrays and no containers, whose calls would cost more than the work does: each byte passes here.
+Expanded expandData(std::span<const std::uint8_t> bytes, std::uint32_t length) {
+  const std::uint8_t* const data = bytes.data();
+  const std::size_t size = bytes.size();
+  Bytes made(std::min<std::size_t>(length, size * kMostOfAByte));
+  std::uint8_t* const out = made.data();
+  std::size_t count = 0;
+  std::uint8_t ring[4096];
+  std::fill(std::begin(ring), std::end(ring), std::uint8_t{' '});
+  std::size_t last = 4096 - 16;
   std::size_t at = 0;
   unsigned flags = 1;  // a 1 alone says that the next flag byte is due
-  while (expanded.bytes.size() < length) {
+  while (count < length) {
     if (flags == 1) {
-      if (at == data.size()) break;
+      if (at == size) break;
       flags = 0x100U | data[at++];
     }
     const bool literal = (flags & 1) != 0;
     flags >>= 1;
-    if (data.size() - at < (literal ? 1U : 2U)) break;
+    if (size - at < (literal ? 1U : 2U)) break;
     if (literal) {
-      ring.put(data[at++], expanded.bytes);
+      out[count++] = ring[last++ % 4096] = data[at++];
       continue;
     }
-    const std::size_t position = data[at] + 256U * (data[at + 1] / 16U);
-    const std::size_t count = data[at + 1] % 16U + 3U;
+    std::size_t from = data[at] + 256U * (data[at + 1] / 16U);
+    std::size_t left = data[at + 1] % 16U + 3U;
     at += 2;
-    for (std::size_t i = 0; i < count && expanded.bytes.size() < length; ++i) {
-      ring.put(ring.get(position + i), expanded.bytes);
+    for (; left > 0 && count < length; --left) {
+      out[count++] = ring[last++ % 4096] = ring[from++ % 4096];
     }
   }
-  const bool whole = expanded.bytes.size() == length;
-  expanded.result = whole ? static_cast<std::int32_t>(length) : -3;
-  return expanded;
+  made.resize(count);
+  return {count == length ? static_cast<std::int32_t>(length) : -3, std::move(made)};
+}
+
+// The longest stretch at `place` that begins earlier, within reach of any match.
+std::size_t longestMatch(std::span<const std::uint8_t> plain, std::size_t place) {
+  const std::size_t reach = std::min(place, kRingSize - kLongestMatch);
+  const std::size_t limit = std::min(plain.size() - place, kLongestMatch);
+  const std::uint8_t* const at = plain.data() + place;
+  std::size_t longest = 0;
+  for (std::size_t distance = 1; distance <= reach && longest < limit; ++distance) {
+    const std::uint8_t* const earlier = at - distance;
+    if (at[longest] != earlier[longest]) continue;  // not longer than the longest yet
+    std::size_t length = 0;
+    while (length < limit && at[length] == earlier[length]) ++length;
+    longest = std::max(longest, length);
+  }
+  return longest;
 }
 
 }  // namespace
@@ -75,6 +88,19 @@ Expanded expandByRing(std::span<const std::uint8_t> bytes) {
   const std::uint32_t length =
       bytes[10] + 0x100U * bytes[11] + 0x10000U * bytes[12] + 0x1000000U * bytes[13];
   return expandData(bytes.subspan(14), length);
+}
+
+std::size_t fewestBits(std::span<const std::uint8_t> plain) {
+  std::vector<std::size_t> bits(plain.size() + 1, 9 * plain.size());
+  bits[0] = 0;
+  for (std::size_t place = 0; place < plain.size(); ++place) {
+    bits[place + 1] = std::min(bits[place + 1], bits[place] + 9);
+    const std::size_t longest = longestMatch(plain, place);
+    for (std::size_t length = kShortestMatch; length <= longest; ++length) {
+      bits[place + length] = std::min(bits[place + length], bits[place] + 17);
+    }
+  }
+  return bits.back();
 }
 
 Expanded expandBySteps(std::span<const std::uint8_t> bytes, std::size_t step) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <ostream>
 #include <span>
@@ -27,5 +28,8 @@ Expanded expandBySteps(std::span<const std::uint8_t> bytes, std::size_t step = 1
 
 /// The same by `expand` from memory, where nothing lies behind the bytes, into memory.
 Expanded expandInMemory(std::span<const std::uint8_t> bytes);
+
+/// The fewest bits, flags included, that any choice of tokens spends on `plain`.
+std::size_t fewestBits(std::span<const std::uint8_t> plain);
 
 }  // namespace zev::lz

@@ -80,7 +80,9 @@ class SampleProductTest : public testing::Test {
     const std::string path = std::string(ZEV_SAMPLE) + "/" + row.installedName;
     std::ifstream in(path, std::ios::binary);
     if (!in) throw std::runtime_error("no file of the sample product: " + path);
-    return {row.packedName, row.installedName, Bytes(std::istreambuf_iterator<char>(in), {}), {}};
+    Bytes bytes(static_cast<std::size_t>(std::filesystem::file_size(path)));
+    in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    return {row.packedName, row.installedName, std::move(bytes), {}};
   }
 };
 

@@ -229,11 +229,11 @@ TEST(ByteQueue, AdoptsTheFrontOfAVector) {
 /// Small pieces off a long queue: in quadratic time this would take minutes.
 TEST(ByteQueue, ServesManySmallPiecesOfMuch) {
   ByteQueue queue;
-  const std::vector<std::uint8_t> much(std::size_t{8} << 20, 7);
+  const std::vector<std::uint8_t> much(std::size_t{32} << 20, 7);
   queue.append(much);
   std::size_t taken = 0;
   while (!queue.empty()) {
-    taken += queue.take(4).size();
+    taken += queue.take(128).size();
     if (taken % 4096 == 0 && taken < much.size() / 2) queue.append({much.data(), 16});
   }
   EXPECT_GT(taken, much.size());

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -10,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "runtime/error.h"
 #include "socket/bench.h"
 #include "socket/event_socket.h"
 #include "socket/watched_services.h"
@@ -23,15 +21,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 /// What an action raises, as in "40020 CEventSocket.Connect: Invalid operation at current state";
 /// "nothing" if it raises nothing.
-inline std::string raised(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const RuntimeError& error) {
-    return std::to_string(error.number()) + ' ' + toUtf8(error.source()) + ": " +
-           toUtf8(error.description());
-  }
-  return "nothing";
-}
+std::string raised(const std::function<void()>& action);
 
 inline std::string wrongState(const std::string& operation) {
   return "40020 CEventSocket." + operation + ": Invalid operation at current state";
@@ -64,50 +54,19 @@ class Recorder {
   SocketEvents then;
   std::int32_t request = -1;  ///< of the last ConnectionRequest
 
-  Recorder() = default;
+  Recorder();
+  ~Recorder();
   Recorder(const Recorder&) = delete;
   Recorder& operator=(const Recorder&) = delete;
 
-  void watch(SocketEvents& events) {
-    events.CloseSck = [this] { note("CloseSck", then.CloseSck); };
-    events.Connect = [this] { note("Connect", then.Connect); };
-    events.ConnectionRequest = [this](std::int32_t requestID) {
-      request = requestID;
-      note("ConnectionRequest", then.ConnectionRequest, requestID);
-    };
-    events.DataArrival = [this](std::int32_t bytesTotal) {
-      note("DataArrival " + std::to_string(bytesTotal), then.DataArrival, bytesTotal);
-    };
-    events.Error = [this](const SocketErrorArguments& arguments) { noteError(arguments); };
-    events.SendComplete = [this] { note("SendComplete", then.SendComplete); };
-    events.SendProgress = [this](std::int32_t sent, std::int32_t remaining) {
-      note("SendProgress " + std::to_string(sent) + ' ' + std::to_string(remaining),
-           then.SendProgress, sent, remaining);
-    };
-  }
+  void watch(SocketEvents& events);
 
-  bool has(const std::string& line) const {
-    return std::find(log.begin(), log.end(), line) != log.end();
-  }
+  bool has(const std::string& line) const;
 
  private:
-  /// A copy of the procedure: it may take its own place.
   template <typename Event, typename... Arguments>
-  void note(std::string line, const Event& event, Arguments&&... arguments) {
-    log.push_back(std::move(line));
-    const Event procedure = event;
-    if (procedure) procedure(std::forward<Arguments>(arguments)...);
-  }
-
-  void noteError(const SocketErrorArguments& arguments) {
-    EXPECT_EQ(arguments.sCode, 0);
-    EXPECT_EQ(arguments.HelpFile, u"");
-    EXPECT_EQ(arguments.HelpContext, 0);
-    EXPECT_TRUE(arguments.CancelDisplay);
-    note("Error " + std::to_string(arguments.Number) + ' ' + toUtf8(arguments.Source) + ": " +
-             toUtf8(arguments.Description),
-         then.Error, arguments);
-  }
+  void note(std::string line, const Event& event, Arguments&&... arguments);
+  void noteError(const SocketErrorArguments& arguments);
 };
 
 /// A socket whose events are recorded. Its owner lets go of it by resetting `socket`.
@@ -115,9 +74,8 @@ class Watched : public Recorder {
  public:
   std::shared_ptr<CEventSocket> socket;
 
-  explicit Watched(modEventSocket& module) : socket(CEventSocket::create(module)) {
-    watch(socket->events);
-  }
+  explicit Watched(modEventSocket& module);
+  ~Watched();
   CEventSocket* operator->() const { return socket.get(); }
 };
 
@@ -126,30 +84,10 @@ class Watched : public Recorder {
 class SocketTest : public testing::Test {
  protected:
   SocketTest() : SocketTest(makeBench()) {}
-  explicit SocketTest(std::unique_ptr<Bench> made)
-      : bench(std::move(made)),
-        services(bench->sockets(), bench->windows(), bench->kernel()),
-        calls(services.calls),
-        module(SocketServices{services.sockets, services.windows, services.kernel, dialogs}) {
-    module.trace().setReader([this](const Text& line) { trace.push_back(toUtf8(line)); });
-  }
+  explicit SocketTest(std::unique_ptr<Bench> made);
+  ~SocketTest() override;
 
-  void TearDown() override {
-    EXPECT_EQ(module.InstanceCount(), 0);
-    EXPECT_FALSE(module.ServiceStarted());
-    EXPECT_EQ(module.lngWindowHandle(), 0);
-    EXPECT_EQ(module.thunk().ThunkBlock(), nullptr);
-    EXPECT_EQ(module.thunk().SubclassedWindow(), 0u);
-    EXPECT_EQ(module.thunk().resolveTable().count(), 0);
-    EXPECT_EQ(module.thunk().socketTable().count(), 0);
-    EXPECT_FALSE(module.SocketCollectionCount());
-    EXPECT_FALSE(module.AcceptCollectionCount());
-    EXPECT_EQ(module.instances().entries(), 0u);
-    EXPECT_LE(bench->openSockets(), 0);
-    EXPECT_LE(bench->openWindows(), 0);
-    EXPECT_EQ(calls.count("VirtualAlloc"), calls.count("VirtualFree"));
-    EXPECT_NO_THROW(module.rethrowEscaped());
-  }
+  void TearDown() override;
 
   /// Dispatches until it holds; false if that takes more than five seconds of the bench's clock.
   template <typename Predicate>
@@ -162,38 +100,18 @@ class SocketTest : public testing::Test {
     return holds();
   }
   /// Dispatches until nothing more comes for a while.
-  void settle() {
-    for (int messages = 0; messages < 1000 && bench->pump(60); ++messages) {
-    }
-  }
-  bool pumpTo(const Watched& socket, SocketState state) {
-    return pumpUntil([&] { return socket->State() == state; });
-  }
+  void settle();
+  bool pumpTo(const Watched& socket, SocketState state);
 
   /// Posts a notification of a socket as the system does.
   void notify(std::int32_t socket, std::int32_t event, std::int32_t errorCode = 0) {
     postToWindow(WM_SOCKET_EVENT, socket, event, errorCode);
   }
   void postToWindow(std::uint32_t message, std::int32_t handle, std::int32_t lowWord,
-                    std::int32_t highWord) {
-    const auto lParam = static_cast<std::int32_t>(static_cast<std::uint32_t>(highWord) << 16 |
-                                                  static_cast<std::uint32_t>(lowWord));
-    bench->post({static_cast<std::uint32_t>(module.lngWindowHandle()), message,
-                 static_cast<std::uint32_t>(handle), lParam});
-  }
+                    std::int32_t highWord);
 
   /// Makes `server` take what `client` connects to `listener`.
-  void connectPair(Watched& listener, Watched& client, Watched& server) {
-    listener->Listen();
-    listener.then.ConnectionRequest = [&server](std::int32_t request) { server->Accept(request); };
-    client->Connect(listener->LocalIP(), listener->LocalPort());
-    ASSERT_TRUE(pumpTo(client, sckConnected)) << client->State();
-    ASSERT_TRUE(pumpTo(server, sckConnected)) << server->State();
-    settle();
-    listener.log.clear();
-    client.log.clear();
-    server.log.clear();
-  }
+  void connectPair(Watched& listener, Watched& client, Watched& server);
 
   void bindUdp(Watched& socket) {
     socket->Protocol(ProtocolUDP);
@@ -216,20 +134,16 @@ class SocketTest : public testing::Test {
 /// Two ends of a connection over the bench's network, and the listener that it came by.
 class ConnectedTest : public SocketTest {
  protected:
-  ConnectedTest() = default;
-  explicit ConnectedTest(std::unique_ptr<Bench> made) : SocketTest(std::move(made)) {}
+  ConnectedTest() : ConnectedTest(makeBench()) {}
+  explicit ConnectedTest(std::unique_ptr<Bench> made);
+  ~ConnectedTest() override;
 
-  void SetUp() override { ASSERT_NO_FATAL_FAILURE(connectPair(*listener, *client, *server)); }
-  void TearDown() override {
-    client.reset();
-    server.reset();
-    listener.reset();
-    SocketTest::TearDown();
-  }
+  void SetUp() override;
+  void TearDown() override;
 
-  std::unique_ptr<Watched> listener = std::make_unique<Watched>(module);
-  std::unique_ptr<Watched> client = std::make_unique<Watched>(module);
-  std::unique_ptr<Watched> server = std::make_unique<Watched>(module);
+  std::unique_ptr<Watched> listener;
+  std::unique_ptr<Watched> client;
+  std::unique_ptr<Watched> server;
 };
 
 }  // namespace zev::socket_bench

@@ -362,6 +362,7 @@ class GetOSNameTables : public testing::Test {
     return name;
   }
   void compare(FakeSystem& system) {
+    system.log.clear();
     ASSERT_EQ(nameOf(system), expected(system))
         << "platform " << system.platform << " version " << system.major << "." << system.minor
         << " build " << system.build << " suite " << system.suite << " product "
@@ -430,6 +431,7 @@ TEST_F(GetOSNameTables, AgreeOnEveryEditionOfVersion6) {
   EXPECT_EQ(widths.unused(), std::vector<std::string>());
 }
 
+// One suite or metric at a time is enough: rows that are reached so are reached.
 TEST_F(GetOSNameTables, HaveNoRowThatNoSystemReaches) {
   FakeSystem system;
   for (system.platform = 0; system.platform <= 4; ++system.platform) {
@@ -442,10 +444,10 @@ TEST_F(GetOSNameTables, HaveNoRowThatNoSystemReaches) {
         }
         for (const std::uint8_t type : productTypes) {
           system.productType = type;
-          for (unsigned suites = 0; suites < 1u << std::size(suiteBits); ++suites) {
-            system.suite = suiteOf(suites);
-            for (unsigned metrics = 0; metrics < 16; ++metrics) {
-              system.metrics = metricsOf(metrics);
+          for (unsigned suite = 0; suite <= std::size(suiteBits); ++suite) {
+            system.suite = suiteOf(1u << suite >> 1);
+            for (unsigned metric = 0; metric <= std::size(metricNumbers); ++metric) {
+              system.metrics = metricsOf(1u << metric >> 1);
               names(system);
             }
             system.metrics.clear();

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 
 #include "runtime/error.h"
 #include "simulated/put_text.h"
@@ -28,9 +29,9 @@ std::string localOf(const std::string& user) { return profileOf(user) + "\\AppDa
 std::string productOf(const std::string& user) { return localOf(user) + "\\Tavorns\\ZEV5"; }
 std::string line(std::int32_t number) { return std::to_string(number) + "\r\n"; }
 
-class OtherUsers : public WatchedMachine, public testing::Test {
- protected:
-  OtherUsers() {
+class UsersOnAMachine : public WatchedMachine {
+ public:
+  UsersOnAMachine() {
     globals().gOSClass = 4;
     globals().gProductVersion = 21;
     globals().gUserData = fromUtf8(productOf("bob"));
@@ -92,6 +93,8 @@ class OtherUsers : public WatchedMachine, public testing::Test {
   static constexpr std::int32_t selected = 2;
   Table table = Table::read("user_settings.tsv");
 };
+
+class OtherUsers : public UsersOnAMachine, public testing::Test {};
 
 // ---- the settings
 
@@ -427,13 +430,19 @@ Profile profileNumber(int number) {
   return made;
 }
 
-class FiftyProfiles : public OtherUsers {
- protected:
-  FiftyProfiles() {
+/// The profiles behind a first walk over them, which all cases look at.
+class WalkedProfiles : public UsersOnAMachine {
+ public:
+  WalkedProfiles() {
     for (int number = 0; number < profiles; ++number) {
       all.push_back(profileNumber(number));
       layDown(all.back());
     }
+    own = below(profileOf("bob"));
+    for (const Profile& each : all) before[each.user] = below(profileOf(each.user));
+    result = run();
+    told = served();
+    for (const Profile& each : all) values[each.user] = valuesOf(each.user);
   }
   void layDown(const Profile& each) {
     if (each.kind == Kind::PlainFile) return file(profileOf(each.user), "a plain file");
@@ -463,57 +472,66 @@ class FiftyProfiles : public OtherUsers {
     return values;
   }
   Contents valuesOf(const std::string& user) {
-    Contents values;
+    Contents found;
     for (const auto& [path, text] : below(productOf(user))) {
-      values[path.substr(path.rfind('\\') + 1)] = text;
+      found[path.substr(path.rfind('\\') + 1)] = text;
     }
-    return values;
+    return found;
   }
 
   std::vector<Profile> all;
+  Contents own;                            ///< what the running user has, before the walk
+  std::map<std::string, Contents> before;  ///< what the others have, by their names
+  std::int16_t result = 0;
+  Lines told;
+  std::map<std::string, Contents> values;  ///< of the product's folders, behind the walk
+};
+
+class FiftyProfiles : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { walked = std::make_unique<WalkedProfiles>(); }
+  static void TearDownTestSuite() { walked.reset(); }
+
+  static inline std::unique_ptr<WalkedProfiles> walked;
 };
 
 TEST_F(FiftyProfiles, EachGetsWhatItsStateAsksFor) {
-  const Contents own = below(profileOf("bob"));
-  std::map<std::string, Contents> before;
-  for (const Profile& each : all) before[each.user] = below(profileOf(each.user));
-
-  EXPECT_EQ(run(), 0);
-
+  EXPECT_EQ(walked->result, 0);
   Lines names;
-  for (const Profile& each : all) {
-    EXPECT_EQ(valuesOf(each.user), expected(each)) << each.user;
-    EXPECT_FALSE(there(localOf(each.user) + "\\deneme_sil")) << each.user;
+  for (const Profile& each : walked->all) {
+    EXPECT_EQ(walked->values[each.user], walked->expected(each)) << each.user;
+    EXPECT_FALSE(walked->there(localOf(each.user) + "\\deneme_sil")) << each.user;
     if (each.served()) {
-      names.push_back(registering(each.user));
+      names.push_back(UsersOnAMachine::registering(each.user));
     } else {
-      EXPECT_EQ(below(profileOf(each.user)), before[each.user]) << each.user;
+      EXPECT_EQ(walked->below(profileOf(each.user)), walked->before[each.user]) << each.user;
     }
   }
   EXPECT_EQ(names.size(), 29u);
-  EXPECT_EQ(served(), names);
-  EXPECT_EQ(below(profileOf("bob")), own);
-  EXPECT_TRUE(person.boxes.empty());
-  expectPutBack();
+  EXPECT_EQ(walked->told, names);
+  EXPECT_EQ(walked->below(profileOf("bob")), walked->own);
+  EXPECT_TRUE(walked->person.boxes.empty());
+  walked->expectPutBack();
 }
 
 TEST_F(FiftyProfiles, LoseTheirAttributesWhereTheyCan) {
-  run();
-  for (const Profile& each : all) {
+  for (const Profile& each : walked->all) {
     if (each.kind != Kind::HiddenReadOnly && each.kind != Kind::Locked) continue;
     const std::uint32_t left = each.kind == Kind::Locked ? hiddenReadOnly : 0;
-    EXPECT_EQ(attributesOf(profileOf(each.user)) & hiddenReadOnly, left) << each.user;
-    EXPECT_EQ(attributesOf(localOf(each.user)) & hiddenReadOnly, left) << each.user;
+    for (const std::string& path : {profileOf(each.user), localOf(each.user)}) {
+      EXPECT_EQ(walked->attributesOf(path) & hiddenReadOnly, left) << path;
+    }
   }
 }
 
 TEST_F(FiftyProfiles, AreServedAgainByASecondWalkWithTheSameEnd) {
-  run();
-  std::map<std::string, Contents> first;
-  for (const Profile& each : all) first[each.user] = valuesOf(each.user);
-  run();
-  for (const Profile& each : all) EXPECT_EQ(valuesOf(each.user), first[each.user]) << each.user;
-  EXPECT_EQ(served().size(), 58u);
+  const std::size_t already = walked->served().size();
+  walked->run();
+  for (const Profile& each : walked->all) {
+    EXPECT_EQ(walked->valuesOf(each.user), walked->values[each.user]) << each.user;
+  }
+  EXPECT_EQ(walked->told.size(), 29u);
+  EXPECT_EQ(walked->served().size(), already + 29);
 }
 
 }  // namespace
