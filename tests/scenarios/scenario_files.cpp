@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
-#include "programs/zevsim/value_json.h"
 #include "scenario/common_names.h"
 #include "scenario/written_out.h"
 #include "simulated/put_text.h"
@@ -101,24 +101,35 @@ void shrinkFiles(simulated::Disks& disks, const Text& folder) {
   }
 }
 
-Json stateOf(simulated::SimulatedMachine& machine) {
+simulated::Value stateOf(simulated::SimulatedMachine& machine) {
   for (const char16_t letter : machine.disks().letters()) {
     const bool onHost = machine.disks().drive(letter)->host.has_value();
     if (!onHost) shrinkFiles(machine.disks(), Text{letter} + u":\\");
   }
-  return simulator::toJson(machine.state());
+  return machine.state();
 }
 
-void playInto(PlayedStory& story, const Json& document, const std::string& file) {
+void playInto(PlayedStory& story, const Json& document, const std::string& file, bool toState) {
   const auto scenario =
       scenario::parseScenario(document.dump(), (scenarioFolder() / file).parent_path());
   simulated::TranscriptLog log;
   simulator::SimulatedStage stage(scenario, simulator::makeSetupProgram, log);
   stage.perform();
   story.events = log.events();
-  story.state = stateOf(stage.machine());
+  if (toState) story.state = stateOf(stage.machine());
   const auto language = stage.program().global("gLanguage");
   story.language = std::get<std::int32_t>(language.value());
+}
+
+PlayedStory playStory(Json document, const std::string& file, bool toState) {
+  PlayedStory story;
+  try {
+    layPackage(document);
+    playInto(story, document, file, toState);
+  } catch (const scenario::ScenarioError& error) {
+    story.refusal = error.what();
+  }
+  return story;
 }
 
 }  // namespace
@@ -145,14 +156,11 @@ Json readStory(const std::string& file) {
 }
 
 PlayedStory play(Json document, const std::string& file) {
-  PlayedStory story;
-  try {
-    layPackage(document);
-    playInto(story, document, file);
-  } catch (const scenario::ScenarioError& error) {
-    story.refusal = error.what();
-  }
-  return story;
+  return playStory(std::move(document), file, false);
+}
+
+PlayedStory playToState(Json document, const std::string& file) {
+  return playStory(std::move(document), file, true);
 }
 
 }  // namespace zev
