@@ -1,6 +1,7 @@
 #include "scenarios/box_patterns.h"
 
 #include <map>
+#include <unordered_map>
 
 #include "localisation/catalogue.h"
 #include "support/table.h"
@@ -121,14 +122,27 @@ std::vector<BoxPattern> collectInputs() {
   return patterns;
 }
 
-}  // namespace
-
-std::string translated(const std::string& english, int language) {
+std::string lookUp(const std::string& english, int language) {
   static const std::map<Text, std::size_t> index = indexKeys();
   const auto found = index.find(lowerCase(fromUtf8(english)));
   if (language == 0 || found == index.end()) return english;
   const Text translation = phraseTranslation(found->second, language);
   return trim(translation).empty() ? english : toUtf8(translation);
+}
+
+/// A piece that is not variable.
+const std::string& fixedText(const Piece& piece, int language) {
+  return piece.kind == Kind::Translated ? translated(piece.text, language) : piece.text;
+}
+
+}  // namespace
+
+const std::string& translated(const std::string& english, int language) {
+  static std::map<int, std::unordered_map<std::string, std::string>> known;
+  auto& texts = known[language];
+  const auto found = texts.find(english);
+  if (found != texts.end()) return found->second;
+  return texts.emplace(english, lookUp(english, language)).first->second;
 }
 
 // ---- joined texts
@@ -137,9 +151,7 @@ std::string JoinedText::in(int language, const std::vector<std::string>& variabl
   std::string text;
   std::size_t variable = 0;
   for (const Piece& piece : pieces_) {
-    if (piece.kind == Kind::Translated) text += translated(piece.text, language);
-    if (piece.kind == Kind::Literal) text += piece.text;
-    if (piece.kind == Kind::Variable) text += variables.at(variable++);
+    text += piece.kind == Kind::Variable ? variables.at(variable++) : fixedText(piece, language);
   }
   return text;
 }
@@ -156,7 +168,7 @@ bool JoinedText::matchFrom(std::size_t piece, const std::string& text, std::size
                            int language, std::vector<std::string>& variables) const {
   if (piece == pieces_.size()) return place == text.size();
   if (pieces_[piece].kind != Kind::Variable) {
-    const std::string fixed = JoinedText({pieces_[piece]}).in(language, {});
+    const std::string& fixed = fixedText(pieces_[piece], language);
     return text.compare(place, fixed.size(), fixed) == 0 &&
            matchFrom(piece + 1, text, place + fixed.size(), language, variables);
   }

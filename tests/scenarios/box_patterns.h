@@ -10,8 +10,9 @@
 namespace zev {
 
 /// A text in a language by the table of phrases: the first row whose key reads so, letter case
-/// aside. A text without a row, or a row without a translation, stays English.
-std::string translated(const std::string& english, int language);
+/// aside. A text without a row, or a row without a translation, stays English. It stays where it is
+/// as long as the process lives.
+const std::string& translated(const std::string& english, int language);
 
 /// One piece of a text that is joined of several.
 struct Piece {

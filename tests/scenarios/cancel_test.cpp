@@ -5,9 +5,14 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <set>
 
+#include "programs/zevsim/setup_program.h"
+#include "programs/zevsim/simulated_stage.h"
+#include "scenario/finding.h"
 #include "scenarios/box_patterns.h"
+#include "scenarios/branches.h"
 #include "scenarios/whole_run.h"
 
 namespace zev {
@@ -15,16 +20,49 @@ namespace {
 
 using simulated::Event;
 
-std::string cancelAt(std::size_t pass, const std::string& answer) {
-  return R"({"script": [{"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"},
-             {"answer": [")" +
-         answer + R"("]}, {"at": {"yield": )" + std::to_string(pass) +
-         R"(}, "do": [{"click": "Command3"}]}, {"click": "Command2"}]})";
+/// The run with an expectation at each of its passes: there a copy of the process can branch.
+std::string runByPasses() {
+  std::string at;
+  for (std::size_t pass = 1; pass <= passesOfARun; ++pass) {
+    at += R"({"at": {"yield": )" + std::to_string(pass) +
+          R"(}, "do": [{"expect": {"ended": null}}]},)";
+  }
+  return R"({"script": [{"click": "Command2"}, {"click": "Option1"}, {"click": "Command2"},)" + at +
+         R"({"click": "Command2"}]})";
 }
 
+/// A person who presses Cancel at any pass of a run, each time in a copy of it, and confirms it.
+class Canceller final : public scenario::Audience {
+ public:
+  explicit Canceller(Branches& branches) : branches_(branches) {}
+
+  void judged(const scenario::KeyedValue&, const scenario::Verdict*) override {
+    ++pass_;
+    if (cancels_) return;
+    cancels_ = branches_.branch("pass " + std::to_string(pass_));
+    if (!cancels_) return;
+    cancelledAt_ = pass_;
+    const auto cancel = scenario::controlOf({{"Form1", "Command3"}}, *stage, "$");
+    stage->click(*cancel);
+  }
+  std::optional<scenario::Answer> answer(const scenario::Box&) override {
+    return scenario::Answer{"yes", std::nullopt, "$"};
+  }
+
+  std::size_t passes() const { return pass_; }
+  std::string name() const { return "pass " + std::to_string(cancelledAt_); }
+
+  simulator::SimulatedStage* stage = nullptr;  ///< that the person stands at
+
+ private:
+  Branches& branches_;
+  bool cancels_ = false;
+  std::size_t pass_ = 0;
+  std::size_t cancelledAt_ = 0;
+};
+
 /// The events behind the first box.
-std::vector<Event> behindTheBox(const WholeRun& run) {
-  const std::vector<Event>& all = run.events();
+std::vector<Event> behindTheBox(const std::vector<Event>& all) {
   const auto box = std::find_if(all.begin(), all.end(),
                                 [](const Event& each) { return each["event"] == "box"; });
   return box == all.end() ? std::vector<Event>() : std::vector<Event>(box + 1, all.end());
@@ -43,19 +81,36 @@ TEST(CancelInTheRun, ARunMakesSoManyPasses) {
   EXPECT_EQ(whole.passes() - start.passes(), passesOfARun);
 }
 
+void expectCancelled(simulator::SimulatedStage& stage, const simulated::TranscriptLog& log) {
+  const std::vector<Event> boxes = log.of("box");
+  ASSERT_EQ(boxes.size(), 1u);
+  EXPECT_EQ(boxes[0]["text"], "Do you want to cancel the installation?");
+  EXPECT_EQ(boxes[0]["style"], 4388);
+  EXPECT_EQ(stage.ended(), "unload");
+  const std::vector<Event> behind = behindTheBox(log.events());
+  EXPECT_TRUE(std::none_of(behind.begin(), behind.end(), writesSomething));
+  const auto& disks = stage.machine().disks();
+  EXPECT_FALSE(disks.find(u"C:\\Users\\bob\\AppData\\Local\\Temp\\ZEVTMP").has_value());
+}
+
 TEST(CancelInTheRun, ConfirmedAtAnyPassEndsTheProgramThereAndThen) {
-  for (std::size_t pass = 1; pass <= passesOfARun; ++pass) {
-    SCOPED_TRACE("pass " + std::to_string(pass));
-    WholeRun run(cancelAt(pass, "yes"));
-    ASSERT_EQ(run.events("box").size(), 1u);
-    EXPECT_EQ(run.events("box")[0]["text"], "Do you want to cancel the installation?");
-    EXPECT_EQ(run.events("box")[0]["style"], 4388);
-    EXPECT_EQ(run.ended(), "unload");
-    const std::vector<Event> behind = behindTheBox(run);
-    EXPECT_TRUE(std::none_of(behind.begin(), behind.end(), writesSomething));
-    const auto& disks = run.machine().disks();
-    EXPECT_FALSE(disks.find(u"C:\\Users\\bob\\AppData\\Local\\Temp\\ZEVTMP").has_value());
-  }
+  Branches branches;
+  Canceller person(branches);
+  scenario::Scenario scenario = scenario::parseScenario(runByPasses());
+  scenario.package.file = ZEV_PACKAGE;
+  simulated::TranscriptLog log;
+  simulator::SimulatedStage stage(scenario, simulator::makeSetupProgram, log);
+  person.stage = &stage;
+  const auto judge = [&] {
+    SCOPED_TRACE(person.name());
+    expectCancelled(stage, log);
+    return Branches::Told{person.name()};
+  };
+  std::size_t cancelled = 0;
+  branches.play([&] { stage.perform({&person}); }, judge,
+                [&](const Branches::Told&) { ++cancelled; });
+  EXPECT_EQ(person.passes(), passesOfARun);
+  EXPECT_EQ(cancelled, passesOfARun);
 }
 
 TEST(CancelInTheRun, RefusedAtEveryPassChangesNothing) {

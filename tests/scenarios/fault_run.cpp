@@ -1,8 +1,11 @@
 #include "scenarios/fault_run.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 #include "platform/file_system.h"
 #include "programs/zevsim/setup_program.h"
@@ -60,6 +63,13 @@ std::string stepsInto(const std::string& directory) {
          directory + R"("]}, {"click": "Command2"})";
 }
 
+/// The number that a fault has for a call, also where any will do.
+int injectedCode(const Call& call) {
+  constexpr int anyNumber = 1;
+  const int code = codeOf(call.operation);
+  return code == none ? anyNumber : code;
+}
+
 }  // namespace
 
 bool isAmong(const std::string& name, const std::string& list) {
@@ -77,10 +87,8 @@ const std::string profileVersion = R"({"platform": 2, "major": 6, "minor": 1})";
 const std::string registryVersion = R"({"platform": 2, "major": 5, "minor": 1, "build": 2600})";
 
 std::string faultOf(const Call& call) {
-  constexpr int anyNumber = 1;
-  const int code = codeOf(call.operation);
   return R"({"call": ")" + call.operation + R"(", "nth": )" + std::to_string(call.nth) +
-         R"(, "error": )" + std::to_string(code == none ? anyNumber : code) + "}";
+         R"(, "error": )" + std::to_string(injectedCode(call)) + "}";
 }
 
 // ---- the person
@@ -96,10 +104,19 @@ std::optional<scenario::Step> Leaver::goOn() {
 
 // ---- the onlooker
 
+void Onlooker::pauseAt(std::set<std::size_t> places, std::function<void(std::size_t place)> what) {
+  places_ = std::move(places);
+  pause_ = std::move(what);
+  reach(events.size());
+}
+
 void Onlooker::add(simulated::Event event) {
   events.push_back(std::move(event));
-  if (places_.erase(events.size()) == 0) return;
-  snapshots[events.size()] = snapshotOf(*machine_, longestFile);
+  reach(events.size());
+}
+
+void Onlooker::reach(std::size_t place) {
+  if (places_.erase(place) != 0) pause_(place);
 }
 
 std::vector<simulated::Event> Onlooker::boxes() const {
@@ -112,7 +129,7 @@ std::vector<simulated::Event> Onlooker::boxes() const {
 // ---- the run
 
 FaultRun::FaultRun(const std::string& version, const std::string& faults, bool withCalls,
-                   const std::vector<std::size_t>& places, const std::string& directory)
+                   const Pauses& pauses, const std::string& directory)
     : closes(faults.find(R"("Close")") == std::string::npos),
       scenario(scenario::parseScenario("{" + machineOf(version, faults) + R"(, "script": [)" +
                                        stepsInto(directory) + "]}")),
@@ -120,8 +137,16 @@ FaultRun::FaultRun(const std::string& version, const std::string& faults, bool w
       stage(scenario, simulator::makeSetupProgram, log) {
   person.stage = &stage;
   laySmallPackage(machine());
-  log.lookAt(machine(), places);
+  log.pauseAt(pauses.places, [&](std::size_t place) { pauses.what(*this, place); });
   stage.perform({&person});
+}
+
+void FaultRun::fail(const Call& call) {
+  const std::uint64_t made = machine().calls(call.operation);
+  EXPECT_EQ(made + 1, call.nth) << "it is not the next call";
+  machine().setFaults({{.call = call.operation, .nth = 1, .code = injectedCode(call)}});
+  closes = call.operation != "Close";
+  log.leaveCallsOut();
 }
 
 /// Files stay open if closing them fails; and the run's trap closes nothing, so that UserF.dat does

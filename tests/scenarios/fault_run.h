@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -60,15 +60,17 @@ class Leaver final : public scenario::Audience {
 /// Bytes of the longest file that is laid; the packed ones are longer.
 inline constexpr std::uint64_t longestFile = 1000;
 
-/// All that happens on a machine, and what it keeps at some places of that.
+/// All that happens on a machine.
 class Onlooker final : public simulated::Transcript {
  public:
   explicit Onlooker(bool withCalls) : withCalls_(withCalls) {}
 
-  /// What the machine is like in front of these events, in ascending order, is kept.
-  void lookAt(const simulated::SimulatedMachine& machine, std::vector<std::size_t> places) {
-    machine_ = &machine;
-    places_ = {places.begin(), places.end()};
+  /// In front of these events something is done, which gets their place.
+  void pauseAt(std::set<std::size_t> places, std::function<void(std::size_t place)> what);
+  /// From here on no call is told of, and nothing is done in front of events.
+  void leaveCallsOut() {
+    withCalls_ = false;
+    places_.clear();
   }
 
   bool wants(std::string_view kind) const override {
@@ -78,20 +80,31 @@ class Onlooker final : public simulated::Transcript {
   std::vector<simulated::Event> boxes() const;
 
   std::vector<simulated::Event> events;
-  std::map<std::size_t, Snapshot> snapshots;
 
  private:
+  void reach(std::size_t place);
+
   bool withCalls_;
-  const simulated::SimulatedMachine* machine_ = nullptr;
   std::set<std::size_t> places_;
+  std::function<void(std::size_t place)> pause_;
+};
+
+struct FaultRun;
+
+/// Where in a run's events, its calls among them, it stands still, and what is done there.
+struct Pauses {
+  std::set<std::size_t> places{};
+  std::function<void(FaultRun& run, std::size_t place)> what{};
 };
 
 /// One run on a machine, to its very end.
 struct FaultRun {
-  /// With calls the onlooker is told of every one, and keeps what there is at these places. A
-  /// directory is typed on its page.
+  /// With calls the onlooker is told of every one. A directory is typed on its page.
   FaultRun(const std::string& version, const std::string& faults, bool withCalls = false,
-           const std::vector<std::size_t>& places = {}, const std::string& directory = {});
+           const Pauses& pauses = {}, const std::string& directory = {});
+
+  /// In front of a call, the next one of its operation: it will fail, and no calls are told of.
+  void fail(const Call& call);
 
   /// What the machine keeps, but for what the program has still open at its end.
   Snapshot left();

@@ -9,10 +9,11 @@
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <set>
+#include <memory>
 #include <sstream>
 
 #include "package/manifest.h"
+#include "scenarios/branches.h"
 #include "scenarios/call_trace.h"
 #include "scenarios/fault_ends.h"
 #include "scenarios/fault_run.h"
@@ -311,6 +312,9 @@ std::string beginningOf(const ToldBox& box) {
   return line.size() <= shown ? line : line.substr(0, shown) + "...";
 }
 
+/// As a scenario writes it.
+const std::string programFiles = R"(C:\\Program Files)";
+
 /// What runs without failures leave, by version of the machine and directory.
 const Snapshot& cleanOf(const std::string& version, const std::string& directory) {
   static std::map<std::string, Snapshot> all;
@@ -319,48 +323,102 @@ const Snapshot& cleanOf(const std::string& version, const std::string& directory
   return clean;
 }
 
-/// What a machine keeps in front of the calls that are failed.
-const Snapshot& beforeOf(const std::string& version, const Call& call) {
-  static std::map<std::string, std::map<std::size_t, Snapshot>> all;
-  auto& snapshots = all[version];
-  if (snapshots.empty()) {
-    std::vector<std::size_t> places;
-    for (const Call& each : callsOf(version)) {
-      if (looksBack(each)) places.push_back(each.begin);
-    }
-    FaultRun run(version, "", true, places);
-    snapshots = std::move(run.log.snapshots);
-  }
-  static const Snapshot notNeeded;
-  return looksBack(call) ? snapshots.at(call.begin) : notNeeded;
-}
+/// A call that fails, what it has to lead to, and what the machine kept in front of it.
+struct Failing {
+  const Call* call = nullptr;
+  Rule rule{};
+  std::vector<ToldBox> boxes{};
+  Snapshot before{};
+};
 
 /// All that is left is what has to be, each file where it has to lie.
-void expectEnd(FaultRun& run, const std::string& version, const Call& call, Outcome outcome) {
+void expectEnd(FaultRun& run, const std::string& version, const Failing& failing) {
   const Known known = {cleanOf(version, ""), cleanOf(registryVersion, ""),
-                       cleanOf(version, "C:\\\\Program Files"), beforeOf(version, call)};
+                       cleanOf(version, programFiles), failing.before};
+  const Outcome outcome = failing.rule.outcome;
   const bool goesOn = outcome == Finished || outcome == Outcome::Fallback;
-  const Snapshot expected = goesOn ? leftBehind(call, known) : leftBehindAStop(known);
+  const Snapshot expected = goesOn ? leftBehind(*failing.call, known) : leftBehindAStop(known);
   EXPECT_EQ(differences(run.left(), expected), std::vector<std::string>());
 }
 
-void failOne(const std::string& version, const Call& call, TallyTable& table) {
-  const Rule rule = ruleOf(call);
-  FaultRun run(version, faultOf(call));
+std::string nameOf(const Call& call) {
+  return faultOf(call) + " in " + nameOf(call.phase) + ", row " + std::to_string(call.row) + ", " +
+         call.path;
+}
+
+/// Tells the outcome and the beginnings of the boxes.
+Branches::Told judge(FaultRun& run, const std::string& version, const Failing& failing) {
+  const Call& call = *failing.call;
+  SCOPED_TRACE(nameOf(call));
   const std::vector<ToldBox> boxes = shownBoxes(run.log.boxes());
   const Outcome outcome = outcomeOf(run);
-  EXPECT_EQ(boxes, expectedBoxes(call, rule));
+  EXPECT_EQ(boxes, failing.boxes);
   EXPECT_STREQ(outcomeNames[static_cast<int>(outcome)],
-               outcomeNames[static_cast<int>(rule.outcome)]);
+               outcomeNames[static_cast<int>(failing.rule.outcome)]);
   EXPECT_EQ(run.ended(), outcome == Outcome::OnTheSpot ? "exit" : "unload");
   EXPECT_EQ(temporaryOf(run), expectedTemporary(call));
   EXPECT_GE(run.machine().calls(call.operation), call.nth) << "the fault struck nothing";
-  expectEnd(run, version, call, rule.outcome);
-  Tally& tally = table[{call.operation, call.phase}];
-  ++tally.calls;
-  ++tally.outcomes[outcomeNames[static_cast<int>(outcome)]];
-  for (const ToldBox& box : boxes) ++tally.boxes[beginningOf(box)];
+  expectEnd(run, version, failing);
+  Branches::Told told = {outcomeNames[static_cast<int>(outcome)]};
+  for (const ToldBox& box : boxes) told.push_back(beginningOf(box));
+  return told;
 }
+
+void count(const Branches::Told& told, Tally& tally) {
+  ++tally.calls;
+  ++tally.outcomes[told.front()];
+  for (std::size_t box = 1; box < told.size(); ++box) ++tally.boxes[told[box]];
+}
+
+/// Each of some calls fails once: in front of it a run without failures branches.
+class FailedCalls {
+ public:
+  FailedCalls(const std::string& version, const std::vector<const Call*>& calls)
+      : version_(version) {
+    for (const Call* call : calls) calls_[call->begin] = call;
+  }
+
+  void play(TallyTable& table) {
+    playCleanRuns();
+    std::unique_ptr<FaultRun> run;
+    branches_.play([&] { run = std::make_unique<FaultRun>(version_, "", true, pauses()); },
+                   [&] { return judge(*run, version_, failing_); },
+                   [&](const Branches::Told& told) {
+                     count(told, table[{failing_.call->operation, failing_.call->phase}]);
+                   });
+    EXPECT_EQ(branched_, calls_.size()) << "a run without failures comes not to all of the calls";
+  }
+
+ private:
+  /// Once, and not in every copy.
+  void playCleanRuns() const {
+    cleanOf(version_, "");
+    cleanOf(registryVersion, "");
+    cleanOf(version_, programFiles);
+  }
+
+  Pauses pauses() {
+    Pauses pauses{.what = [this](FaultRun& run, std::size_t place) { branch(run, place); }};
+    for (const auto& [place, call] : calls_) pauses.places.insert(place);
+    return pauses;
+  }
+
+  void branch(FaultRun& run, std::size_t place) {
+    ++branched_;
+    const Call& call = *calls_.at(place);
+    const Rule rule = ruleOf(call);
+    failing_ = {&call, rule, expectedBoxes(call, rule)};
+    if (!branches_.branch(nameOf(call))) return;
+    if (looksBack(call)) failing_.before = snapshotOf(run.machine(), longestFile);
+    run.fail(call);
+  }
+
+  const std::string version_;
+  std::map<std::size_t, const Call*> calls_;  ///< by where what happens at them begins
+  Branches branches_;
+  Failing failing_;
+  std::size_t branched_ = 0;
+};
 
 std::string joined(const std::map<std::string, std::size_t>& counts) {
   std::string text;
@@ -390,14 +448,13 @@ void print(const TallyTable& table, const std::string& name) {
 class FaultsOnWindows7 : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(FaultsOnWindows7, EachCallLeadsToWhatIsTold) {
-  const std::vector<Call>& calls = callsOf(profileVersion);
-  TallyTable table;
-  for (std::size_t place = GetParam(); place < calls.size(); place += faultShards * everyCall) {
-    const Call& call = calls[place];
-    SCOPED_TRACE(faultOf(call) + " in " + nameOf(call.phase) + ", row " + std::to_string(call.row) +
-                 ", " + call.path);
-    failOne(profileVersion, call, table);
+  const std::vector<Call>& all = callsOf(profileVersion);
+  std::vector<const Call*> calls;
+  for (std::size_t place = GetParam(); place < all.size(); place += faultShards * everyCall) {
+    calls.push_back(&all[place]);
   }
+  TallyTable table;
+  FailedCalls(profileVersion, calls).play(table);
   print(table, "windows-7-" + std::to_string(GetParam()));
 }
 
@@ -413,15 +470,13 @@ bool differs(const Call& call) {
 }
 
 TEST(FaultsOnWindowsXp, EachCallOfItsOwnLeadsToWhatIsTold) {
-  const std::vector<Call>& calls = callsOf(registryVersion);
-  TallyTable table;
+  std::vector<const Call*> calls;
   std::size_t place = 0;
-  for (const Call& call : calls) {
-    if (!differs(call) || place++ % everyCall != 0) continue;
-    SCOPED_TRACE(faultOf(call) + " in " + nameOf(call.phase) + ", row " + std::to_string(call.row) +
-                 ", " + call.path);
-    failOne(registryVersion, call, table);
+  for (const Call& call : callsOf(registryVersion)) {
+    if (differs(call) && place++ % everyCall == 0) calls.push_back(&call);
   }
+  TallyTable table;
+  FailedCalls(registryVersion, calls).play(table);
   print(table, "windows-xp");
 }
 

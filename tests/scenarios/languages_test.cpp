@@ -309,13 +309,13 @@ class Carrying {
  private:
   void carry(const std::string& file) {
     const Json document = readStory(file);
-    const PlayedStory english = play(document, file);
+    const PlayedStory english = playToState(document, file);
     if (const std::string reason = reasonToLeave(document, english); !reason.empty()) {
       std::cout << "left out: " << file << ": " << reason << "\n";
       return;
     }
     for (const int language : languagesFor_(carried_++)) {
-      const PlayedStory other = play(storyIn(language, document), file);
+      const PlayedStory other = playToState(storyIn(language, document), file);
       EXPECT_EQ(other.refusal, "") << file << " in language " << language;
       Comparison comparison(english, other, language);
       EXPECT_EQ(comparison.difference(), "") << file << " in language " << language;

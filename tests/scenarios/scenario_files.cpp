@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "package/manifest.h"
 #include "programs/zevsim/setup_program.h"
@@ -107,7 +108,7 @@ void shrinkFiles(simulated::Disks& disks, const Text& folder) {
   }
 }
 
-Json stateOf(simulated::SimulatedMachine& machine) {
+simulated::Value stateOf(simulated::SimulatedMachine& machine) {
   for (const char16_t letter : machine.disks().letters()) {
     const bool onHost = machine.disks().drive(letter)->host.has_value();
     if (!onHost) shrinkFiles(machine.disks(), Text{letter} + u":\\");
@@ -115,16 +116,27 @@ Json stateOf(simulated::SimulatedMachine& machine) {
   return machine.state();
 }
 
-void playInto(PlayedStory& story, const Json& document, const std::string& file) {
+void playInto(PlayedStory& story, const Json& document, const std::string& file, bool toState) {
   const auto scenario =
       scenario::parseScenario(document.dump(), (scenarioFolder() / file).parent_path());
   simulated::TranscriptLog log;
   simulator::SimulatedStage stage(scenario, simulator::makeSetupProgram, log);
   stage.perform();
   story.events = log.events();
-  story.state = stateOf(stage.machine());
+  if (toState) story.state = stateOf(stage.machine());
   const auto language = stage.program().global("gLanguage");
   story.language = std::get<std::int32_t>(language.value());
+}
+
+PlayedStory playStory(Json document, const std::string& file, bool toState) {
+  PlayedStory story;
+  try {
+    layPackage(document);
+    playInto(story, document, file, toState);
+  } catch (const scenario::ScenarioError& error) {
+    story.refusal = error.what();
+  }
+  return story;
 }
 
 }  // namespace
@@ -151,14 +163,11 @@ Json readStory(const std::string& file) {
 }
 
 PlayedStory play(Json document, const std::string& file) {
-  PlayedStory story;
-  try {
-    layPackage(document);
-    playInto(story, document, file);
-  } catch (const scenario::ScenarioError& error) {
-    story.refusal = error.what();
-  }
-  return story;
+  return playStory(std::move(document), file, false);
+}
+
+PlayedStory playToState(Json document, const std::string& file) {
+  return playStory(std::move(document), file, true);
 }
 
 }  // namespace zev

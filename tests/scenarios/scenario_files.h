@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,13 +24,16 @@ void forEachSteps(scenario::Json& document, const std::function<void(scenario::J
 /// All that happened when a document was played.
 struct PlayedStory {
   std::vector<simulated::Event> events;
-  scenario::Json state;
-  std::int32_t language = 0;  ///< that the program ended with
-  std::string refusal;        ///< why the document cannot be played; empty if it was
+  std::optional<simulated::Value> state;  ///< of its machine in the end; none where nobody asked
+  std::int32_t language = 0;              ///< that the program ended with
+  std::string refusal;                    ///< why the document cannot be played; empty if it was
 };
 
 /// Plays a document of a file, with a package of zeros in place of one of which the length alone is
 /// said: its members are laid as they are, which is faster and changes nothing of what is shown.
 PlayedStory play(scenario::Json document, const std::string& file);
+
+/// The same for who looks at the machine's state too.
+PlayedStory playToState(scenario::Json document, const std::string& file);
 
 }  // namespace zev
