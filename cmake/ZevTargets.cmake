@@ -112,9 +112,9 @@ endfunction()
 
 # A room of the house: a static library of a folder under src/, linked with exactly the rooms that it
 # may know. Headers are included by their path from src/. Rooms are of three kinds: FAST ones work on
-# bytes, TOOL ones are no part of the setup program. HOT are the sources of the others that a whole run spends its
-# time in: a build that plays many compiles them as it does those of FAST rooms (ZEV_HOT). Sources that
-# not every program with the room is to have stand APART.
+# bytes, TOOL ones are no part of the setup program. HOT are the sources of the others that a whole run
+# spends its time in: a build that plays many compiles them as it does those of FAST rooms (ZEV_HOT).
+# Sources that not every program with the room is to have stand APART.
 function(zev_room name)
   cmake_parse_arguments(ROOM "FAST;TOOL" "" "SOURCES;HOT;APART;KNOWS" ${ARGN})
   set(kind room)

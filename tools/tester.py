@@ -27,12 +27,13 @@ LOGS = BUILD / "logs"
 FLOORS = ROOT / "tests" / "floors.json"
 DURATIONS = BUILD / "durations.json"
 
-# A stage: its preset, what it is called, and what it builds besides its suites' programs.
+# A stage: its preset, what it is called, and what it builds besides its suites' programs. Suites under
+# Wine wait a lot, so their stage comes early: others work meanwhile.
 Stage = collections.namedtuple("Stage", "preset title also only_all")
 STAGES = [
     Stage("run", "programs and package", ["zevpack", "zevsim", "sample_package"], False),
-    Stage("check", "suites under sanitizers", [], False),
     Stage("windows-x86", "program for Windows", [], False),
+    Stage("check", "suites under sanitizers", [], False),
     Stage("linux-x86", "routing code on 32-bit x86", [], False),
     Stage("windows-x64", "program for 64-bit Windows", [], True),
     Stage("release", "each file by itself, and benchmarks", ["all"], True),
@@ -614,22 +615,28 @@ class Tester:
             each.start()
         teller = threading.Thread(target=self.progress, daemon=True)
         teller.start()
-        wine = None
+        wine = threading.Thread(target=self.make_wine, daemon=True)
         if any(stage.preset.startswith("windows") for stage in self.stages):
-            wine = threading.Thread(target=self.make_wine, daemon=True)
             wine.start()
+        for_wine = []  # suites that wait for it
         try:
             for stage in self.stages:
                 suites = self.build(stage)
-                if wine and stage.preset.startswith("windows"):
-                    while wine.is_alive():
-                        wine.join(0.5)
                 if suites is None:
                     self.failed_stages.add(stage.preset)
                     suites = []
                 self.stages_built += 1
                 ran += suites
-                self.add(suites)
+                if stage.preset.startswith("windows"):
+                    for_wine += suites
+                else:
+                    self.add(suites)
+                if not wine.is_alive():
+                    self.add(for_wine)
+                    for_wine = []
+            while wine.is_alive():
+                wine.join(0.5)
+            self.add(for_wine)
             self.building = ""
             self.built = True
             for each in workers:
