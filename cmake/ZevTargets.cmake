@@ -24,7 +24,7 @@ endif()
 # Files of a target are compiled together, so many at once, and headers that many include are compiled
 # once. Names without a namespace of their own must then differ within a room. Off, each file is
 # compiled by itself, which shows that it includes what it needs.
-set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or or of TESTS alone")
+set(ZEV_FEW_UNITS ON CACHE STRING "Compile files in few units: ON, OFF, or of TESTS, of TOOL, or both")
 option(ZEV_WING "Compile the rooms of the common kind together, as one unit")
 option(ZEV_HOT "Compile what a whole run spends its time in as code of the fast kind")
 set(ZEV_UNIT_FILES 16 CACHE STRING "How many files of a room are then compiled together")
