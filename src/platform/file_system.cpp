@@ -18,7 +18,6 @@ constexpr TextView devices[] = {
 
 bool isDeviceName(TextView name) {
   const TextView stem = rtrim(name.substr(0, name.find(u'.')));
-  if (stem.size() < 3 || stem.size() > 4) return false;  // as most names are
   return std::any_of(std::begin(devices), std::end(devices),
                      [&](TextView device) { return equalText(stem, device); });
 }
