@@ -158,17 +158,25 @@ endfunction()
 
 set(zev_gtest_source /usr/src/googletest)
 
-# The test library of a system other than the host's: it comes as source and is built along, without
-# the project's warnings.
+# The test library of a system other than the host's: it comes as source and is built along, as one
+# unit with its main program, and without the project's warnings.
 function(zev_build_gtest)
-  set(INSTALL_GTEST OFF)
-  add_subdirectory(${zev_gtest_source} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
-  foreach(target gtest gtest_main gmock gmock_main)
-    target_compile_options(${target} PRIVATE -w -O0)
+  add_library(zev_gtest STATIC EXCLUDE_FROM_ALL
+    ${zev_gtest_source}/googletest/src/gtest-all.cc
+    ${zev_gtest_source}/googlemock/src/gmock-all.cc
+    ${zev_gtest_source}/googlemock/src/gmock_main.cc)
+  set_target_properties(zev_gtest PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+  foreach(part googletest googlemock)
+    target_include_directories(zev_gtest SYSTEM PUBLIC ${zev_gtest_source}/${part}/include)
+    target_include_directories(zev_gtest PRIVATE ${zev_gtest_source}/${part})
   endforeach()
+  target_compile_options(zev_gtest PRIVATE -w -O0)
   if(WIN32)
     zev_gtest_without_threads()
   endif()
+  foreach(name gtest gmock gtest_main)
+    add_library(GTest::${name} ALIAS zev_gtest)
+  endforeach()
 endfunction()
 
 # The compiler for Windows has no threads of the standard library. Death tests, which no test here is,
@@ -177,10 +185,8 @@ function(zev_gtest_without_threads)
   set(header ${PROJECT_BINARY_DIR}/googletest/no_death_tests.h)
   file(CONFIGURE OUTPUT ${header} CONTENT
     "#include <gtest/internal/gtest-port.h>\n#undef GTEST_HAS_DEATH_TEST\n")
-  foreach(target gtest gtest_main gmock gmock_main)
-    target_compile_definitions(${target} PUBLIC GTEST_IS_THREADSAFE=0)
-    target_compile_options(${target} PRIVATE -include ${header})
-  endforeach()
+  target_compile_definitions(zev_gtest PUBLIC GTEST_IS_THREADSAFE=0)
+  target_compile_options(zev_gtest PRIVATE -include ${header})
 endfunction()
 
 # Tests are code of a kind too, in smaller units: what stands in their files is alike.
