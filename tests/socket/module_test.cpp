@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "runtime/error.h"
 #include "simulated/network/simulated_kernel.h"
 #include "simulated/network/simulated_network.h"
 #include "simulated/network/simulated_sockets.h"
 #include "socket/event_socket.h"
+#include "socket/socket_fixture.h"
 #include "socket/targets.h"
 #include "socket/watched_services.h"
 #include "support/fake_dialogs.h"
@@ -19,17 +19,6 @@ using testing::IsEmpty;
 
 using Lines = std::vector<std::string>;
 using Arguments = Target::Arguments;
-
-/// What an action raises, as in "7 modEventSocket.RegisterSocket: Out of memory".
-std::string raised(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const RuntimeError& error) {
-    return std::to_string(error.number()) + ' ' + toUtf8(error.source()) + ": " +
-           toUtf8(error.description());
-  }
-  return "nothing";
-}
 
 class ModuleTest : public testing::Test {
  protected:
