@@ -26,10 +26,10 @@ as_root() {
 
 # Installs those of the named packages that are missing; quiet unless it fails.
 install_packages() {
-  local missing=() package log
+  local missing=() installed package log
+  installed=" $(dpkg-query -W -f '${Package}=${db:Status-Status} ' "$@" 2>/dev/null)" || true
   for package in "$@"; do
-    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
-      missing+=("$package")
+    [[ $installed == *" $package=installed "* ]] || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return 0
   echo "Installing ${missing[*]}"
