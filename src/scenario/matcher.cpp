@@ -98,7 +98,7 @@ void checkMatcher(const JsonReader& expected) {
 }
 
 void checkNumbers(const JsonReader& expected, std::int64_t least, std::int64_t most) {
-  if ((expected.json().isNumber() || expected.json().isFraction())) expected.whole(least, most);
+  if (expected.json().isNumber() || expected.json().isFraction()) expected.whole(least, most);
   if (expected.json().isList()) {
     for (const JsonReader& each : expected.elements()) checkNumbers(each, least, most);
   }

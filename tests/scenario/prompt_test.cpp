@@ -39,6 +39,9 @@ TEST(Prompt, TakesTheVerbsOfAScript) {
   EXPECT_EQ(stepOf("answer text New one"), R"({"answer":[{"text":"New one"}]})");
   EXPECT_EQ(stepOf("set global.gLanguage 2"), R"({"set":{"global.gLanguage":2}})");
   EXPECT_EQ(stepOf("set Form1.Caption Toy two"), R"({"set":{"Form1.Caption":"Toy two"}})");
+  // No document goes so deep.
+  const std::string deep = std::string(200, '[') + std::string(200, ']');
+  EXPECT_EQ(stepOf("set Form1.Caption " + deep), R"({"set":{"Form1.Caption":")" + deep + R"("}})");
   EXPECT_EQ(stepOf("restart"), R"({"restart":true})");
   EXPECT_EQ(stepOf(R"(change {"user": "eve"})"), R"({"change":{"user":"eve"}})");
 }

@@ -28,8 +28,8 @@ Json jsonOf(std::string_view text) {
 /// A value as it is typed: in JSON if it is some, and else a text.
 Json valueOf(std::string_view text) {
   try {
-    return json::parse(text);
-  } catch (const std::runtime_error&) {
+    return scenario::parseJson(text);
+  } catch (const scenario::ScenarioError&) {
     return text;
   }
 }
